@@ -1,0 +1,27 @@
+# SPDX-License-Identifier: MIT
+# Flags that hold for every target of this tree. Hidden visibility and position independent code are global, because one
+# object compiled without them would leak symbols from the plug-in; all the rest hangs on interface targets.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+add_library(project_warnings INTERFACE)
+target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(OFP_WARNINGS_AS_ERRORS)
+    target_compile_options(project_warnings INTERFACE -Werror)
+endif()
+
+# Everything is built with the sanitizers, or their run-time would see half of the program.
+if(OFP_SANITIZE)
+    add_compile_options(-fsanitize=${OFP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${OFP_SANITIZE})
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
+endif()

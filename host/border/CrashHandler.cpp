@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "border/CrashHandler.h"
+
+#include "border/HostError.h"
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <exception>
+
+#include <signal.h>
+#include <unistd.h>
+
+namespace {
+
+// A stack overflow leaves no room for its own handler, so that runs on this stack.
+alignas(std::max_align_t) std::array<char, 65536> signalStack;
+
+[[noreturn]] void endCrashed(const char* message)
+{
+    // Only what is safe in a signal handler: one write, then out without any destructor.
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, std::strlen(message));
+    _exit(static_cast<int>(ExitCode::Misbehaved));
+}
+
+void onFatalSignal(int /*signal*/)
+{
+    endCrashed("ddphost: the library crashed\n");
+}
+
+void onTerminate()
+{
+    endCrashed("ddphost: an exception that nothing catches ended the run\n");
+}
+
+void handleUnlessHandled(int signalNumber)
+{
+    struct sigaction present = {};
+    if (sigaction(signalNumber, nullptr, &present) != 0 || present.sa_handler != SIG_DFL) {
+        return;
+    }
+    struct sigaction action = {};
+    action.sa_handler = onFatalSignal;
+    action.sa_flags = SA_ONSTACK;
+    sigaction(signalNumber, &action, nullptr);
+}
+
+} // namespace
+
+void installCrashHandler()
+{
+    stack_t stack = {};
+    stack.ss_sp = signalStack.data();
+    stack.ss_size = signalStack.size();
+    sigaltstack(&stack, nullptr);
+    for (const int signalNumber : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
+        handleUnlessHandled(signalNumber);
+    }
+    std::set_terminate(onTerminate);
+}

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "border/HostGeometry.h"
+
+namespace {
+
+// An id is not an index, and a library that mistakes one for the other must not pass; so ids start off zero.
+constexpr std::int64_t FIRST_NODE_GROUP_ID = 100;
+
+/// Copies an array that the library lends for the call, with one allocation.
+template <typename Value>
+void keep(const Value* values, std::uint64_t count, const char* what, std::vector<Value>* target)
+{
+    target->clear();
+    if (count == 0) {
+        return;
+    }
+    if (values == nullptr) {
+        BorderFaults::get().add(std::string("a null array for ") + what);
+        return;
+    }
+    target->assign(values, values + count);
+}
+
+template <typename Value>
+std::size_t bytesOf(const std::vector<Value>& values)
+{
+    return values.capacity() * sizeof(Value);
+}
+
+} // namespace
+
+void HostNodeGroup::setNodes(const double* values, std::uint64_t count)
+{
+    calls.add("setNodes");
+    keep(values, 3 * count, "the node coordinates", &coordinates);
+}
+
+void HostNodeGroup::setNodeIds(const std::int32_t* values, std::uint64_t count)
+{
+    calls.add("setNodeIds");
+    keep(values, count, "the node ids", &ids);
+}
+
+void HostElementGroup::setUniformElements(std::int32_t type, std::uint64_t count, const std::int32_t* nodes,
+                                          std::uint64_t nodesLength, const std::int32_t* elementIds)
+{
+    calls.add("setUniformElements");
+    uniform = true;
+    types.assign(count, type);
+    keep(nodes, nodesLength, "the connectivity", &connectivity);
+    keep(elementIds, count, "the element ids", &ids);
+}
+
+void HostElementGroup::setMixedElements(const std::int32_t* elementTypes, std::uint64_t count,
+                                        const std::int32_t* nodes, std::uint64_t nodesLength,
+                                        const std::int32_t* elementIds)
+{
+    calls.add("setMixedElements");
+    uniform = false;
+    keep(elementTypes, count, "the element types", &types);
+    keep(nodes, nodesLength, "the connectivity", &connectivity);
+    keep(elementIds, count, "the element ids", &ids);
+}
+
+void HostElementGroup::setPolyhedra(const unsigned char* nodesPerPolyhedron, const unsigned char* facesPerPolyhedron,
+                                    std::uint64_t polyhedronCount, const unsigned char* nodesPerFace,
+                                    std::uint64_t faceCount, const std::int32_t* faceConnectivity,
+                                    std::uint64_t faceConnectivityLength)
+{
+    calls.add("setPolyhedra");
+    keep(nodesPerPolyhedron, polyhedronCount, "the nodes per polyhedron", &polyhedra.nodesPerPolyhedron);
+    keep(facesPerPolyhedron, polyhedronCount, "the faces per polyhedron", &polyhedra.facesPerPolyhedron);
+    keep(nodesPerFace, faceCount, "the nodes per face", &polyhedra.nodesPerFace);
+    keep(faceConnectivity, faceConnectivityLength, "the face connectivity", &polyhedra.faceConnectivity);
+}
+
+void HostElementGroup::setElementPartIds(const std::int32_t* values, std::uint64_t count)
+{
+    calls.add("setElementPartIds");
+    keep(values, count, "the element part ids", &partIds);
+}
+
+DDPNodeGroup* HostGeometry::addNodeGroup()
+{
+    checkThread("addNodeGroup");
+    return &nodeGroups.emplace_back(FIRST_NODE_GROUP_ID + static_cast<std::int64_t>(nodeGroups.size()));
+}
+
+DDPElementGroup* HostGeometry::addElementGroup(std::int64_t nodeGroupId)
+{
+    checkThread("addElementGroup");
+    return &elementGroups.emplace_back(nodeGroupId);
+}
+
+const HostNodeGroup* HostGeometry::nodesOf(const HostElementGroup& group) const
+{
+    const std::int64_t index = group.nodeGroupId - FIRST_NODE_GROUP_ID;
+    if (index < 0 || index >= static_cast<std::int64_t>(nodeGroups.size())) {
+        return nullptr;
+    }
+    return &nodeGroups[static_cast<std::size_t>(index)];
+}
+
+std::size_t HostGeometry::byteCount() const
+{
+    std::size_t bytes = 0;
+    for (const HostNodeGroup& group : nodeGroups) {
+        bytes += bytesOf(group.coordinates) + bytesOf(group.ids);
+    }
+    for (const HostElementGroup& group : elementGroups) {
+        const HostPolyhedra& tables = group.polyhedra;
+        bytes += bytesOf(group.types) + bytesOf(group.connectivity) + bytesOf(group.ids) + bytesOf(group.partIds);
+        bytes += bytesOf(tables.nodesPerPolyhedron) + bytesOf(tables.facesPerPolyhedron) +
+                 bytesOf(tables.nodesPerFace) + bytesOf(tables.faceConnectivity);
+    }
+    return bytes;
+}
+
+void HostGeometry::checkThread(const char* operation)
+{
+    calls.add(operation);
+    if (std::this_thread::get_id() != m_owner) {
+        BorderFaults::get().add(std::string(operation) + " was called on a worker thread");
+    }
+}

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "border/BorderGuard.h"
+
+#include "DataProviderInterface.h"
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// Notes which threads call one host object and in which order.
+///
+/// Not locked: the interface promises one thread at a time for one group.
+struct HostCallRecord
+{
+    std::vector<std::string> operations;
+    std::vector<std::thread::id> threads;
+
+    void add(const char* operation)
+    {
+        operations.emplace_back(operation);
+        threads.push_back(std::this_thread::get_id());
+    }
+};
+
+/// The one geometry of a case, or another number that a provider has to refuse.
+class HostGeometrySpec final : public DDPGeometrySpec
+{
+public:
+    explicit HostGeometrySpec(std::int64_t selector = 0) : m_selector(selector) {}
+
+    void reserved0() override { BorderFaults::get().addReservedRow("DDPGeometrySpec"); }
+    void reserved1() override { BorderFaults::get().addReservedRow("DDPGeometrySpec"); }
+    std::int64_t geometrySelector() const override { return m_selector; }
+
+private:
+    std::int64_t m_selector;
+};
+
+/// Keeps the nodes of one group.
+class HostNodeGroup final : public DDPNodeGroup
+{
+public:
+    explicit HostNodeGroup(std::int64_t groupId) : m_id(groupId) {}
+
+    std::vector<double> coordinates; ///< x, y, z of each node in turn
+    std::vector<std::int32_t> ids;
+    HostCallRecord calls;
+
+    std::size_t nodeCount() const { return coordinates.size() / 3; }
+
+    void reserved0() override { BorderFaults::get().addReservedRow("DDPNodeGroup"); }
+    void reserved1() override { BorderFaults::get().addReservedRow("DDPNodeGroup"); }
+    void setNodes(const double* values, std::uint64_t count) override;
+    void setNodeIds(const std::int32_t* values, std::uint64_t count) override;
+    std::int64_t nodeGroupId() const override { return m_id; }
+
+private:
+    std::int64_t m_id;
+};
+
+/// The face tables of the general elements of a group, as the library delivered them.
+struct HostPolyhedra
+{
+    std::vector<unsigned char> nodesPerPolyhedron;
+    std::vector<unsigned char> facesPerPolyhedron;
+    std::vector<unsigned char> nodesPerFace;
+    std::vector<std::int32_t> faceConnectivity;
+};
+
+/// Keeps the elements of one group.
+class HostElementGroup final : public DDPElementGroup
+{
+public:
+    explicit HostElementGroup(std::int64_t boundNodeGroupId) : nodeGroupId(boundNodeGroupId) {}
+
+    std::int64_t nodeGroupId;        ///< the node group that the connectivity counts in
+    bool uniform = false;            ///< the last call that set elements was `setUniformElements`
+    std::vector<std::int32_t> types; ///< one an element, also for uniform elements
+    std::vector<std::int32_t> connectivity;
+    std::vector<std::int32_t> ids;
+    std::vector<std::int32_t> partIds; ///< empty if the library set none
+    HostPolyhedra polyhedra;
+    HostCallRecord calls;
+
+    std::size_t elementCount() const { return types.size(); }
+
+    void reserved0() override { BorderFaults::get().addReservedRow("DDPElementGroup"); }
+    void reserved1() override { BorderFaults::get().addReservedRow("DDPElementGroup"); }
+    void setUniformElements(std::int32_t type, std::uint64_t count, const std::int32_t* nodes,
+                            std::uint64_t nodesLength, const std::int32_t* elementIds) override;
+    void setMixedElements(const std::int32_t* elementTypes, std::uint64_t count, const std::int32_t* nodes,
+                          std::uint64_t nodesLength, const std::int32_t* elementIds) override;
+    void setPolyhedra(const unsigned char* nodesPerPolyhedron, const unsigned char* facesPerPolyhedron,
+                      std::uint64_t polyhedronCount, const unsigned char* nodesPerFace, std::uint64_t faceCount,
+                      const std::int32_t* faceConnectivity, std::uint64_t faceConnectivityLength) override;
+    void setElementPartIds(const std::int32_t* values, std::uint64_t count) override;
+};
+
+/// Keeps a whole geometry. Groups stand in the order in which the library made them.
+class HostGeometry final : public DDPGeometry
+{
+public:
+    // Deques, because the library holds pointers to the groups while more are made.
+    std::deque<HostNodeGroup> nodeGroups;
+    std::deque<HostElementGroup> elementGroups;
+    HostCallRecord calls;
+
+    /// The nodes that this element group counts in, or null if it is bound to an id that was never given out.
+    const HostNodeGroup* nodesOf(const HostElementGroup& group) const;
+
+    /// Bytes of all arrays kept.
+    std::size_t byteCount() const;
+
+    void reserved0() override { BorderFaults::get().addReservedRow("DDPGeometry"); }
+    void reserved1() override { BorderFaults::get().addReservedRow("DDPGeometry"); }
+    DDPNodeGroup* addNodeGroup() override;
+    DDPElementGroup* addElementGroup(std::int64_t nodeGroupId) override;
+
+private:
+    void checkThread(const char* operation);
+
+    std::thread::id m_owner = std::this_thread::get_id();
+};

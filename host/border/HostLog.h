@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// Levels of the library's log lines, smaller is graver.
+inline constexpr std::int32_t LOG_ERROR = 1;
+inline constexpr std::int32_t LOG_INFO = 3;
+inline constexpr std::int32_t LOG_DEBUG = 4;
+
+/// One line that the library logged.
+struct HostLogLine
+{
+    std::int32_t level;
+    std::string text;
+    std::thread::id thread;
+};
+
+/// Takes the library's log lines, keeps them and shows the grave ones on stderr.
+///
+/// The interface's callback is a bare function without an object, so there is one log in the process. Worker threads
+/// log at the same time; every member may be called from any thread.
+class HostLog
+{
+public:
+    static HostLog& get();
+
+    /// The function to put into the init record.
+    static void receive(std::int32_t level, const char* text);
+
+    /// Shows lines of this level and graver ones; errors show by default. 0 shows nothing, for tests.
+    void setShownLevel(std::int32_t level);
+
+    /// All lines since the last `clear`, in order of arrival.
+    std::vector<HostLogLine> lines() const;
+
+    void clear();
+
+private:
+    void add(std::int32_t level, const char* text);
+
+    mutable std::mutex m_mutex;
+    std::vector<HostLogLine> m_lines;
+    std::int32_t m_shownLevel = LOG_ERROR;
+};

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "border/HostProviderInfo.h"
+
+#include "DataProviderInterface.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+/// The settings that the user gave for one case.
+class HostOptions final : public DDPInitOptions
+{
+public:
+    /// Options from texts of the form KEY=VALUE, checked against what the provider declares.
+    ///
+    /// A boolean takes on, off, true, false, yes, no, 1 and 0 in any case; of a key given twice the last value holds.
+    /// @throws HostError of `Usage` for a text without "=", an unknown key or a bad boolean
+    static HostOptions parse(const std::vector<std::string>& texts, const HostProviderInfo& provider);
+
+    void setBool(const std::string& key, bool value) { m_bools[key] = value; }
+    void setString(const std::string& key, const std::string& value) { m_strings[key] = DDPString(value.c_str()); }
+
+    /// The keys that the provider asked for with `hasOption`, in order.
+    const std::vector<std::string>& askedKeys() const { return m_askedKeys; }
+
+    bool hasOption(const DDPString& key) const override;
+    void reserved0() override { BorderFaults::get().addReservedRow("DDPInitOptions"); }
+    bool boolOption(const DDPString& key) const override;
+    const DDPString* stringOption(const DDPString& key) const override;
+
+private:
+    std::map<std::string, bool> m_bools;
+    std::map<std::string, DDPString> m_strings;
+    mutable std::vector<std::string> m_askedKeys;
+};

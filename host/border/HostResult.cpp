@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#include "border/HostResult.h"
+
+void HostValueGroup::setValues(const double* array, std::int32_t componentCount, std::uint64_t items)
+{
+    calls.add("setValues");
+    values.clear();
+    dimension = componentCount;
+    if (componentCount < 1 || (array == nullptr && items != 0)) {
+        BorderFaults::get().add("a value group without components or without an array");
+        return;
+    }
+    if (items != 0) {
+        values.assign(array, array + items * static_cast<std::uint64_t>(componentCount));
+    }
+}
+
+DDPResultValueGroup* HostResult::addValueGroup()
+{
+    if (std::this_thread::get_id() != m_owner) {
+        BorderFaults::get().add("addValueGroup was called on a worker thread");
+    }
+    return &groups.emplace_back();
+}
+
+std::size_t HostResult::byteCount() const
+{
+    std::size_t bytes = 0;
+    for (const HostValueGroup& group : groups) {
+        bytes += group.values.capacity() * sizeof(double);
+    }
+    return bytes;
+}

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "commands/Commands.h"
+#include "commands/ProcessMeter.h"
+#include "commands/Selection.h"
+#include "output/ProgressBar.h"
+#include "output/TextTable.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr double MEGABYTE = 1e6;
+
+struct BenchOptions
+{
+    std::vector<std::string> casePaths;
+    int repeats = 3;
+};
+
+/// One kind of work on one case, measured once a repeat.
+struct BenchPhase
+{
+    std::string name;
+    std::vector<ProcessCost> costs;
+    std::size_t hostBytes = 0; ///< what the host keeps of the delivery
+};
+
+struct BenchCase
+{
+    std::string casePath;
+    std::vector<BenchPhase> phases;
+};
+
+/// Runs the repeats of one case and sorts the costs by phase.
+class CaseBench
+{
+public:
+    CaseBench(HostContext& context, const std::string& casePath) : m_context(context) { m_case.casePath = casePath; }
+
+    void runOnce()
+    {
+        m_phase = 0;
+        std::unique_ptr<CaseSession> session;
+        record("init", [&] {
+            session = m_context.open(m_case.casePath);
+            return std::size_t{0};
+        });
+        const HostMetaData* metaData = nullptr;
+        record("metadata", [&] {
+            metaData = &session->metaData();
+            return std::size_t{0};
+        });
+        record("geometry", [&] { return session->geometry().byteCount(); });
+        // The last state, because the first one of a run has uniform fields more often than not.
+        for (const HostState* const state : selectStates(*metaData, "last")) {
+            for (const HostResultInfo& info : metaData->results) {
+                record(info.name, [&] {
+                    const std::unique_ptr<HostResult> result = session->result(info, state->id);
+                    return result == nullptr ? 0 : result->byteCount();
+                });
+            }
+        }
+    }
+
+    const BenchCase& result() const { return m_case; }
+
+private:
+    /// Measures a piece of work that returns the bytes the host keeps of it.
+    template <typename Work>
+    void record(const std::string& name, Work work)
+    {
+        if (m_phase == m_case.phases.size()) {
+            m_case.phases.push_back({name, {}, 0});
+        }
+        BenchPhase& phase = m_case.phases[m_phase++];
+        const ProcessMeter meter;
+        phase.hostBytes = work();
+        phase.costs.push_back(meter.stop());
+    }
+
+    HostContext& m_context;
+    BenchCase m_case;
+    std::size_t m_phase = 0;
+};
+
+/// The middle of a figure over the repeats; of an even number the mean of the two in the middle.
+template <typename Figure>
+double medianOf(const std::vector<ProcessCost>& costs, Figure figure)
+{
+    std::vector<double> values;
+    for (const ProcessCost& cost : costs) {
+        values.push_back(static_cast<double>(cost.*figure));
+    }
+    std::ranges::sort(values);
+    const std::size_t half = values.size() / 2;
+    return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
+}
+
+/// Median figures of a phase in the units of the output.
+struct PhaseFigures
+{
+    double seconds;
+    double megabytesRead;
+    double megabytesPerSecond;
+    double peakMegabytes;
+    double hostMegabytes;
+
+    explicit PhaseFigures(const BenchPhase& phase)
+        : seconds(medianOf(phase.costs, &ProcessCost::seconds)),
+          megabytesRead(medianOf(phase.costs, &ProcessCost::bytesRead) / MEGABYTE),
+          megabytesPerSecond(seconds > 0 ? megabytesRead / seconds : 0),
+          peakMegabytes(medianOf(phase.costs, &ProcessCost::peakMemory) / MEGABYTE),
+          hostMegabytes(static_cast<double>(phase.hostBytes) / MEGABYTE)
+    {}
+};
+
+nlohmann::ordered_json benchDocument(const std::vector<BenchCase>& cases, const HostContext& context,
+                                     const BenchOptions& options)
+{
+    nlohmann::ordered_json document = newDocument("bench");
+    document["repeats"] = options.repeats;
+    document["threads"] = context.options.threads;
+    document["cases"] = nlohmann::ordered_json::array();
+    for (const BenchCase& measured : cases) {
+        nlohmann::ordered_json phases = nlohmann::ordered_json::array();
+        for (const BenchPhase& phase : measured.phases) {
+            const PhaseFigures figures(phase);
+            phases.push_back({{"name", phase.name},
+                              {"seconds", figures.seconds},
+                              {"megabytesRead", figures.megabytesRead},
+                              {"megabytesPerSecond", figures.megabytesPerSecond},
+                              {"peakMegabytes", figures.peakMegabytes},
+                              {"hostMegabytes", figures.hostMegabytes}});
+        }
+        document["cases"].push_back({{"case", measured.casePath}, {"phases", phases}});
+    }
+    return document;
+}
+
+std::string benchText(const std::vector<BenchCase>& cases, const TextStyle& style)
+{
+    using Align = TextTable::Align;
+    std::string text;
+    for (const BenchCase& measured : cases) {
+        TextTable table({Align::Left, Align::Right, Align::Right, Align::Right, Align::Right, Align::Right});
+        table.add({"work", "seconds", "MB read", "MB/s", "peak MB", "host MB"});
+        for (const BenchPhase& phase : measured.phases) {
+            const PhaseFigures figures(phase);
+            table.add({phase.name, fmt::format("{:.4f}", figures.seconds), fmt::format("{:.1f}", figures.megabytesRead),
+                       fmt::format("{:.1f}", figures.megabytesPerSecond), fmt::format("{:.1f}", figures.peakMegabytes),
+                       fmt::format("{:.1f}", figures.hostMegabytes)});
+        }
+        text += style.strong(measured.casePath) + "\n" + table.text(2);
+    }
+    return text;
+}
+
+ExitCode runBench(HostContext& context, const BenchOptions& options)
+{
+    // Loaded here, so that the time for that is in no phase.
+    context.library();
+    ProgressBar progress(context.showsProgress(), "bench", "runs",
+                         options.casePaths.size() * static_cast<std::size_t>(options.repeats));
+    std::vector<BenchCase> cases;
+    for (const std::string& casePath : options.casePaths) {
+        CaseBench bench(context, casePath);
+        for (int repeat = 0; repeat < options.repeats; ++repeat) {
+            bench.runOnce();
+            progress.advance();
+        }
+        cases.push_back(bench.result());
+    }
+    if (context.options.json) {
+        writeDocument(benchDocument(cases, context, options));
+    } else {
+        writeToStdout(benchText(cases, context.style()));
+    }
+    return ExitCode::Good;
+}
+
+} // namespace
+
+void addBenchCommand(CLI::App* app, HostContext* context)
+{
+    const auto options = std::make_shared<BenchOptions>();
+    CLI::App* const command =
+        app->add_subcommand("bench", "Measure time, reading rate and memory of opening, geometry and each result");
+    command->add_option("CASE", options->casePaths, "Case folders, or the paths of their case.foam")->required();
+    command->add_option("--repeat", options->repeats, "Take the medians of so many runs, 3 by default")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000).description(""));
+    command->callback([=] { context->command = [=] { return runBench(*context, *options); }; });
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include "commands/HostContext.h"
+
+#include "border/HostLog.h"
+
+#include <tbb/global_control.h>
+
+#include <algorithm>
+#include <cstddef>
+
+#include <unistd.h>
+
+void HostContext::applyOptions()
+{
+    static constexpr std::int32_t LEVELS[] = {LOG_ERROR, LOG_INFO, LOG_DEBUG};
+    const int verbosity = options.quiet ? 0 : std::min(options.verbosity, 2);
+    HostLog::get().setShownLevel(LEVELS[verbosity]);
+    if (options.threads > 0) {
+        // The library's loops run on the TBB of the process, so the limit holds for them too.
+        m_threadLimit = std::make_shared<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
+                                                              static_cast<std::size_t>(options.threads));
+    }
+}
+
+PluginLibrary& HostContext::library()
+{
+    if (!m_library) {
+        m_library = std::make_unique<PluginLibrary>(PluginLibrary::locate(options.plugin));
+    }
+    return *m_library;
+}
+
+std::unique_ptr<CaseSession> HostContext::open(const std::string& casePath)
+{
+    PluginLibrary& loaded = library();
+    if (!m_settings) {
+        m_settings = std::make_unique<HostOptions>(HostOptions::parse(options.settings, loaded.providerInfo()));
+    }
+    return std::make_unique<CaseSession>(loaded, casePath, *m_settings);
+}
+
+bool HostContext::showsProgress() const
+{
+    return !options.noProgress && !options.quiet && isatty(STDERR_FILENO) != 0;
+}
+
+nlohmann::ordered_json newDocument(const std::string& command)
+{
+    nlohmann::ordered_json document;
+    document["schema"] = "ddphost/1";
+    document["command"] = command;
+    return document;
+}
+
+void writeDocument(const nlohmann::ordered_json& document)
+{
+    writeToStdout(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
+}

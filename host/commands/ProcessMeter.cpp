@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "commands/ProcessMeter.h"
+
+#include <fstream>
+#include <string>
+
+namespace {
+
+/// The number behind a key in one of the system's files about this process.
+std::uint64_t figureOf(const char* file, const std::string& key)
+{
+    std::ifstream stream(file);
+    for (std::string line; std::getline(stream, line);) {
+        if (line.starts_with(key)) {
+            return std::stoull(line.substr(key.size()));
+        }
+    }
+    return 0;
+}
+
+std::uint64_t bytesRead()
+{
+    return figureOf("/proc/self/io", "rchar:");
+}
+
+/// Sets the peak back to the present size, so that each piece of work shows its own.
+void resetPeak()
+{
+    std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+} // namespace
+
+ProcessMeter::ProcessMeter() : m_bytesBefore(0)
+{
+    resetPeak();
+    m_bytesBefore = bytesRead();
+    m_start = std::chrono::steady_clock::now();
+}
+
+ProcessCost ProcessMeter::stop() const
+{
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_start;
+    constexpr std::uint64_t KILOBYTE = 1024;
+    return {elapsed.count(), bytesRead() - m_bytesBefore, figureOf("/proc/self/status", "VmHWM:") * KILOBYTE};
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "commands/Commands.h"
+#include "sample/SampleCase.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace {
+
+const std::map<std::string, SampleKind> KINDS = {
+    {"hex", SampleKind::Hex},       {"poly", SampleKind::Poly},       {"mixed", SampleKind::Mixed},
+    {"zones", SampleKind::Zones},   {"regions", SampleKind::Regions}, {"decomposed", SampleKind::Decomposed},
+    {"moving", SampleKind::Moving}, {"surface", SampleKind::Surface}};
+
+// 2 billion labels are the format's end; the numbers of faces and face nodes get there first.
+constexpr int MOST_CELLS = 50'000'000;
+
+struct SampleArguments
+{
+    std::string folder;
+    SampleOptions options;
+};
+
+ExitCode runSample(const HostContext& context, const SampleArguments& arguments)
+{
+    const SampleReport report = writeSampleCase(arguments.folder, arguments.options);
+    if (context.options.json) {
+        nlohmann::ordered_json document = newDocument("sample");
+        document["folder"] = arguments.folder;
+        document["cells"] = report.cells;
+        document["points"] = report.points;
+        document["faces"] = report.faces;
+        document["times"] = report.times;
+        writeDocument(document);
+    } else {
+        writeToStdout(fmt::format("{}: {} cells, {} points, {} faces, times {}\n", arguments.folder, report.cells,
+                                  report.points, report.faces, fmt::join(report.times, " ")));
+    }
+    return ExitCode::Good;
+}
+
+} // namespace
+
+void addSampleCommand(CLI::App* app, HostContext* context)
+{
+    const auto arguments = std::make_shared<SampleArguments>();
+    CLI::App* const command = app->add_subcommand("sample", "Write an OpenFOAM case of any size to try things with");
+    command->add_option("DIR", arguments->folder, "The folder of the new case")->required();
+    command
+        ->add_option("--kind", arguments->options.kind,
+                     "hex (the default), poly, mixed, zones, regions, decomposed, moving or surface")
+        ->type_name("KIND")
+        ->transform(CLI::CheckedTransformer(KINDS).description(""));
+    command->add_option("--cells", arguments->options.cells, "About so many cells, 1000 by default")
+        ->type_name("N")
+        ->check(CLI::Range(1, MOST_CELLS).description(""));
+    command->add_option("--states", arguments->options.states, "So many time folders, 2 by default")
+        ->type_name("N")
+        ->check(CLI::Range(1, 100'000).description(""));
+    command->add_flag("--binary", arguments->options.format.binary, "Write mesh lists and fields in binary");
+    command->add_flag("--gzip", arguments->options.format.gzip, "Compress mesh lists and fields");
+    command->add_flag("--overwrite", arguments->options.overwrite, "Write into a folder that is not empty");
+    command->callback([=] { context->command = [=] { return runSample(*context, *arguments); }; });
+}

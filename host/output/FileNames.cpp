@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "output/FileNames.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+// Leaves room for a number and the extension in the 255 bytes that file systems give a name.
+constexpr std::size_t LONGEST_STEM = 200;
+
+bool isLetterOrDigit(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+std::string sanitised(const std::string& name)
+{
+    std::string stem = name.substr(0, LONGEST_STEM);
+    for (char& c : stem) {
+        c = isLetterOrDigit(c) || c == '-' || c == '.' ? c : '_';
+    }
+    if (stem.empty() || stem.front() == '.') {
+        stem.insert(0, "_");
+    }
+    return stem;
+}
+
+std::string lowerCase(std::string text)
+{
+    for (char& c : text) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return text;
+}
+
+} // namespace
+
+std::string FileNames::unique(const std::string& groupName, const std::string& extension)
+{
+    const std::string stem = sanitised(groupName);
+    std::string name = stem + extension;
+    for (int number = 2; !m_taken.insert(lowerCase(name)).second; ++number) {
+        name = fmt::format("{}_{}{}", stem, number, extension);
+    }
+    return name;
+}

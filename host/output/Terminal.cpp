@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "output/Terminal.h"
+
+#include "border/HostError.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
+
+namespace {
+
+bool wantsColor(ColorMode mode)
+{
+    if (mode != ColorMode::Auto) {
+        return mode == ColorMode::Always;
+    }
+    // By custom NO_COLOR counts only if it is not empty.
+    const char* const noColor = std::getenv("NO_COLOR");
+    return (noColor == nullptr || *noColor == '\0') && isatty(STDOUT_FILENO) != 0;
+}
+
+} // namespace
+
+TextStyle::TextStyle(ColorMode mode) : m_enabled(wantsColor(mode)) {}
+
+std::string TextStyle::wrapped(const char* code, const std::string& text) const
+{
+    return m_enabled ? "\033[" + std::string(code) + "m" + text + "\033[0m" : text;
+}
+
+void writeToStdout(const std::string& text)
+{
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (std::fflush(stdout) != 0 || !written) {
+        throw HostError(ExitCode::CannotWrite, "cannot write to stdout");
+    }
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "sample/FoamOutput.h"
+#include "sample/SampleMesh.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// A named set of cells.
+struct SampleCellZone
+{
+    std::string name;
+    std::vector<std::int32_t> cells;
+};
+
+/// A named set of faces; `flips` has one entry a face, or one entry that holds for all.
+struct SampleFaceZone
+{
+    std::string name;
+    std::vector<std::int32_t> faces;
+    std::vector<bool> flips;
+};
+
+/// The head of every dictionary and list tells where its file lies; this is the case's folder and the place below it.
+struct FoamPlace
+{
+    std::filesystem::path caseFolder;
+    std::string location; ///< as in "constant/polyMesh"
+
+    std::filesystem::path file(const std::string& name) const { return caseFolder / location / name; }
+};
+
+/// Writes `points`, `faces`, `owner`, `neighbour` and `boundary`, and makes the folder.
+void writeMeshFiles(const FoamPlace& place, const SampleMesh& mesh, const FoamFormat& format);
+
+/// Writes `points` alone, as for a moved mesh.
+void writePoints(const FoamPlace& place, const std::vector<double>& points, const FoamFormat& format);
+
+/// Writes `cellZones`. Zone files are ascii also beside binary lists: they are small, and each file tells its format.
+void writeCellZones(const FoamPlace& place, const std::vector<SampleCellZone>& zones);
+
+/// Writes `faceZones`, in ascii too.
+void writeFaceZones(const FoamPlace& place, const std::vector<SampleFaceZone>& zones);

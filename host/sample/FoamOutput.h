@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "output/OutputFile.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+/// How the lists of a case are stored.
+struct FoamFormat
+{
+    bool binary = false; ///< 32-bit labels and 64-bit doubles in the order of this machine
+    bool gzip = false;   ///< each file with the extension .gz, at OpenFOAM's level 6
+};
+
+/// What the head of a file says.
+struct FoamHeader
+{
+    std::string_view className;
+    std::string_view location;
+    std::string_view object;
+    std::string_view note; ///< left out if empty
+};
+
+/// Writes one file in the OpenFOAM format, fast: into a large buffer, numbers by `std::to_chars`.
+///
+/// Numbers are independent of any locale and look like those of OpenFOAM's general notation with six digits. A sibling
+/// of the other compression is removed, since readers take a .gz before the plain file. Throws as `OutputFile` does.
+class FoamOutput
+{
+public:
+    /// Dictionaries and the like: plain text whatever the format of the lists is.
+    explicit FoamOutput(const std::filesystem::path& path) : FoamOutput(path, FoamFormat()) {}
+
+    FoamOutput(const std::filesystem::path& path, const FoamFormat& format);
+    ~FoamOutput();
+
+    FoamOutput(const FoamOutput&) = delete;
+    FoamOutput& operator=(const FoamOutput&) = delete;
+
+    bool binary() const { return m_format.binary; }
+
+    void text(std::string_view characters) { bytes(characters.data(), characters.size()); }
+    void bytes(const void* data, std::size_t count);
+    void label(std::int64_t value);
+    void scalar(double value);
+    void vector(std::span<const double, 3> value);
+
+    /// The banner, the `FoamFile` block and the line below it.
+    void header(const FoamHeader& head);
+    /// The line that ends a file; also writes all out and closes the file.
+    void footer();
+    /// Writes all out and closes the file.
+    void close();
+
+    /// A list of labels as in `owner`: count, "(", labels, ")".
+    void labelList(std::span<const std::int32_t> labels);
+    /// A list of values of `dimension` components, 1 or 3, in the same form.
+    void valueList(std::span<const double> values, std::size_t dimension);
+    /// Faces: a `faceList`, or in binary the two lists of a `faceCompactList`.
+    void faceList(std::span<const std::int32_t> offsets, std::span<const std::int32_t> nodes);
+
+private:
+    class Sink;
+
+    char* room(std::size_t count);
+    void flush();
+
+    FoamFormat m_format;
+    std::unique_ptr<Sink> m_sink;
+    std::vector<char> m_buffer;
+    std::size_t m_used = 0;
+};

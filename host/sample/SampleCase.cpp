@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: MIT
+#include "sample/SampleCase.h"
+
+#include "border/HostError.h"
+#include "sample/FoamFieldFiles.h"
+#include "sample/FoamMeshFiles.h"
+#include "sample/HexMesh.h"
+#include "sample/MixedMesh.h"
+#include "sample/PolyhedraMesh.h"
+#include "sample/SampleFields.h"
+#include "sample/SampleSurfaces.h"
+#include "sample/SubMesh.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int PROCESSORS = 4;
+constexpr int WRITE_INTERVAL = 10;
+constexpr double TIME_STEP = 0.05;
+
+/// The lattice of a mixed mesh of about so many cells: its four slabs make 2, 6, 1 and 12 cells of a cube.
+BoxLattice mixedLattice(int cells)
+{
+    constexpr double CELLS_PER_CUBE = (2 + 6 + 1 + 12) / 4.0;
+    BoxLattice lattice = latticeOfAbout(static_cast<int>(cells / CELLS_PER_CUBE));
+    lattice.counts[0] = std::max(4, (lattice.counts[0] + 2) / 4 * 4);
+    return lattice;
+}
+
+/// The cubes an edge that come nearest to (n + 1)^3 + n^3 cells.
+int cubesPerEdge(int cells)
+{
+    const auto cellsOf = [](double n) { return std::pow(n + 1, 3) + std::pow(n, 3); };
+    int n = 1;
+    while (std::abs(cellsOf(n + 1) - cells) < std::abs(cellsOf(n) - cells)) {
+        ++n;
+    }
+    return n;
+}
+
+/// Writes one case; a member for each thing that some kinds have and others do not.
+class CaseWriter
+{
+public:
+    CaseWriter(const fs::path& folder, const SampleOptions& options) : m_folder(folder), m_options(options)
+    {
+        for (int state = 0; state < options.states; ++state) {
+            m_times.push_back(0.5 * state);
+        }
+    }
+
+    SampleReport write()
+    {
+        prepareFolder();
+        makeMesh();
+        if (m_options.kind == SampleKind::Decomposed) {
+            writeProcessors();
+        } else {
+            writeWholeMesh();
+        }
+        writeExtras();
+        writeControlDict();
+        FoamOutput(m_folder / "case.foam").close();
+        return report();
+    }
+
+private:
+    FoamPlace at(const std::string& location) const { return {m_folder, location}; }
+    static std::string nameOf(double time) { return fmt::format("{}", time); }
+
+    void prepareFolder() const
+    {
+        std::error_code error;
+        if (!m_options.overwrite && fs::exists(m_folder, error) && !fs::is_empty(m_folder, error)) {
+            throw HostError(ExitCode::CannotWrite,
+                            fmt::format("{} is not an empty folder; --overwrite writes into it", m_folder.string()));
+        }
+        makeFolder(m_folder / "system");
+    }
+
+    void makeMesh()
+    {
+        m_lattice = latticeOfAbout(m_options.cells);
+        switch (m_options.kind) {
+        case SampleKind::Poly:
+            m_mesh = makePolyhedraMesh(cubesPerEdge(m_options.cells));
+            break;
+        case SampleKind::Mixed:
+            m_mesh = makeMixedMesh(mixedLattice(m_options.cells));
+            break;
+        default:
+            m_mesh = makeHexMesh(m_lattice);
+        }
+    }
+
+    void writeWholeMesh() const
+    {
+        writeMeshFiles(at("constant/polyMesh"), m_mesh, m_options.format);
+        const SampleMeasures measures = measure(m_mesh);
+        for (const double time : m_times) {
+            writeFields(at(nameOf(time)), m_mesh, measures, time, m_options.format);
+        }
+        writeTimeDicts();
+    }
+
+    void writeExtras() const
+    {
+        switch (m_options.kind) {
+        case SampleKind::Zones:
+            writeZones();
+            break;
+        case SampleKind::Regions:
+            writeRegions();
+            break;
+        case SampleKind::Moving:
+            writeMovedPoints();
+            break;
+        case SampleKind::Surface:
+            for (const double time : m_times) {
+                writeSampledSurfaces(m_folder / "postProcessing/sampleSurface" / nameOf(time), m_lattice, m_mesh, time);
+            }
+            break;
+        default:
+            break;
+        }
+    }
+
+    /// Two cell zones that leave some cells out, and two face zones, one with each form of flip map.
+    void writeZones() const
+    {
+        SampleCellZone heater = {"heater", {}};
+        SampleCellZone probe = {"probe", {m_mesh.cellCount - 1}};
+        for (int cell = 0; cell < m_mesh.cellCount / 3; ++cell) {
+            heater.cells.push_back(cell);
+        }
+        writeCellZones(at("constant/polyMesh"), {heater, probe});
+        SampleFaceZone inner = {"inner", {}, {false}};
+        SampleFaceZone skin = {"skin", {}, {}};
+        for (int face = 0; face < m_mesh.internalFaceCount(); face += 3) {
+            inner.faces.push_back(face);
+        }
+        for (int face = m_mesh.internalFaceCount(); face < m_mesh.faceCount(); face += 2) {
+            skin.faces.push_back(face);
+            skin.flips.push_back(face % 4 == 0);
+        }
+        writeFaceZones(at("constant/polyMesh"), {inner, skin});
+    }
+
+    /// Calls `use(domain, piece)` for pieces of the mesh along x.
+    void forEachSlab(int count, const std::function<SamplePatch(int, int)>& interfacePatch,
+                     const std::function<void(int, const SubMesh&)>& use) const
+    {
+        const int nx = m_lattice.counts[0];
+        std::vector<int> domains(static_cast<std::size_t>(m_mesh.cellCount));
+        for (int cell = 0; cell < m_mesh.cellCount; ++cell) {
+            domains[static_cast<std::size_t>(cell)] = (cell % nx) * count / nx;
+        }
+        for (int domain = 0; domain < count; ++domain) {
+            use(domain,
+                extractDomain(m_mesh, domains, domain, [&](int other) { return interfacePatch(domain, other); }));
+        }
+    }
+
+    void writeRegions() const
+    {
+        static constexpr std::array<const char*, 2> NAMES = {"left", "right"};
+        const auto interfacePatch = [](int mine, int other) {
+            const std::string here = NAMES[static_cast<std::size_t>(mine)];
+            const std::string there = NAMES[static_cast<std::size_t>(other)];
+            return SamplePatch{
+                here + "_to_" + there,
+                "mappedWall",
+                "wall",
+                {{"sampleMode", "nearestPatchFace"}, {"sampleRegion", there}, {"samplePatch", there + "_to_" + here}}};
+        };
+        std::vector<SampleCellZone> zones;
+        forEachSlab(2, interfacePatch, [&](int domain, const SubMesh& piece) {
+            const std::string name = NAMES[static_cast<std::size_t>(domain)];
+            zones.push_back({name, std::vector<std::int32_t>(piece.cells.begin(), piece.cells.end())});
+            writeMeshFiles(at("constant/" + name + "/polyMesh"), piece.mesh, m_options.format);
+            writePieceFields(piece.mesh, name);
+        });
+        writeCellZones(at("constant/polyMesh"), zones);
+    }
+
+    void writeProcessors() const
+    {
+        const auto interfacePatch = [](int mine, int other) {
+            return SamplePatch{fmt::format("procBoundary{}to{}", mine, other),
+                               "processor",
+                               "processor",
+                               {{"matchTolerance", "0.0001"},
+                                {"transform", "unknown"},
+                                {"myProcNo", std::to_string(mine)},
+                                {"neighbProcNo", std::to_string(other)}}};
+        };
+        forEachSlab(std::min(PROCESSORS, m_lattice.counts[0]), interfacePatch, [&](int domain, const SubMesh& piece) {
+            const std::string name = fmt::format("processor{}", domain);
+            writeMeshFiles({m_folder / name, "constant/polyMesh"}, piece.mesh, m_options.format);
+            writePieceFields(piece.mesh, name);
+        });
+        writeTimeDicts();
+    }
+
+    void writePieceFields(const SampleMesh& mesh, const std::string& name) const
+    {
+        const SampleMeasures measures = measure(mesh);
+        for (const double time : m_times) {
+            writeFields(at(nameOf(time) + "/" + name), mesh, measures, time, m_options.format);
+        }
+    }
+
+    /// Time 0 has no points of its own; there the mesh is the one under constant.
+    void writeMovedPoints() const
+    {
+        for (const double time : m_times) {
+            const FoamPlace place = at(nameOf(time));
+            writePointDisplacement(place, m_mesh, time, m_options.format);
+            if (time == 0) {
+                continue;
+            }
+            std::vector<double> points;
+            points.reserve(m_mesh.points.size());
+            for (int label = 0; label < m_mesh.pointCount(); ++label) {
+                const SamplePoint moved = movedPoint(m_mesh.point(label), time);
+                points.insert(points.end(), moved.begin(), moved.end());
+            }
+            writePoints(at(nameOf(time) + "/polyMesh"), points, m_options.format);
+        }
+    }
+
+    /// A run writes these with every time but its start.
+    void writeTimeDicts() const
+    {
+        for (const double time : m_times) {
+            if (time == 0) {
+                continue;
+            }
+            const std::string location = nameOf(time) + "/uniform";
+            makeFolder(m_folder / location);
+            FoamOutput file(m_folder / location / "time");
+            file.header({"dictionary", location, "time", {}});
+            file.text(fmt::format("value           {};\n\nname            \"{}\";\n\nindex           {};\n\n"
+                                  "deltaT          {};\n\ndeltaT0         {};\n",
+                                  time, nameOf(time), std::lround(time / TIME_STEP), TIME_STEP, TIME_STEP));
+            file.footer();
+        }
+    }
+
+    void writeControlDict() const
+    {
+        FoamOutput file(m_folder / "system/controlDict");
+        file.header({"dictionary", "system", "controlDict", {}});
+        file.text(fmt::format("application     none;\n\nstartFrom       startTime;\n\nstartTime       0;\n\n"
+                              "stopAt          endTime;\n\nendTime         {};\n\ndeltaT          {};\n\n"
+                              "writeControl    timeStep;\n\nwriteInterval   {};\n\npurgeWrite      0;\n\n"
+                              "writeFormat     {};\n\nwritePrecision  6;\n\nwriteCompression {};\n\n"
+                              "timeFormat      general;\n\ntimePrecision   6;\n\nrunTimeModifiable false;",
+                              m_times.back(), TIME_STEP, WRITE_INTERVAL, m_options.format.binary ? "binary" : "ascii",
+                              m_options.format.gzip ? "on" : "off"));
+        file.footer();
+    }
+
+    SampleReport report() const
+    {
+        SampleReport result = {m_mesh.cellCount, m_mesh.pointCount(), m_mesh.faceCount(), {}};
+        for (const double time : m_times) {
+            result.times.push_back(nameOf(time));
+        }
+        return result;
+    }
+
+    fs::path m_folder;
+    const SampleOptions& m_options;
+    std::vector<double> m_times;
+    BoxLattice m_lattice; ///< of the meshes of hexahedra
+    SampleMesh m_mesh;
+};
+
+} // namespace
+
+SampleReport writeSampleCase(const std::filesystem::path& folder, const SampleOptions& options)
+{
+    return CaseWriter(folder, options).write();
+}

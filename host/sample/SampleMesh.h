@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+using SamplePoint = std::array<double, 3>;
+
+/// One boundary patch: a run of faces behind the internal ones.
+struct SamplePatch
+{
+    std::string name;
+    std::string type;
+    std::string group = {};                                        ///< the group of patches it is in, if any
+    std::vector<std::pair<std::string, std::string>> entries = {}; ///< what else its dictionary says
+    int faceCount = 0;
+    int startFace = 0;
+};
+
+/// A mesh as OpenFOAM keeps it: points, faces, and for each face the cells on its two sides.
+///
+/// All labels count from 0. Internal faces come first, sorted by owner and then by neighbour, with owner < neighbour;
+/// behind them the patches one after the other. The nodes of a face run counter-clockwise seen from the tip of its
+/// normal, which points from owner to neighbour or out of the mesh.
+struct SampleMesh
+{
+    std::vector<double> points; ///< x, y, z of each point
+    std::vector<std::int32_t> faceOffsets = {0};
+    std::vector<std::int32_t> faceNodes;
+    std::vector<std::int32_t> owners;     ///< one a face
+    std::vector<std::int32_t> neighbours; ///< one an internal face
+    std::vector<SamplePatch> patches;
+    int cellCount = 0;
+
+    int pointCount() const { return static_cast<int>(points.size() / 3); }
+    int faceCount() const { return static_cast<int>(owners.size()); }
+    int internalFaceCount() const { return static_cast<int>(neighbours.size()); }
+
+    std::span<const std::int32_t> nodesOfFace(int face) const
+    {
+        const auto first = static_cast<std::size_t>(faceOffsets[static_cast<std::size_t>(face)]);
+        const auto last = static_cast<std::size_t>(faceOffsets[static_cast<std::size_t>(face) + 1]);
+        return std::span(faceNodes).subspan(first, last - first);
+    }
+
+    SamplePoint point(int label) const
+    {
+        const std::size_t first = 3 * static_cast<std::size_t>(label);
+        return {points[first], points[first + 1], points[first + 2]};
+    }
+
+    void addPoint(const SamplePoint& place) { points.insert(points.end(), place.begin(), place.end()); }
+
+    /// Adds a face behind the last one; the caller keeps the order that the mesh promises.
+    void addFace(std::span<const std::int32_t> nodes, int owner)
+    {
+        faceNodes.insert(faceNodes.end(), nodes.begin(), nodes.end());
+        faceOffsets.push_back(static_cast<std::int32_t>(faceNodes.size()));
+        owners.push_back(owner);
+    }
+};
+
+/// The patches of a box, empty as yet: x, y and z, each low end before high end.
+std::vector<SamplePatch> boxPatches();
+
+/// Area vectors and centres of all faces, volumes and centres of all cells.
+///
+/// Faces are split into triangles about the mean of their nodes and cells into pyramids about the mean of their face
+/// centres, as OpenFOAM does; so a field that is linear in space has its cell average at the cell's centre.
+struct SampleMeasures
+{
+    std::vector<SamplePoint> faceAreas;
+    std::vector<SamplePoint> faceCentres;
+    std::vector<double> cellVolumes;
+    std::vector<SamplePoint> cellCentres;
+};
+
+SampleMeasures measure(const SampleMesh& mesh);

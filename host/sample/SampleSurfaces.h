@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "sample/BoxLattice.h"
+#include "sample/SampleMesh.h"
+
+#include <filesystem>
+
+/// Writes the sampled surfaces of one time: a plane across the middle and the outlet, in triangles, T and U on points.
+///
+/// @param folder the folder of the time under postProcessing/sampleSurface
+void writeSampledSurfaces(const std::filesystem::path& folder, const BoxLattice& lattice, const SampleMesh& mesh,
+                          double time);

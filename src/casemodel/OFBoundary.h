@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+#include "provider/DataProviderInterface.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// One patch of a `boundary` file, with the mappings that a built mesh adds.
+///
+/// A plain value: copies are deep. One thread at a time fills a patch, any number may read it. Indexes are not tested.
+class OFBoundary
+{
+public:
+    OFBoundary() = default;
+
+    /// Id of the owning part.
+    int partID() const { return m_partID; }
+    void setPartId(int id) { m_partID = id; }
+    /// 1-based position in the part after hidden and empty patches were dropped; 0 before.
+    int boundaryID() const { return m_boundaryID; }
+    void setBoundaryId(int id) { m_boundaryID = id; }
+    dvn::Str patchName() const { return m_patchName; }
+    void setPatchName(dvn::Str name) { m_patchName = std::move(name); }
+    /// The patch's `type` entry.
+    dvn::Str type() const { return m_type; }
+    void setType(dvn::Str type) { m_type = std::move(type); }
+    /// The patch's `nFaces`; a built mesh cuts it to the faces that exist.
+    std::size_t faceCount() const { return m_faceCount; }
+    void setFaceCount(std::size_t count) { m_faceCount = count; }
+    /// The patch's `startFace`, a 0-based face label.
+    int startFaceIndex() const { return m_startFaceIndex; }
+    void setStartFaceIndex(int index) { m_startFaceIndex = index; }
+    /// Number of distinct nodes of the patch; 0 until its mesh is built.
+    std::size_t nodeCount() const { return m_nodeCount; }
+    void setNodeCount(std::size_t count) { m_nodeCount = count; }
+    /// The group id told to the host; 0 until the metadata is published.
+    int geometryGlobalPartId() const { return m_geometryGlobalPartId; }
+
+    /// Sizes the mapping from the patch's faces to their owner cells; new entries are 0.
+    void createFaceToCellMapping(std::size_t faceCount) { m_faceToCellMapping.resize(faceCount); }
+    int& cellIndex(std::size_t face) { return m_faceToCellMapping[face]; }
+    /// For each face of the patch the 0-based cell that owns it.
+    const std::vector<int>& faceToCellMapping() const { return m_faceToCellMapping; }
+
+    /// Sizes the mapping from the patch's nodes to the part's; new entries are 0.
+    void createNodeFaceToNodeMapping(std::size_t nodeCount) { m_faceNodeToNodeMapping.resize(nodeCount); }
+    int& nodeIndex(std::size_t node) { return m_faceNodeToNodeMapping[node]; }
+    /// For each node of the patch its 0-based index in the part, ascending.
+    const std::vector<int>& faceNodeToNodeMapping() const { return m_faceNodeToNodeMapping; }
+
+    /// For each face in order its nodes as 0-based indices in the part.
+    std::vector<int>& faceConnectivity() { return m_faceConnectivity; }
+    const std::vector<int>& faceConnectivity() const { return m_faceConnectivity; }
+    int faceConnectivity(int i) const { return m_faceConnectivity[static_cast<std::size_t>(i)]; }
+    /// Node count of each face; its size is the number of faces of a built patch.
+    std::vector<std::uint8_t>& nodeCountPerFace() { return m_nodeCountPerFace; }
+    const std::vector<std::uint8_t>& nodeCountPerFace() const { return m_nodeCountPerFace; }
+    std::uint8_t nodeCountPerFace(int i) const { return m_nodeCountPerFace[static_cast<std::size_t>(i)]; }
+
+    /// Declares the patch to the host under the id `offset` + `boundaryID`, which is stored, and hangs it under its part.
+    void addBoundaryInfo(int offset, DDPElementGroupInfo* info);
+
+    /// Triangle for 3 nodes, quadrilateral for 4, the general face for anything else, 0 included.
+    static DDPElementType typeFromFaceNodeCount(std::size_t nodeCount);
+    /// True for the keys of a patch entry that carry result values: "value", "refValue" and "valueFraction".
+    static bool isResultKeyString(const std::string& key);
+    /// True for "zeroGradient", "empty" and "calculated". Reading decides by its own, longer list; this one is for hosts
+    /// of the class that ask which types plainly continue the cell value.
+    static bool isKeyForUsingCellValue(const std::string& key);
+
+private:
+    dvn::Str m_patchName;
+    dvn::Str m_type;
+    int m_partID = 0;
+    int m_boundaryID = 0;
+    int m_startFaceIndex = 0;
+    int m_geometryGlobalPartId = 0;
+    std::size_t m_faceCount = 0;
+    std::size_t m_nodeCount = 0;
+    std::vector<int> m_faceToCellMapping;
+    std::vector<int> m_faceNodeToNodeMapping;
+    std::vector<int> m_faceConnectivity;
+    std::vector<std::uint8_t> m_nodeCountPerFace;
+};

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFFaceZone.h"
+
+#include "casemodel/GroupInfo.h"
+
+void OFFaceZone::addFaceZoneInfo(int offset, DDPElementGroupInfo* info)
+{
+    m_geometryGlobalPartId = offset + m_id;
+    addGroupOfPart({m_geometryGlobalPartId, m_name + " [FZ]", false, "FaceZone"}, m_partId, info);
+}

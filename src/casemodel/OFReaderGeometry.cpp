@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFReader.h"
+#include "casemodel/SampledSurfaceFolders.h"
+#include "foamfile/OFFile.h"
+#include "foamfile/OFLogger.h"
+#include "foamfile/OFUtilities.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace {
+
+constexpr const char* LOG_SOURCE = "OFReader";
+constexpr const char* DEFAULT_PART_NAME = "default_region";
+constexpr const char* BOUNDARY_PROBLEM = "Cannot init Boundary. A parsing problem occurred in %1.";
+constexpr const char* CELL_ZONES_PROBLEM = "Cannot init cell zones. A parsing problem occurred in %1.";
+
+bool logProblem(const char* message, const dvn::Str& path)
+{
+    return OFLogger::get().logError(LOG_SOURCE, dvn::Str(message).arg(path));
+}
+
+void logCount(const char* message, std::size_t count)
+{
+    OFLogger::get().logDebug(LOG_SOURCE, dvn::Str(message).arg(count));
+}
+
+bool isProcessorFolder(const dvn::Str& name)
+{
+    return name.startsWith("processor");
+}
+
+bool hasSubFolder(const dvn::Str& folder, const dvn::Str& name)
+{
+    return std::ranges::count(OFUtilities::subFolders(folder), name) != 0;
+}
+
+bool existsPlainOrZipped(const dvn::Str& file)
+{
+    return OFUtilities::fileExists(file) || OFUtilities::fileExists(file + ".gz");
+}
+
+/// A patch has an `int` number of faces, so a larger count stands for a negative one: the patch has none either.
+bool hasNoFaces(const OFBoundary& boundary)
+{
+    return boundary.faceCount() == 0 ||
+           boundary.faceCount() > static_cast<std::size_t>(std::numeric_limits<int>::max());
+}
+
+/// Ends the reading of a list that broke off. Its remains go: they have no ids, and ids that the counter does not know
+/// of would be told to the host twice.
+template <typename Piece>
+bool dropBrokenList(std::vector<Piece>& pieces, const char* message, const dvn::Str& file)
+{
+    pieces.clear();
+    return logProblem(message, file);
+}
+
+} // namespace
+
+bool OFReader::initGeometry()
+{
+    m_simulationTitle = OFUtilities::fileNameFromPath(m_path);
+    std::vector<dvn::Str> caseSubFolders = OFUtilities::subFolders(m_path);
+    if (std::ranges::any_of(caseSubFolders, isProcessorFolder)) {
+        // Always true; a processor folder that cannot be read costs its own pieces alone.
+        (void)initParallelGeometry(caseSubFolders);
+        return true;
+    }
+    return initSerialGeometry(caseSubFolders);
+}
+
+bool OFReader::initParallelGeometry(std::vector<dvn::Str>& caseSubFolders)
+{
+    m_simulationDescription = "Parallel Simulation\n";
+    int nextId = 1;
+    for (const dvn::Str& name : caseSubFolders) {
+        if (isProcessorFolder(name)) {
+            addProcessorPart(name, &nextId);
+        }
+    }
+    logCount("Parsed folder, registered %1 parts.", m_parts.size());
+    return true;
+}
+
+void OFReader::addProcessorPart(const dvn::Str& name, int* nextId)
+{
+    const dvn::Str processorPath = m_path + "/" + name;
+    const std::vector<dvn::Str> subFolders = OFUtilities::subFolders(processorPath);
+    const auto withMesh = std::ranges::find_if(subFolders, [&](const dvn::Str& subFolder) {
+        return OFUtilities::fileExists(processorPath + "/" + subFolder + "/polyMesh");
+    });
+    if (withMesh == subFolders.end()) {
+        return;
+    }
+    const dvn::Str meshPath = processorPath + "/" + *withMesh + "/polyMesh";
+    OFPart part((*nextId)++, name, meshPath);
+    part.setDefaultRegion(false);
+    // The other processors' pieces are worth showing even if one description file is damaged.
+    (void)addBoundaries(part, meshPath + "/boundary", nextId);
+    (void)addFaceZones(part, meshPath + "/faceZones", nextId);
+    (void)addCellZones(part, meshPath + "/cellZones", nextId);
+    m_parts.push_back(std::move(part));
+}
+
+bool OFReader::initSerialGeometry(const std::vector<dvn::Str>& caseSubFolders)
+{
+    const dvn::Str constantPath = m_path + "/constant";
+    m_parts.clear();
+    if (!OFUtilities::fileExists(constantPath)) {
+        return logProblem("Cannot init geometry. Folder %1 does not exist.", constantPath);
+    }
+    m_simulationDescription = "Single Region\n";
+    int nextId = 1;
+    if (!addConstantMeshes(constantPath, &nextId)) {
+        return false;
+    }
+    if (m_parts.empty() && std::ranges::count(caseSubFolders, dvn::Str("0")) != 0 && !addTimeZeroMesh(&nextId)) {
+        return false;
+    }
+    // One text ends its line and the other does not; hosts show them as they are.
+    m_simulationDescription = m_parts.size() >= 2 ? "Multi-Region Simulation\n" : "Single-Region Simulation";
+    logCount("Parsed folder, registered %1 parts.", m_parts.size());
+    addSampledSurfaces();
+    return true;
+}
+
+bool OFReader::addConstantMeshes(const dvn::Str& constantPath, int* nextId)
+{
+    for (const dvn::Str& name : OFUtilities::subFolders(constantPath)) {
+        const dvn::Str path = constantPath + "/" + name;
+        if (name == dvn::Str("polyMesh")) {
+            if (m_loadGlobalMesh && !addGlobalMesh(path, nextId)) {
+                return false;
+            }
+        } else if (m_loadLocalMeshes && hasSubFolder(path, "polyMesh")) {
+            if (!addRegion(name, path + "/polyMesh", nextId)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool OFReader::addGlobalMesh(const dvn::Str& meshPath, int* nextId)
+{
+    OFPart part((*nextId)++, DEFAULT_PART_NAME, meshPath);
+    part.setDefaultRegion(true);
+    if (!addBoundaries(part, meshPath + "/boundary", nextId)) {
+        return logProblem(BOUNDARY_PROBLEM, meshPath + "/boundary");
+    }
+    if (!addFaceZones(part, meshPath + "/faceZones", nextId)) {
+        return logProblem("Cannot init face zones. A parsing problem occurred in %1.", meshPath + "/faceZones");
+    }
+    if (!addCellZones(part, meshPath + "/cellZones", nextId)) {
+        return logProblem(CELL_ZONES_PROBLEM, meshPath + "/cellZones");
+    }
+    m_parts.push_back(std::move(part));
+    return true;
+}
+
+/// A region gets patches only: its zones are left out on purpose, since hosts know the groups of a region without them.
+bool OFReader::addRegion(const dvn::Str& name, const dvn::Str& meshPath, int* nextId)
+{
+    OFPart part((*nextId)++, name, meshPath);
+    if (!addBoundaries(part, meshPath + "/boundary", nextId)) {
+        return logProblem(BOUNDARY_PROBLEM, meshPath + "/boundary");
+    }
+    m_parts.push_back(std::move(part));
+    return true;
+}
+
+/// The last resort, taken whatever the mesh settings say. The part bears the default region's name without being marked
+/// as it, so its results are looked for in a sub-folder of that name.
+bool OFReader::addTimeZeroMesh(int* nextId)
+{
+    const dvn::Str timeFolder = m_path + "/0";
+    if (!hasSubFolder(timeFolder, "polyMesh")) {
+        return true;
+    }
+    OFPart part((*nextId)++, DEFAULT_PART_NAME, timeFolder + "/polyMesh");
+    // The "/" behind the time is left out on purpose: for an ordinary case there are no such files, and hosts know this
+    // part as one without patches and zones.
+    const dvn::Str descriptions = timeFolder + "polyMesh";
+    if (!addBoundaries(part, descriptions + "/boundary", nextId)) {
+        return logProblem(BOUNDARY_PROBLEM, timeFolder + "/polyMesh/boundary");
+    }
+    if (!addFaceZones(part, descriptions + "/faceZones", nextId)) {
+        return logProblem("Cannot init face zone. A parsing problem occurred in %1.",
+                          timeFolder + "/polyMesh/faceZones");
+    }
+    if (!addCellZones(part, descriptions + "/cellZones", nextId)) {
+        return logProblem(CELL_ZONES_PROBLEM, timeFolder + "/polyMesh/cellZones");
+    }
+    m_parts.push_back(std::move(part));
+    return true;
+}
+
+void OFReader::addSampledSurfaces()
+{
+    m_sampledSurfaces.clear();
+    const dvn::Str root = sampledSurfaceRoot(m_path);
+    if (!OFUtilities::fileExists(root)) {
+        return;
+    }
+    // The first time in the order of text, "10" before "2", gives the surfaces for all times.
+    const std::vector<dvn::Str> times = OFUtilities::subFolders(root);
+    if (const auto first = std::min_element(times.begin(), times.end()); first != times.end()) {
+        const dvn::Str folder = root + "/" + *first;
+        for (const dvn::Str& name : OFUtilities::subFolders(folder)) {
+            const int id = static_cast<int>(m_sampledSurfaces.size()) + 1;
+            m_sampledSurfaces.emplace_back(id, name, folder + "/" + name);
+        }
+    }
+    logCount("Parsed folder, registered %1 sampled Surfaces.", m_sampledSurfaces.size());
+}
+
+bool OFReader::addBoundaries(OFPart& part, const dvn::Str& file, int* nextId)
+{
+    if (!m_loadBoundaries || !existsPlainOrZipped(file)) {
+        return true;
+    }
+    std::vector<OFBoundary>& boundaries = part.boundaries();
+    if (!OFFile(true).readBoundary(file, "boundary", boundaries, static_cast<std::size_t>(part.id()))) {
+        return dropBrokenList(boundaries, "Cannot init geometry. Boundary File/Folder %1 does not exist.", file);
+    }
+    filterBoundariesPartByName(part);
+    filterBoundariesWithZeroFaceCount(part);
+    // Only now, so that dropped patches leave no gaps.
+    for (std::size_t i = 0; i < boundaries.size(); ++i) {
+        boundaries[i].setBoundaryId(static_cast<int>(i) + 1);
+    }
+    *nextId += static_cast<int>(boundaries.size());
+    return true;
+}
+
+bool OFReader::addFaceZones(OFPart& part, const dvn::Str& file, int* nextId)
+{
+    if (!m_loadFaceZones || !existsPlainOrZipped(file)) {
+        return true;
+    }
+    if (!OFFile(true).readFaceZones(file, "faceZones", part.faceZones(), static_cast<std::size_t>(part.id()))) {
+        return dropBrokenList(part.faceZones(), "Cannot init geometry. faceZones File/Folder %1 does not exist.", file);
+    }
+    *nextId += static_cast<int>(part.faceZones().size());
+    return true;
+}
+
+bool OFReader::addCellZones(OFPart& part, const dvn::Str& file, int* nextId)
+{
+    if (!m_loadCellZones || !existsPlainOrZipped(file)) {
+        return true;
+    }
+    if (!OFFile(true).readCellZones(file, "cellZones", part.cellZones(), static_cast<std::size_t>(part.id()))) {
+        return dropBrokenList(part.cellZones(), "Cannot init geometry. CellZones File/Folder %1 does not exist.", file);
+    }
+    *nextId += static_cast<int>(part.cellZones().size());
+    return true;
+}
+
+bool OFReader::filterBoundariesPartByName(OFPart& part)
+{
+    if (m_hideProcessorInterfaces) {
+        std::erase_if(part.boundaries(),
+                      [](const OFBoundary& boundary) { return boundary.patchName().startsWith("procBoundary"); });
+    }
+    return true;
+}
+
+bool OFReader::filterBoundariesWithZeroFaceCount(OFPart& part)
+{
+    std::erase_if(part.boundaries(), hasNoFaces);
+    return true;
+}

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFReader.h"
+#include "casemodel/SampledSurfaceFolders.h"
+#include "foamfile/OFLogger.h"
+#include "foamfile/OFUtilities.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr const char* LOG_SOURCE = "OFReader";
+/// Ids given anew start here, beyond the first ones of all but very long runs.
+constexpr int FIRST_RENEWED_ID = 1001;
+constexpr int DEFAULT_WRITE_INTERVAL = 1;
+
+std::vector<dvn::Str> sortedSubFolders(const dvn::Str& folder)
+{
+    std::vector<dvn::Str> names = OFUtilities::subFolders(folder);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// The folders of every case that hold no time; they are passed over without a word.
+bool isFixedFolder(const dvn::Str& name)
+{
+    return name == dvn::Str("constant") || name == dvn::Str("system") || name == dvn::Str("postProcessing");
+}
+
+bool liesIn(const OFState& state, const dvn::Str& folderName)
+{
+    return OFUtilities::folderNameFromPath(state.folder()) == folderName;
+}
+
+/// Removes an entry by putting the last one in its place.
+template <typename Entry>
+void removeUnordered(std::vector<Entry>& entries, std::size_t position)
+{
+    if (position < entries.size()) {
+        std::swap(entries[position], entries.back());
+        entries.pop_back();
+    }
+}
+
+OFResult surfaceResult(const dvn::Str& fieldName, OFResultType type, const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    return OFResult(fieldName, OFState::makeCustomName(fieldName, resultNames) + " [N]",
+                    OFState::makeIdString(fieldName) + "_N*", OFUnit(), type, OFResultOnNode);
+}
+
+} // namespace
+
+bool OFReader::initStates()
+{
+    m_statesFolder = sortedSubFolders(m_path);
+    return populateStates(m_statesFolder, 1);
+}
+
+bool OFReader::updateStates()
+{
+    std::vector<dvn::Str> folders = sortedSubFolders(m_path);
+    m_states.clear();
+    populateStates(folders, 1);
+    m_statesFolder = std::move(folders);
+    return true;
+}
+
+bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firstId)
+{
+    const std::vector<dvn::Str> regions = regionNames();
+    const std::map<dvn::Str, dvn::Str> resultNames = buildResultsNamesMap(m_customResultNames);
+    // Listed once and not for each state: both lists grow with the run, and their product would.
+    const std::vector<dvn::Str> surfaceTimes = sortedSubFolders(sampledSurfaceRoot(m_path));
+    int nextId = firstId;
+    for (const dvn::Str& name : folderNames) {
+        if (isFixedFolder(name)) {
+            continue;
+        }
+        if (appendState(nextId, name, regions, resultNames)) {
+            ++nextId;
+        }
+        // Also behind a rejected folder: surface values of that name then count for the state before it in the list.
+        if (std::binary_search(surfaceTimes.begin(), surfaceTimes.end(), name)) {
+            addSampledSurfaceResults(name, resultNames);
+        }
+    }
+    sortStatesByReferenceValue();
+    setStepIndex();
+    return true;
+}
+
+std::vector<dvn::Str> OFReader::regionNames() const
+{
+    std::vector<dvn::Str> names;
+    for (const OFPart& part : m_parts) {
+        if (!part.isDefaultRegion()) {
+            names.push_back(part.name());
+        }
+    }
+    return names;
+}
+
+bool OFReader::appendState(int id, const dvn::Str& folderName, const std::vector<dvn::Str>& regions,
+                           const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    const dvn::Str folder = m_path + "/" + folderName;
+    OFState state(id);
+    state.setGenerateNodeAverageResult(m_makeNodeAverageResult);
+    state.setLoadGlobalResultFlag(m_loadGlobalMesh);
+    state.setLoadLocalResultFlag(m_loadLocalMeshes);
+    if (!state.init(folder, folderName, regions, resultNames)) {
+        OFLogger::get().logInfo(LOG_SOURCE, dvn::Str("Parsed folder, non registered %1 state.").arg(folder));
+        return false;
+    }
+    m_states.push_back(std::move(state));
+    return true;
+}
+
+void OFReader::addSampledSurfaceResults(const dvn::Str& folderName, const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    if (m_states.empty()) {
+        return;
+    }
+    const dvn::Str timeFolder = sampledSurfaceRoot(m_path) + "/" + folderName;
+    for (const dvn::Str& surface : OFUtilities::subFolders(timeFolder)) {
+        for (const OFResultType type : {OFResultScalar, OFResultVector, OFResultTensor}) {
+            const dvn::Str fieldFolder = timeFolder + "/" + surface + sampledFieldFolder(type);
+            for (const dvn::Str& file : OFUtilities::filesInFolder(fieldFolder)) {
+                m_states.back().addResult(surfaceResult(OFUtilities::fileBaseName(file), type, resultNames));
+            }
+        }
+    }
+}
+
+int OFReader::addState(const dvn::Str& folderName)
+{
+    populateStates({folderName}, static_cast<int>(m_states.size()));
+    m_statesFolder.push_back(folderName);
+    std::sort(m_statesFolder.begin(), m_statesFolder.end());
+    setIdsToRespectReferenceValueOrder();
+    setStepIndex();
+    const auto added = std::ranges::find_if(m_states, [&](const OFState& state) { return liesIn(state, folderName); });
+    return added == m_states.end() ? -1 : added->id();
+}
+
+int OFReader::deleteState(const dvn::Str& folderName)
+{
+    const auto doomed = std::ranges::find_if(m_states, [&](const OFState& state) { return liesIn(state, folderName); });
+    if (doomed == m_states.end()) {
+        return -1;
+    }
+    const auto position = static_cast<std::size_t>(doomed - m_states.begin());
+    removeUnordered(m_states, position);
+    // The same position in a list of another order and length, so it is mostly another name that goes. Which folders
+    // count as new or gone at the next poll follows from it, and hosts have settled on that.
+    removeUnordered(m_statesFolder, position);
+    std::sort(m_statesFolder.begin(), m_statesFolder.end());
+    setIdsToRespectReferenceValueOrder();
+    if (!m_states.empty()) {
+        setStepIndex();
+    }
+    return static_cast<int>(position);
+}
+
+void OFReader::sortStatesByReferenceValue()
+{
+    std::stable_sort(m_states.begin(), m_states.end(), OFStateLesser());
+}
+
+void OFReader::setIdsToRespectReferenceValueOrder()
+{
+    sortStatesByReferenceValue();
+    int id = FIRST_RENEWED_ID;
+    for (OFState& state : m_states) {
+        state.setid(id++);
+    }
+}
+
+int OFReader::writeInterval() const
+{
+    const auto entry = m_controlDict.find("writeInterval");
+    if (entry == m_controlDict.end()) {
+        return DEFAULT_WRITE_INTERVAL;
+    }
+    const std::vector<dvn::Str> words = entry->second.split(" ");
+    const dvn::Str last = words.empty() ? dvn::Str() : words.back();
+    bool isNumber = false;
+    const int interval = last.toInt(&isNumber);
+    if (!isNumber) {
+        OFLogger::get().logInfo(
+            LOG_SOURCE,
+            dvn::Str("Failed to convert writeInterval value ( %1 ) from controlDict. Using 1 instead").arg(last));
+        return DEFAULT_WRITE_INTERVAL;
+    }
+    return interval;
+}
+
+void OFReader::setStepIndex()
+{
+    // Unsigned, so that a negative interval wraps as the index itself does.
+    const auto interval = static_cast<std::size_t>(static_cast<std::ptrdiff_t>(writeInterval()));
+    std::size_t indexFromPosition = 0;
+    for (OFState& state : m_states) {
+        const std::size_t indexFromFolder = state.stepIndexFromTimeDict();
+        state.setStepIndex(indexFromFolder == OFState::UNKNOWN_INDEX ? indexFromPosition : indexFromFolder);
+        state.setDefaultName();
+        indexFromPosition += interval;
+    }
+}

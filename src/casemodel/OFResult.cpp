@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFResult.h"
+
+namespace {
+
+constexpr std::size_t NO_COUNT = static_cast<std::size_t>(-1);
+
+} // namespace
+
+OFResult::OFResult(const dvn::Str& nativeName, const dvn::Str& name, const dvn::Str& idString, const OFUnit& unit,
+                   OFResultType type, OFResultMapping mapping)
+    : m_name(name), m_idString(idString), m_nativeName(nativeName), m_unit(unit), m_type(type), m_mapping(mapping)
+{
+}
+
+dvn::Str OFResult::className() const
+{
+    if (m_mapping == OFResultNodeAverage) {
+        return "Dalvorn averaged result from volume data";
+    }
+    for (const auto& [name, kind] : supportedResultClasses()) {
+        if (kind.type == m_type && kind.mapping == m_mapping) {
+            return name;
+        }
+    }
+    return dvn::Str();
+}
+
+int OFResult::dimension() const
+{
+    switch (m_type) {
+    case OFResultScalar:
+        return 1;
+    case OFResultVector:
+        return 3;
+    case OFResultTensor:
+        return 6;
+    default:
+        return -1;
+    }
+}
+
+std::size_t OFResult::expectedValueCount(std::size_t nodeCount, std::size_t elementCount) const
+{
+    const int components = dimension();
+    if (components < 0) {
+        return NO_COUNT;
+    }
+    switch (m_mapping) {
+    case OFResultOnCell:
+        return static_cast<std::size_t>(components) * elementCount;
+    case OFResultOnNode:
+    case OFResultNodeAverage:
+        return static_cast<std::size_t>(components) * nodeCount;
+    default:
+        return NO_COUNT;
+    }
+}
+
+const std::map<std::string, OFResultTypeAndMapping>& OFResult::supportedResultClasses()
+{
+    static const std::map<std::string, OFResultTypeAndMapping> CLASSES = {
+        {"volScalarField", {OFResultScalar, OFResultOnCell}},     {"volVectorField", {OFResultVector, OFResultOnCell}},
+        {"volTensorField", {OFResultTensor, OFResultOnCell}},     {"pointScalarField", {OFResultScalar, OFResultOnNode}},
+        {"pointVectorField", {OFResultVector, OFResultOnNode}},   {"pointTensorField", {OFResultTensor, OFResultOnNode}},
+    };
+    return CLASSES;
+}

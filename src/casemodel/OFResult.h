@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+#include "casemodel/OFUnit.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+
+/// What kind of value a result holds.
+enum OFResultType : int
+{
+    OFResultScalar = 0,
+    OFResultVector = 1,
+    OFResultTensor = 2,
+    OFResultDisplacement = 3
+};
+
+/// Where the values of a result stand.
+enum OFResultMapping : int
+{
+    OFResultOnCell = 0,
+    OFResultOnNode = 1,
+    /// Per node, computed from a result on cells.
+    OFResultNodeAverage = 2
+};
+
+/// Kind and place of the values of one field class.
+struct OFResultTypeAndMapping
+{
+    OFResultType type;
+    OFResultMapping mapping;
+};
+
+/// One result that a state offers, without its values. A plain value.
+class OFResult
+{
+public:
+    /// @param nativeName the field's own name, which is also the name of its file
+    /// @param name       the shown name
+    /// @param idString   the key that identifies the result across states
+    OFResult(const dvn::Str& nativeName, const dvn::Str& name, const dvn::Str& idString, const OFUnit& unit,
+             OFResultType type, OFResultMapping mapping);
+
+    /// The id told to the host; -1 until the metadata is published.
+    int id() const { return m_id; }
+    void setId(int id) { m_id = id; }
+    const dvn::Str& name() const { return m_name; }
+    const dvn::Str& idString() const { return m_idString; }
+    const dvn::Str& nativeName() const { return m_nativeName; }
+    const OFUnit& unit() const { return m_unit; }
+    OFResultType type() const { return m_type; }
+    OFResultMapping mapping() const { return m_mapping; }
+
+    /// The class of the field's file, such as "volScalarField"; for a node average a text of its own, and empty where
+    /// no class fits, as for a displacement.
+    dvn::Str className() const;
+    /// Stored components: 1, 3 or, for a tensor, 6; -1 for anything else.
+    int dimension() const;
+    /// Components times nodes or elements, after the mapping; all bits set where the kind or the mapping has none.
+    std::size_t expectedValueCount(std::size_t nodeCount, std::size_t elementCount) const;
+
+    /// The field classes that can be read. Made at the first call, safe from any thread, and kept.
+    static const std::map<std::string, OFResultTypeAndMapping>& supportedResultClasses();
+
+private:
+    int m_id = -1;
+    dvn::Str m_name;
+    dvn::Str m_idString;
+    dvn::Str m_nativeName;
+    OFUnit m_unit;
+    OFResultType m_type;
+    OFResultMapping m_mapping;
+};

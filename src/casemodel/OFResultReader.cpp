@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFResultReader.h"
+
+#include "DvnCore/Timer.h"
+#include "foamfile/OFFile.h"
+#include "foamfile/OFLogger.h"
+
+#include <cstddef>
+
+namespace {
+
+constexpr const char* LOG_SOURCE = "OFResultReader";
+
+std::size_t totalSize(const std::vector<std::vector<double>>& arrays)
+{
+    std::size_t size = 0;
+    for (const std::vector<double>& array : arrays) {
+        size += array.size();
+    }
+    return size;
+}
+
+void tell(bool* target, bool value)
+{
+    if (target != nullptr) {
+        *target = value;
+    }
+}
+
+} // namespace
+
+bool OFResultReader::readValues(const dvn::Str& folder, const dvn::Str& resultName, const dvn::Str& resultClass,
+                                std::vector<double>* values) const
+{
+    return readFile(true, folder, resultName, resultClass, values, nullptr);
+}
+
+bool OFResultReader::readNonHeaderValues(const dvn::Str& folder, const dvn::Str& resultName,
+                                         const dvn::Str& resultClass, std::vector<double>* values,
+                                         bool* isInteriorRead) const
+{
+    return readFile(false, folder, resultName, resultClass, values, isInteriorRead);
+}
+
+bool OFResultReader::readFile(bool hasHeader, const dvn::Str& folder, const dvn::Str& resultName,
+                              const dvn::Str& resultClass, std::vector<double>* values, bool* isInteriorRead) const
+{
+    const dvn::Timer timer;
+    OFFile file(hasHeader);
+    const bool isRead = file.readResult(folder + "/" + resultName, resultName, resultClass, values);
+    tell(isInteriorRead, file.interiorWasRead());
+    if (!isRead) {
+        return false;
+    }
+    OFLogger::get().logInfo(LOG_SOURCE, dvn::Str("Result %1 file done. Read %2 items. Time used : %3")
+                                            .arg(resultName)
+                                            .arg(values->size())
+                                            .arg(timer.time()));
+    return true;
+}
+
+bool OFResultReader::readValuesForCellAndBoundaries(const dvn::Str& folder, const dvn::Str& resultName,
+                                                    const dvn::Str& resultClass, std::vector<double>* cellValues,
+                                                    const std::vector<OFBoundary>& boundaries,
+                                                    std::vector<std::vector<double>>& boundaryValues,
+                                                    bool* isInteriorRead) const
+{
+    const dvn::Timer timer;
+    OFFile file(true);
+    const bool isRead = file.readValuesOfCellAndBoundaries(folder + "/" + resultName, resultName, resultClass,
+                                                           cellValues, boundaries, boundaryValues);
+    tell(isInteriorRead, file.interiorWasRead());
+    if (!isRead) {
+        return false;
+    }
+    OFLogger::get().logInfo(LOG_SOURCE,
+                            dvn::Str("Result %1 file done. Read %2 cellItems. Read %3 boundary patches containing %4 "
+                                     "boundaryItems. Time used : %5")
+                                .arg(resultName)
+                                .arg(cellValues->size())
+                                .arg(boundaries.size())
+                                .arg(totalSize(boundaryValues))
+                                .arg(timer.time()));
+    return true;
+}

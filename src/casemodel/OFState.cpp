@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFState.h"
+
+#include "foamfile/OFFile.h"
+#include "foamfile/OFUtilities.h"
+
+#include <algorithm>
+#include <type_traits>
+
+// The list of states is sorted and grows; copies of whole catalogues would cost more than reading them.
+static_assert(std::is_nothrow_move_constructible_v<OFState> && std::is_nothrow_move_assignable_v<OFState>);
+
+namespace {
+
+constexpr int NAME_DIGITS = 5;
+
+} // namespace
+
+OFState::OFState(int id) : m_id(id) {}
+
+bool OFState::init(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& regionNames,
+                   const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    m_timeDict.clear();
+    m_folder = folder;
+    m_name = name;
+    if (m_loadGlobalResult) {
+        addResultsFromFiles(folder, OFUtilities::filesInFolder(folder), resultNames);
+    }
+    if (m_loadLocalResult) {
+        for (const dvn::Str& region : regionNames) {
+            const dvn::Str regionFolder = folder + "/" + region;
+            addResultsFromFiles(regionFolder, OFUtilities::filesInFolder(regionFolder), resultNames);
+        }
+    }
+    const dvn::Str timeFile = folder + "/uniform/time";
+    if (OFUtilities::fileExists(timeFile)) {
+        // A file that cannot be read is no harm: the step index then comes from the state's position.
+        (void)OFFile(true).readDictionary(timeFile, "time", &m_timeDict);
+    }
+    if (m_referenceValue == dvn::UNDEFINED_DOUBLE) {
+        m_referenceValue = OFUtilities::folderNameFromPath(folder).toDouble(dvn::UNDEFINED_DOUBLE);
+    }
+    return m_referenceValue != dvn::UNDEFINED_DOUBLE;
+}
+
+std::size_t OFState::stepIndexFromTimeDict() const
+{
+    const auto entry = m_timeDict.find("index");
+    if (entry == m_timeDict.end()) {
+        return UNKNOWN_INDEX;
+    }
+    bool isNumber = false;
+    const unsigned int index = entry->second.toUInt(&isNumber);
+    return isNumber ? index : UNKNOWN_INDEX;
+}
+
+void OFState::setDefaultName()
+{
+    m_name = dvn::Str("Time %1 #%2").arg(dvn::Str::number(m_referenceValue, 'f', NAME_DIGITS)).arg(m_stepIndex);
+}
+
+const OFResult* OFState::resultById(int id) const
+{
+    const auto found = std::ranges::find(m_results, id, &OFResult::id);
+    return found == m_results.end() ? nullptr : &*found;
+}
+
+bool OFState::registerVolumeResultSourceOfAverageNodeResult(int nodeResultId, int volumeResultId)
+{
+    m_mappingSourceToAverageNode[nodeResultId] = volumeResultId;
+    return true;
+}

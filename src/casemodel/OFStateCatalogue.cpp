@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFState.h"
+#include "foamfile/CheckedLookup.h"
+#include "foamfile/OFFile.h"
+#include "foamfile/OFLogger.h"
+#include "foamfile/OFUtilities.h"
+#include "provider/OFInitOptions.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr const char* LOG_SOURCE = "OFState";
+constexpr const char* AVERAGE_NAME_SUFFIX = " [node]";
+constexpr const char* NODE_NAME_SUFFIX = " [N]";
+
+const dvn::Str& valueOr(const std::map<dvn::Str, dvn::Str>& map, const dvn::Str& key, const dvn::Str& otherwise)
+{
+    const auto entry = map.find(key);
+    return entry == map.end() ? otherwise : entry->second;
+}
+
+OFUnit readUnit(OFFile& file)
+{
+    std::vector<dvn::Str> tokens;
+    // A line of another form has another number of tokens, which makes the unit dimensionless.
+    (void)file.readDimensions(&tokens);
+    return OFUnit::fromString(tokens);
+}
+
+} // namespace
+
+bool OFState::addResultsFromFiles(const dvn::Str& folder, const std::vector<dvn::Str>& files,
+                                  const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    // The first folder in which a field is found decides its class and unit; later regions add nothing to it.
+    std::set<dvn::Str> seenNames;
+    for (const OFResult& result : m_results) {
+        seenNames.insert(result.nativeName());
+    }
+    findDisplacementResult(folder, seenNames, resultNames);
+    for (const dvn::Str& file : files) {
+        addResultFromFile(folder, OFUtilities::fileBaseName(file), seenNames, resultNames);
+    }
+    return true;
+}
+
+void OFState::addResultFromFile(const dvn::Str& folder, const dvn::Str& fileName, std::set<dvn::Str>& seenNames,
+                                const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    const dvn::Str path = folder + "/" + fileName;
+    OFFile file(true);
+    if (!file.open(path)) {
+        return;
+    }
+    const std::string& className = checkedLookup(file.headerMap(), "class");
+    const dvn::Str nativeName = checkedLookup(file.headerMap(), "object");
+    const auto kind = OFResult::supportedResultClasses().find(className);
+    if (kind == OFResult::supportedResultClasses().end()) {
+        OFLogger::get().logInfo(
+            LOG_SOURCE,
+            dvn::Str("Ignoring class::%1 foung in %2, result not supported in this reader").arg(className).arg(path));
+        return;
+    }
+    if (seenNames.insert(nativeName).second) {
+        addFieldResults(nativeName, readUnit(file), kind->second, resultNames);
+    }
+}
+
+void OFState::addFieldResults(const dvn::Str& nativeName, const OFUnit& unit, const OFResultTypeAndMapping& kind,
+                              const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    const dvn::Str name = makeCustomName(nativeName, resultNames);
+    const dvn::Str stem = makeIdString(nativeName);
+    if (kind.mapping == OFResultOnNode) {
+        addResult(OFResult(nativeName, name + NODE_NAME_SUFFIX, stem + "_N*", unit, kind.type, OFResultOnNode));
+        return;
+    }
+    addResult(OFResult(nativeName, name, stem + "_E", unit, kind.type, OFResultOnCell));
+    if (m_generateNodeAverageResult) {
+        addResult(OFResult(nativeName, name + AVERAGE_NAME_SUFFIX, stem + "_N", unit, kind.type, OFResultNodeAverage));
+    }
+}
+
+void OFState::findDisplacementResult(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
+                                     const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    for (const dvn::Str& path : OFUtilities::filesInFolder(folder + "/polyMesh")) {
+        OFFile file(true);
+        if (!file.open(path)) {
+            continue;
+        }
+        const std::string& className = checkedLookup(file.headerMap(), "class");
+        const dvn::Str objectName = checkedLookup(file.headerMap(), "object");
+        const bool arePoints = objectName == dvn::Str("points") && className == "vectorField";
+        if (arePoints && seenNames.insert(objectName).second) {
+            addResult(OFResult(objectName, makeCustomName(objectName, resultNames), makeIdString(objectName),
+                               OFUnit::fromBase(0, 1, 0, 0, 0, 0, 0), OFResultDisplacement, OFResultOnNode));
+        }
+    }
+}
+
+const OFResult* OFState::sourceVolumefromAverageNodeResult(const OFResult* result) const
+{
+    const auto link = m_mappingSourceToAverageNode.find(result->id());
+    if (link == m_mappingSourceToAverageNode.end()) {
+        return nullptr;
+    }
+    const OFResult* const source = resultById(link->second);
+    const bool fits = source != nullptr && source->dimension() == result->dimension() &&
+                      source->type() == result->type() && source->name() + AVERAGE_NAME_SUFFIX == result->name();
+    return fits ? source : nullptr;
+}
+
+bool OFState::hasResultForPart(const OFResult* result, const OFPart* part) const
+{
+    const OFResult* const read =
+        result->mapping() == OFResultNodeAverage ? sourceVolumefromAverageNodeResult(result) : result;
+    if (read == nullptr) {
+        return false;
+    }
+    const dvn::Str folder = part->isDefaultRegion() ? m_folder : m_folder + "/" + part->name();
+    // The name is the one in the file's header: a field whose file bears another name is listed, but found in no part.
+    return std::ranges::any_of(OFUtilities::filesInFolder(folder), [&](const dvn::Str& file) {
+        return OFUtilities::fileBaseName(file) == read->nativeName();
+    });
+}
+
+dvn::Str OFState::makeCustomName(const dvn::Str& nativeName, const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    return valueOr(resultNames, nativeName, nativeName);
+}
+
+dvn::Str OFState::makeIdString(const dvn::Str& nativeName)
+{
+    return valueOr(OPENFOAM_IDSTRINGS_MAP, nativeName, nativeName.toUpper());
+}

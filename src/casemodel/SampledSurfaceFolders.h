@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+#include "casemodel/OFResult.h"
+
+/// The folder under which a case keeps its sampled surfaces, one sub-folder a time and therein one a surface.
+dvn::Str sampledSurfaceRoot(const dvn::Str& casePath);
+
+/// The sub-folder of a surface that holds the values of this type, with a "/" in front; empty for a type without one.
+dvn::Str sampledFieldFolder(OFResultType type);

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+
+#include <atomic>
+#include <map>
+
+/// Forwards the plug-in's log lines to the one callback that the host provides.
+///
+/// There is no log file and no level filter here: the host decides what becomes of a line. The operations take no lock
+/// and run on many worker threads at once, so the callback must accept concurrent calls. Text handed to it is valid
+/// during the call alone.
+class OFLogger
+{
+public:
+    using Callback = void (*)(int level, const char* text);
+
+    /// The one instance, made at the first call from any thread and destroyed at exit.
+    static OFLogger& get();
+
+    /// Installs the host's callback in place of an earlier one; null drops all lines. It is never cleared.
+    void init(Callback callback);
+
+    /// Level 1.
+    /// @return always false, so that a reader can end with the value of its own report
+    bool logError(const dvn::Str& group, const dvn::Str& message) const;
+    /// Level 3. There is no level 2.
+    void logInfo(const dvn::Str& group, const dvn::Str& message) const;
+    /// Level 4.
+    void logDebug(const dvn::Str& group, const dvn::Str& message) const;
+    /// Level 4 as well: hosts know no finer level.
+    void logDeveloper(const dvn::Str& group, const dvn::Str& message) const;
+
+    /// Does nothing: callers mark where time goes, and a build that measures can store it here.
+    void track(const dvn::Str& label, double value);
+    /// Does nothing, as nothing is tracked.
+    void printTrackedData() const;
+
+private:
+    OFLogger() = default;
+    void send(int level, const dvn::Str& group, const dvn::Str& message) const;
+
+    /// Atomic, because a host may register the plug-in again while workers of another case log.
+    std::atomic<Callback> m_callback{nullptr};
+    std::map<dvn::Str, double> m_trackedData;
+};

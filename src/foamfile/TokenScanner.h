@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "LibCore/Numbers.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <system_error>
+
+/// Scanners of single tokens in text that ends with a NUL. No scanner steps over that NUL, so a loop that tests for it
+/// never leaves the text. A failed scan leaves the cursor where it was unless its comment says otherwise.
+namespace TokenScanner {
+
+inline bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+inline void skipLineFeeds(const char*& cursor)
+{
+    while (*cursor == '\n') {
+        ++cursor;
+    }
+}
+
+/// Moves behind the next `sought`, or to the NUL and answers false.
+inline bool skipBehind(const char*& cursor, char sought)
+{
+    for (; *cursor != '\0'; ++cursor) {
+        if (*cursor == sought) {
+            ++cursor;
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Steps over the character that ended a token, unless it is the end of the text.
+inline void skipStop(const char*& cursor)
+{
+    cursor += *cursor != '\0' ? 1 : 0;
+}
+
+/// Reads one unsigned label and leaves `cursor` on the character that ended it.
+/// A sign is refused: no label list of a mesh carries one.
+inline bool scanLabel(const char*& cursor, int* label)
+{
+    const char* const first = cursor;
+    const char* p = first;
+    std::uint32_t value = 0;
+    for (; isDigit(*p); ++p) {
+        value = value * 10 + static_cast<std::uint32_t>(*p - '0');
+    }
+    if (p == first || static_cast<std::size_t>(p - first) > dvf::MAX_NUMBER_LENGTH) {
+        return false;
+    }
+    // Wraps on purpose: only the caller knows the size of the list, so only it can refuse a label as too large.
+    *label = static_cast<int>(value);
+    cursor = p;
+    return true;
+}
+
+/// True for what may stand behind an item of a list of labels or scalars.
+inline bool endsListItem(char c)
+{
+    return c == '\n' || c == ' ' || c == ')' || c == '\0';
+}
+
+/// Reads the finite number at the start of the text and tells where it ends; null if there is none.
+///
+/// This is the road of nearly every number: where what it stops at is what ends the token, the whole token was taken. If
+/// not, nothing is decided: the token may still be a number for `strtod`, and the caller looks at it by its own rules.
+/// Infinite values and NaN count as none, because the conversion reads on behind a delimiter in texts such as "nan(1)".
+/// @param end the NUL of the text
+inline const char* scanPlainReal(const char* first, const char* end, double* value)
+{
+    const std::from_chars_result result = std::from_chars(first, end, *value);
+    const bool isPlain = result.ec == std::errc() && std::isfinite(*value) &&
+                         static_cast<std::size_t>(result.ptr - first) <= dvf::MAX_NUMBER_LENGTH;
+    return isPlain ? result.ptr : nullptr;
+}
+
+/// Which characters end a component of a vector.
+enum class ComponentEnd
+{
+    /// Its delimiter: the road of `points`, where a blank in the wrong place is taken as damage.
+    Delimiter,
+    /// Its delimiter, a blank or ")": the road of field values.
+    DelimiterBlankOrBracket
+};
+
+template <ComponentEnd END>
+bool endsComponent(char c, char delimiter)
+{
+    const bool isEnd = c == delimiter || c == '\n' || c == '\0';
+    return isEnd || (END == ComponentEnd::DelimiterBlankOrBracket && (c == ' ' || c == ')'));
+}
+
+/// What `scanComponent` does where `scanPlainReal` does not settle it.
+template <ComponentEnd END>
+bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
+{
+    const char* const first = cursor;
+    const char* p = first;
+    while (!endsComponent<END>(*p, delimiter)) {
+        ++p;
+    }
+    const std::string_view token(first, static_cast<std::size_t>(p - first));
+    if (*p == '\n') {
+        if (!skipBehind(p, delimiter)) {
+            return false;
+        }
+    } else {
+        skipStop(p);
+    }
+    if (token.empty() || !dvf::tokenToDouble(token, value)) {
+        return false;
+    }
+    cursor = p;
+    return true;
+}
+
+/// Reads one component of a vector and moves behind the character that ended it.
+///
+/// A line feed ends the token too, and what stands between it and the next delimiter is passed over.
+/// @param end the NUL of the text
+template <ComponentEnd END>
+bool scanComponent(const char*& cursor, const char* end, char delimiter, double* value)
+{
+    const char* const stop = scanPlainReal(cursor, end, value);
+    if (stop != nullptr && *stop == delimiter) {
+        cursor = stop + 1;
+        return true;
+    }
+    return scanUnusualComponent<END>(cursor, delimiter, value);
+}
+
+/// Reads one number of a scalar list and moves to the character that ended it: line feed, blank, ")" or NUL.
+///
+/// The value is stored also where the token is more than one number, which is answered with false.
+/// @param end the NUL of the text
+inline bool scanScalar(const char*& cursor, const char* end, double* value)
+{
+    const char* const stop = scanPlainReal(cursor, end, value);
+    if (stop != nullptr && endsListItem(*stop)) {
+        cursor = stop;
+        return true;
+    }
+    const char* p = cursor;
+    while (!endsListItem(*p)) {
+        ++p;
+    }
+    const std::string_view token(cursor, static_cast<std::size_t>(p - cursor));
+    if (token.empty() || !dvf::tokenToDouble(token, value)) {
+        return false;
+    }
+    cursor = p;
+    return true;
+}
+
+/// Which characters, besides its own delimiter, may end a number of a face.
+enum class FaceTokenEnd
+{
+    /// None: a face that is not written as it should be ends the chunk.
+    Delimiter,
+    /// A blank or the end of the text: the road of the sequential readers.
+    DelimiterBlankOrNul
+};
+
+template <FaceTokenEnd END>
+bool endsFaceToken(char c, char delimiter)
+{
+    return c == delimiter || (END == FaceTokenEnd::DelimiterBlankOrNul && (c == ' ' || c == '\0'));
+}
+
+/// Reads the node count in front of a face and moves behind the "(".
+///
+/// Faces of more than ten nodes stand over several lines, with the count on the first and "(" on the second: a line feed
+/// ends the count, and what stands between it and the "(" is passed over.
+template <FaceTokenEnd END>
+bool scanFaceSize(const char*& cursor, int* count)
+{
+    const char* p = cursor;
+    if (!scanLabel(p, count)) {
+        return false;
+    }
+    if (*p == '\n') {
+        if (!skipBehind(p, '(')) {
+            return false;
+        }
+    } else if (endsFaceToken<END>(*p, '(')) {
+        skipStop(p);
+    } else {
+        return false;
+    }
+    skipLineFeeds(p);
+    cursor = p;
+    return true;
+}
+
+/// Reads one node label of a face and moves behind what ended it and the line feeds there.
+template <FaceTokenEnd END>
+bool scanFaceLabel(const char*& cursor, char delimiter, int* label)
+{
+    const char* p = cursor;
+    if (!scanLabel(p, label)) {
+        return false;
+    }
+    if (*p == '\n') {
+        // One label a line: the bracket that closes the face stands on a line of its own.
+        if (delimiter == ')' && !skipBehind(p, ')')) {
+            return false;
+        }
+    } else if (endsFaceToken<END>(*p, delimiter)) {
+        skipStop(p);
+    } else {
+        return false;
+    }
+    skipLineFeeds(p);
+    cursor = p;
+    return true;
+}
+
+/// Reads the labels of one face to `labels`, which has room for `count`.
+template <FaceTokenEnd END>
+bool scanFaceLabels(const char*& cursor, std::size_t count, int* labels)
+{
+    const char* p = cursor;
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+        if (!scanFaceLabel<END>(p, ' ', labels + i)) {
+            return false;
+        }
+    }
+    if (!scanFaceLabel<END>(p, ')', labels + count - 1)) {
+        return false;
+    }
+    cursor = p;
+    return true;
+}
+
+} // namespace TokenScanner

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "mesh/MeshConsistency.h"
+
+#include "foamfile/OFLogger.h"
+
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_reduce.h>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <span>
+#include <utility>
+
+namespace {
+
+/// Entries that one task checks: enough to hide the cost of the task.
+constexpr std::size_t CHECK_GRAIN = 65536;
+
+/// Labels are ints, so more points than that cannot be told apart.
+int largestCount(std::size_t count)
+{
+    return static_cast<int>(std::min<std::size_t>(count, std::numeric_limits<int>::max()));
+}
+
+bool isLabel(int label, int nodeCount)
+{
+    return label >= 0 && label < nodeCount;
+}
+
+bool isInside(const FacesData& faces, std::size_t face, int nodesSize)
+{
+    const int offset = faces.nodeOffsets[face];
+    return offset >= 0 && offset <= nodesSize - faces.nodeCounts[face];
+}
+
+/// True if `isGood` holds for all indices below `count`. No early end: loops without one are several times as fast.
+template <typename Predicate>
+bool allOf(std::size_t count, const Predicate& isGood)
+{
+    const tbb::blocked_range<std::size_t> all(0, count, CHECK_GRAIN);
+    const auto check = [&isGood](const tbb::blocked_range<std::size_t>& range, bool good) {
+        int bad = good ? 0 : 1;
+        for (std::size_t i = range.begin(); i != range.end(); ++i) {
+            bad |= isGood(i) ? 0 : 1;
+        }
+        return bad == 0;
+    };
+    return tbb::parallel_reduce(all, true, check, std::logical_and<>());
+}
+
+void makeConsistent(FacesData* faces, std::size_t pointCount)
+{
+    const std::size_t faceCount = std::min(faces->nodeCounts.size(), faces->nodeOffsets.size());
+    faces->nodeCounts.resize(faceCount);
+    faces->nodeOffsets.resize(faceCount);
+    const int nodesSize = largestCount(faces->nodes.size());
+    const int nodeCount = largestCount(pointCount);
+    for (std::size_t face = 0; face < faceCount; ++face) {
+        if (!isInside(*faces, face, nodesSize)) {
+            faces->nodeOffsets[face] = 0;
+            faces->nodeCounts[face] = 0;
+        }
+        // What is kept moves to the front of the face's own place. Should damaged faces overlap, then only labels that
+        // are good already are written over.
+        int* const nodes = faces->nodes.data() + faces->nodeOffsets[face];
+        const int* const end = std::remove_if(nodes, nodes + faces->nodeCounts[face],
+                                              [nodeCount](int label) { return !isLabel(label, nodeCount); });
+        faces->nodeCounts[face] = static_cast<std::uint8_t>(end - nodes);
+    }
+}
+
+/// A cell without a face has nothing to show, so honest meshes stay far below the bound.
+void limitCellCount(OFPolymesh* mesh)
+{
+    const auto claimed = static_cast<int>(mesh->cellCount());
+    const int bound = largestCount(mesh->owners().size() + mesh->neighbors().size());
+    if (claimed < 0) {
+        mesh->setCellCount(0);
+    } else if (claimed > bound) {
+        OFLogger::get().logInfo(
+            "OFPolymeshToDDP",
+            dvn::Str("The mesh claims %1 cells, but its faces can form no more than %2. The count is cut.")
+                .arg(claimed)
+                .arg(bound));
+        mesh->setCellCount(bound);
+    }
+}
+
+} // namespace
+
+bool areConsistent(const FacesData& faces, std::size_t nodeCount)
+{
+    const int labelEnd = largestCount(nodeCount);
+    const int nodesSize = largestCount(faces.nodes.size());
+    const int* const nodes = faces.nodes.data();
+    return faces.nodeCounts.size() == faces.nodeOffsets.size() &&
+           allOf(faces.faceCount(), [&faces, nodesSize](std::size_t i) { return isInside(faces, i, nodesSize); }) &&
+           allOf(faces.nodes.size(), [nodes, labelEnd](std::size_t i) { return isLabel(nodes[i], labelEnd); });
+}
+
+void makeConsistent(OFPolymesh* mesh)
+{
+    if (!areConsistent(mesh->faces(), mesh->nodeCount())) {
+        makeConsistent(&mesh->faces(), mesh->nodeCount());
+    }
+    if (mesh->owners().size() > mesh->faces().faceCount()) {
+        mesh->owners().resize(mesh->faces().faceCount());
+    }
+    if (mesh->neighbors().size() > mesh->owners().size()) {
+        mesh->neighbors().resize(mesh->owners().size());
+    }
+    limitCellCount(mesh);
+}
+
+void dropInconsistentFaces(FacesData* faces, std::size_t nodeCount)
+{
+    const bool hasEmptyFace = std::ranges::find(faces->nodeCounts, 0) != faces->nodeCounts.end();
+    if (!hasEmptyFace && areConsistent(*faces, nodeCount)) {
+        return;
+    }
+    const int labelEnd = largestCount(nodeCount);
+    const int nodesSize = largestCount(faces->nodes.size());
+    const std::size_t faceCount = std::min(faces->nodeCounts.size(), faces->nodeOffsets.size());
+    FacesData kept;
+    int keptEnd = 0; // what damaged faces share goes to the first of them
+    for (std::size_t face = 0; face < faceCount; ++face) {
+        const int begin = faces->nodeOffsets[face];
+        if (begin < keptEnd || !isInside(*faces, face, nodesSize)) {
+            continue;
+        }
+        const int next = face + 1 < faceCount ? faces->nodeOffsets[face + 1] : begin;
+        const int end = next > begin && next <= nodesSize ? next : begin + faces->nodeCounts[face];
+        const std::span<const int> labels(faces->nodes.data() + begin, faces->nodes.data() + end);
+        if (!labels.empty() &&
+            std::ranges::all_of(labels, [labelEnd](int label) { return isLabel(label, labelEnd); })) {
+            kept.nodeCounts.push_back(faces->nodeCounts[face]);
+            kept.nodeOffsets.push_back(static_cast<int>(kept.nodes.size()));
+            kept.nodes.insert(kept.nodes.end(), labels.begin(), labels.end());
+            keptEnd = end;
+        }
+    }
+    *faces = std::move(kept);
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/// A set of node labels that is filled anew for each cell and keeps its storage.
+///
+/// A hash table in which a stamp tells the entries of this filling from older ones, so that starting anew costs
+/// nothing. A polyhedron lists each node about three times: finding the repeats before the sort saves most of the sort.
+class NodeSet
+{
+public:
+    /// Empties the set and makes room for `maxCount` insertions, which the caller must not exceed.
+    void restart(std::size_t maxCount);
+
+    void insert(int node)
+    {
+        for (std::size_t slot = firstSlot(node);; slot = (slot + 1) & m_mask) {
+            Entry& entry = m_entries[slot];
+            if (entry.stamp != m_stamp) {
+                entry = {node, m_stamp};
+                m_nodes[m_count++] = node;
+                return;
+            }
+            if (entry.node == node) {
+                return;
+            }
+        }
+    }
+
+    std::size_t size() const { return m_count; }
+    /// The distinct labels in ascending order; valid until the next `restart`.
+    std::span<const int> sorted();
+
+private:
+    struct Entry
+    {
+        int node = 0;
+        std::uint32_t stamp = 0;
+    };
+
+    std::size_t firstSlot(int node) const
+    {
+        // Multiplication by the golden ratio spreads runs of neighbouring labels, which cells are made of.
+        return (static_cast<std::uint32_t>(node) * 0x9E3779B1U) >> m_shift;
+    }
+
+    std::vector<Entry> m_entries;
+    std::vector<int> m_nodes;
+    std::vector<int> m_sorted;
+    std::size_t m_count = 0;
+    std::size_t m_mask = 0;
+    unsigned m_shift = 0;
+    std::uint32_t m_stamp = 0;
+};

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+#include "mesh/OFPolymesh.h"
+
+#include <vector>
+
+/// Reads the four list files of a `polyMesh` folder.
+class OFPolymeshReader
+{
+public:
+    /// Reads the mesh of a folder into an empty mesh; always true.
+    ///
+    /// A file that cannot be read leaves its line in the log, and in its list what was read so far. Hosts get such a
+    /// mesh as far as it goes, so look at the lists and not at the result.
+    /// @throws std::out_of_range when a file's header lacks `object` or `class`
+    bool read(const dvn::Str& folder, OFPolymesh* mesh);
+
+    /// Reads the four files at the same time; always true.
+    bool readPolymeshPar(const dvn::Str& folder, OFPolymesh* mesh);
+    /// Reads the four files one after the other and stops at the first failure; the form that validates.
+    /// @return false if a file cannot be read or there is not one owner a face; the mesh's cell count is then unset
+    bool readPolymeshSeq(const dvn::Str& folder, OFPolymesh* mesh);
+
+    bool readPoints(const dvn::Str& folder, std::vector<double>* points);
+    bool readNeighbors(const dvn::Str& folder, std::vector<int>* neighbors);
+    bool readFaces(const dvn::Str& folder, FacesData* faces);
+    /// Keeps the cell count of the file's header for `setCellCount` of the mesh: it alone says how many cells there
+    /// are.
+    bool readOwners(const dvn::Str& folder, std::vector<int>* owners);
+
+    /// The folder last given to `read`.
+    dvn::Str polyMeshFolder() const { return m_polyMeshFolder; }
+
+private:
+    dvn::Str m_polyMeshFolder;
+    int m_cellCount = 0;
+};
+
+/// Task of the parallel read: one file into the one target that is its own.
+class OFPolymeshReadFunctor
+{
+public:
+    enum Kind : int
+    {
+        POINTS = 1,
+        NEIGHBORS = 2,
+        FACES = 3,
+        OWNERS = 4
+    };
+
+    OFPolymeshReader* reader;
+    int kind; ///< a `Kind`; any other number does nothing
+    dvn::Str folder;
+    std::vector<double>* points;
+    std::vector<int>* neighbors;
+    FacesData* faces;
+    std::vector<int>* owners;
+
+    void operator()() const;
+
+private:
+    void readLabels(const dvn::Str& path, bool (OFPolymeshReader::*read)(const dvn::Str&, std::vector<int>*),
+                    std::vector<int>* labels) const;
+};

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "casemodel/OFBoundary.h"
+#include "casemodel/OFFaceZone.h"
+#include "mesh/MeshArrays.h"
+#include "mesh/OFCell.h"
+#include "mesh/OFPolymesh.h"
+#include "provider/DataProviderInterface.h"
+
+#include <tbb/blocked_range.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// Turns a face-based mesh into the element and node groups of the host.
+///
+/// The order of use is fixed by what `createMesh` gives back to the system on its way: first `populateBoundaryGroup`
+/// and `populateFaceZoneGroup`, which may run on several threads at once for different groups, then `createMesh`, then
+/// `populateElementGroup` and `populateNodeGroup`, and last the moves out of `nodesCountPerElt` and `connectivities`.
+class OFPolymeshToDDP
+{
+public:
+    /// Takes a mesh that must outlive this object, and removes from it what points to nothing (`makeConsistent`).
+    explicit OFPolymeshToDDP(OFPolymesh* mesh);
+
+    /// Converts all cells; always true. Afterwards the mesh holds its points alone.
+    ///
+    /// A solid whose faces do not form it is delivered as it is, so that a bad cell never stops a mesh.
+    bool createMesh();
+
+    /// Hands over the points of the mesh, with ids from 1.
+    bool populateNodeGroup(DDPNodeGroup* group, std::size_t* nodeCount) const;
+    /// Hands over the elements, with ids from 0, and gives their storage back but for `connectivities`: it delivers
+    /// once.
+    /// @return false, the group untouched, if there are no elements
+    bool populateElementGroup(DDPElementGroup* group, std::size_t* elementCount);
+
+    /// Hands over a patch as a surface with nodes of its own, numbered from 0, and adds the mappings to the patch.
+    ///
+    /// A patch that reaches beyond the faces of the mesh is cut to those that exist.
+    bool populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* nodes, std::size_t* nodeCount,
+                               DDPElementGroup* elements, std::size_t* elementCount) const;
+    /// The same for a face zone, of which labels that name no face are removed. All elements have the id 0.
+    bool populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount, DDPElementGroup* elements,
+                               std::size_t* elementCount) const;
+    /// Sorts ascending and keeps one of each value; always true.
+    bool removeDuplicates(std::vector<int>& values) const;
+
+    /// For each element the number of its entries in `connectivities`; to be moved from in the end.
+    std::vector<std::uint8_t>& nodesCountPerElt() { return m_elements.nodeCounts; }
+    /// 0-based nodes of all elements, element after element; to be moved from in the end.
+    std::vector<int>& connectivities() { return m_elements.connectivities; }
+
+    // --- the conversion step by step, on cells as objects (OFPolymeshToDDPCells.cpp)
+
+    /// The same as `createMesh`, cell object by cell object in eight chunks. Several times slower and larger, it is the
+    /// form that `createMesh` is held against.
+    bool createMeshInChunks();
+    /// Sizes of the eight chunks: equal but for the last, which takes what is left.
+    std::vector<std::size_t> createCellsChunks(std::size_t cellCount) const;
+    /// Makes `count` the number of cells of the current chunk. All of the following are true always.
+    bool allocateCells(std::size_t count);
+    /// Gives the cells of the current chunk, which are those from `first` up to but excluding `last`, their faces.
+    bool assignCellFaces(int first, int last);
+    /// The same; the order of the faces of a cell is left to the threads.
+    bool assignCellFacesPar(int first, int last);
+    /// The same with the faces of each cell in ascending order.
+    bool assignCellFacesSeq(int first, int last);
+    /// Builds all cells of the current chunk, of which `firstCell` is the first, anew.
+    bool buildElementData(std::size_t firstCell);
+    /// The same behind polyhedra of earlier calls, all of them sorted by cell.
+    bool buildElementDataPar(std::size_t firstCell);
+    /// The same, with no sort.
+    bool buildElementDataSeq(std::size_t firstCell);
+    /// Stores the nodes of the current chunk behind the first `nodeBase` entries of `connectivities`, and clears the
+    /// cells.
+    bool buildDDPMeshData(std::size_t firstCell, std::size_t nodeBase);
+    /// Stores the polyhedra of the current chunk behind those of earlier chunks, whose counts are the three bases.
+    bool BuildDDPMeshForPolys(std::size_t firstCell, std::size_t polyBase, std::size_t faceBase, std::size_t nodeBase);
+
+    /// The cells of the current chunk.
+    const std::vector<OFCell>& cells() const { return m_cells; }
+
+private:
+    DDPElementType* typesFrom(std::size_t firstCell);
+    void finishElements(double buildTime, double storeTime);
+
+    OFPolymesh* m_mesh;
+    std::vector<OFCell> m_cells;
+    PolyDataVector m_polys;
+    ElementArrays m_elements;
+    PolyhedronArrays m_polyhedra;
+};
+
+/// Body of the parallel face assignment. A cell gets faces from many ranges at once, so its list is a concurrent one.
+class OFInsertCellFacesDataFunctor
+{
+public:
+    std::vector<OFCell>* cells;
+    const std::vector<int>* owners;
+    const std::vector<int>* neighbors;
+    std::size_t neighborCount;
+    int firstCell;
+    int endCell;
+
+    /// Files each face with those of its owner and its neighbour that are cells of the chunk.
+    void operator()(const tbb::blocked_range<std::size_t>& faces) const;
+
+private:
+    void insertSide(int cell, std::size_t face, bool isOwner) const;
+};
+
+/// Body of the parallel element build. Each cell writes its own data and its own type, and appends to the concurrent
+/// list of polyhedra.
+class OFBuildElementDataFunctor
+{
+public:
+    std::vector<OFCell>* cells;
+    const FacesData* faces;
+    PolyDataVector* polys;
+    DDPElementType* types; ///< of the chunk's first cell
+
+    void operator()(const tbb::blocked_range<std::size_t>& range) const;
+};

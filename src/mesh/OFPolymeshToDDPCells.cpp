@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+#include "mesh/OFPolymeshToDDP.h"
+
+#include "DvnCore/Timer.h"
+
+#include <tbb/parallel_for.h>
+#include <tbb/parallel_sort.h>
+
+#include <algorithm>
+#include <cassert>
+
+namespace {
+
+/// Eight chunks bound the number of cell objects, whatever the size of the mesh or the number of processors.
+constexpr std::size_t CHUNK_COUNT = 8;
+/// Records below which starting tasks for a sort costs more than it gains.
+constexpr std::size_t PARALLEL_SORT_SIZE = 500;
+
+void sortByCell(PolyDataVector* polys)
+{
+    const auto byCell = [](const PolyData& a, const PolyData& b) { return a.cellIndex < b.cellIndex; };
+    if (polys->size() < PARALLEL_SORT_SIZE) {
+        std::sort(polys->begin(), polys->end(), byCell);
+    } else {
+        tbb::parallel_sort(polys->begin(), polys->end(), byCell);
+    }
+}
+
+} // namespace
+
+bool OFPolymeshToDDP::createMeshInChunks()
+{
+    dvn::Timer timer;
+    double buildTime = 0;
+    double storeTime = 0;
+    std::size_t firstCell = 0;
+    for (const std::size_t chunk : createCellsChunks(m_mesh->cellCount())) {
+        (void)allocateCells(chunk); // these steps cannot fail
+        // The sequential form, so that every run gives the same rotation of each cell.
+        (void)assignCellFacesSeq(static_cast<int>(firstCell), static_cast<int>(firstCell + chunk));
+        (void)buildElementData(firstCell);
+        buildTime += timer.lapTime();
+        (void)buildDDPMeshData(firstCell, m_elements.connectivities.size());
+        (void)BuildDDPMeshForPolys(firstCell, m_polyhedra.faceCounts.size(), m_polyhedra.nodeCountPerFace.size(),
+                                   m_polyhedra.faceNodes.size());
+        storeTime += timer.lapTime();
+        firstCell += chunk;
+    }
+    release(&m_cells);
+    release(&m_mesh->neighbors());
+    release(&m_mesh->owners());
+    release(&m_mesh->faces());
+    finishElements(buildTime, storeTime);
+    return true;
+}
+
+std::vector<std::size_t> OFPolymeshToDDP::createCellsChunks(std::size_t cellCount) const
+{
+    std::vector<std::size_t> chunks(CHUNK_COUNT, cellCount / CHUNK_COUNT);
+    chunks.back() = cellCount - (CHUNK_COUNT - 1) * (cellCount / CHUNK_COUNT);
+    return chunks;
+}
+
+bool OFPolymeshToDDP::allocateCells(std::size_t count)
+{
+    m_cells.resize(count);
+    return true;
+}
+
+bool OFPolymeshToDDP::assignCellFaces(int first, int last)
+{
+    return assignCellFacesPar(first, last);
+}
+
+bool OFPolymeshToDDP::assignCellFacesPar(int first, int last)
+{
+    assert(static_cast<std::size_t>(last - first) <= m_cells.size());
+    const OFInsertCellFacesDataFunctor insert = {
+        &m_cells, &m_mesh->owners(), &m_mesh->neighbors(), m_mesh->neighbors().size(), first, last};
+    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, m_mesh->owners().size()), insert);
+    return true;
+}
+
+bool OFPolymeshToDDP::assignCellFacesSeq(int first, int last)
+{
+    assert(static_cast<std::size_t>(last - first) <= m_cells.size());
+    const OFInsertCellFacesDataFunctor insert = {
+        &m_cells, &m_mesh->owners(), &m_mesh->neighbors(), m_mesh->neighbors().size(), first, last};
+    insert(tbb::blocked_range<std::size_t>(0, m_mesh->owners().size()));
+    return true;
+}
+
+void OFInsertCellFacesDataFunctor::operator()(const tbb::blocked_range<std::size_t>& faces) const
+{
+    for (std::size_t face = faces.begin(); face != faces.end(); ++face) {
+        insertSide((*owners)[face], face, true);
+        if (face < neighborCount) {
+            insertSide((*neighbors)[face], face, false);
+        }
+    }
+}
+
+void OFInsertCellFacesDataFunctor::insertSide(int cell, std::size_t face, bool isOwner) const
+{
+    if (cell >= firstCell && cell < endCell) {
+        (*cells)[static_cast<std::size_t>(cell - firstCell)].cellFaces().push_back({static_cast<int>(face), isOwner});
+    }
+}
+
+bool OFPolymeshToDDP::buildElementData(std::size_t firstCell)
+{
+    m_polys.clear();
+    return buildElementDataPar(firstCell);
+}
+
+bool OFPolymeshToDDP::buildElementDataPar(std::size_t firstCell)
+{
+    const OFBuildElementDataFunctor build = {&m_cells, &m_mesh->faces(), &m_polys, typesFrom(firstCell)};
+    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, m_cells.size()), build);
+    sortByCell(&m_polys);
+    return true;
+}
+
+bool OFPolymeshToDDP::buildElementDataSeq(std::size_t firstCell)
+{
+    const OFBuildElementDataFunctor build = {&m_cells, &m_mesh->faces(), &m_polys, typesFrom(firstCell)};
+    build(tbb::blocked_range<std::size_t>(0, m_cells.size()));
+    return true;
+}
+
+/// The types of the current chunk, whose cells begin with `firstCell`.
+DDPElementType* OFPolymeshToDDP::typesFrom(std::size_t firstCell)
+{
+    m_elements.types.resize(std::max(m_elements.types.size(), firstCell + m_cells.size()));
+    return m_elements.types.data() + firstCell;
+}
+
+void OFBuildElementDataFunctor::operator()(const tbb::blocked_range<std::size_t>& range) const
+{
+    for (std::size_t i = range.begin(); i != range.end(); ++i) {
+        // A cell that is not the solid that its faces suggest goes on as it is.
+        (void)(*cells)[i].buildElementData(static_cast<int>(i), types, polys, faces);
+    }
+}
+
+bool OFPolymeshToDDP::buildDDPMeshData(std::size_t firstCell, std::size_t nodeBase)
+{
+    const std::size_t count = m_cells.size();
+    if (count == 0) {
+        return true;
+    }
+    m_elements.nodeCounts.resize(firstCell + count);
+    std::uint8_t* const nodeCounts = m_elements.nodeCounts.data() + firstCell;
+    tbb::parallel_for(std::size_t{0}, count, [this, nodeCounts](std::size_t i) {
+        nodeCounts[i] = static_cast<std::uint8_t>(m_cells[i].elementNodes().size());
+    });
+    std::vector<int> offsets(count);
+    m_elements.connectivities.resize(
+        dvn_exclusive_partial_sum(nodeCounts, count, static_cast<int>(nodeBase), offsets.data()));
+    // A cell of more than 255 nodes has a slot for the low byte of that count, and keeps to it.
+    tbb::parallel_for(std::size_t{0}, count, [this, nodeCounts, &offsets](std::size_t i) {
+        std::copy_n(m_cells[i].elementNodes().begin(), nodeCounts[i], m_elements.connectivities.begin() + offsets[i]);
+        m_cells[i].clear();
+    });
+    return true;
+}
+
+bool OFPolymeshToDDP::BuildDDPMeshForPolys(std::size_t firstCell, std::size_t polyBase, std::size_t faceBase,
+                                           std::size_t nodeBase)
+{
+    const std::size_t count = m_polys.size();
+    if (count == 0) {
+        return true;
+    }
+    m_polyhedra.nodeCounts.resize(polyBase + count);
+    m_polyhedra.faceCounts.resize(polyBase + count);
+    std::vector<std::uint8_t> faceNodeCounts(count);
+    std::uint8_t* const faceCounts = m_polyhedra.faceCounts.data() + polyBase;
+    tbb::parallel_for(std::size_t{0}, count, [&, faceCounts](std::size_t i) {
+        const PolyData& poly = m_polys[i];
+        faceNodeCounts[i] = static_cast<std::uint8_t>(poly.nodeCount);
+        faceCounts[i] = static_cast<std::uint8_t>(poly.faceCount);
+        m_polyhedra.nodeCounts[polyBase + i] =
+            m_elements.nodeCounts[static_cast<std::size_t>(poly.cellIndex) + firstCell];
+    });
+    std::vector<int> faceOffsets(count);
+    std::vector<int> nodeOffsets(count);
+    m_polyhedra.nodeCountPerFace.resize(
+        dvn_exclusive_partial_sum(faceCounts, count, static_cast<int>(faceBase), faceOffsets.data()));
+    m_polyhedra.faceNodes.resize(
+        dvn_exclusive_partial_sum(faceNodeCounts.data(), count, static_cast<int>(nodeBase), nodeOffsets.data()));
+    // As with the nodes, the slots have the low bytes of the sizes.
+    tbb::parallel_for(std::size_t{0}, count, [&, faceCounts](std::size_t i) {
+        const PolyData& poly = m_polys[i];
+        std::copy_n(poly.nodeCountPerFace.begin(), faceCounts[i],
+                    m_polyhedra.nodeCountPerFace.begin() + faceOffsets[i]);
+        std::copy_n(poly.faceNodes.begin(), faceNodeCounts[i], m_polyhedra.faceNodes.begin() + nodeOffsets[i]);
+    });
+    m_polys.clear();
+    return true;
+}

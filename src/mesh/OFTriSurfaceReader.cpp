@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "mesh/OFTriSurfaceReader.h"
+
+#include "foamfile/OFFile.h"
+#include "mesh/ListFile.h"
+
+#include <tbb/parallel_invoke.h>
+#include <tbb/task_group.h>
+
+namespace {
+
+constexpr const char* LOG_GROUP = "OFTriSurfaceReader";
+/// Spelled otherwise than the rest on purpose: filters of log lines know it so.
+constexpr const char* CENTERS_LOG_GROUP = "OFTriSUrfaceReader";
+
+bool readVectors(const dvn::Str& path, const dvn::Str& objectName, std::vector<double>* values)
+{
+    OFFile file(OFFile::hasFoamBlock(path));
+    return file.readVectorField(path, objectName, values);
+}
+
+} // namespace
+
+bool OFTriSurfaceReader::read(const dvn::Str& folder, OFTriSurface* surface)
+{
+    return readTriSurfacePar(folder, surface);
+}
+
+bool OFTriSurfaceReader::readTriSurfacePar(const dvn::Str& folder, OFTriSurface* surface)
+{
+    // Separate objects, since tasks that end together must not write to one word.
+    bool hasPoints = false;
+    bool hasCenters = false;
+    bool hasFaces = false;
+    tbb::task_group_context context;
+    tbb::parallel_invoke([&] { hasPoints = readPoints(folder, &surface->points()); },
+                         [&] { hasCenters = readFaceCenters(folder, &surface->facecenters()); },
+                         [&] { hasFaces = readFaces(folder, &surface->faces()); }, context);
+    return hasPoints && hasCenters && hasFaces;
+}
+
+bool OFTriSurfaceReader::readTriSurfaceSeq(const dvn::Str& folder, OFTriSurface* surface)
+{
+    const dvn::Timer timer;
+    if (!readPoints(folder, &surface->points()) || !readFaceCenters(folder, &surface->facecenters()) ||
+        !readFaces(folder, &surface->faces())) {
+        return false;
+    }
+    // Group and wording are those of a mesh; filters of log lines know it so.
+    OFLogger::get().logDebug("OFPolymeshReader",
+                             dvn::Str(">>> Polymesh reading done (sequential). Time used : %1").arg(timer.time()));
+    return true;
+}
+
+bool OFTriSurfaceReader::readPoints(const dvn::Str& folder, std::vector<double>* points)
+{
+    const dvn::Timer timer;
+    return readVectors(folder + "/points", "points", points) &&
+           logListRead(LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
+}
+
+bool OFTriSurfaceReader::readFaceCenters(const dvn::Str& folder, std::vector<double>* facecenters)
+{
+    const dvn::Timer timer;
+    return readVectors(folder + "/faceCentres", "faceCentres", facecenters) &&
+           logListRead(CENTERS_LOG_GROUP, "FaceCentres file done. Read %1 items. Time used : %2", facecenters->size(),
+                       timer);
+}
+
+bool OFTriSurfaceReader::readFaces(const dvn::Str& folder, FacesData* faces)
+{
+    const dvn::Timer timer;
+    const dvn::Str path = folder + "/faces";
+    OFFile file(OFFile::hasFoamBlock(path));
+    return file.readFaceList(path, "faces", faces) &&
+           logListRead(LOG_GROUP, "Faces file done. Read %1 items. Time used : %2", faces->faceCount(), timer);
+}

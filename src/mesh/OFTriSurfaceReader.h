@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+#include "mesh/OFTriSurface.h"
+
+#include <vector>
+
+/// Reads the three list files of a sampled surface, with or without their `FoamFile` block: it depends on the tool that
+/// wrote them. A missing or malformed file leaves its line in the log.
+class OFTriSurfaceReader
+{
+public:
+    /// Reads the surface of a folder.
+    /// @return false if one of the files cannot be read; the others stand in the surface
+    bool read(const dvn::Str& folder, OFTriSurface* surface);
+
+    /// Reads the three files at the same time.
+    bool readTriSurfacePar(const dvn::Str& folder, OFTriSurface* surface);
+    /// Reads the three files one after the other and stops at the first failure.
+    bool readTriSurfaceSeq(const dvn::Str& folder, OFTriSurface* surface);
+
+    bool readPoints(const dvn::Str& folder, std::vector<double>* points);
+    bool readFaceCenters(const dvn::Str& folder, std::vector<double>* facecenters);
+    bool readFaces(const dvn::Str& folder, FacesData* faces);
+};

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "mesh/OFTriSurface.h"
+#include "provider/DataProviderInterface.h"
+
+#include <cstddef>
+
+/// Hands a sampled surface to the host as one group of nodes and one of triangles.
+class OFTriSurfaceToDDP
+{
+public:
+    /// Takes a surface that must outlive this object, and drops from it the faces that have a label without a point.
+    explicit OFTriSurfaceToDDP(OFTriSurface* surface);
+
+    /// Fills both groups at the same time.
+    bool populateNodeAndElementGroup(DDPNodeGroup* nodes, DDPElementGroup* elements, std::size_t* nodeCount,
+                                     std::size_t* elementCount) const;
+    /// Hands over the points, with ids from 1; always true.
+    bool populateNodeGroup(DDPNodeGroup* nodes, std::size_t* nodeCount) const;
+    /// Hands over all faces as triangles, with ids from 1; always true.
+    ///
+    /// The connectivity is the surface's list of labels as it stands, so a face of other than three nodes shifts those
+    /// behind it.
+    bool populateElementGroup(DDPElementGroup* elements, std::size_t* elementCount) const;
+
+private:
+    OFTriSurface* m_surface;
+};

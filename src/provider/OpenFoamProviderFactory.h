@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "provider/DataProviderInterface.h"
+
+/// Answers a host's questions about the reader before a case is open, and makes the providers. Holds no data.
+class OpenFoamProviderFactory final : public DDPDataProviderFactory
+{
+public:
+    /// Tells the display name, the file mask and the user settings; always true.
+    bool getProviderInfo(DDPDataProviderInfo* info) override;
+
+    /// True if the last component of the path is "case.foam" in any case, "/" and "\" being separators.
+    /// The file system is not asked.
+    bool isSupportedByProvider(const DDPString& path) override;
+
+    /// A new provider, owned by the host until it hands it to `destroyProviderInstance`.
+    DDPDataProvider* createProviderInstance() override;
+    /// Destroys a provider; null is ignored.
+    void destroyProviderInstance(DDPDataProvider* provider) override;
+
+    /// The one file name that the provider opens.
+    DDPString getProviderFileMask() const;
+};

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+#include "provider/OpenFoamProvider.h"
+
+#include "DvnCore/Timer.h"
+#include "foamfile/OFLogger.h"
+#include "mesh/OFPolymesh.h"
+#include "mesh/OFPolymeshReader.h"
+#include "mesh/OFPolymeshToDDP.h"
+#include "mesh/OFTriSurface.h"
+#include "mesh/OFTriSurfaceReader.h"
+#include "mesh/OFTriSurfaceToDDP.h"
+#include "provider/PluginIdentity.h"
+
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_for.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using Range = tbb::blocked_range<std::size_t>;
+
+/// One index is a whole mesh or patch, so no range is too small to be split.
+constexpr std::size_t GRAIN_SIZE = 1;
+
+/// Logs how long one step took for the part or surface of this index.
+void logStep(const char* message, std::size_t index, double seconds)
+{
+    OFLogger::get().logDebug(PROVIDER_NAME, dvn::Str(message).arg(index).arg(seconds));
+}
+
+void logInfo(const dvn::Str& message)
+{
+    OFLogger::get().logInfo(PROVIDER_NAME, message);
+}
+
+/// Reads and delivers parts, then sampled surfaces: indices from the part count on are surfaces.
+///
+/// Each index writes to its own pairs and its own part or surface alone; the readers belong to one block. A part that
+/// fails has logged why and leaves its groups empty, so its result counts for nothing.
+struct OFReadPartMeshFunctor
+{
+    OpenFoamProvider* provider;
+    std::vector<OFGroupPairs>* pairs;
+    const DDPGeometrySpec* spec;
+    std::size_t partCount;
+    std::size_t surfaceCount;
+
+    void operator()(const Range& range) const
+    {
+        OFPolymeshReader meshReader;
+        OFTriSurfaceReader surfaceReader;
+        for (std::size_t i = range.begin(); i != range.end(); ++i) {
+            if (i < partCount) {
+                (void)provider->getGeometryForPart(i, meshReader, (*pairs)[i], *spec);
+            } else {
+                (void)provider->getGeometryForTrisurface(i - partCount, surfaceReader, (*pairs)[i].front(), *spec);
+            }
+        }
+    }
+};
+
+void addPairs(std::size_t count, DDPGeometry* geometry, OFGroupPairs* pairs)
+{
+    pairs->resize(count);
+    for (OFGroupPair& pair : *pairs) {
+        pair.nodes = geometry->addNodeGroup();
+        pair.elements = geometry->addElementGroup(pair.nodes->nodeGroupId());
+    }
+}
+
+/// Makes all groups on the calling thread; later calls rely on their order.
+std::vector<OFGroupPairs> makePairs(const OFReader& reader, DDPGeometry* geometry)
+{
+    const std::size_t partCount = reader.partCount();
+    std::vector<OFGroupPairs> pairs(partCount + reader.sampledSurfaceCount());
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        std::size_t count = 1;
+        if (i < partCount) {
+            count += reader.part(i).boundaries().size() + reader.part(i).faceZones().size();
+        }
+        addPairs(count, geometry, &pairs[i]);
+    }
+    return pairs;
+}
+
+void showElementsIn(int globalPartId, std::size_t elementCount, DDPElementGroup* group)
+{
+    const std::vector<int> partIds(elementCount, globalPartId);
+    group->setElementPartIds(partIds.data(), partIds.size());
+}
+
+} // namespace
+
+bool OpenFoamProvider::getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geometry)
+{
+    if (spec.geometrySelector() != 0) {
+        return false;
+    }
+    std::vector<OFGroupPairs> pairs = makePairs(m_reader, geometry);
+    const dvn::Timer timer;
+    const OFReadPartMeshFunctor readMesh = {this, &pairs, &spec, m_reader.partCount(), m_reader.sampledSurfaceCount()};
+    tbb::parallel_for(Range(0, pairs.size(), GRAIN_SIZE), readMesh, tbb::auto_partitioner());
+    logInfo(dvn::Str(">>>> Get Geometry [Parallel] done. Total time used : %1").arg(timer.time()));
+    OFLogger::get().printTrackedData();
+    return true;
+}
+
+bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolymeshReader& reader, OFGroupPairs& pairs,
+                                          const DDPGeometrySpec& /*spec*/)
+{
+    const dvn::Timer totalTimer;
+    dvn::Timer lapTimer;
+    OFPart& part = m_reader.part(partIndex);
+    const dvn::Str folder = part.folder();
+    OFPolymesh polyMesh;
+    if (!reader.read(folder, &polyMesh)) {
+        return false;
+    }
+    logStep(" Get Part %1. polyReader.read() time [1] : %2 seconds", partIndex, lapTimer.lapTime());
+    m_polyMeshFolder.set(reader.polyMeshFolder());
+
+    // Patches and face zones come first: making the cells uses up the mesh's faces.
+    OFPolymeshToDDP converter(&polyMesh);
+    const dvn::Timer boundaryTimer;
+    (void)generateBoundaryParts(part.boundaries(), pairs, converter);
+    logStep(" Get Part %1. BC creation %2 seconds", partIndex, boundaryTimer.time());
+    (void)generateFaceZones(part.faceZones(), pairs, part.boundaries(), converter);
+    if (!converter.createMesh()) {
+        return false;
+    }
+    logStep(" Get Part %1. converter.createMesh() time [2] : %2 seconds", partIndex, lapTimer.lapTime());
+    if (!deliverCells(part, converter, pairs.front())) {
+        return false;
+    }
+    logStep(" Get Part %1. PopulateGroups [BC,FZ,CZ included] time [3] : %2", partIndex, lapTimer.lapTime());
+    logInfo(dvn::Str(" Get Part %1. Nodes=%2, Elements=%3. Total time [read] + [convert] + [send] : %4")
+                .arg(partIndex)
+                .arg(part.nodeCount())
+                .arg(part.elementCount())
+                .arg(totalTimer.time()));
+    return true;
+}
+
+bool OpenFoamProvider::deliverCells(OFPart& part, OFPolymeshToDDP& converter, const OFGroupPair& pair)
+{
+    std::size_t elementCount = 0;
+    if (!converter.populateElementGroup(pair.elements, &elementCount)) {
+        return false;
+    }
+    part.setElementCount(elementCount);
+    std::size_t nodeCount = 0;
+    if (!converter.populateNodeGroup(pair.nodes, &nodeCount)) {
+        return false;
+    }
+    part.setNodeCount(nodeCount);
+    generateCellZoneParts(&part, elementCount, pair.elements);
+    if (m_makeNodeAverageResults) {
+        part.setConnectivities(std::move(converter.connectivities()));
+        part.setNodesCountPerElt(std::move(converter.nodesCountPerElt()));
+    }
+    return true;
+}
+
+bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries, OFGroupPairs& pairs,
+                                             OFPolymeshToDDP& converter)
+{
+    if (boundaries.empty()) {
+        return true;
+    }
+    // Each index writes to its own patch and its own pair; the mesh is read only.
+    const auto deliverPatches = [&](const Range& range) {
+        for (std::size_t i = range.begin(); i != range.end(); ++i) {
+            OFBoundary& boundary = boundaries[i];
+            const OFGroupPair& pair = pairs[i + 1];
+            std::size_t nodeCount = 0;
+            std::size_t elementCount = 0;
+            if (!converter.populateBoundaryGroup(boundary, pair.nodes, &nodeCount, pair.elements, &elementCount)) {
+                return;
+            }
+            boundary.setNodeCount(nodeCount);
+            showElementsIn(boundary.geometryGlobalPartId(), elementCount, pair.elements);
+        }
+    };
+    tbb::parallel_for(Range(0, boundaries.size(), GRAIN_SIZE), deliverPatches, tbb::auto_partitioner());
+    return true;
+}
+
+bool OpenFoamProvider::generateFaceZones(std::vector<OFFaceZone>& faceZones, OFGroupPairs& pairs,
+                                         std::vector<OFBoundary>& boundaries, OFPolymeshToDDP& converter)
+{
+    if (faceZones.empty()) {
+        return true;
+    }
+    const std::size_t firstPair = boundaries.size() + 1;
+    // Each index writes to its own pair; zones and mesh are read only.
+    const auto deliverZones = [&](const Range& range) {
+        for (std::size_t i = range.begin(); i != range.end(); ++i) {
+            OFFaceZone& zone = faceZones[i];
+            const OFGroupPair& pair = pairs[firstPair + i];
+            std::size_t nodeCount = 0;
+            std::size_t elementCount = 0;
+            if (!converter.populateFaceZoneGroup(zone, pair.nodes, &nodeCount, pair.elements, &elementCount)) {
+                return;
+            }
+            showElementsIn(zone.geometryGlobalPartId(), elementCount, pair.elements);
+        }
+    };
+    tbb::parallel_for(Range(0, faceZones.size(), GRAIN_SIZE), deliverZones, tbb::auto_partitioner());
+    return true;
+}
+
+void OpenFoamProvider::generateCellZoneParts(OFPart* part, const std::size_t& elementCount, DDPElementGroup* group)
+{
+    if (part->cellZones().empty()) {
+        return;
+    }
+    // Cells in no zone show in the part itself, cells in several zones in the last of them.
+    std::vector<int> partIds(elementCount, part->id());
+    for (OFCellZone& zone : part->cellZones()) {
+        // What the mesh does not have leaves the zone, so that its set tells the same cells.
+        std::erase_if(zone.cellIds(), [&](int cell) { return static_cast<std::size_t>(cell) >= elementCount; });
+        for (const int cell : zone.cellIds()) {
+            partIds[static_cast<std::size_t>(cell)] = zone.geometryGlobalPartId();
+        }
+    }
+    group->setElementPartIds(partIds.data(), partIds.size());
+}
+
+bool OpenFoamProvider::getGeometryForTrisurface(const std::size_t& surfaceIndex, OFTriSurfaceReader& reader,
+                                                OFGroupPair& pair, const DDPGeometrySpec& /*spec*/)
+{
+    const dvn::Timer totalTimer;
+    dvn::Timer lapTimer;
+    OFSampledSurface& sampled = m_reader.sampledSurface(surfaceIndex);
+    OFTriSurface surface;
+    if (!reader.read(sampled.folder(), &surface)) {
+        return false;
+    }
+    logStep(" Get triSurface %1. surfaceReader.read() time [1] : %2 seconds", surfaceIndex, lapTimer.lapTime());
+    std::size_t nodeCount = 0;
+    std::size_t triangleCount = 0;
+    const OFTriSurfaceToDDP converter(&surface);
+    if (!converter.populateNodeAndElementGroup(pair.nodes, pair.elements, &nodeCount, &triangleCount)) {
+        return false;
+    }
+    showElementsIn(sampled.globalPartId(), triangleCount, pair.elements);
+    sampled.setNodeCount(nodeCount);
+    sampled.setElementCount(triangleCount);
+    logStep(" Get surface sampled %1. PopulateGroups [SampledSurfaces] time [3] : %2", surfaceIndex,
+            lapTimer.lapTime());
+    logInfo(dvn::Str(" Get surface sampled %1. Nodes=%2, triangleCount=%3. Total time [read] + [convert] + [send] : %4")
+                .arg(surfaceIndex)
+                .arg(nodeCount)
+                .arg(triangleCount)
+                .arg(totalTimer.time()));
+    return true;
+}
+
+bool OpenFoamProvider::getSet(std::int32_t setId, DDPSet* set)
+{
+    for (std::size_t i = 0; i < m_reader.partCount(); ++i) {
+        const std::vector<OFCellZone>& zones = m_reader.part(i).cellZones();
+        // Zones count from 1 in each part, so the first part that has the number wins.
+        const auto zone = std::ranges::find(zones, setId, &OFCellZone::id);
+        if (zone != zones.end()) {
+            set->addSetItems(0, i, zone->cellIds().data(), zone->cellCount());
+            return true;
+        }
+    }
+    return OFLogger::get().logError(PROVIDER_NAME, dvn::Str(" Get Set with id=%1 failure").arg(setId));
+}

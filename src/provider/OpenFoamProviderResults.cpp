@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: MIT
+#include "provider/OpenFoamProvider.h"
+
+#include "DvnCore/Timer.h"
+#include "DvnCore/Undefined.h"
+#include "casemodel/OFResultReader.h"
+#include "casemodel/SampledSurfaceFolders.h"
+#include "foamfile/OFLogger.h"
+#include "foamfile/OFUtilities.h"
+#include "provider/PluginIdentity.h"
+#include "provider/ValueArrays.h"
+
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_for.h>
+
+#include <algorithm>
+
+namespace {
+
+using Range = tbb::blocked_range<std::size_t>;
+
+/// One index is a whole field file, so no range is too small to be split.
+constexpr std::size_t GRAIN_SIZE = 1;
+
+/// Reads and delivers one result for parts, then for sampled surfaces: indices from the part count on are surfaces.
+///
+/// Each index writes to its own value groups and to arrays of its own; state, result and parts are read only. A part
+/// that fails has logged why and keeps its undefined values, so its result counts for nothing.
+struct OFReadResultsFunctor
+{
+    OpenFoamProvider* provider;
+    const OFState* state;
+    const OFResult* result;
+    std::vector<OFValueGroups>* groups;
+    const dvn::Str& nativeName;
+    const dvn::Str& className;
+    std::size_t partCount;
+    std::size_t surfaceCount;
+
+    void operator()(const Range& range) const
+    {
+        for (std::size_t i = range.begin(); i != range.end(); ++i) {
+            if (i < partCount) {
+                (void)provider->getResultForPart(static_cast<int>(i), state, result, (*groups)[i], nativeName,
+                                                 className);
+            } else {
+                (void)provider->getResultForTrisurface(static_cast<int>(i - partCount), state, result,
+                                                       (*groups)[i].front(), nativeName, className);
+            }
+        }
+    }
+};
+
+/// Makes all value groups on the calling thread, in the order of the geometry's groups but with none for a face zone.
+std::vector<OFValueGroups> makeValueGroups(const OFReader& reader, DDPResult* dataResult)
+{
+    const std::size_t partCount = reader.partCount();
+    std::vector<OFValueGroups> groups(partCount + reader.sampledSurfaceCount());
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        groups[i].resize(i < partCount ? 1 + reader.part(i).boundaries().size() : 1);
+        std::ranges::generate(groups[i], [&] { return dataResult->addValueGroup(); });
+    }
+    return groups;
+}
+
+/// The folder in which a part keeps the field files of a state.
+dvn::Str fieldFolder(const OFState& state, const OFPart& part)
+{
+    return part.isDefaultRegion() ? state.folder() : state.folder() + "/" + part.name();
+}
+
+/// True if a file was read and holds a value: one of another class counts as read but gives undefined values alone.
+bool holdsValues(const std::vector<double>& values)
+{
+    return std::ranges::any_of(values, [](double value) { return value != dvn::UNDEFINED_DOUBLE; });
+}
+
+/// Reads a field on cells with its patches; true if there are values to average, with or without those of patches.
+bool readForAverage(const dvn::Str& folder, const OFResult& field, const std::vector<OFBoundary>& boundaries,
+                    std::vector<double>* cellValues, std::vector<std::vector<double>>* faceValues)
+{
+    bool isInteriorRead = false;
+    (void)OFResultReader().readValuesForCellAndBoundaries(folder, field.nativeName(), field.className(), cellValues,
+                                                          boundaries, *faceValues, &isInteriorRead);
+    return isInteriorRead && holdsValues(*cellValues);
+}
+
+/// Undefined face values for each patch.
+std::vector<std::vector<double>> undefinedFaceValues(const std::vector<OFBoundary>& boundaries, int dimension)
+{
+    std::vector<std::vector<double>> values;
+    values.reserve(boundaries.size());
+    for (const OFBoundary& boundary : boundaries) {
+        values.push_back(undefinedItems(boundary.nodeCountPerFace().size(), dimension));
+    }
+    return values;
+}
+
+} // namespace
+
+bool OpenFoamProvider::getResult(const DDPResultSpec& spec, DDPResult* result)
+{
+    const int stateId = spec.stateId();
+    const int resultId = spec.resultId();
+    if (m_displacementResultId != NO_RESULT_ID && resultId == m_displacementResultId) {
+        return getDisplacements(stateId, result);
+    }
+    const OFState* const state = m_reader.stateById(stateId);
+    if (state == nullptr) {
+        return false;
+    }
+    const OFResult* const sought = state->resultById(resultId);
+    if (sought == nullptr) {
+        const OFResult* const elsewhere = m_reader.resultByIdInAllStates(resultId);
+        if (elsewhere != nullptr) {
+            deliverUndefined(*elsewhere, result);
+        }
+        return elsewhere != nullptr;
+    }
+    const dvn::Str className = sought->className();
+    return !className.isEmpty() && buildDataResults(state, sought, result, sought->nativeName(), className);
+}
+
+/// Answers for a result that the case has, but not in this state. Surfaces get no group here, and hosts know that.
+void OpenFoamProvider::deliverUndefined(const OFResult& result, DDPResult* dataResult) const
+{
+    for (std::size_t i = 0; i < m_reader.partCount(); ++i) {
+        const OFPart& part = m_reader.part(i);
+        deliver(undefinedValues(result, part), result.dimension(), dataResult->addValueGroup());
+        for (const OFBoundary& boundary : part.boundaries()) {
+            deliver(undefinedValues(result, boundary), result.dimension(), dataResult->addValueGroup());
+        }
+    }
+}
+
+bool OpenFoamProvider::buildDataResults(const OFState* state, const OFResult* result, DDPResult* dataResult,
+                                        const dvn::Str& nativeName, const dvn::Str& className)
+{
+    std::vector<OFValueGroups> groups = makeValueGroups(m_reader, dataResult);
+    const dvn::Timer timer;
+    const OFReadResultsFunctor readResults = {
+        this, state, result, &groups, nativeName, className, m_reader.partCount(), m_reader.sampledSurfaceCount()};
+    tbb::parallel_for(Range(0, groups.size(), GRAIN_SIZE), readResults, tbb::auto_partitioner());
+    OFLogger::get().logInfo(PROVIDER_NAME, dvn::Str("getResult [Parallel] in %1 seconds").arg(timer.time()));
+    return true;
+}
+
+bool OpenFoamProvider::getResultForPart(int partIndex, const OFState* state, const OFResult* result,
+                                        OFValueGroups& groups, const dvn::Str& nativeName, const dvn::Str& className)
+{
+    const OFPart& part = m_reader.part(static_cast<std::size_t>(partIndex));
+    const int dimension = result->dimension();
+    // The groups hold a complete answer from here on; what is read replaces it.
+    std::vector<double> values = undefinedValues(*result, part);
+    deliver(values, dimension, groups.front());
+    for (std::size_t i = 0; i < part.boundaries().size(); ++i) {
+        deliver(undefinedValues(*result, part.boundaries()[i]), dimension, groups[i + 1]);
+    }
+    if (!state->hasResultForPart(result, &part)) {
+        return true;
+    }
+    if (result->mapping() == OFResultNodeAverage) {
+        return getAverageForPart(part, state, result, values, groups);
+    }
+    const dvn::Str folder = fieldFolder(*state, part);
+    OFResultReader reader;
+    if (m_loadBoundaries) {
+        getResultsWithBoundaries(part.boundaries(), dimension, reader, folder, nativeName, className, values, groups);
+        return true;
+    }
+    if (!reader.readValues(folder, nativeName, className, &values)) {
+        return false;
+    }
+    deliverAndRelease(values, dimension, groups.front());
+    return true;
+}
+
+bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* state, const OFResult* result,
+                                         std::vector<double>& nodeValues, OFValueGroups& groups) const
+{
+    const OFResult* const source = state->sourceVolumefromAverageNodeResult(result);
+    if (source == nullptr) {
+        return false;
+    }
+    const dvn::Str folder = fieldFolder(*state, part);
+    const int dimension = source->dimension();
+    std::vector<double> cellValues(undefinedValues(*source, part).size(), 0.0);
+    if (!m_loadBoundaries) {
+        if (!OFResultReader().readValues(folder, source->nativeName(), source->className(), &cellValues) ||
+            !holdsValues(cellValues)) {
+            return false;
+        }
+        // The array goes in full of the undefined mark and is added to: without patches a node shows that mark divided
+        // by the number of its cells. Hosts take such values for undefined, so it stays.
+        part.computeAverageNodeResult(cellValues, nodeValues, dimension);
+        deliverAndRelease(nodeValues, dimension, groups.front());
+        return true;
+    }
+    std::vector<std::vector<double>> faceValues = undefinedFaceValues(part.boundaries(), dimension);
+    if (!readForAverage(folder, *source, part.boundaries(), &cellValues, &faceValues)) {
+        return false;
+    }
+    part.computeAverageNodeResultAwareBC(cellValues, faceValues, nodeValues, dimension);
+    deliver(nodeValues, dimension, groups.front());
+    for (std::size_t i = 0; i < part.boundaries().size(); ++i) {
+        const OFBoundary& boundary = part.boundaries()[i];
+        std::vector<double> values = undefinedValues(*result, boundary);
+        applyNodalDataInFace(nodeValues, values, dimension, boundary.faceNodeToNodeMapping());
+        deliverAndRelease(values, dimension, groups[i + 1]);
+    }
+    return true;
+}
+
+void OpenFoamProvider::getResultsWithBoundaries(const std::vector<OFBoundary>& boundaries, int dimension,
+                                                OFResultReader& reader, const dvn::Str& folder,
+                                                const dvn::Str& nativeName, const dvn::Str& className,
+                                                std::vector<double>& values, OFValueGroups& groups)
+{
+    const bool isOnPoints = className.startsWith("point");
+    if (!isOnPoints && !className.startsWith("vol")) {
+        return;
+    }
+    std::vector<std::vector<double>> patchValues;
+    patchValues.reserve(boundaries.size());
+    for (const OFBoundary& boundary : boundaries) {
+        const std::size_t itemCount = isOnPoints ? boundary.nodeCount() : boundary.nodeCountPerFace().size();
+        patchValues.push_back(undefinedItems(itemCount, dimension));
+    }
+    bool isInteriorRead = false;
+    // A file without a sound boundary section still has its interior; without that, the undefined values stand.
+    (void)reader.readValuesForCellAndBoundaries(folder, nativeName, className, &values, boundaries, patchValues,
+                                                &isInteriorRead);
+    if (!isInteriorRead) {
+        return;
+    }
+    OFLogger::get().printTrackedData();
+    deliverAndRelease(values, dimension, groups.front());
+    for (std::size_t i = 0; i < boundaries.size(); ++i) {
+        deliverAndRelease(patchValues[i], dimension, groups[i + 1]);
+    }
+}
+
+bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* state, const OFResult* result,
+                                              DDPResultValueGroup* group, const dvn::Str& nativeName,
+                                              const dvn::Str& className)
+{
+    const OFSampledSurface& surface = m_reader.sampledSurface(static_cast<std::size_t>(surfaceIndex));
+    if (result->type() == OFResultDisplacement) {
+        return false;
+    }
+    const dvn::Str folder = sampledSurfaceRoot(m_reader.path()) + "/" +
+                            OFUtilities::folderNameFromPath(state->folder()) + "/" + surface.name() +
+                            sampledFieldFolder(result->type());
+    std::vector<double> values = undefinedValues(*result, surface);
+    if (result->mapping() == OFResultOnNode) {
+        const std::vector<dvn::Str> files = OFUtilities::filesInFolder(folder);
+        const bool hasFile = std::ranges::any_of(
+            files, [&](const dvn::Str& file) { return OFUtilities::fileBaseName(file) == nativeName; });
+        bool isRead = true;
+        if (hasFile && !OFResultReader().readNonHeaderValues(folder, nativeName, className, &values, &isRead)) {
+            return false;
+        }
+        if (!isRead) {
+            values = undefinedValues(*result, surface);
+        }
+    }
+    deliver(values, result->dimension(), group);
+    return true;
+}
+
+bool OpenFoamProvider::applyNodalDataInFace(const std::vector<double>& source, std::vector<double>& target,
+                                            int dimension, const std::vector<int>& mapping) const
+{
+    if (dimension <= 0) {
+        return true;
+    }
+    const auto width = static_cast<std::size_t>(dimension);
+    const std::size_t itemCount = std::min(target.size() / width, mapping.size());
+    const std::size_t sourceCount = source.size() / width;
+    for (std::size_t i = 0; i < itemCount; ++i) {
+        // A negative label turns into a very large one.
+        const auto item = static_cast<std::size_t>(mapping[i]);
+        if (item < sourceCount) {
+            std::copy_n(source.data() + item * width, width, target.data() + i * width);
+        }
+    }
+    return true;
+}
+
+bool OpenFoamProvider::getRigidBodyTransformations(std::uint64_t /*stateIndex*/, std::int32_t /*id*/,
+                                                   DDPTransformations* /*transformations*/)
+{
+    return false;
+}

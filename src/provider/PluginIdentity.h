@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// What the plug-in tells of itself, at registration and in the log.
+
+inline constexpr const char* PLUGIN_NAME = "OpenFoamPlugin";
+inline constexpr const char* PLUGIN_VERSION = "1.9.99";
+/// The name under which the factory is registered.
+inline constexpr const char* PROVIDER_NAME = "OpenFoamProvider";
+/// The name that a host shows.
+inline constexpr const char* PROVIDER_DISPLAY_NAME = "OpenFoam DataProvider Reader";
+/// The one file name that the provider opens; a literal name, not a pattern.
+inline constexpr const char* PROVIDER_FILE_MASK = "case.foam";

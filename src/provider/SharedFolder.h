@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+
+#include <mutex>
+
+/// A folder that several workers may set at the same time; the one that was set last stands.
+///
+/// It holds the one lock of the plug-in's logic: which worker comes last is left open on purpose, but two of them
+/// writing one text at the same moment would damage it. It is set once for each mesh, so the lock costs nothing.
+class SharedFolder
+{
+public:
+    void set(const dvn::Str& folder)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_folder = folder;
+    }
+
+    dvn::Str get() const
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_folder;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    dvn::Str m_folder;
+};

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs what is missing, builds the tests and runs the whole suite.
+set -euo pipefail
+
+if [ "${1:-}" = "-h" ] || [ "${1:-}" = "--help" ]; then
+    cat <<'TXT'
+usage: ./test.sh [ctest options]
+
+Installs missing Debian packages (as root or through sudo), builds library, host, tests and benchmarks, and runs the
+suite. Options go to ctest: ./test.sh -R Hexahedron runs the tests of that name.
+TXT
+    exit 0
+fi
+
+cd "$(dirname "$(realpath "$0")")"
+. tools/setup.sh
+
+install_packages $BUILD_PACKAGES $TEST_PACKAGES
+build_preset dev
+say "Running the tests"
+ctest --preset dev --parallel "$(nproc)" "$@"

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "foamfile/FoamText.h"
+
+#include <charconv>
+#include <numeric>
+
+namespace foamtext {
+namespace {
+
+/// More nodes than this and OpenFOAM writes one label a line.
+constexpr std::size_t SHORT_LIST = 10;
+
+std::string text(double value)
+{
+    char digits[32];
+    return {digits, std::to_chars(digits, digits + sizeof(digits), value).ptr};
+}
+
+template <typename T>
+std::string bytesOf(const std::vector<T>& values)
+{
+    return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T)};
+}
+
+std::string face(const std::vector<int>& nodes)
+{
+    const bool isShort = nodes.size() <= SHORT_LIST;
+    std::string line = isShort ? "" : "\n";
+    line += std::to_string(nodes.size()) + (isShort ? "(" : "\n(\n");
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        line += std::to_string(nodes[i]) + (isShort ? (i + 1 < nodes.size() ? " " : "") : "\n");
+    }
+    return line + ")\n";
+}
+
+} // namespace
+
+std::string header(const std::string& className, const std::string& object, const std::string& format,
+                   const std::string& extra)
+{
+    return "/*---*\\\n| banner |\n\\*---*/\nFoamFile\n{\n    version     2.0;\n    format      " + format +
+           ";\n    class       " + className + ";\n" + extra + "    object      " + object +
+           ";\n}\n// * * * * * * * //\n\n\n";
+}
+
+std::string note(int cellCount)
+{
+    return "    note        \"nPoints:8  nCells:" + std::to_string(cellCount) + "  nFaces:6  nInternalFaces:0\";\n";
+}
+
+std::string list(std::size_t count, const std::string& items)
+{
+    return std::to_string(count) + "\n(\n" + items + ")\n\n\n// *** //\n";
+}
+
+std::string labels(const std::vector<int>& values)
+{
+    std::string items;
+    for (const int value : values) {
+        items += std::to_string(value) + "\n";
+    }
+    return items;
+}
+
+std::string vectors(const std::vector<double>& values)
+{
+    std::string items;
+    for (std::size_t i = 0; i + 3 <= values.size(); i += 3) {
+        items += "(" + text(values[i]) + " " + text(values[i + 1]) + " " + text(values[i + 2]) + ")\n";
+    }
+    return items;
+}
+
+std::string faces(const Faces& values)
+{
+    std::string items;
+    for (const std::vector<int>& nodes : values) {
+        items += face(nodes);
+    }
+    return items;
+}
+
+std::string raw(const std::vector<int>& values)
+{
+    return bytesOf(values);
+}
+
+std::string raw(const std::vector<double>& values)
+{
+    return bytesOf(values);
+}
+
+std::string compactFaces(const Faces& values)
+{
+    std::vector<int> offsets = {0};
+    std::vector<int> nodes;
+    for (const std::vector<int>& face : values) {
+        nodes.insert(nodes.end(), face.begin(), face.end());
+        offsets.push_back(static_cast<int>(nodes.size()));
+    }
+    return rawList(offsets) + "\n" + rawList(nodes);
+}
+
+std::vector<int> someLabels(std::size_t count)
+{
+    std::vector<int> values(count);
+    std::iota(values.begin(), values.end(), 0);
+    return values;
+}
+
+std::vector<double> someVectors(std::size_t count)
+{
+    std::vector<double> values(3 * count);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = (static_cast<double>(i) - 100.0) / 7.0;
+    }
+    return values;
+}
+
+Faces someFaces(std::size_t count, std::size_t bigEvery)
+{
+    Faces values(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t size = bigEvery != 0 && i % bigEvery == 0 ? 12 : 3 + i % 2;
+        for (std::size_t k = 0; k < size; ++k) {
+            values[i].push_back(static_cast<int>(i + 11 * k));
+        }
+    }
+    return values;
+}
+
+Faces unpacked(const FacesData& data)
+{
+    Faces values(data.faceCount());
+    for (std::size_t i = 0; i < data.faceCount(); ++i) {
+        values[i].assign(data.faceNodes(i), data.faceNodes(i) + data.nodeCounts[i]);
+    }
+    return values;
+}
+
+} // namespace foamtext

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "foamfile/FacesData.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/// Texts of OpenFOAM files, written as OpenFOAM writes them.
+namespace foamtext {
+
+using Faces = std::vector<std::vector<int>>;
+
+/// A `FoamFile` block with the entries that readers ask for; `extra` holds more lines of it.
+std::string header(const std::string& className, const std::string& object, const std::string& format = "ascii",
+                   const std::string& extra = {});
+/// The line of the block that tells a number of cells.
+std::string note(int cellCount);
+
+/// "N\n(\n" + items + ")\n".
+std::string list(std::size_t count, const std::string& items);
+/// One label a line.
+std::string labels(const std::vector<int>& values);
+/// One "(x y z)" a line.
+std::string vectors(const std::vector<double>& values);
+/// One face a line, or one label a line for a face of more than ten nodes.
+std::string faces(const Faces& values);
+
+/// The bytes of values in memory.
+std::string raw(const std::vector<int>& values);
+std::string raw(const std::vector<double>& values);
+/// "N\n(" + bytes + ")".
+template <typename T>
+std::string rawList(const std::vector<T>& values, std::size_t components = 1)
+{
+    return std::to_string(values.size() / components) + "\n(" + raw(values) + ")";
+}
+/// The two raw lists of a compact face list.
+std::string compactFaces(const Faces& values);
+
+/// 0, 1, 2 ... as labels, or as doubles with a fraction.
+std::vector<int> someLabels(std::size_t count);
+std::vector<double> someVectors(std::size_t count);
+/// Triangles, quadrilaterals and, every `bigEvery` faces, one of a dozen nodes over several lines.
+Faces someFaces(std::size_t count, std::size_t bigEvery);
+
+/// The faces that a record holds.
+Faces unpacked(const FacesData& data);
+
+} // namespace foamtext

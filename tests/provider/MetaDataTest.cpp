@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/CaseFiles.h"
+#include "provider/OpenCase.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+HostOptions withFaceZones()
+{
+    HostOptions options;
+    options.setBool("LOAD_FACE_ZONES", true);
+    return options;
+}
+
+/// Id, name, parent and type of each group in order of declaration.
+Texts groups(const HostMetaData& description)
+{
+    Texts texts;
+    for (const HostGroup& group : description.groups) {
+        texts.push_back(std::to_string(group.id) + " " + group.name + " < " +
+                        std::to_string(group.parentId.value_or(0)) + " " + group.type());
+    }
+    return texts;
+}
+
+Texts results(const HostMetaData& description)
+{
+    Texts texts;
+    for (const HostResultInfo& result : description.results) {
+        texts.push_back(std::to_string(result.id) + " " + result.name + " " + result.key + " " +
+                        std::to_string(result.kind) + std::to_string(result.mapping) +
+                        std::to_string(result.displacementFlag) + " " + result.unit);
+    }
+    return texts;
+}
+
+TEST(MetaData, DeclaresEachGroupByCallsInAFixedOrder)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeTwoCubes(folder);
+    std::filesystem::create_directories(folder.path() / "postProcessing/sampleSurface/0/cut");
+    folder.write("0/p", fieldFile("volScalarField", "p", "uniform 0"));
+    OpenCase openCase(folder.path(), withFaceZones());
+    const HostMetaData& description = openCase.metaData();
+    EXPECT_EQ(description.calls, (Texts{"setSimulationInfo(4, 0)",
+                                        "setGeometryMode(0)",
+                                        "addGroup(1)",
+                                        "addGroup(2)",
+                                        "setParentPart(2, 1)",
+                                        "setBoundaryFlag(2, 0)",
+                                        "setGroupProperty(2, type)",
+                                        "addGroup(3)",
+                                        "setParentPart(3, 1)",
+                                        "setBoundaryFlag(3, 1)",
+                                        "setGroupProperty(3, type)",
+                                        "addGroup(4)",
+                                        "setParentPart(4, 1)",
+                                        "setBoundaryFlag(4, 1)",
+                                        "setGroupProperty(4, type)",
+                                        "addGroup(5)",
+                                        "setParentPart(5, 1)",
+                                        "setBoundaryFlag(5, 0)",
+                                        "setGroupProperty(5, type)",
+                                        "addGroup(6)",
+                                        "setBoundaryFlag(6, 0)",
+                                        "setGroupProperty(6, type)",
+                                        "addState(1)",
+                                        "addResult(0, 1, 1)",
+                                        "addResult(0, 2, 0)"}));
+    EXPECT_EQ(groups(description),
+              (Texts{"1 default_region < 0 ", "2 z %1 < 1 CellZone", "3 left side < 1 patch", "4 rest < 1 wall",
+                     "5 inner [FZ] < 1 FaceZone", "6 cut[Surf] < 0 SampledSurface"}));
+    EXPECT_EQ(results(description),
+              (Texts{"1 Pressure PRESSURE_E 010 m s-1 ", "2 Pressure [node] PRESSURE_N 000 m s-1 "}));
+    EXPECT_EQ(description.title, folder.path().filename().string());
+    EXPECT_EQ(description.description, "Single-Region Simulation");
+}
+
+TEST(MetaData, NumbersTheGroupsOfEachPartBehindItsOwnId)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeTwoCubes(folder, "processor0/constant/polyMesh");
+    writeTwoCubes(folder, "processor1/constant/polyMesh");
+    std::filesystem::remove(folder.path() / "processor0/constant/polyMesh/cellZones");
+    std::filesystem::remove(folder.path() / "processor1/constant/polyMesh/cellZones");
+    OpenCase openCase(folder.path(), withFaceZones());
+    const Texts declared = groups(openCase.metaData());
+    // Folders list in any order.
+    const bool isAscending = declared[0].find("processor0") != std::string::npos;
+    EXPECT_EQ(declared, (Texts{std::string("1 processor") + (isAscending ? "0" : "1") + " < 0 ",
+                               "2 left side < 1 patch", "3 rest < 1 wall", "4 inner [FZ] < 1 FaceZone",
+                               std::string("5 processor") + (isAscending ? "1" : "0") + " < 0 ",
+                               "6 left side < 5 patch", "7 rest < 5 wall", "8 inner [FZ] < 5 FaceZone"}));
+}
+
+TEST(MetaData, SendsNamesBeyondAsciiOnTheRoadThatHostsKnow)
+{
+    const TempFolder outer;
+    const std::string name = "l\xC3\xA9 %1";
+    const std::string twice = "l\xC3\x83\xC2\xA9 %1";
+    const TempFolder folder;
+    writeControlDict(folder);
+    const std::string mesh = "processor" + name + "/constant/polyMesh";
+    folder.write(mesh + "/boundary", boundaryFile({{name, "patch", 1, 0}}));
+    folder.write("0/f", fieldFile("volScalarField", name, "uniform 0"));
+    HostOptions options;
+    options.setString("RESULTS_NAMES_MAPPING", name + "=" + name + " shown");
+    {
+        OpenCase openCase(folder.path(), options);
+        const HostMetaData& description = openCase.metaData();
+        EXPECT_EQ(groups(description), (Texts{"1 processor" + name + " < 0 ", "2 " + name + " < 1 patch"}));
+        EXPECT_EQ(description.results[0].name, name + " shown");
+        EXPECT_EQ(description.results[0].key, "L\xC3\x83\xC2\xA9 %1_E");
+    }
+    folder.write(mesh + "/cellZones", cellZonesFile({{name, {0}}}));
+    OpenCase openCase(folder.path(), options);
+    EXPECT_EQ(groups(openCase.metaData())[0], "1 processor" + twice + " < 0 ");
+    EXPECT_EQ(groups(openCase.metaData())[1], "2 " + name + " < 1 CellZone");
+}
+
+TEST(MetaData, NumbersResultsAtTheirFirstAppearance)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    std::filesystem::create_directories(folder.path() / "constant");
+    folder.write("0/T", fieldFile("volScalarField", "T", "uniform 0"));
+    folder.write("1/T", fieldFile("volVectorField", "T", "uniform 0"));
+    folder.write("2/polyMesh/points", foamFile("vectorField", "points"));
+    folder.write("3/s", fieldFile("volTensorField", "s", "uniform 0"));
+    folder.write("4/v", fieldFile("pointVectorField", "v", "uniform 0"));
+    HostOptions options;
+    options.setBool("NODE_AVG_RES", false);
+    OpenCase openCase(folder.path(), options);
+    const HostMetaData& description = openCase.metaData();
+    EXPECT_EQ(description.stateMode, 4);
+    EXPECT_EQ(results(description), (Texts{"1 Temperature TEMPERATURE_E 010 m s-1 ", "2 points POINTS 201 m ",
+                                           "3 s S_E 410 m s-1 ", "4 v [N] V_N* 100 m s-1 "}));
+    EXPECT_EQ(results(openCase.metaData()), results(description));
+}
+
+} // namespace

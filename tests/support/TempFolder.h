@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+/// A fresh folder for the files of one test, removed with all it holds at the end of its life.
+class TempFolder
+{
+public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::filesystem::path& path() const { return m_path; }
+    /// The path of something in the folder as the readers take it; the folder itself for an empty argument.
+    dvn::Str str(const std::string& relative = {}) const;
+
+    /// Writes a file in place of an older one; folders on the way to it are made.
+    void write(const std::string& relative, std::string_view bytes) const;
+    /// The same through gzip. The name is taken as it stands, so the caller appends ".gz".
+    void writeGz(const std::string& relative, std::string_view bytes) const;
+
+private:
+    std::filesystem::path m_path;
+};
+
+/// The whole content of a file; throws if it cannot be read.
+std::string fileBytes(const std::filesystem::path& path);
+
+/// `bytes` as a gzip stream.
+std::string gzipped(std::string_view bytes);

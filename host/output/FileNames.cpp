@@ -20,7 +20,7 @@ std::string sanitised(const std::string& name)
         c = isLetterOrDigit(c) || c == '-' || c == '.' ? c : '_';
     }
     if (stem.empty() || stem.front() == '.') {
-        stem.insert(0, "_");
+        stem.insert(stem.begin(), '_');
     }
     return stem;
 }

@@ -94,9 +94,9 @@ bool OFFile::readFaceZone(const ListMessages& messages, OFFaceZone* zone)
 
 /// Reads the flips of a zone from the line that begins them.
 ///
-/// A line of a chunk that ends in ">" is followed by a list. A line of the stream still has its line feed, which then
-/// counts as its last character, so there the list is passed over: it keeps binary files readable, whose flips are one
-/// byte each.
+/// A line of a chunk that ends in ">" is followed by a list. A line of the stream is no more than the line feed behind
+/// the ";" of the labels, and a line feed counts as the last character of a line, so there the flips are passed over:
+/// it keeps binary files readable, whose flips are one byte each and not four.
 bool OFFile::readFlips(const ListMessages& messages, std::string_view line, OFFaceZone* zone)
 {
     const std::string_view text = line.substr(0, line.find_last_not_of(' ') + 1);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 namespace {
 
@@ -13,10 +14,11 @@ void clipToFaces(std::size_t faceCount, OFBoundary* boundary)
 {
     const auto meshEnd = static_cast<std::int64_t>(faceCount);
     const std::int64_t start = boundary->startFaceIndex();
-    const auto claimed = static_cast<std::int64_t>(std::min<std::uint64_t>(
-        boundary->faceCount(), static_cast<std::uint64_t>(std::max<std::int64_t>(meshEnd - start, 0))));
+    // No patch needs more than this to reach the end of the mesh, and the sum below cannot overflow.
+    const auto longest = static_cast<std::uint64_t>(meshEnd + std::abs(start));
+    const auto claimed = static_cast<std::int64_t>(std::min<std::uint64_t>(boundary->faceCount(), longest));
     const std::int64_t first = std::clamp<std::int64_t>(start, 0, meshEnd);
-    const std::int64_t end = std::max(start + claimed, first);
+    const std::int64_t end = std::clamp<std::int64_t>(start + claimed, first, meshEnd);
     boundary->setStartFaceIndex(static_cast<int>(first));
     boundary->setFaceCount(static_cast<std::size_t>(end - first));
 }

@@ -209,7 +209,7 @@ TEST_F(OFFileFaces, RawOffsetsThatCannotBeRightLeaveWholeFaces)
     // One offset and no face; and offsets without the bracket that ends them.
     EXPECT_TRUE(readFaces(facesHeader("faceCompactList", "binary") + rawList(std::vector<int>{0}) + "\n1\n(abcd)"));
     EXPECT_EQ(data.faceCount(), 0U);
-    EXPECT_FALSE(readFaces(facesHeader("faceCompactList", "binary") + "2\n(" + raw({0, 3}) + "x\n3\n(" + raw({0, 1, 2})));
+    EXPECT_FALSE(readFaces(facesHeader("faceCompactList", "binary") + "2\n(" + raw(std::vector<int>{0, 3}) + "x\n3\n(" + raw(std::vector<int>{0, 1, 2})));
 }
 
 TEST_F(OFFileFaces, ABinaryFaceListIsRefusedInSilence)

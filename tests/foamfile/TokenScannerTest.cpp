@@ -45,7 +45,10 @@ void expectLikePlain(const std::string& text, char delimiter)
     double value = 0.0;
     ASSERT_EQ(scanComponent<END>(cursor, text.c_str() + text.size(), delimiter, &value), isNumber);
     EXPECT_EQ(static_cast<std::size_t>(cursor - text.c_str()), isNumber ? moved : 0);
-    if (isNumber) {
+    if (isNumber && std::isnan(expected)) {
+        EXPECT_TRUE(std::isnan(value));
+    } else if (isNumber) {
+        // Bit by bit, so that a negative zero and the last place count.
         EXPECT_EQ(std::memcmp(&value, &expected, sizeof(value)), 0) << value << " for " << expected;
     }
 }

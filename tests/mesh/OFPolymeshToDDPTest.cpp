@@ -3,7 +3,7 @@
 #include "support/LogCapture.h"
 #include "support/RecordingGroups.h"
 #include "support/ReferenceCells.h"
-#include "support/SyntheticMesh.h"
+#include "bench/SyntheticMesh.h"
 
 #include <gtest/gtest.h>
 

@@ -7,6 +7,8 @@
 
 #include <tbb/version.h>
 
+#include <algorithm>
+
 namespace {
 
 using Texts = std::vector<std::string>;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/SyntheticMesh.h"
+#include "bench/SyntheticMesh.h"
 
 #include <algorithm>
 #include <charconv>

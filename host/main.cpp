@@ -3,7 +3,6 @@
 #include "commands/Commands.h"
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
 
 #include <cstdio>
 #include <exception>
@@ -23,9 +22,10 @@ constexpr const char* FOOTER =
     "The library is that of --plugin, else of the environment's DDP_PLUGIN, else the one beside the program\n"
     "or in the library folder it was installed with.";
 
+/// These may stand before or behind the command, because few users remember which side is which.
 void addGlobalOptions(CLI::App* app, GlobalOptions* options)
 {
-    static const std::map<std::string, ColorMode> COLOR_MODES = {
+    static const std::map<std::string, ColorMode> colorModes = {
         {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
     app->add_option("--plugin", options->plugin, "The library to load")->type_name("PATH");
     app->add_option("--set", options->settings,
@@ -40,7 +40,7 @@ void addGlobalOptions(CLI::App* app, GlobalOptions* options)
         ->check(CLI::Range(1, 1024));
     app->add_option("--color", options->color, "Colour the text: auto, always or never")
         ->type_name("WHEN")
-        ->transform(CLI::CheckedTransformer(COLOR_MODES).description(""));
+        ->transform(CLI::CheckedTransformer(colorModes).description(""));
     app->add_flag("--no-progress", options->noProgress, "Draw no progress bar");
 }
 
@@ -70,22 +70,24 @@ bool parse(int argc, char** argv, HostContext* context, ExitCode* code)
     }
 }
 
-ExitCode runCommand(HostContext& context)
+/// The context goes before `main` returns, and with it the library, while the crash handler still stands.
+ExitCode run(int argc, char** argv)
 {
-    try {
-        context.applyOptions();
-        return context.command();
-    } catch (const HostError& error) {
-        fmt::print(stderr, "ddphost: {}\n", error.what());
-        return error.code();
-    } catch (const std::filesystem::filesystem_error& error) {
-        fmt::print(stderr, "ddphost: {}\n", error.what());
-        return ExitCode::CannotWrite;
-    } catch (const std::exception& error) {
-        // Arrays too large for the memory end here, which is how a broken count shows.
-        fmt::print(stderr, "ddphost: {}\n", error.what());
-        return ExitCode::Misbehaved;
+    HostContext context;
+    ExitCode code = ExitCode::Good;
+    if (!parse(argc, argv, &context, &code)) {
+        return code;
     }
+    context.applyOptions();
+    return context.command();
+}
+
+/// Tells the user why the run ended, in one line.
+int fail(ExitCode code, const char* message) noexcept
+{
+    // Not through the formatting library, which throws itself if stderr is gone.
+    std::fprintf(stderr, "ddphost: %s\n", message);
+    return static_cast<int>(code);
 }
 
 } // namespace
@@ -93,10 +95,14 @@ ExitCode runCommand(HostContext& context)
 int main(int argc, char** argv)
 {
     installCrashHandler();
-    HostContext context;
-    ExitCode code = ExitCode::Good;
-    if (parse(argc, argv, &context, &code)) {
-        code = runCommand(context);
+    try {
+        return static_cast<int>(run(argc, argv));
+    } catch (const HostError& error) {
+        return fail(error.code(), error.what());
+    } catch (const std::filesystem::filesystem_error& error) {
+        return fail(ExitCode::CannotWrite, error.what());
+    } catch (const std::exception& error) {
+        // Arrays too large for the memory end here, which is how a broken count shows.
+        return fail(ExitCode::Misbehaved, error.what());
     }
-    return static_cast<int>(code);
 }

@@ -15,8 +15,10 @@
 class BorderFaults
 {
 public:
+    /// The one collection of the process.
     static BorderFaults& get();
 
+    /// Notes a fault in words, as it shall stand behind the name of the operation.
     void add(const std::string& fault);
 
     /// A call of a row that holds a place in a host class: the library took a wrong row of the table.

@@ -60,8 +60,8 @@ void CaseSession::release()
             }
             m_library.factory().destroyProviderInstance(m_provider);
         });
-    } catch (
-        const HostError&) { // NOLINT(bugprone-empty-catch): the object goes away, and so does what is wrong with it
+    } catch (const HostError&) {
+        // The object goes away, and what is wrong with it goes along.
     }
     m_provider = nullptr;
 }

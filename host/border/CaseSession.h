@@ -50,6 +50,7 @@ public:
     DDPDataProvider& provider() { return *m_provider; }
 
 private:
+    /// Runs the calls that lead to an open case; what it has made by a failure, `release` gives back.
     void open();
     void release();
 

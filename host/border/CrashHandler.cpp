@@ -16,6 +16,7 @@ namespace {
 // A stack overflow leaves no room for its own handler, so that runs on this stack.
 alignas(std::max_align_t) std::array<char, 65536> signalStack;
 
+/// Ends the process from inside a signal handler, where neither allocation nor formatting is allowed.
 [[noreturn]] void endCrashed(const char* message)
 {
     // Only what is safe in a signal handler: one write, then out without any destructor.
@@ -28,11 +29,13 @@ void onFatalSignal(int /*signal*/)
     endCrashed("ddphost: the library crashed\n");
 }
 
+/// An exception on a thread of the library has no caller that could catch it, so it ends here.
 void onTerminate()
 {
     endCrashed("ddphost: an exception that nothing catches ended the run\n");
 }
 
+/// Installs our handler for one signal, unless something else, as a sanitizer, has claimed it.
 void handleUnlessHandled(int signalNumber)
 {
     struct sigaction present = {};

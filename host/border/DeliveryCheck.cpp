@@ -8,17 +8,20 @@
 
 namespace {
 
+/// The sum of byte counts, as wide as an index so that it cannot wrap like the counts themselves.
 std::size_t sumOf(const std::vector<unsigned char>& counts)
 {
     return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
 }
 
+/// True if every entry can be used as an index below the bound; labels are signed, so a sign is checked as well.
 bool allBelow(const std::vector<std::int32_t>& entries, std::size_t bound)
 {
     return std::ranges::all_of(
         entries, [bound](std::int32_t entry) { return entry >= 0 && static_cast<std::size_t>(entry) < bound; });
 }
 
+/// Ids may be left out altogether; a list of them has to be complete.
 std::string findNodeFault(const HostNodeGroup& nodes)
 {
     if (!nodes.ids.empty() && nodes.ids.size() != nodes.nodeCount()) {
@@ -42,6 +45,7 @@ std::int64_t connectivityNeeded(const HostElementGroup& elements)
     return needed;
 }
 
+/// Checks what stands for each element. Relies on the polyhedron tables, which are checked before.
 std::string findElementFault(const HostNodeGroup& nodes, const HostElementGroup& elements)
 {
     if (elements.ids.size() != elements.elementCount()) {
@@ -62,6 +66,8 @@ std::string findElementFault(const HostNodeGroup& nodes, const HostElementGroup&
     return allBelow(elements.connectivity, nodes.nodeCount()) ? std::string() : "connectivity out of range";
 }
 
+/// Checks the face tables for themselves: one polyhedron for each general element, and every table as long as the sums
+/// of the one above it say.
 std::string findPolyhedraFault(const HostNodeGroup& nodes, const HostElementGroup& elements)
 {
     const HostPolyhedra& tables = elements.polyhedra;
@@ -80,6 +86,7 @@ std::string findPolyhedraFault(const HostNodeGroup& nodes, const HostElementGrou
     return allBelow(tables.faceConnectivity, nodes.nodeCount()) ? std::string() : "face connectivity out of range";
 }
 
+/// A fault that the user can find again: what was delivered, for which group, and what is wrong with it.
 [[noreturn]] void reportFault(const std::string& groupName, const std::string& fault)
 {
     throw HostError(ExitCode::Misbehaved, fmt::format("the library delivered broken arrays: {}: {}", groupName, fault));

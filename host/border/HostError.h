@@ -25,6 +25,7 @@ class HostError : public std::runtime_error
 public:
     HostError(ExitCode code, const std::string& message) : std::runtime_error(message), m_code(code) {}
 
+    /// The code to end the run with.
     ExitCode code() const { return m_code; }
 
 private:

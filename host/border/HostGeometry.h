@@ -16,9 +16,10 @@
 /// Not locked: the interface promises one thread at a time for one group.
 struct HostCallRecord
 {
-    std::vector<std::string> operations;
-    std::vector<std::thread::id> threads;
+    std::vector<std::string> operations;  ///< names of the interface's operations, in order of the calls
+    std::vector<std::thread::id> threads; ///< the caller of each
 
+    /// Notes one call of the present thread.
     void add(const char* operation)
     {
         operations.emplace_back(operation);
@@ -47,9 +48,10 @@ public:
     explicit HostNodeGroup(std::int64_t groupId) : m_id(groupId) {}
 
     std::vector<double> coordinates; ///< x, y, z of each node in turn
-    std::vector<std::int32_t> ids;
+    std::vector<std::int32_t> ids;   ///< one a node
     HostCallRecord calls;
 
+    /// Nodes set so far: 0 for a group that the library left empty.
     std::size_t nodeCount() const { return coordinates.size() / 3; }
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPNodeGroup"); }
@@ -65,10 +67,10 @@ private:
 /// The face tables of the general elements of a group, as the library delivered them.
 struct HostPolyhedra
 {
-    std::vector<unsigned char> nodesPerPolyhedron;
-    std::vector<unsigned char> facesPerPolyhedron;
-    std::vector<unsigned char> nodesPerFace;
-    std::vector<std::int32_t> faceConnectivity;
+    std::vector<unsigned char> nodesPerPolyhedron; ///< distinct nodes, one entry a polyhedron
+    std::vector<unsigned char> facesPerPolyhedron; ///< one entry a polyhedron
+    std::vector<unsigned char> nodesPerFace;       ///< one entry a face, polyhedron after polyhedron
+    std::vector<std::int32_t> faceConnectivity;    ///< nodes of all those faces, as positions in the node group
 };
 
 /// Keeps the elements of one group.
@@ -77,15 +79,16 @@ class HostElementGroup final : public DDPElementGroup
 public:
     explicit HostElementGroup(std::int64_t boundNodeGroupId) : nodeGroupId(boundNodeGroupId) {}
 
-    std::int64_t nodeGroupId;        ///< the node group that the connectivity counts in
-    bool uniform = false;            ///< the last call that set elements was `setUniformElements`
-    std::vector<std::int32_t> types; ///< one an element, also for uniform elements
-    std::vector<std::int32_t> connectivity;
+    std::int64_t nodeGroupId;               ///< the node group that the connectivity counts in
+    bool uniform = false;                   ///< the last call that set elements was `setUniformElements`
+    std::vector<std::int32_t> types;        ///< one an element, also for uniform elements
+    std::vector<std::int32_t> connectivity; ///< positions in the node group, element after element
     std::vector<std::int32_t> ids;
     std::vector<std::int32_t> partIds; ///< empty if the library set none
-    HostPolyhedra polyhedra;
+    HostPolyhedra polyhedra;           ///< of the elements of type `DDP_POLY`, in element order
     HostCallRecord calls;
 
+    /// Elements set so far: 0 for a group that the library left empty.
     std::size_t elementCount() const { return types.size(); }
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPElementGroup"); }

@@ -9,6 +9,7 @@
 
 namespace {
 
+/// The word in front of a shown line; other numbers than the known three show without a rank.
 const char* levelName(std::int32_t level)
 {
     switch (level) {

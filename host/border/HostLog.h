@@ -15,9 +15,9 @@ inline constexpr std::int32_t LOG_DEBUG = 4;
 /// One line that the library logged.
 struct HostLogLine
 {
-    std::int32_t level;
-    std::string text;
-    std::thread::id thread;
+    std::int32_t level;     ///< one of the numbers above
+    std::string text;       ///< as it came, without a line feed
+    std::thread::id thread; ///< the thread that logged it
 };
 
 /// Takes the library's log lines, keeps them and shows the grave ones on stderr.
@@ -27,6 +27,7 @@ struct HostLogLine
 class HostLog
 {
 public:
+    /// The one log of the process.
     static HostLog& get();
 
     /// The function to put into the init record.
@@ -38,6 +39,7 @@ public:
     /// All lines since the last `clear`, in order of arrival.
     std::vector<HostLogLine> lines() const;
 
+    /// Forgets all lines; what is shown stays as it is set.
     void clear();
 
 private:

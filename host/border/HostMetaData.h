@@ -31,6 +31,7 @@ enum class HostGroupKind
     Surface
 };
 
+/// One state as it is declared.
 struct HostState
 {
     std::int32_t id;
@@ -48,6 +49,7 @@ struct HostGroup
     std::optional<std::int32_t> boundaryFlag;
     std::map<std::string, std::string> properties;
 
+    /// What the group is; settled only when all of its declaration has come.
     HostGroupKind kind() const;
     /// The property "type", or the empty text.
     std::string type() const;
@@ -118,6 +120,7 @@ public:
                              std::int32_t mapping) override;
 
 private:
+    /// Takes parts, and hands out the object that takes groups.
     class GeometryInfo final : public DDPGeometryInfo
     {
     public:
@@ -133,6 +136,7 @@ private:
         HostMetaData& m_owner;
     };
 
+    /// Takes groups. The library may ask for it as often as it likes and always gets this one.
     class GroupInfo final : public DDPElementGroupInfo
     {
     public:
@@ -149,7 +153,9 @@ private:
         HostMetaData& m_owner;
     };
 
+    /// The group to describe; null, with a fault noted, for an id that was not declared.
     HostGroup* declaredGroup(std::int32_t id);
+    /// Adds a group or a part; an id that is taken already is noted as a fault, and stays.
     void declareGroup(std::int32_t id, const char* name, bool asPart);
 
     GeometryInfo m_geometryInfo;

@@ -12,6 +12,7 @@
 /// One change of the list of states.
 struct HostNotice
 {
+    /// Which operation told it.
     enum class Kind
     {
         Update,
@@ -20,16 +21,16 @@ struct HostNotice
     };
 
     Kind kind;
-    std::int32_t id; ///< the state's id; for a removal the list position
-    std::string name;
-    double referenceValue;
+    std::int32_t id;       ///< the state's id; for a removal the list position
+    std::string name;      ///< empty for a removal
+    double referenceValue; ///< the time; 0 for a removal
 };
 
 /// Records the changes that polls report, in order.
 class HostNotifications final : public DDPChangeNotifications
 {
 public:
-    std::vector<HostNotice> notices;
+    std::vector<HostNotice> notices; ///< of all polls so far
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPChangeNotifications"); }
     void reserved1() override { BorderFaults::get().addReservedRow("DDPChangeNotifications"); }

@@ -8,6 +8,7 @@
 
 namespace {
 
+/// Nothing for a text that means neither, so that a typing mistake does not pass for "off".
 std::optional<bool> boolFromText(std::string text)
 {
     // Not std::tolower: what it makes of a byte depends on the locale.
@@ -21,6 +22,7 @@ std::optional<bool> boolFromText(std::string text)
     return std::nullopt;
 }
 
+/// Lists what the provider declares: the settings belong to the library, and no other list of them could be complete.
 [[noreturn]] void refuseUnknownKey(const std::string& key, const HostProviderInfo& provider)
 {
     std::string known;
@@ -78,11 +80,11 @@ bool HostOptions::boolOption(const DDPString& key) const
 
 const DDPString* HostOptions::stringOption(const DDPString& key) const
 {
-    static const DDPString EMPTY;
+    static const DDPString empty;
     const auto found = m_strings.find(key.c_str());
     if (found == m_strings.end()) {
         BorderFaults::get().add(fmt::format("the text setting {} was read but not given", key.c_str()));
-        return &EMPTY;
+        return &empty;
     }
     return &found->second;
 }

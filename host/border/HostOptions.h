@@ -19,6 +19,7 @@ public:
     /// @throws HostError of `Usage` for a text without "=", an unknown key or a bad boolean
     static HostOptions parse(const std::vector<std::string>& texts, const HostProviderInfo& provider);
 
+    /// Gives a setting without a check, for callers that know the provider.
     void setBool(const std::string& key, bool value) { m_bools[key] = value; }
     void setString(const std::string& key, const std::string& value) { m_strings[key] = DDPString(value.c_str()); }
 

@@ -12,10 +12,10 @@
 struct HostSetting
 {
     std::string key;
-    std::string label;
-    bool isBool;
-    bool boolDefault;
-    std::string stringDefault;
+    std::string label;         ///< what a host with windows would show
+    bool isBool;               ///< otherwise the setting is a text
+    bool boolDefault;          ///< of a boolean
+    std::string stringDefault; ///< of a text
 };
 
 /// Records what a factory tells about its provider.

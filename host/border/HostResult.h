@@ -35,9 +35,10 @@ class HostValueGroup final : public DDPResultValueGroup
 {
 public:
     std::vector<double> values; ///< `dimension` values an item
-    std::int32_t dimension = 0;
+    std::int32_t dimension = 0; ///< components of an item; 0 as long as nothing was set
     HostCallRecord calls;
 
+    /// Whole items set so far: 0 for a group that the library left empty.
     std::size_t itemCount() const { return dimension > 0 ? values.size() / static_cast<std::size_t>(dimension) : 0; }
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPResultValueGroup"); }

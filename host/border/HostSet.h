@@ -12,6 +12,7 @@
 class HostSet final : public DDPSet
 {
 public:
+    /// What one call brought.
     struct Items
     {
         std::int32_t kind;

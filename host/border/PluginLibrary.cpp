@@ -4,8 +4,10 @@
 #include "border/HostLog.h"
 
 #include <fmt/format.h>
+#include <tbb/global_control.h>
 
 #include <cstdlib>
+#include <new>
 #include <system_error>
 
 #include <dlfcn.h>
@@ -28,10 +30,23 @@ public:
     LoadingScope& operator=(const LoadingScope&) = delete;
 };
 
+/// Where this program lies, whatever name it was called by and from whichever folder; empty if the system does not
+/// tell.
 std::filesystem::path programFolder()
 {
     std::error_code error;
     return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
+/// Waits until the worker threads that the library's loops left behind have ended.
+///
+/// They still run code of the library and of what it brought along, which must not go from under them. This also makes
+/// the host itself need TBB, so that the workers' own code stays.
+void joinWorkers()
+{
+    tbb::task_scheduler_handle workers{tbb::attach{}};
+    // False if someone else in the process still uses them; then they are none of ours to end.
+    (void)tbb::finalize(workers, std::nothrow);
 }
 
 [[noreturn]] void refuse(const std::string& message)
@@ -51,7 +66,7 @@ std::filesystem::path PluginLibrary::locate(const std::string& given)
     }
     const std::filesystem::path folder = programFolder();
     for (const char* const place : {".", DDPHOST_LIBRARY_FOLDER, "../src"}) {
-        const std::filesystem::path candidate = (folder / place / LIBRARY_NAME).lexically_normal();
+        std::filesystem::path candidate = (folder / place / LIBRARY_NAME).lexically_normal();
         std::error_code error;
         if (std::filesystem::exists(candidate, error)) {
             return candidate;
@@ -124,6 +139,7 @@ void PluginLibrary::unload()
     if (m_exitFunction != nullptr) {
         m_exitFunction();
     }
+    joinWorkers();
     dlclose(m_handle);
     m_handle = nullptr;
 }

@@ -39,8 +39,11 @@ public:
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
 
+    /// The file as it was given.
     const std::filesystem::path& file() const { return m_file; }
+    /// The name that the library registered its factory under, not the one that it shows.
     const std::string& providerName() const { return m_providerName; }
+    /// The major version that the registration claims.
     std::int64_t apiVersion() const { return m_registration.apiVersion; }
 
     /// The entries of `setPluginInfo` in order of the calls.
@@ -49,7 +52,9 @@ public:
     /// False only for a refused registration, which leaves no factory behind.
     bool hasExitFunction() const { return m_exitFunction != nullptr; }
 
+    /// The registered factory; not to be used after a refused registration.
     DDPDataProviderFactory& factory() const { return *m_registration.factory; }
+    /// What the factory told of its provider and its settings when the library was loaded.
     const HostProviderInfo& providerInfo() const { return m_providerInfo; }
 
 private:

@@ -40,6 +40,7 @@ class CaseBench
 public:
     CaseBench(HostContext& context, const std::string& casePath) : m_context(context) { m_case.casePath = casePath; }
 
+    /// One full life of a case. A new session each time, because a provider keeps what it has read about a case.
     void runOnce()
     {
         m_phase = 0;
@@ -91,6 +92,7 @@ template <typename Figure>
 double medianOf(const std::vector<ProcessCost>& costs, Figure figure)
 {
     std::vector<double> values;
+    values.reserve(costs.size());
     for (const ProcessCost& cost : costs) {
         values.push_back(static_cast<double>(cost.*figure));
     }
@@ -117,6 +119,7 @@ struct PhaseFigures
     {}
 };
 
+/// Megabytes are of 1000 kilobytes throughout, as rates of disks are given.
 nlohmann::ordered_json benchDocument(const std::vector<BenchCase>& cases, const HostContext& context,
                                      const BenchOptions& options)
 {
@@ -158,6 +161,7 @@ std::string benchText(const std::vector<BenchCase>& cases, const TextStyle& styl
     return text;
 }
 
+/// Repeats stand in the inner loop, so that all runs of a case find the same state of the system's file cache.
 ExitCode runBench(HostContext& context, const BenchOptions& options)
 {
     // Loaded here, so that the time for that is in no phase.

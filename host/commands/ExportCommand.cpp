@@ -48,12 +48,14 @@ struct ExportedState
 /// The results of one state in the order of the selection; null where the library has none.
 using StateResults = std::vector<std::unique_ptr<HostResult>>;
 
+/// True if the values can stand in for the points: one place for each node, and none of them missing.
 bool isWholePoints(const HostValueGroup& values, std::size_t nodeCount)
 {
     return values.dimension == 3 && values.itemCount() == nodeCount &&
            std::ranges::none_of(values.values, [](double value) { return value == UNDEFINED_VALUE; });
 }
 
+/// One result as an array that viewers show; see below for the values that are missing.
 VtkArray makeArray(const std::string& name, const HostValueGroup& values)
 {
     VtkArray array = {name, values.dimension, values.values};
@@ -85,6 +87,7 @@ public:
     }
 
 private:
+    /// Settles groups, states and all file names before anything is read or written for them.
     void selectWhatToWrite()
     {
         const std::vector<const HostGroup*> declared = m_metaData.geometryGroups();
@@ -136,6 +139,7 @@ private:
         }
     }
 
+    /// The index comes last: it never names a file that is not there.
     void writeState(const ExportedState& state, ProgressBar* progress)
     {
         const StateResults results = readResults(state);
@@ -147,6 +151,7 @@ private:
         writeVtm(indexPath(state), indexEntries(state), m_options.overwrite);
     }
 
+    /// Reads all results of a state before the first group, because one result delivers all groups at once.
     StateResults readResults(const ExportedState& state)
     {
         StateResults results;
@@ -156,6 +161,7 @@ private:
         return results;
     }
 
+    /// The grid is made afresh for each state; it costs less than keeping the grids of all groups would.
     void writeGroup(const ExportedState& state, const ExportedGroup& group, const StateResults& results)
     {
         const HostElementGroup& elements = m_geometry.elementGroups[group.index];
@@ -208,6 +214,7 @@ private:
         return entries;
     }
 
+    /// The times come from the states, so that an animation runs in the time of the simulation.
     void writeSeriesIndex() const
     {
         std::vector<VtkSeriesEntry> entries;

@@ -6,15 +6,22 @@
 #include <tbb/global_control.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include <unistd.h>
 
+namespace {
+
+// By the number of -v on the command line.
+constexpr std::array<std::int32_t, 3> SHOWN_LEVELS = {LOG_ERROR, LOG_INFO, LOG_DEBUG};
+
+} // namespace
+
 void HostContext::applyOptions()
 {
-    static constexpr std::int32_t LEVELS[] = {LOG_ERROR, LOG_INFO, LOG_DEBUG};
     const int verbosity = options.quiet ? 0 : std::min(options.verbosity, 2);
-    HostLog::get().setShownLevel(LEVELS[verbosity]);
+    HostLog::get().setShownLevel(SHOWN_LEVELS[static_cast<std::size_t>(verbosity)]);
     if (options.threads > 0) {
         // The library's loops run on the TBB of the process, so the limit holds for them too.
         m_threadLimit = std::make_shared<tbb::global_control>(tbb::global_control::max_allowed_parallelism,

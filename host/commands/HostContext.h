@@ -20,12 +20,12 @@ class App;
 /// Options that stand for every command.
 struct GlobalOptions
 {
-    std::string plugin;
-    std::vector<std::string> settings;
-    bool json = false;
-    bool quiet = false;
-    int verbosity = 0;
-    int threads = 0; ///< 0 leaves the number to the machine
+    std::string plugin;                ///< path of the library; empty looks for it
+    std::vector<std::string> settings; ///< as KEY=VALUE, not checked before the library is known
+    bool json = false;                 ///< one document on stdout instead of text
+    bool quiet = false;                ///< wins over -v
+    int verbosity = 0;                 ///< how many times -v was given
+    int threads = 0;                   ///< 0 leaves the number to the machine
     ColorMode color = ColorMode::Auto;
     bool noProgress = false;
 };
@@ -39,6 +39,7 @@ public:
     HostContext(const HostContext&) = delete;
     HostContext& operator=(const HostContext&) = delete;
 
+    /// What the command line said; complete before the command runs.
     GlobalOptions options;
 
     /// The work of the command that the command line names; set while that is parsed, run behind it.
@@ -53,6 +54,7 @@ public:
     /// A new session on the case with the user's settings; the context must outlive it.
     std::unique_ptr<CaseSession> open(const std::string& casePath);
 
+    /// How text on stdout is to look.
     TextStyle style() const { return TextStyle(options.color); }
 
     /// True if a progress bar is wanted and stderr can show it.

@@ -18,6 +18,7 @@ struct InfoOptions
     bool counts = false;
 };
 
+/// The number has a gap where the interface has a kind that no provider here uses.
 const char* kindName(std::int32_t kind)
 {
     switch (kind) {
@@ -39,6 +40,7 @@ const char* mappingName(std::int32_t mapping)
     return mapping == MAPPING_NODE ? "node" : "element";
 }
 
+/// Descriptions end in a line feed or not, as the provider likes.
 std::string trimmed(const std::string& text)
 {
     return text.substr(0, text.find_last_not_of(" \n") + 1);
@@ -47,6 +49,7 @@ std::string trimmed(const std::string& text)
 /// The counts of each group that has an element group, by group id; empty unless they were asked for.
 using CountsById = std::map<std::int32_t, GroupCounts>;
 
+/// Counts by group id, because the tree is walked by declared groups and not in the order of the geometry.
 CountsById countAll(const HostMetaData& metaData, const HostGeometry& geometry)
 {
     CountsById counts;
@@ -59,6 +62,7 @@ CountsById countAll(const HostMetaData& metaData, const HostGeometry& geometry)
     return counts;
 }
 
+/// The groups of one kind in order of declaration; without a parent, those of all parents.
 std::vector<const HostGroup*> groupsOf(const HostMetaData& metaData, HostGroupKind kind, const HostGroup* parent)
 {
     std::vector<const HostGroup*> result;
@@ -72,6 +76,7 @@ std::vector<const HostGroup*> groupsOf(const HostMetaData& metaData, HostGroupKi
 
 // The document.
 
+/// Keys that do not apply are left out rather than null: a cell zone has no nodes to count.
 Json groupDocument(const HostGroup& group, const CountsById& counts)
 {
     Json document = {{"id", group.id}, {"name", group.name}};
@@ -97,6 +102,7 @@ Json groupList(const std::vector<const HostGroup*>& groups, const CountsById& co
     return list;
 }
 
+/// The three lists are always there, if need be empty, so that a reader can walk them without asking.
 Json partDocument(const HostMetaData& metaData, const HostGroup& part, const CountsById& counts)
 {
     Json document = groupDocument(part, counts);
@@ -106,6 +112,7 @@ Json partDocument(const HostMetaData& metaData, const HostGroup& part, const Cou
     return document;
 }
 
+/// Names instead of the interface's numbers, which mean nothing outside of it.
 Json resultDocument(const HostMetaData& metaData, const HostResultInfo& result)
 {
     const HostResultInfo* const source = metaData.sourceOfAverage(result);
@@ -144,6 +151,7 @@ Json infoDocument(HostContext& context, const HostMetaData& metaData, const Coun
 
 // The tree.
 
+/// All counts on one line; types that do not occur take no room.
 std::string countsText(const GroupCounts& counts)
 {
     std::string text = fmt::format("{} nodes", counts.nodes);
@@ -159,6 +167,7 @@ std::string boxText(const GroupCounts& counts)
                        counts.upper[0], counts.upper[1], counts.upper[2]);
 }
 
+/// A titled table of groups, or nothing at all when there are none.
 std::string groupSection(const std::string& title, const std::vector<const HostGroup*>& groups,
                          const CountsById& counts, std::size_t indent)
 {
@@ -174,6 +183,7 @@ std::string groupSection(const std::string& title, const std::vector<const HostG
     return std::string(indent, ' ') + title + "\n" + table.text(indent + 2);
 }
 
+/// One part with what hangs under it, indented as a tree.
 std::string partSection(const HostMetaData& metaData, const HostGroup& part, const CountsById& counts,
                         const TextStyle& style)
 {
@@ -187,6 +197,7 @@ std::string partSection(const HostMetaData& metaData, const HostGroup& part, con
     return text;
 }
 
+/// States in the order of the provider, which need not be that of their ids.
 std::string stateSection(const HostMetaData& metaData)
 {
     TextTable table({TextTable::Align::Right, TextTable::Align::Left, TextTable::Align::Left});
@@ -196,6 +207,7 @@ std::string stateSection(const HostMetaData& metaData)
     return table.text(2);
 }
 
+/// One line a result; a unit that is missing shows as a dash to keep the columns readable.
 std::string resultSection(const HostMetaData& metaData)
 {
     TextTable table(std::vector(7, TextTable::Align::Left));

@@ -6,6 +6,9 @@
 
 namespace {
 
+// The system gives memory in this unit, whatever it calls it.
+constexpr std::uint64_t KILOBYTE = 1024;
+
 /// The number behind a key in one of the system's files about this process.
 std::uint64_t figureOf(const char* file, const std::string& key)
 {
@@ -41,6 +44,5 @@ ProcessMeter::ProcessMeter() : m_bytesBefore(0)
 ProcessCost ProcessMeter::stop() const
 {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_start;
-    constexpr std::uint64_t KILOBYTE = 1024;
     return {elapsed.count(), bytesRead() - m_bytesBefore, figureOf("/proc/self/status", "VmHWM:") * KILOBYTE};
 }

@@ -7,7 +7,7 @@
 /// What one piece of work cost this process.
 struct ProcessCost
 {
-    double seconds = 0;
+    double seconds = 0;           ///< by the clock on the wall, not of the processor
     std::uint64_t bytesRead = 0;  ///< by read calls, whether from disk or from the system's cache
     std::uint64_t peakMemory = 0; ///< highest resident size while it ran, in bytes
 };
@@ -21,6 +21,7 @@ class ProcessMeter
 public:
     ProcessMeter();
 
+    /// The cost since construction; may be asked for more than once.
     ProcessCost stop() const;
 
 private:

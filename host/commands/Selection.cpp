@@ -21,6 +21,7 @@ bool readWhole(const std::string& text, Number* value)
     return error == std::errc() && end == text.data() + text.size();
 }
 
+/// Compiles a pattern of the command line; a mistake in it is the user's, so it names the option.
 std::regex compiled(const std::string& pattern, const char* option)
 {
     try {
@@ -30,6 +31,7 @@ std::regex compiled(const std::string& pattern, const char* option)
     }
 }
 
+/// The state closest to a time, or null if even that is another one.
 const HostState* stateNearest(const HostMetaData& metaData, double time)
 {
     const HostState* nearest = nullptr;
@@ -44,6 +46,7 @@ const HostState* stateNearest(const HostMetaData& metaData, double time)
     return near ? nearest : nullptr;
 }
 
+/// Reads "#ID" or a time. Numbers are read without any locale and must take up the whole text.
 const HostState* stateNamed(const HostMetaData& metaData, const std::string& text)
 {
     std::int32_t id = 0;

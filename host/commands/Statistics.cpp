@@ -6,6 +6,7 @@
 
 namespace {
 
+/// One pass over every `dimension`-th value.
 ComponentStatistics statisticsOfComponent(const HostValueGroup& group, std::size_t component)
 {
     ComponentStatistics result;
@@ -43,6 +44,7 @@ ComponentStatistics statisticsOfComponent(const HostValueGroup& group, std::size
 std::vector<ComponentStatistics> statisticsOf(const HostValueGroup& group)
 {
     std::vector<ComponentStatistics> result;
+    result.reserve(static_cast<std::size_t>(group.dimension));
     for (int component = 0; component < group.dimension; ++component) {
         result.push_back(statisticsOfComponent(group, static_cast<std::size_t>(component)));
     }

@@ -12,7 +12,7 @@
 /// mean are of the latter; with none of them they are NaN.
 struct ComponentStatistics
 {
-    std::size_t items = 0;
+    std::size_t items = 0;     ///< all of them, whatever their values
     std::size_t undefined = 0; ///< the interface's mark for a missing value
     std::size_t notANumber = 0;
     std::size_t infinite = 0;

@@ -34,6 +34,8 @@ struct StatsRow
 const std::vector<std::string> COLUMN_NAMES = {"result", "time",     "group",     "component", "items",   "least",
                                                "mean",   "greatest", "undefined", "nan",       "infinite"};
 
+/// Holds one result at a time: a case may have many more values than memory. A result that a group or a state lacks
+/// makes no row.
 std::vector<StatsRow> collectRows(CaseSession& session, const StatsOptions& options)
 {
     const HostMetaData& metaData = session.metaData();
@@ -76,6 +78,7 @@ std::vector<std::string> cellsOf(const StatsRow& row)
             fmt::format("{}", figures.infinite)};
 }
 
+/// Quotes a field only where it has to be, and doubles the quotes in it, as spreadsheets expect.
 std::string csvField(const std::string& text)
 {
     if (text.find_first_of(",\"\r\n") == std::string::npos) {
@@ -106,6 +109,7 @@ std::string csvText(const std::vector<StatsRow>& rows)
     return text;
 }
 
+/// The head is faint, so that it is not taken for data.
 std::string tableText(const std::vector<StatsRow>& rows, const TextStyle& style)
 {
     using Align = TextTable::Align;

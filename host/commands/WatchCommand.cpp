@@ -25,6 +25,7 @@ struct WatchOptions
 class InterruptWait
 {
 public:
+    /// Blocks the signals for this thread and all that it makes from now on.
     InterruptWait()
     {
         sigemptyset(&m_signals);
@@ -52,6 +53,7 @@ private:
     sigset_t m_before = {};
 };
 
+/// The word for a notice, in text and document alike.
 const char* eventName(HostNotice::Kind kind)
 {
     switch (kind) {
@@ -65,6 +67,7 @@ const char* eventName(HostNotice::Kind kind)
     return "";
 }
 
+/// One line for one notice. As JSON each line is a document of its own, since the output has no end to close a list at.
 std::string noticeLine(const HostNotice& notice, bool json)
 {
     const bool removal = notice.kind == HostNotice::Kind::Remove;
@@ -84,6 +87,7 @@ std::string noticeLine(const HostNotice& notice, bool json)
     return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
+/// Waits before each poll: the metadata have just told the present state of the case.
 ExitCode runWatch(HostContext& context, const WatchOptions& options)
 {
     const InterruptWait interrupt;

@@ -23,6 +23,7 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
+    /// Appends bytes.
     void write(const void* bytes, std::size_t count);
     void write(std::string_view text) { write(text.data(), text.size()); }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "output/ProgressBar.h"
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace {
@@ -12,9 +12,10 @@ namespace {
 constexpr std::chrono::milliseconds REDRAW_INTERVAL(100);
 constexpr std::size_t BAR_WIDTH = 30;
 
+/// Minutes and seconds; hours stay minutes, which is enough for a bar.
 std::string timeText(double seconds)
 {
-    const auto whole = static_cast<std::int64_t>(seconds + 0.5);
+    const long whole = std::lround(seconds);
     return fmt::format("{}:{:02}", whole / 60, whole % 60);
 }
 

@@ -19,6 +19,7 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
+    /// Counts so much as done.
     void advance(std::uint64_t amount = 1);
 
 private:

@@ -10,6 +10,7 @@
 
 namespace {
 
+/// Looks at stdout alone: stderr carries no coloured text.
 bool wantsColor(ColorMode mode)
 {
     if (mode != ColorMode::Auto) {

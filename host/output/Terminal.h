@@ -15,9 +15,12 @@ enum class ColorMode
 class TextStyle
 {
 public:
+    /// Looks at terminal and environment once, here.
     explicit TextStyle(ColorMode mode);
 
+    /// Text that heads something.
     std::string strong(const std::string& text) const { return wrapped("1", text); }
+    /// Text that is only there to guide the eye.
     std::string faint(const std::string& text) const { return wrapped("2", text); }
 
 private:

@@ -11,17 +11,20 @@
 class TextTable
 {
 public:
+    /// The side of a column on which its text stands.
     enum class Align
     {
         Left,
         Right
     };
 
+    /// A table with one entry a column, and no rows.
     explicit TextTable(std::vector<Align> columns) : m_columns(std::move(columns)) {}
 
     /// Adds a row; it may be shorter than the columns.
     void add(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
 
+    /// True if there is no row yet.
     bool empty() const { return m_rows.empty(); }
 
     /// All rows, each behind `indent` blanks and without blanks at its end.

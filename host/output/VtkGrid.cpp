@@ -18,6 +18,10 @@ constexpr std::uint8_t VTK_TYPE_WEDGE = 13;
 constexpr std::uint8_t VTK_TYPE_PYRAMID = 14;
 constexpr std::uint8_t VTK_TYPE_POLYHEDRON = 42;
 
+// The one shape whose order differs: both triangles of a wedge run the other way round.
+constexpr std::array<std::size_t, 6> WEDGE_ORDER = {0, 2, 1, 3, 5, 4};
+
+/// The VTK type of a host element; a general one is a polygon or a polyhedron by the group that it is in.
 std::uint8_t vtkType(std::int32_t type, bool surface)
 {
     switch (type) {
@@ -46,6 +50,7 @@ public:
         : m_elements(elements), m_surface(surface), m_grid(*grid)
     {}
 
+    /// A grid without polyhedra has no face offsets at all: the file leaves both arrays out then.
     void build()
     {
         m_grid.connectivity.reserve(m_elements.connectivity.size());
@@ -60,6 +65,7 @@ public:
     }
 
 private:
+    /// Moves all four positions on, so that each element finds its own entries in the tables.
     void append(std::int32_t type)
     {
         const bool general = type == DDP_POLY;
@@ -78,15 +84,16 @@ private:
         m_node += count;
     }
 
+    /// Copies the nodes of one element in the order of VTK.
     void appendNodes(std::int32_t type, std::size_t count)
     {
-        static constexpr std::array<std::size_t, 6> WEDGE_ORDER = {0, 2, 1, 3, 5, 4};
         for (std::size_t k = 0; k < count; ++k) {
             const std::size_t source = type == DDP_PENTAHEDRON ? WEDGE_ORDER[k] : k;
             m_grid.connectivity.push_back(m_elements.connectivity[m_node + source]);
         }
     }
 
+    /// The faces of one polyhedron keep their order and their sense, which is outward on both sides of the border.
     void appendFaces()
     {
         const HostPolyhedra& tables = m_elements.polyhedra;

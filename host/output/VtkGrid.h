@@ -11,7 +11,7 @@
 struct VtkArray
 {
     std::string name;
-    int components;
+    int components;             ///< values of one item
     std::vector<double> values; ///< `components` values an item; a value that is not known is a quiet NaN
 };
 
@@ -22,15 +22,16 @@ struct VtkArray
 struct VtkGrid
 {
     const std::vector<double>* points = nullptr; ///< x, y, z of each point; borrowed
-    std::vector<std::int64_t> connectivity;
-    std::vector<std::int64_t> offsets; ///< behind the last node of each cell
-    std::vector<std::uint8_t> types;   ///< VTK cell types
-    std::vector<std::int64_t> faces;   ///< for each polyhedron: its number of faces, then for each its count and nodes
+    std::vector<std::int64_t> connectivity;      ///< nodes of all cells, cell after cell
+    std::vector<std::int64_t> offsets;           ///< behind the last node of each cell
+    std::vector<std::uint8_t> types;             ///< VTK cell types
+    std::vector<std::int64_t> faces; ///< for each polyhedron: its number of faces, then for each its count and nodes
     std::vector<std::int64_t> faceOffsets; ///< behind the entry of each cell in `faces`, -1 for cells that have none
     std::vector<std::int32_t> partIds;     ///< one a cell
-    std::vector<VtkArray> cellData;
-    std::vector<VtkArray> pointData;
+    std::vector<VtkArray> cellData;        ///< beside the part ids
+    std::vector<VtkArray> pointData;       ///< beside the points
 
+    /// True if the face arrays belong into the file.
     bool hasPolyhedra() const { return !faces.empty(); }
 };
 

@@ -15,6 +15,7 @@ namespace {
 // The arrays are written as they lie in memory, and the files say so.
 constexpr const char* BYTE_ORDER_NAME = std::endian::native == std::endian::little ? "LittleEndian" : "BigEndian";
 
+/// Makes a name safe for an attribute: names of groups and results come from files and may hold anything.
 std::string escaped(std::string_view text)
 {
     std::string result;
@@ -40,6 +41,7 @@ std::string escaped(std::string_view text)
     return result;
 }
 
+/// The head of every file; 64-bit block sizes, because arrays of large meshes pass 4 GB.
 std::string fileOpening(const char* type)
 {
     return fmt::format("<?xml version=\"1.0\"?>\n<VTKFile type=\"{}\" version=\"1.0\" byte_order=\"{}\" "
@@ -58,8 +60,10 @@ public:
         m_xml += fmt::format("<{}>\n", type);
     }
 
+    /// Markup between the arrays.
     void text(std::string_view xml) { m_xml += xml; }
 
+    /// Declares an array at the present place and takes its bytes in line for the appended section.
     template <typename Value>
     void array(std::string_view name, const char* vtkType, int components, const std::vector<Value>& values)
     {
@@ -70,6 +74,7 @@ public:
         m_offset += sizeof(std::uint64_t) + m_blocks.back().byteCount;
     }
 
+    /// Writes markup and arrays one after the other; the arrays go out from where they lie, without a copy.
     void writeTo(OutputFile* file)
     {
         m_xml += fmt::format("</{}>\n<AppendedData encoding=\"raw\">\n_", m_type);
@@ -95,6 +100,7 @@ private:
     std::uint64_t m_offset = 0;
 };
 
+/// The head of a piece, the same for solids and surfaces. Readers want it in this order.
 void addDataArrays(AppendedDocument* document, const VtkGrid& grid)
 {
     document->text("<PointData>\n");
@@ -111,12 +117,14 @@ void addDataArrays(AppendedDocument* document, const VtkGrid& grid)
     document->text("</Points>\n");
 }
 
+/// Nodes of all cells and the end of each cell in them.
 void addConnectivity(AppendedDocument* document, const VtkGrid& grid)
 {
     document->array("connectivity", "Int64", 1, grid.connectivity);
     document->array("offsets", "Int64", 1, grid.offsets);
 }
 
+/// Entries are numbered anew in each block, as readers expect.
 void appendIndexEntries(const std::vector<VtkIndexEntry>& entries, std::string* xml)
 {
     for (std::size_t i = 0; i < entries.size(); ++i) {

@@ -20,21 +20,28 @@ struct BoxLattice
     // A power of two: coordinates are exact in binary, and in six decimal digits for up to 799 cells in a row.
     static constexpr double SPACING = 0.125;
 
+    /// The nodes of one side of a cube.
     using Side = std::array<std::int32_t, 4>;
+
+    /// The corners of each side.
+    static constexpr std::array<std::array<std::size_t, 4>, 6> SIDES = {
+        {{0, 4, 7, 3}, {1, 2, 6, 5}, {0, 1, 5, 4}, {3, 7, 6, 2}, {0, 3, 2, 1}, {4, 5, 6, 7}}};
 
     std::array<int, 3> counts = {}; ///< cells in x, y and z
 
+    /// All cubes of the block.
     int cellCount() const { return counts[0] * counts[1] * counts[2]; }
+    /// The label of the cube in column i, row j and layer k.
     int cell(int i, int j, int k) const { return (k * counts[1] + j) * counts[0] + i; }
+    /// The label of the lowest corner of that cube.
     int node(int i, int j, int k) const { return (k * (counts[1] + 1) + j) * (counts[0] + 1) + i; }
 
+    /// The corner opposite the origin.
     std::array<double, 3> size() const { return {SPACING * counts[0], SPACING * counts[1], SPACING * counts[2]}; }
 
     /// The nodes of one side of the cube in column i, row j and layer k.
     Side side(int i, int j, int k, std::size_t number) const
     {
-        static constexpr std::array<std::array<std::size_t, 4>, 6> SIDES = {
-            {{0, 4, 7, 3}, {1, 2, 6, 5}, {0, 1, 5, 4}, {3, 7, 6, 2}, {0, 3, 2, 1}, {4, 5, 6, 7}}};
         const std::array<std::int32_t, 8> corner = {
             node(i, j, k),     node(i + 1, j, k),     node(i + 1, j + 1, k),     node(i, j + 1, k),
             node(i, j, k + 1), node(i + 1, j, k + 1), node(i + 1, j + 1, k + 1), node(i, j + 1, k + 1)};

@@ -21,6 +21,7 @@ struct FieldForm
     std::function<SamplePoint(const SamplePoint&)> valueAt; ///< a scalar is the first component
 };
 
+/// The values of a field at some places, component by component and place by place.
 std::vector<double> valuesAt(const FieldForm& form, std::span<const SamplePoint> places)
 {
     std::vector<double> values;
@@ -32,6 +33,7 @@ std::vector<double> valuesAt(const FieldForm& form, std::span<const SamplePoint>
     return values;
 }
 
+/// The values of a field at all points of a mesh, in order of their labels.
 std::vector<double> valuesAtPoints(const FieldForm& form, const SampleMesh& mesh)
 {
     std::vector<SamplePoint> places;
@@ -42,7 +44,10 @@ std::vector<double> valuesAtPoints(const FieldForm& form, const SampleMesh& mesh
     return valuesAt(form, places);
 }
 
-/// One field file from top to bottom.
+/// One field file, written from top to bottom: the caller keeps to the order of the members.
+///
+/// The layout, blanks at line ends among it, is that of OpenFOAM's own writer: readers that look for a "(" or a ";" on
+/// a line depend on what else stands there.
 class FieldFile
 {
 public:
@@ -60,6 +65,7 @@ public:
         m_file.text("\nboundaryField\n{\n");
     }
 
+    /// Opens the entry of one patch; every entry has a type, and it comes first.
     void beginPatch(const SamplePatch& patch, std::string_view type)
     {
         m_file.text(fmt::format("    {}\n    {{\n        {:<16}{};\n", patch.name, "type", type));
@@ -72,6 +78,7 @@ public:
 
     void listEntry(std::string_view key, std::span<const double> values)
     {
+        // A list of nothing has no type that could be named, so it is written without one.
         if (values.empty()) {
             entry(key, "nonuniform 0()");
             return;
@@ -89,6 +96,7 @@ public:
     }
 
 private:
+    /// The list with the ";" that ends its entry: behind raw bytes on the same line, behind text on its own.
     void list(std::span<const double> values)
     {
         m_file.valueList(values, m_form.dimension);
@@ -99,64 +107,60 @@ private:
     FoamOutput m_file;
 };
 
-/// Patch types that prescribe the type of every field's entry.
+/// True for patches whose type has to be the type of every field's entry, too.
 bool constrains(const SamplePatch& patch)
 {
     return patch.type == "symmetryPlane" || patch.type == "processor";
 }
 
-// The n-th patch of a box gets the n-th form, so all of them occur; the third is a symmetry plane.
-enum class EntryForm
+/// What a cell field says of one patch.
+struct PatchForm
 {
-    FixedList,
-    CellValue,
-    Slip,
-    Mixed,
-    FixedUniform,
-    Calculated
+    std::string_view type;
+    std::vector<std::pair<std::string_view, std::string_view>> entries = {};
+    bool listsValues = false; ///< a list of the values at the faces stands at the end
 };
 
-void writeCellPatch(FieldFile* file, const FieldForm& form, const SamplePatch& patch, EntryForm entryForm,
-                    std::span<const double> values)
+/// The n-th patch of a box gets the n-th form, so that all of them occur; the third is a symmetry plane in a box.
+PatchForm patchForm(const FieldForm& form, const SamplePatch& patch, std::size_t number)
 {
-    const std::string_view uniform = form.dimension == 1 ? "uniform 300" : "uniform (0 0 0)";
+    const bool scalar = form.dimension == 1;
+    const std::string_view fixed = scalar ? "uniform 300" : "uniform (0 0 0)";
+    const std::string_view zero = scalar ? "uniform 0" : "uniform (0 0 0)";
     if (constrains(patch)) {
-        file->beginPatch(patch, patch.type);
-        if (patch.type == "processor") {
-            file->listEntry("value", values);
-        }
-        return file->endPatch();
+        return {patch.type, {}, patch.type == "processor"};
     }
-    switch (entryForm) {
-    case EntryForm::FixedList:
-        file->beginPatch(patch, "fixedValue");
+    switch (number % 6) {
+    case 0:
+        return {"fixedValue", {}, true};
+    case 1:
+        return {"zeroGradient"};
+    case 2:
+        return {"slip"};
+    case 3:
+        return {"mixed",
+                {{"refValue", fixed}, {"refGradient", zero}, {"valueFraction", "uniform 0.25"}, {"value", fixed}}};
+    case 4:
+        return {"fixedValue", {{"value", fixed}}};
+    default:
+        return {"calculated", {}, true};
+    }
+}
+
+/// Writes one entry; `values` are those at the centres of the faces.
+void writeCellPatch(FieldFile* file, const SamplePatch& patch, const PatchForm& form, std::span<const double> values)
+{
+    file->beginPatch(patch, form.type);
+    for (const auto& [key, value] : form.entries) {
+        file->entry(key, value);
+    }
+    if (form.listsValues) {
         file->listEntry("value", values);
-        break;
-    case EntryForm::CellValue:
-        file->beginPatch(patch, "zeroGradient");
-        break;
-    case EntryForm::Slip:
-        file->beginPatch(patch, "slip");
-        break;
-    case EntryForm::Mixed:
-        file->beginPatch(patch, "mixed");
-        file->entry("refValue", uniform);
-        file->entry("refGradient", form.dimension == 1 ? "uniform 0" : "uniform (0 0 0)");
-        file->entry("valueFraction", "uniform 0.25");
-        file->listEntry("value", values);
-        break;
-    case EntryForm::FixedUniform:
-        file->beginPatch(patch, "fixedValue");
-        file->entry("value", uniform);
-        break;
-    case EntryForm::Calculated:
-        file->beginPatch(patch, "calculated");
-        file->listEntry("value", values);
-        break;
     }
     file->endPatch();
 }
 
+/// Values at cell centres inside and at face centres on the patches.
 void writeCellField(const FoamPlace& place, const FieldForm& form, const SampleMesh& mesh,
                     const SampleMeasures& measures, const FoamFormat& format)
 {
@@ -167,11 +171,12 @@ void writeCellField(const FoamPlace& place, const FieldForm& form, const SampleM
         const auto places =
             std::span(measures.faceCentres)
                 .subspan(static_cast<std::size_t>(patch.startFace), static_cast<std::size_t>(patch.faceCount));
-        writeCellPatch(&file, form, patch, static_cast<EntryForm>(number % 6), valuesAt(form, places));
+        writeCellPatch(&file, patch, patchForm(form, patch, number), valuesAt(form, places));
     }
     file.end();
 }
 
+/// Patches of a point field carry no values here: the points of a patch take theirs from the inner field.
 void writePointField(const FoamPlace& place, const FieldForm& form, const SampleMesh& mesh, const FoamFormat& format)
 {
     FieldFile file(place, form, format);

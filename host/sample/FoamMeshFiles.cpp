@@ -8,6 +8,7 @@ namespace {
 // Lists up to this length stand on the line of their key, as OpenFOAM writes them.
 constexpr std::size_t SHORT_LIST = 10;
 
+/// The note carries the counts of the mesh: readers take the number of cells from there alone.
 void writeLabelFile(const FoamPlace& place, const std::string& object, const std::vector<std::int32_t>& labels,
                     const std::string& note, const FoamFormat& format)
 {
@@ -18,6 +19,7 @@ void writeLabelFile(const FoamPlace& place, const std::string& object, const std
     file.footer();
 }
 
+/// The two forms are different classes, not one class in two formats.
 void writeFaces(const FoamPlace& place, const SampleMesh& mesh, const FoamFormat& format)
 {
     FoamOutput file(place.file("faces"), format);
@@ -27,6 +29,7 @@ void writeFaces(const FoamPlace& place, const SampleMesh& mesh, const FoamFormat
     file.footer();
 }
 
+/// A dictionary, so it is plain text beside binary lists too.
 void writeBoundary(const FoamPlace& place, const std::vector<SamplePatch>& patches)
 {
     FoamOutput file(place.file("boundary"));
@@ -57,6 +60,7 @@ void writeZoneLabels(FoamOutput* file, const std::string& key, const std::vector
     file->text("\n;\n");
 }
 
+/// One value for all faces has a short form of its own.
 void writeFlips(FoamOutput* file, const SampleFaceZone& zone)
 {
     if (zone.flips.size() == 1) {

@@ -13,15 +13,15 @@
 struct SampleCellZone
 {
     std::string name;
-    std::vector<std::int32_t> cells;
+    std::vector<std::int32_t> cells; ///< labels, ascending
 };
 
 /// A named set of faces; `flips` has one entry a face, or one entry that holds for all.
 struct SampleFaceZone
 {
     std::string name;
-    std::vector<std::int32_t> faces;
-    std::vector<bool> flips;
+    std::vector<std::int32_t> faces; ///< labels, in any order
+    std::vector<bool> flips;         ///< true where the zone looks against the face's normal
 };
 
 /// The head of every dictionary and list tells where its file lies; this is the case's folder and the place below it.
@@ -30,6 +30,7 @@ struct FoamPlace
     std::filesystem::path caseFolder;
     std::string location; ///< as in "constant/polyMesh"
 
+    /// The path of a file at this place.
     std::filesystem::path file(const std::string& name) const { return caseFolder / location / name; }
 };
 

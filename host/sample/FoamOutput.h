@@ -22,10 +22,10 @@ struct FoamFormat
 /// What the head of a file says.
 struct FoamHeader
 {
-    std::string_view className;
-    std::string_view location;
-    std::string_view object;
-    std::string_view note; ///< left out if empty
+    std::string_view className; ///< what the file holds, as in "vectorField"
+    std::string_view location;  ///< folder below the case; left out if empty
+    std::string_view object;    ///< name of the file without any extension
+    std::string_view note;      ///< left out if empty
 };
 
 /// Writes one file in the OpenFOAM format, fast: into a large buffer, numbers by `std::to_chars`.
@@ -44,12 +44,18 @@ public:
     FoamOutput(const FoamOutput&) = delete;
     FoamOutput& operator=(const FoamOutput&) = delete;
 
+    /// True if lists go out as raw bytes.
     bool binary() const { return m_format.binary; }
 
+    /// Appends characters as they are.
     void text(std::string_view characters) { bytes(characters.data(), characters.size()); }
+    /// Appends bytes as they are.
     void bytes(const void* data, std::size_t count);
+    /// Appends an integer in decimal digits, whatever the format is.
     void label(std::int64_t value);
+    /// Appends a number in six digits, whatever the format is.
     void scalar(double value);
+    /// Appends three numbers in brackets.
     void vector(std::span<const double, 3> value);
 
     /// The banner, the `FoamFile` block and the line below it.
@@ -69,6 +75,7 @@ public:
 private:
     class Sink;
 
+    /// A place for so many bytes in the buffer, which is written out before if they do not fit.
     char* room(std::size_t count);
     void flush();
 

@@ -17,6 +17,9 @@ enum class Slab
     Tetrahedra
 };
 
+constexpr std::array<Slab, MIXED_SLABS> SLABS = {Slab::Prisms, Slab::Pyramids, Slab::Hexahedra, Slab::Hexahedra,
+                                                 Slab::Tetrahedra};
+
 using Triangle = std::array<std::int32_t, 3>;
 using Quad = BoxLattice::Side;
 
@@ -46,7 +49,7 @@ public:
     }
 
 private:
-    Slab slabOf(int i) const { return static_cast<Slab>(4 * i / m_lattice.counts[0]); }
+    Slab slabOf(int i) const { return SLABS[static_cast<std::size_t>(MIXED_SLABS * i / m_lattice.counts[0])]; }
 
     void addCube(int i, int j, int k)
     {
@@ -61,6 +64,7 @@ private:
         }
     }
 
+    /// True if a side is cut into triangles; both cells at the side have to come to the same answer.
     bool isSplit(int i, std::size_t side) const
     {
         const bool nextToTetrahedra =
@@ -88,6 +92,7 @@ private:
         m_builder.addFace(cut);
     }
 
+    /// A cube, with more than six faces if a neighbour wants triangles.
     void addHexahedron(int i, int j, int k)
     {
         m_builder.beginCell();
@@ -105,8 +110,8 @@ private:
     /// Cuts a cube into cells that stand on its sides and meet in its middle.
     void addStar(int i, int j, int k)
     {
-        constexpr double H = BoxLattice::SPACING;
-        const int middle = m_builder.addPoint({H * (i + 0.5), H * (j + 0.5), H * (k + 0.5)});
+        const int middle = m_builder.addPoint(
+            {BoxLattice::SPACING * (i + 0.5), BoxLattice::SPACING * (j + 0.5), BoxLattice::SPACING * (k + 0.5)});
         for (std::size_t number = 0; number < 6; ++number) {
             const Quad side = m_lattice.side(i, j, k, number);
             if (isSplit(i, number)) {
@@ -118,6 +123,7 @@ private:
         }
     }
 
+    /// A pyramid or a tetrahedron: a base, and a triangle from each of its edges to the apex.
     void addCone(std::span<const std::int32_t> base, std::int32_t apex)
     {
         m_builder.beginCell();

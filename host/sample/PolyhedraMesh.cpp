@@ -22,6 +22,7 @@ int dot(const Place& a, const Place& b)
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
+/// The 24 places whose coordinates are 0, 1 and 2 in some order and with any signs.
 std::vector<Place> octahedronVertices()
 {
     std::vector<Place> vertices;
@@ -142,10 +143,11 @@ public:
 private:
     std::size_t gridSize() const
     {
-        const auto perEdge = static_cast<std::size_t>(m_end + 1);
+        const auto perEdge = static_cast<std::size_t>(m_end) + 1;
         return perEdge * perEdge * perEdge;
     }
 
+    /// One layer of cells with their centres in a plane: corners of the lattice, or its middles.
     void addLayer(int count, int z, int shift)
     {
         for (int j = 0; j < count; ++j) {
@@ -155,6 +157,7 @@ private:
         }
     }
 
+    /// A cell in the boundary gets its section there as a further face; the other faces are cut off.
     void addCell(const Place& centre)
     {
         m_builder.beginCell();
@@ -168,6 +171,7 @@ private:
         }
     }
 
+    /// Moves a face to its cell, cuts it off at the box and hands it over with the labels of its corners.
     void addFace(const Polygon& shape, const Place& centre)
     {
         Polygon polygon = shape;
@@ -191,9 +195,10 @@ private:
         m_builder.addFace(nodes);
     }
 
+    /// Cells meet at places that are exact integers, so a table finds points again without any tolerance.
     std::int32_t labelOf(const Place& place)
     {
-        const auto perEdge = static_cast<std::size_t>(m_end + 1);
+        const auto perEdge = static_cast<std::size_t>(m_end) + 1;
         const std::size_t slot =
             (static_cast<std::size_t>(place[2]) * perEdge + static_cast<std::size_t>(place[1])) * perEdge +
             static_cast<std::size_t>(place[0]);

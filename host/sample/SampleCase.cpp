@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 
@@ -24,13 +25,13 @@ namespace fs = std::filesystem;
 constexpr int PROCESSORS = 4;
 constexpr int WRITE_INTERVAL = 10;
 constexpr double TIME_STEP = 0.05;
+constexpr std::array<const char*, 2> REGION_NAMES = {"left", "right"};
 
-/// The lattice of a mixed mesh of about so many cells: its four slabs make 2, 6, 1 and 12 cells of a cube.
+/// The lattice of a mixed mesh of about so many cells.
 BoxLattice mixedLattice(int cells)
 {
-    constexpr double CELLS_PER_CUBE = (2 + 6 + 1 + 12) / 4.0;
-    BoxLattice lattice = latticeOfAbout(static_cast<int>(cells / CELLS_PER_CUBE));
-    lattice.counts[0] = std::max(4, (lattice.counts[0] + 2) / 4 * 4);
+    BoxLattice lattice = latticeOfAbout(static_cast<int>(cells / MIXED_CELLS_PER_CUBE));
+    lattice.counts[0] = std::max(MIXED_SLABS, (lattice.counts[0] + MIXED_SLABS / 2) / MIXED_SLABS * MIXED_SLABS);
     return lattice;
 }
 
@@ -56,6 +57,7 @@ public:
         }
     }
 
+    /// The token file comes last: a case that has one is complete.
     SampleReport write()
     {
         prepareFolder();
@@ -73,8 +75,10 @@ public:
 
 private:
     FoamPlace at(const std::string& location) const { return {m_folder, location}; }
+    /// As short as it can be without loss, which is how OpenFOAM names its time folders.
     static std::string nameOf(double time) { return fmt::format("{}", time); }
 
+    /// A folder in use may be a case of someone who spent days on it.
     void prepareFolder() const
     {
         std::error_code error;
@@ -100,6 +104,7 @@ private:
         }
     }
 
+    /// The mesh and its fields as every case but a decomposed one has them.
     void writeWholeMesh() const
     {
         writeMeshFiles(at("constant/polyMesh"), m_mesh, m_options.format);
@@ -110,6 +115,7 @@ private:
         writeTimeDicts();
     }
 
+    /// What makes the kinds differ, beside the shape of their cells.
     void writeExtras() const
     {
         switch (m_options.kind) {
@@ -168,12 +174,12 @@ private:
         }
     }
 
+    /// The whole mesh stays beside its regions, as after a split of it, and its zones mark the same cells.
     void writeRegions() const
     {
-        static constexpr std::array<const char*, 2> NAMES = {"left", "right"};
         const auto interfacePatch = [](int mine, int other) {
-            const std::string here = NAMES[static_cast<std::size_t>(mine)];
-            const std::string there = NAMES[static_cast<std::size_t>(other)];
+            const std::string here = REGION_NAMES[static_cast<std::size_t>(mine)];
+            const std::string there = REGION_NAMES[static_cast<std::size_t>(other)];
             return SamplePatch{
                 here + "_to_" + there,
                 "mappedWall",
@@ -182,7 +188,7 @@ private:
         };
         std::vector<SampleCellZone> zones;
         forEachSlab(2, interfacePatch, [&](int domain, const SubMesh& piece) {
-            const std::string name = NAMES[static_cast<std::size_t>(domain)];
+            const std::string name = REGION_NAMES[static_cast<std::size_t>(domain)];
             zones.push_back({name, std::vector<std::int32_t>(piece.cells.begin(), piece.cells.end())});
             writeMeshFiles(at("constant/" + name + "/polyMesh"), piece.mesh, m_options.format);
             writePieceFields(piece.mesh, name);
@@ -190,6 +196,7 @@ private:
         writeCellZones(at("constant/polyMesh"), zones);
     }
 
+    /// Fields stand under the time folder and not under the processor's: there readers of whole cases look for them.
     void writeProcessors() const
     {
         const auto interfacePatch = [](int mine, int other) {
@@ -209,6 +216,7 @@ private:
         writeTimeDicts();
     }
 
+    /// The fields of one region or one processor, at all times.
     void writePieceFields(const SampleMesh& mesh, const std::string& name) const
     {
         const SampleMeasures measures = measure(mesh);
@@ -254,6 +262,7 @@ private:
         }
     }
 
+    /// The entries that every run has; readers take the write interval from here.
     void writeControlDict() const
     {
         FoamOutput file(m_folder / "system/controlDict");

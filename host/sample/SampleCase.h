@@ -24,19 +24,19 @@ enum class SampleKind
 struct SampleOptions
 {
     SampleKind kind = SampleKind::Hex;
-    int cells = 1000; ///< about so many
-    int states = 2;
-    FoamFormat format;
-    bool overwrite = false;
+    int cells = 1000;       ///< about so many
+    int states = 2;         ///< time folders, one or more
+    FoamFormat format;      ///< of mesh lists and fields; dictionaries are plain text
+    bool overwrite = false; ///< write into a folder that is not empty
 };
 
 /// What was written.
 struct SampleReport
 {
-    int cells = 0;
+    int cells = 0; ///< of the whole mesh, also if it was cut into pieces
     int points = 0;
     int faces = 0;
-    std::vector<std::string> times;
+    std::vector<std::string> times; ///< names of the time folders
 };
 
 /// Writes a whole case with the fields of `SampleFields.h`.

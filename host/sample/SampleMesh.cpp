@@ -28,6 +28,7 @@ SamplePoint cross(const SamplePoint& a, const SamplePoint& b)
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
+/// Faces need not be flat, as on a moved mesh; the fan of triangles about the mean is then what OpenFOAM means by area.
 void measureFace(const SampleMesh& mesh, int face, SamplePoint* area, SamplePoint* centre)
 {
     const std::span<const std::int32_t> nodes = mesh.nodesOfFace(face);
@@ -63,6 +64,7 @@ void forEachSide(const SampleMesh& mesh, Use use)
     }
 }
 
+/// Two passes over the faces, because the first one has to find a point inside each cell.
 void measureCells(const SampleMesh& mesh, SampleMeasures* measures)
 {
     const auto cellCount = static_cast<std::size_t>(mesh.cellCount);

@@ -9,14 +9,15 @@
 #include <utility>
 #include <vector>
 
+/// x, y and z.
 using SamplePoint = std::array<double, 3>;
 
 /// One boundary patch: a run of faces behind the internal ones.
 struct SamplePatch
 {
     std::string name;
-    std::string type;
-    std::string group = {};                                        ///< the group of patches it is in, if any
+    std::string type;       ///< as in "wall"; it decides about the entries of fields too
+    std::string group = {}; ///< the group of patches it is in, if any
     std::vector<std::pair<std::string, std::string>> entries = {}; ///< what else its dictionary says
     int faceCount = 0;
     int startFace = 0;
@@ -29,18 +30,22 @@ struct SamplePatch
 /// normal, which points from owner to neighbour or out of the mesh.
 struct SampleMesh
 {
-    std::vector<double> points; ///< x, y, z of each point
-    std::vector<std::int32_t> faceOffsets = {0};
-    std::vector<std::int32_t> faceNodes;
-    std::vector<std::int32_t> owners;     ///< one a face
-    std::vector<std::int32_t> neighbours; ///< one an internal face
+    std::vector<double> points;                  ///< x, y, z of each point
+    std::vector<std::int32_t> faceOffsets = {0}; ///< start of each face in `faceNodes`, and the end of the last
+    std::vector<std::int32_t> faceNodes;         ///< nodes of all faces, face after face
+    std::vector<std::int32_t> owners;            ///< one a face
+    std::vector<std::int32_t> neighbours;        ///< one an internal face
     std::vector<SamplePatch> patches;
     int cellCount = 0;
 
+    /// Points, internal or not.
     int pointCount() const { return static_cast<int>(points.size() / 3); }
+    /// All faces, internal ones and those of the patches.
     int faceCount() const { return static_cast<int>(owners.size()); }
+    /// Faces between two cells; they are the first ones.
     int internalFaceCount() const { return static_cast<int>(neighbours.size()); }
 
+    /// The nodes of a face; valid until a face is added.
     std::span<const std::int32_t> nodesOfFace(int face) const
     {
         const auto first = static_cast<std::size_t>(faceOffsets[static_cast<std::size_t>(face)]);
@@ -48,12 +53,14 @@ struct SampleMesh
         return std::span(faceNodes).subspan(first, last - first);
     }
 
+    /// A point by its label.
     SamplePoint point(int label) const
     {
         const std::size_t first = 3 * static_cast<std::size_t>(label);
         return {points[first], points[first + 1], points[first + 2]};
     }
 
+    /// Adds a point behind the last one.
     void addPoint(const SamplePoint& place) { points.insert(points.end(), place.begin(), place.end()); }
 
     /// Adds a face behind the last one; the caller keeps the order that the mesh promises.
@@ -74,10 +81,11 @@ std::vector<SamplePatch> boxPatches();
 /// centres, as OpenFOAM does; so a field that is linear in space has its cell average at the cell's centre.
 struct SampleMeasures
 {
-    std::vector<SamplePoint> faceAreas;
+    std::vector<SamplePoint> faceAreas; ///< area vectors, along the normals
     std::vector<SamplePoint> faceCentres;
     std::vector<double> cellVolumes;
     std::vector<SamplePoint> cellCentres;
 };
 
+/// Measures a mesh whose cells are all closed.
 SampleMeasures measure(const SampleMesh& mesh);

@@ -31,16 +31,19 @@ public:
     SampleMesh build(const std::array<double, 3>& size);
 
 private:
+    /// A face as one cell gives it.
     struct Side
     {
         std::int32_t cell;
         std::int32_t twin; ///< the same face as the other cell gives it, -1 on the boundary
     };
 
+    /// Pairs the sides that are the same face, seen from its two cells.
     void findTwins();
     void addInternalFaces(SampleMesh* mesh) const;
     void addPatches(const std::array<double, 3>& size, SampleMesh* mesh) const;
     std::span<const std::int32_t> nodesOf(std::size_t side) const;
+    /// The number of the patch whose plane a side lies in.
     std::size_t patchOf(std::size_t side, const std::array<double, 3>& size) const;
 
     SampleMesh m_mesh; ///< points and cell count only

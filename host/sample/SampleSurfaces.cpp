@@ -11,12 +11,16 @@
 
 namespace {
 
+// The patch that is sampled too: high x.
+constexpr std::size_t OUTLET = 1;
+
 /// A surface of triangles.
 struct TriangleSurface
 {
     std::vector<double> points;
     std::vector<std::int32_t> nodes; ///< three a triangle
 
+    /// Two triangles along the first diagonal, both in the sense of the quadrilateral.
     void addQuad(const std::array<std::int32_t, 4>& quad)
     {
         for (const std::size_t corner : std::array<std::size_t, 6>{0, 1, 2, 2, 3, 0}) {
@@ -25,6 +29,7 @@ struct TriangleSurface
     }
 };
 
+/// The plane has the nodes of the lattice's lowest layer, moved up, and so may use their numbering.
 TriangleSurface middlePlane(const BoxLattice& lattice)
 {
     TriangleSurface surface;
@@ -43,6 +48,7 @@ TriangleSurface middlePlane(const BoxLattice& lattice)
     return surface;
 }
 
+/// The faces of a patch with points of their own, numbered in order of first use.
 TriangleSurface patchSurface(const SampleMesh& mesh, const SamplePatch& patch)
 {
     TriangleSurface surface;
@@ -68,6 +74,7 @@ SamplePoint pointOf(const TriangleSurface& surface, std::size_t label)
     return {surface.points[3 * label], surface.points[3 * label + 1], surface.points[3 * label + 2]};
 }
 
+/// The centres that go with the triangles; readers check that there are as many.
 std::vector<double> centresOf(const TriangleSurface& surface)
 {
     std::vector<double> centres;
@@ -83,6 +90,7 @@ std::vector<double> centresOf(const TriangleSurface& surface)
     return centres;
 }
 
+/// These files have a head, but no line that ends them.
 void writeVectors(const std::filesystem::path& folder, const char* object, const std::vector<double>& values)
 {
     FoamOutput file(folder / object);
@@ -141,7 +149,6 @@ void writeSurface(const std::filesystem::path& folder, const TriangleSurface& su
 void writeSampledSurfaces(const std::filesystem::path& folder, const BoxLattice& lattice, const SampleMesh& mesh,
                           double time)
 {
-    constexpr std::size_t OUTLET = 1;
     writeSurface(folder / "middle", middlePlane(lattice), time);
     writeSurface(folder / "outlet", patchSurface(mesh, mesh.patches[OUTLET]), time);
 }

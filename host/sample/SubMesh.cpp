@@ -34,6 +34,7 @@ private:
     int neighbourOf(int face) const { return m_whole.neighbours[static_cast<std::size_t>(face)]; }
     int labelOf(int cell) const { return m_cellLabels[static_cast<std::size_t>(cell)]; }
 
+    /// The cells of this piece keep their order, which keeps everything derived from it sorted.
     void numberCells()
     {
         for (int cell = 0; cell < m_whole.cellCount; ++cell) {
@@ -55,6 +56,7 @@ private:
         }
     }
 
+    /// A patch without a face here stays in the list: all pieces of a case have the same patches in the same places.
     void addPatch(const SamplePatch& patch)
     {
         SamplePatch mine = patch;
@@ -68,6 +70,7 @@ private:
         m_part.mesh.patches.push_back(std::move(mine));
     }
 
+    /// Collects the faces between this piece and each other one, in order of their labels.
     void addInterfaces(const std::function<SamplePatch(int)>& interfacePatch)
     {
         std::map<int, std::vector<int>> facesTowards;
@@ -98,6 +101,7 @@ private:
         m_part.mesh.addFace(outward, labelOf(mine ? ownerOf(face) : neighbourOf(face)));
     }
 
+    /// Points keep their order as well; those that no face uses are dropped.
     void numberPoints()
     {
         for (const std::int32_t node : m_part.mesh.faceNodes) {

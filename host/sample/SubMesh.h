@@ -9,7 +9,7 @@
 /// A piece of a mesh, and where its cells and points come from.
 struct SubMesh
 {
-    SampleMesh mesh;
+    SampleMesh mesh;        ///< labels count anew in the piece
     std::vector<int> cells; ///< label in the whole mesh of each cell, ascending
 };
 

@@ -29,7 +29,7 @@ public:
     /// The patch's `type` entry.
     dvn::Str type() const { return m_type; }
     void setType(dvn::Str type) { m_type = std::move(type); }
-    /// The patch's `nFaces`; a built mesh cuts it to the faces that exist.
+    /// The patch's `nFaces`, whatever the mesh has of them: `nodeCountPerFace` counts those that were built.
     std::size_t faceCount() const { return m_faceCount; }
     void setFaceCount(std::size_t count) { m_faceCount = count; }
     /// The patch's `startFace`, a 0-based face label.

@@ -6,7 +6,6 @@
 #include "foamfile/OFUtilities.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace {
@@ -39,13 +38,6 @@ bool hasSubFolder(const dvn::Str& folder, const dvn::Str& name)
 bool existsPlainOrZipped(const dvn::Str& file)
 {
     return OFUtilities::fileExists(file) || OFUtilities::fileExists(file + ".gz");
-}
-
-/// A patch has an `int` number of faces, so a larger count stands for a negative one: the patch has none either.
-bool hasNoFaces(const OFBoundary& boundary)
-{
-    return boundary.faceCount() == 0 ||
-           boundary.faceCount() > static_cast<std::size_t>(std::numeric_limits<int>::max());
 }
 
 /// Ends the reading of a list that broke off. Its remains go: they have no ids, and ids that the counter does not know
@@ -270,6 +262,6 @@ bool OFReader::filterBoundariesPartByName(OFPart& part)
 
 bool OFReader::filterBoundariesWithZeroFaceCount(OFPart& part)
 {
-    std::erase_if(part.boundaries(), hasNoFaces);
+    std::erase_if(part.boundaries(), [](const OFBoundary& boundary) { return boundary.faceCount() == 0; });
     return true;
 }

@@ -27,8 +27,8 @@ double leadingNumber(const char* text)
     return value;
 }
 
-/// Marks the line starts of a range of positions. Pushes may come from all workers at once; their order is free, because
-/// the offsets are sorted behind the loop.
+/// Marks the line starts of a range of positions. Pushes may come from all workers at once; their order is free,
+/// because the offsets are sorted behind the loop.
 struct MarkLinesFunctor
 {
     const char* chunk;
@@ -37,9 +37,12 @@ struct MarkLinesFunctor
 
     void operator()(const Range& range) const
     {
-        for (std::size_t i = range.begin(); i != range.end() && chunk[i] != ';'; ++i) {
+        for (std::size_t i = range.begin(); i != range.end(); ++i) {
             if (chunk[i] == delimiter) {
                 offsets.push_back(static_cast<int>(i + 1));
+            }
+            if (chunk[i] == ';') {
+                return;
             }
         }
     }

@@ -8,9 +8,9 @@
 
 /// The parallel loops that turn a chunk of lines into numbers in two passes: where the lines start, then what they say.
 ///
-/// The first pass tests one byte a position, and the second has no shared writes: line starts are found without parsing,
-/// and after that each line can be parsed alone. It lives as long as one run over a list, so that loops over chunks of
-/// like size keep their cache affinity. Every operation answers true.
+/// The first pass tests one byte a position, and the second has no shared writes: line starts are found without
+/// parsing, and after that each line can be parsed alone. It lives as long as one run over a list, so that loops over
+/// chunks of like size keep their cache affinity. Every operation answers true.
 class ChunkTranslator
 {
 public:
@@ -26,8 +26,8 @@ public:
                               std::size_t count);
     /// Fills three values for each line with the number behind its first character. `delimiters` plays no part.
     ///
-    /// All three take the first number of the line: the text is not advanced between them, and callers of this loop know
-    /// it so.
+    /// All three take the first number of the line: the text is not advanced between them, and callers of this loop
+    /// know it so.
     bool readThreeDoublePerLine(char* chunk, const tbb::concurrent_vector<int>& offsets, char* delimiters,
                                 double* values, std::size_t count);
     /// The number at the start of the text, behind white space, as `strtod` takes it; `text` stays where it is.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -31,8 +32,7 @@ void GzStream::Closer::operator()(gzFile_s* handle) const
 
 GzStream::GzStream(gzFile_s* handle, dvn::Str path, std::uint64_t sizeOnDisk)
     : m_handle(handle), m_path(std::move(path)), m_sizeOnDisk(sizeOnDisk)
-{
-}
+{}
 
 std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
 {
@@ -81,7 +81,8 @@ bool GzStream::skipBehind(char sought)
 
 bool GzStream::readLine(char* buffer, std::size_t size)
 {
-    if (gzgets(m_handle.get(), buffer, static_cast<int>(size)) == nullptr) {
+    const int room = static_cast<int>(std::min<std::size_t>(size, std::numeric_limits<int>::max()));
+    if (gzgets(m_handle.get(), buffer, room) == nullptr) {
         noteEnd();
         return false;
     }
@@ -146,7 +147,8 @@ void GzStream::noteEnd()
     if (error < 0 && !m_damageTold) {
         m_damageTold = true;
         OFLogger::get().logInfo(
-            "OFFile", dvn::Str("Compressed data is damaged or ends early, only what stands before it counts. File is %1")
-                          .arg(m_path));
+            "OFFile",
+            dvn::Str("Compressed data is damaged or ends early, only what stands before it counts. File is %1")
+                .arg(m_path));
     }
 }

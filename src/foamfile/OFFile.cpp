@@ -143,10 +143,11 @@ bool OFFile::reportError(const char* message) const
 void OFFile::reportShortList(std::size_t promised, std::size_t found) const
 {
     // The path is filled in last: it may hold a percent sign of its own.
-    OFLogger::get().logInfo("OFFile", dvn::Str("List is shorter than its count: %1 items promised, %2 found. File is %3")
-                                          .arg(promised)
-                                          .arg(found)
-                                          .arg(m_path));
+    OFLogger::get().logInfo("OFFile",
+                            dvn::Str("List is shorter than its count: %1 items promised, %2 found. File is %3")
+                                .arg(promised)
+                                .arg(found)
+                                .arg(m_path));
 }
 
 bool OFFile::canHold(std::uint64_t itemCount, std::uint64_t bytesPerItem) const

@@ -165,7 +165,8 @@ public:
     bool readNextVectorFieldBinary(std::vector<double>* values) const;
     /// Moves behind the next "(" and reads faces in parallel; false for a binary file.
     bool readNextFaceList(FacesData* faces);
-    /// Reads as many faces as `nodeCounts` has entries, six chunks at a time, and cuts `nodes` to what came; always true.
+    /// Reads as many faces as `nodeCounts` has entries, six chunks at a time, and cuts `nodes` to what came; always
+    /// true.
     bool readNextFaceListAsciiPar(FacesData* faces);
     /// The same, one face after the other, and stricter: false at the first text that is no face.
     bool readNextFaceListAscii(FacesData* faces);
@@ -219,9 +220,9 @@ public:
                     std::vector<double>* values);
     /// Reads the interior and then the patches of a field file.
     ///
-    /// Patches are looked for in the order of `boundaries`, their names compared byte by byte. A patch without values in
-    /// the file keeps what its array holds, unless its type continues the value of the cell: then each face takes the
-    /// value of its cell, or each node that of its point.
+    /// Patches are looked for in the order of `boundaries`, their names compared byte by byte. A patch without values
+    /// in the file keeps what its array holds, unless its type continues the value of the cell: then each face takes
+    /// the value of its cell, or each node that of its point.
     /// @param[in,out] boundaryValues one array a patch, sized by the caller
     /// @return false if the interior could not be read, and also if the file ends right behind it: then the interior
     ///         counts and `interiorWasRead` answers true
@@ -341,7 +342,12 @@ private:
     bool readForeignChunk(char** chunk, std::size_t* length) const;
 
     // OFFileNumbers.cpp
-    enum class IntToken { Number, NoNumber, EndOfFile };
+    enum class IntToken
+    {
+        Number,
+        NoNumber,
+        EndOfFile
+    };
     /// `readNextInt` with the end of the file told apart from text that is no number.
     IntToken nextIntToken(int* value, char delimiter) const;
 
@@ -397,8 +403,8 @@ private:
 
     // OFFileFields.cpp
     bool readInteriorField(const dvn::Str& path, const dvn::Str& resultClass, std::vector<double>* values);
-    bool fillUniformInterior(const std::vector<dvn::Str>& tokens, const dvn::Str& path,
-                             const dvn::Str& resultClass, std::vector<double>* values) const;
+    bool fillUniformInterior(const std::vector<dvn::Str>& tokens, const dvn::Str& path, const dvn::Str& resultClass,
+                             std::vector<double>* values) const;
     /// Judges the count of an interior list against the file, the class and the array of the caller.
     bool checkInteriorCount(int count, const dvn::Str& path, const dvn::Str& resultClass,
                             const std::vector<double>& values) const;
@@ -408,7 +414,12 @@ private:
 
     // OFFileBoundaryFields.cpp
     using Entries = std::map<std::string, std::string>;
-    enum class EntryOutcome { Open, Closed, Values };
+    enum class EntryOutcome
+    {
+        Open,
+        Closed,
+        Values
+    };
     bool takeBoundaryLine(bool keepsValues, std::string_view* line) const;
     EntryOutcome readPatchEntry(std::string_view line, Entries* entries, std::string* values) const;
     bool skipInnerBlock(const std::string& patchName, std::string_view* line) const;

@@ -128,7 +128,8 @@ bool OFFile::readValuesOfCellAndBoundaries(const dvn::Str& path, const dvn::Str&
     return true;
 }
 
-/// Gives the patches whose type says so the values of their cells or points. Each pass writes the array of its own patch.
+/// Gives the patches whose type says so the values of their cells or points. Each pass writes the array of its own
+/// patch.
 void OFFile::applyCellValues(const dvn::Str& resultClass, const std::vector<double>& values,
                              const std::vector<OFBoundary>& boundaries, const std::vector<Entries>& entries,
                              std::vector<std::vector<double>>* boundaryValues) const
@@ -141,9 +142,9 @@ void OFFile::applyCellValues(const dvn::Str& resultClass, const std::vector<doub
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             if (shouldApplyCellValueInBoundaryFace(entries[i])) {
                 const auto components = static_cast<std::size_t>(resultSizeFromName(resultClass));
-                applyMeshItemValueInBoundaryItem(
-                    &(*boundaryValues)[i], components, &values,
-                    isOnCells ? boundaries[i].faceToCellMapping() : boundaries[i].faceNodeToNodeMapping());
+                applyMeshItemValueInBoundaryItem(&(*boundaryValues)[i], components, &values,
+                                                 isOnCells ? boundaries[i].faceToCellMapping()
+                                                           : boundaries[i].faceNodeToNodeMapping());
             }
         }
     };
@@ -178,7 +179,12 @@ std::vector<std::map<std::string, std::string>>
 OFFile::readBoundariesResult(const dvn::Str& resultClass, const std::vector<std::string>& names,
                              std::vector<std::vector<double>>& boundaryValues)
 {
-    enum class Sought { Name, Brace, Entry };
+    enum class Sought
+    {
+        Name,
+        Brace,
+        Entry
+    };
     Sought sought = Sought::Name;
     std::vector<Entries> result(names.size());
     dvn::Timer timer;
@@ -227,8 +233,8 @@ OFFile::readBoundariesResult(const dvn::Str& resultClass, const std::vector<std:
     return result;
 }
 
-/// Takes a line of the boundary section, whole and without line end: from chunk after chunk, so that a long list costs no
-/// more than one of the interior, or from the stream of a binary file.
+/// Takes a line of the boundary section, whole and without line end: from chunk after chunk, so that a long list costs
+/// no more than one of the interior, or from the stream of a binary file.
 ///
 /// A binary list that follows the line is passed over by its count, because raw values may look like any text. The list
 /// of a "value" stays to be read if `keepsValues` says so.
@@ -273,8 +279,11 @@ bool OFFile::skipInnerBlock(const std::string& patchName, std::string_view* line
             return false;
         }
     } while (trimmed(*line) != "}");
+    if (!takeBoundaryLine(true, line)) {
+        return false;
+    }
     logDebug(dvn::Str("Found closing char for internal Tree in BC :") + patchName);
-    return takeBoundaryLine(true, line);
+    return true;
 }
 
 /// Adds the entry of a line to a patch and tells whether the block ended there or its values begin.

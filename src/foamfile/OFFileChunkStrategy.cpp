@@ -3,6 +3,7 @@
 
 #include "foamfile/ChunkTranslator.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -21,12 +22,17 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
         if (!getNextChunkOfLines(&chunk, &lastIndex)) {
             return false;
         }
+        if (*chunk == '\0') {
+            // The rest of a chunk that was used up to its end; the list goes on in the next one.
+            continue;
+        }
         m_lineOffsets.clear();
         translator.split('\n', chunk, lastIndex, &m_lineOffsets);
         const std::size_t lines = m_lineOffsets.size();
         const std::size_t count = std::min(lines, items - itemsRead);
-        if (lines > count) {
-            keepBehindList(chunk + m_lineOffsets[count]);
+        if (lines >= items - itemsRead) {
+            // Behind the ";" no line start need be marked, so where none follows the last line's own start serves.
+            keepBehindList(chunk + m_lineOffsets[std::min(count, lines - 1)]);
         }
         double* const target = values->data() + components * itemsRead;
         if (componentsPerLine == 1) {
@@ -43,8 +49,8 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
     return true;
 }
 
-/// Leaves what stands behind the next ";" pending; nothing is, where the chunk has none, as the text then goes on in the
-/// stream.
+/// Leaves what stands behind the next ";" pending; nothing is, where the chunk has none, as the text then goes on in
+/// the stream.
 void OFFile::keepBehindList(char* firstLineBehind) const
 {
     char* const semicolon = std::strchr(firstLineBehind, ';');

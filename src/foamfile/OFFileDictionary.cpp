@@ -63,10 +63,11 @@ bool OFFile::readDictionary(const dvn::Str& path, const dvn::Str& objectName, st
 bool OFFile::readBoundary(const dvn::Str& path, const dvn::Str& objectName, std::vector<OFBoundary>& boundaries,
                           std::size_t partId)
 {
-    static constexpr ListMessages MESSAGES = {"Failed to open boundary file. File basename is %1",
-                                              "Unexpected object in dictionary file. File basename is %1", nullptr,
-                                              "Failed to read number of boundaries in boundary file. File basename is %1",
-                                              "Invalid number of items in boundary file. File basename is %1"};
+    static constexpr ListMessages MESSAGES = {
+        "Failed to open boundary file. File basename is %1",
+        "Unexpected object in dictionary file. File basename is %1", nullptr,
+        "Failed to read number of boundaries in boundary file. File basename is %1",
+        "Invalid number of items in boundary file. File basename is %1"};
     if (!openWithObject(path, objectName, MESSAGES)) {
         return false;
     }
@@ -97,7 +98,12 @@ bool OFFile::readBoundary(const dvn::Str& path, const dvn::Str& objectName, std:
 
 std::map<std::string, std::string> OFFile::readBoundaryInfo()
 {
-    enum class Sought { Name, Brace, Entry };
+    enum class Sought
+    {
+        Name,
+        Brace,
+        Entry
+    };
     Sought sought = Sought::Name;
     std::map<std::string, std::string> info;
     while (m_stream != nullptr && m_stream->readLine(m_lineBuffer.data(), LINE_BUFFER_SIZE)) {

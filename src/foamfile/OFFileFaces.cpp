@@ -51,8 +51,8 @@ bool readFace(const char*& cursor, const char* end, Target* target)
     return true;
 }
 
-/// What one worker of a pass owns: its chunk and the faces read from it, whose place in the list is not known before the
-/// workers of the chunks in front of it are done.
+/// What one worker of a pass owns: its chunk and the faces read from it, whose place in the list is not known before
+/// the workers of the chunks in front of it are done.
 struct FaceListThread
 {
     ChunkBuffer chunk;

@@ -150,7 +150,7 @@ int resultSizeFromName(const dvn::Str& resultClass)
         logError(dvn::Str("Unexpected result class name. Not supported %1").arg(resultClass));
         return 1;
     }
-    // Nine and not the six of `calculateNumberOfValues`: patches have always been walked with this stride.
+    // Nine and not the six of `calculateNumberOfValues`: the items of a patch stand nine apart in files.
     return *type == OFResultTensor ? FULL_TENSOR_SIZE : *type == OFResultVector ? VECTOR_SIZE : 1;
 }
 
@@ -206,8 +206,8 @@ bool OFFile::readInteriorField(const dvn::Str& path, const dvn::Str& resultClass
     return isRead || reportError("Error reading result. File basename is %1");
 }
 
-bool OFFile::fillUniformInterior(const std::vector<dvn::Str>& tokens, const dvn::Str& path,
-                                 const dvn::Str& resultClass, std::vector<double>* values) const
+bool OFFile::fillUniformInterior(const std::vector<dvn::Str>& tokens, const dvn::Str& path, const dvn::Str& resultClass,
+                                 std::vector<double>* values) const
 {
     const auto uniform = std::find(tokens.begin(), tokens.end(), dvn::Str("uniform"));
     const std::size_t first = static_cast<std::size_t>(uniform - tokens.begin()) + 1;
@@ -252,7 +252,8 @@ bool OFFile::checkInteriorCount(int count, const dvn::Str& path, const dvn::Str&
     }
     if (values.size() != static_cast<std::size_t>(needed)) {
         return logError(
-            dvn::Str("Error reading result, values buffer is not correctly dimensioned. File basename is %1").arg(path));
+            dvn::Str("Error reading result, values buffer is not correctly dimensioned. File basename is %1")
+                .arg(path));
     }
     return type || logError(dvn::Str(UNKNOWN_CLASS).arg(resultClass));
 }
@@ -271,12 +272,13 @@ bool OFFile::readResultInMultipleLineFormat(const dvn::Str& path, const dvn::Str
     if (!checkInteriorCount(count, path, resultClass, *values)) {
         return false;
     }
-    if (!skipToList()) {
-        return false;
-    }
     const OFResultType type = *typeOfClass(resultClass);
+    const bool isAtList = skipToList();
     if (type == OFResultTensor) {
         return logError(dvn::Str(TENSOR_LIST).arg(path));
+    }
+    if (!isAtList) {
+        return false;
     }
     std::size_t found = 0;
     const bool isRead = readFieldList(type != OFResultScalar, values, &found);

@@ -154,8 +154,12 @@ bool OFFile::takePendingLine(std::size_t maxLength, std::string_view* line) cons
 
 bool OFFile::copyPendingLine(char* target) const
 {
+    const bool wasPending = m_position.pending;
     std::string_view line;
     if (!takePendingLine(LINE_BUFFER_SIZE - 1, &line)) {
+        if (wasPending) {
+            *target = '\0';
+        }
         return false;
     }
     std::memcpy(target, line.data(), line.size());
@@ -170,16 +174,24 @@ bool OFFile::takeStreamLine(std::string_view* line) const
         return false;
     }
     std::size_t length = 0;
-    do {
+    bool hasCome = false;
+    bool isWhole = false;
+    while (!isWhole) {
         m_lineBuffer.grow(length + LINE_BUFFER_SIZE, length);
-        if (!m_stream->readLine(m_lineBuffer.data() + length, m_lineBuffer.capacity() - length)) {
-            break;
+        const std::size_t room = m_lineBuffer.capacity() - length;
+        char* const piece = m_lineBuffer.data() + length;
+        if (!m_stream->readLine(piece, room)) {
+            *line = std::string_view(m_lineBuffer.data(), length);
+            return hasCome;
         }
-        // A NUL in the line hides the rest of this piece, as it does for every reader of lines.
-        length += std::strlen(m_lineBuffer.data() + length);
-    } while (length + 1 == m_lineBuffer.capacity() && m_lineBuffer.data()[length - 1] != '\n');
+        hasCome = true;
+        // A NUL in the line hides the rest of it, as it does for every reader of lines.
+        const std::size_t came = std::strlen(piece);
+        length += came;
+        isWhole = came + 1 < room || piece[came - 1] == '\n';
+    }
     *line = std::string_view(m_lineBuffer.data(), length);
-    return length != 0;
+    return true;
 }
 
 bool OFFile::takeLine(std::string_view* line) const
@@ -228,8 +240,8 @@ std::size_t OFFile::finishLine(ChunkBuffer* buffer, std::size_t used) const
     }
 }
 
-/// Reads a chunk into the buffer of a caller, which cannot grow: a last line longer than its margin makes the chunk move
-/// to the buffer of this object.
+/// Reads a chunk into the buffer of a caller, which cannot grow: a last line longer than its margin makes the chunk
+/// move to the buffer of this object.
 bool OFFile::readForeignChunk(char** chunk, std::size_t* length) const
 {
     if (m_stream == nullptr || (*chunk == nullptr && m_isBinary)) {
@@ -249,8 +261,8 @@ bool OFFile::readForeignChunk(char** chunk, std::size_t* length) const
         if (more == MARGIN && (*chunk)[*length - 1] != '\n') {
             m_chunkBuffer.grow(CHUNK_BUFFER_SIZE, 0);
             std::memcpy(m_chunkBuffer.data(), *chunk, *length);
-            *chunk = m_chunkBuffer.data();
             *length = finishLine(&m_chunkBuffer, *length);
+            *chunk = m_chunkBuffer.data();
         }
     }
     (*chunk)[*length] = '\0';

@@ -14,7 +14,8 @@ bool cellCountFromNote(const dvn::Str& note, int* cellCount)
     const dvn::Str key("nCells:");
     const std::size_t cells = note.find(key);
     const std::size_t faces = note.find("nFaces:");
-    if (cells >= faces || faces >= note.size()) {
+    // A text that is not there has the largest of positions, so a note without cells fails and one without faces does not.
+    if (cells >= faces) {
         return false;
     }
     // The text is longer than the number, which the conversion does not mind.
@@ -44,8 +45,7 @@ bool OFFile::readListCount(const ListMessages& messages, std::uint64_t bytesPerI
         return reportError(messages.noCount);
     }
     // Digits that overflowed come out negative.
-    const bool isValid =
-        *count >= 0 && *count <= largest && canHold(static_cast<std::uint64_t>(*count), bytesPerItem);
+    const bool isValid = *count >= 0 && *count <= largest && canHold(static_cast<std::uint64_t>(*count), bytesPerItem);
     return isValid || reportError(messages.badCount);
 }
 

@@ -76,7 +76,8 @@ bool OFFile::readNextDouble(double* value, char delimiter) const
         }
         const char c = static_cast<char>(byte);
         if (c == delimiter) {
-            return dvf::tokenToDouble(token, value);
+            // Nothing is consumed whole, as `strtod` has it: an empty token is 0.0.
+            return dvf::tokenToDouble(token, value) || token.empty();
         }
         // One byte longer than any number is enough for a longer token to fail.
         if (token.size() <= dvf::MAX_NUMBER_LENGTH) {

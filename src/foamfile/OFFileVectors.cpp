@@ -94,11 +94,12 @@ struct Merger
 
 bool OFFile::readVectorField(const dvn::Str& path, const dvn::Str& objectName, std::vector<double>* values)
 {
-    static constexpr ListMessages MESSAGES = {"Failed to open vector field file. File basename is %1",
-                                              "Unexpected object in vector field file. File basename is %1",
-                                              "Unexpected class in vector field file. File basename is %1",
-                                              "Failed to read number of items in vector field file. File basename is %1",
-                                              "Invalid number of items in vector field file. File basename is %1"};
+    static constexpr ListMessages MESSAGES = {
+        "Failed to open vector field file. File basename is %1",
+        "Unexpected object in vector field file. File basename is %1",
+        "Unexpected class in vector field file. File basename is %1",
+        "Failed to read number of items in vector field file. File basename is %1",
+        "Invalid number of items in vector field file. File basename is %1"};
     if (m_hasHeader ? !openWithObject(path, objectName, MESSAGES) : !openOrReport(path, MESSAGES)) {
         return false;
     }

@@ -89,14 +89,19 @@ bool OFFile::readFaceZone(const ListMessages& messages, OFFaceZone* zone)
         !readLabelsReportingShort(&zone->faceIds()) || !skipAfterNext(';') || !takeLine(&line)) {
         return false;
     }
-    return readFlips(messages, line, zone) && skipAfterNext('}');
+    // A chunk may end in front of the ";": then the stream still has the line feed behind it, and the flips follow.
+    if (!m_isBinary && line == "\n" && !takeLine(&line)) {
+        return false;
+    }
+    // A line of the stream keeps its line feed, one of a chunk has none; which of the two it is must not show.
+    return readFlips(messages, m_isBinary ? line : withoutLineEnd(line), zone) && skipAfterNext('}');
 }
 
-/// Reads the flips of a zone from the line that begins them.
+/// Reads the flips of a zone from the line that begins them; a line that ends in ">" is followed by a list.
 ///
-/// A line of a chunk that ends in ">" is followed by a list. A line of the stream is no more than the line feed behind
-/// the ";" of the labels, and a line feed counts as the last character of a line, so there the flips are passed over:
-/// it keeps binary files readable, whose flips are one byte each and not four.
+/// In a binary file the line is no more than the line feed behind the ";" of the labels, which counts as its last
+/// character, so there the flips are passed over: it keeps such files readable, whose flips are one byte each and not
+/// four.
 bool OFFile::readFlips(const ListMessages& messages, std::string_view line, OFFaceZone* zone)
 {
     const std::string_view text = line.substr(0, line.find_last_not_of(' ') + 1);
@@ -192,9 +197,8 @@ bool OFFile::skipEmptyZone(const OFCellZone& zone)
     if (!skipAfterNext('}')) {
         return reportError("Problem parsing file %1");
     }
-    OFLogger::get().logInfo("OFFile", dvn::Str("Found empty list for cellIds in cellZone name %1 in file %2")
-                                          .arg(zone.name())
-                                          .arg(m_path));
+    OFLogger::get().logInfo(
+        "OFFile", dvn::Str("Found empty list for cellIds in cellZone name %1 in file %2").arg(zone.name()).arg(m_path));
     return true;
 }
 
@@ -229,13 +233,12 @@ bool OFFile::readCellZoneCount(const ListMessages& messages, std::string_view li
         m_position.pending = true;
     }
     if (!skipAfterNext('>')) {
-        OFLogger::get().logInfo(
-            "OFFile", dvn::Str("Unexpected format parsing %1 in file %2").arg(zone->name()).arg(m_path));
+        OFLogger::get().logInfo("OFFile",
+                                dvn::Str("Unexpected format parsing %1 in file %2").arg(zone->name()).arg(m_path));
     }
     if (!scanPendingCount(&count)) {
         return OFLogger::get().logError(
-            "OFFile",
-            dvn::Str("problem reading cell Count in cellZone %1 in file %2").arg(zone->name()).arg(m_path));
+            "OFFile", dvn::Str("problem reading cell Count in cellZone %1 in file %2").arg(zone->name()).arg(m_path));
     }
     return sizeZoneList(messages, count, &zone->cellIds());
 }

@@ -14,8 +14,8 @@ public:
     /// Bare names of the sub-folders in the order of `readdir`; empty if the folder cannot be opened.
     ///
     /// A link counts if its text, resolved against the working folder of the process and not against `folder`, names
-    /// something whose mode has the directory bit. Hosts have come to rely on which links show, so it stays so. An entry
-    /// of unknown type does not count.
+    /// something whose mode has the directory bit. Hosts have come to rely on which links show, so it stays so. An
+    /// entry of unknown type does not count.
     static std::vector<dvn::Str> subFolders(const dvn::Str& folder);
 
     /// Full paths of all entries, sub-folders too, in the order of `readdir`; empty if the folder cannot be opened.

@@ -71,9 +71,10 @@ inline bool endsListItem(char c)
 
 /// Reads the finite number at the start of the text and tells where it ends; null if there is none.
 ///
-/// This is the road of nearly every number: where what it stops at is what ends the token, the whole token was taken. If
-/// not, nothing is decided: the token may still be a number for `strtod`, and the caller looks at it by its own rules.
-/// Infinite values and NaN count as none, because the conversion reads on behind a delimiter in texts such as "nan(1)".
+/// This is the road of nearly every number: where what it stops at is what ends the token, the whole token was taken.
+/// If not, nothing is decided: the token may still be a number for `strtod`, and the caller looks at it by its own
+/// rules. Infinite values and NaN count as none, because the conversion reads on behind a delimiter in texts such as
+/// "nan(1)".
 /// @param end the NUL of the text
 inline const char* scanPlainReal(const char* first, const char* end, double* value)
 {
@@ -178,8 +179,8 @@ bool endsFaceToken(char c, char delimiter)
 
 /// Reads the node count in front of a face and moves behind the "(".
 ///
-/// Faces of more than ten nodes stand over several lines, with the count on the first and "(" on the second: a line feed
-/// ends the count, and what stands between it and the "(" is passed over.
+/// Faces of more than ten nodes stand over several lines, with the count on the first and "(" on the second: a line
+/// feed ends the count, and what stands between it and the "(" is passed over.
 template <FaceTokenEnd END>
 bool scanFaceSize(const char*& cursor, int* count)
 {

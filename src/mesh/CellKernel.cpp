@@ -232,12 +232,12 @@ bool isTwoLayersOfFour(CellFaceViews faces)
     if (top == nullptr || !areDistinct<4>(base) || !areDistinct<4>(top)) {
         return false;
     }
-    return std::ranges::all_of(faces, [base, top](const CellFaceView& face) {
+    std::array<int, MAX_SOLID_NODES> layers = {};
+    std::copy_n(top, 4, std::copy_n(base, 4, layers.begin()));
+    return std::ranges::all_of(faces, [&layers](const CellFaceView& face) {
         bool inside = true;
         for (std::size_t i = 0; i < 4; ++i) {
-            const bool inBase = isAmong<4>(base, face.nodes[i]);
-            const bool inTop = isAmong<4>(top, face.nodes[i]);
-            inside &= static_cast<bool>(static_cast<int>(inBase) | static_cast<int>(inTop));
+            inside &= isAmong<MAX_SOLID_NODES>(layers.data(), face.nodes[i]);
         }
         return inside;
     });

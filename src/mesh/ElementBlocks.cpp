@@ -20,13 +20,15 @@ constexpr std::size_t lowByte(std::size_t count)
 }
 
 /// Resizes for the first `done` of `total` cells. A move to larger storage takes as much as all cells will need if the
-/// rest is like those so far, and never so little that many such moves come together.
+/// rest is like those so far, but no more than `most`, for the first cells of a mesh may be its largest; and never so
+/// little that many such moves come together.
 template <typename T>
-void grow(std::vector<T>* values, std::size_t size, std::size_t done, std::size_t total)
+void grow(std::vector<T>* values, std::size_t size, std::size_t done, std::size_t total, std::size_t most)
 {
     if (size > values->capacity()) {
         const double expected = static_cast<double>(size) / static_cast<double>(done) * static_cast<double>(total);
-        values->reserve(std::max({size, static_cast<std::size_t>(expected * 1.01), values->capacity() * 3 / 2}));
+        const double limited = std::min(expected * 1.01, static_cast<double>(most));
+        values->reserve(std::max({size, static_cast<std::size_t>(limited), values->capacity() * 3 / 2}));
     }
     values->resize(size);
 }
@@ -107,11 +109,14 @@ void ElementBlocks::store()
 void ElementBlocks::growArrays(const Extent& end, std::size_t doneCells)
 {
     const std::size_t total = m_table.cellCount();
-    grow(&m_elements.connectivities, end.nodes, doneCells, total);
-    grow(&m_polyhedra.nodeCounts, end.polyhedra, doneCells, total);
-    grow(&m_polyhedra.faceCounts, end.polyhedra, doneCells, total);
-    grow(&m_polyhedra.nodeCountPerFace, end.polyFaces, doneCells, total);
-    grow(&m_polyhedra.faceNodes, end.polyFaceNodes, doneCells, total);
+    // Each face has two sides at most, and a cell names no more nodes than the sides of its faces do.
+    const std::size_t mostFaces = 2 * m_faces.faceCount();
+    const std::size_t mostNodes = 2 * m_faces.nodes.size();
+    grow(&m_elements.connectivities, end.nodes, doneCells, total, mostNodes);
+    grow(&m_polyhedra.nodeCounts, end.polyhedra, doneCells, total, total);
+    grow(&m_polyhedra.faceCounts, end.polyhedra, doneCells, total, total);
+    grow(&m_polyhedra.nodeCountPerFace, end.polyFaces, doneCells, total, mostFaces);
+    grow(&m_polyhedra.faceNodes, end.polyFaceNodes, doneCells, total, mostNodes);
 }
 
 void ElementBlocks::store(Block* block) const

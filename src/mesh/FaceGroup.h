@@ -21,8 +21,8 @@ public:
     /// @param faceIds faces of the mesh, in the order of the elements
     FaceGroup(const OFPolymesh& mesh, std::span<const int> faceIds);
 
-    /// The nodes of all faces as labels of the mesh, face after face.
-    const std::vector<int>& faceNodes() const { return m_faceNodes; }
+    /// The nodes of all faces as labels of the mesh, face after face; to be moved from in the end.
+    std::vector<int>& faceNodes() { return m_faceNodes; }
     const std::vector<std::uint8_t>& faceSizes() const { return m_elements.nodeCounts; }
     /// The distinct nodes as labels of the mesh, in ascending order.
     const std::vector<int>& nodes() const { return m_numbering.labels(); }

@@ -39,10 +39,10 @@ public:
 
     /// Hands over a patch as a surface with nodes of its own, numbered from 0, and adds the mappings to the patch.
     ///
-    /// A patch that reaches beyond the faces of the mesh is cut to those that exist.
+    /// Of a patch that reaches beyond the faces of the mesh those that exist are delivered; its own counts stay.
     bool populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* nodes, std::size_t* nodeCount,
                                DDPElementGroup* elements, std::size_t* elementCount) const;
-    /// The same for a face zone, of which labels that name no face are removed. All elements have the id 0.
+    /// The same for a face zone, of which labels that name no face are left out. All elements have the id 0.
     bool populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount, DDPElementGroup* elements,
                                std::size_t* elementCount) const;
     /// Sorts ascending and keeps one of each value; always true.

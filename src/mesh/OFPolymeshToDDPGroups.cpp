@@ -6,59 +6,50 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
+#include <utility>
 
 namespace {
 
-/// Cuts a patch to the faces that the mesh has, so that its counts agree with what is delivered.
-void clipToFaces(std::size_t faceCount, OFBoundary* boundary)
+/// The faces of a patch that the mesh has: a patch may claim more, and what it claims stays in its record, since a
+/// later geometry may find the mesh whole.
+std::vector<int> facesOfPatch(const OFBoundary& boundary, std::size_t faceCount)
 {
     const auto meshEnd = static_cast<std::int64_t>(faceCount);
-    const std::int64_t start = boundary->startFaceIndex();
+    const std::int64_t start = boundary.startFaceIndex();
     // No patch needs more than this to reach the end of the mesh, and the sum below cannot overflow.
     const auto longest = static_cast<std::uint64_t>(meshEnd + std::abs(start));
-    const auto claimed = static_cast<std::int64_t>(std::min<std::uint64_t>(boundary->faceCount(), longest));
+    const auto claimed = static_cast<std::int64_t>(std::min<std::uint64_t>(boundary.faceCount(), longest));
     const std::int64_t first = std::clamp<std::int64_t>(start, 0, meshEnd);
     const std::int64_t end = std::clamp<std::int64_t>(start + claimed, first, meshEnd);
-    boundary->setStartFaceIndex(static_cast<int>(first));
-    boundary->setFaceCount(static_cast<std::size_t>(end - first));
+    return numbersFrom(static_cast<int>(first), static_cast<std::size_t>(end - first));
 }
 
-/// Takes the ids that name no face out of a zone, with their flip entries where it has one for each face.
-void removeUnknownFaces(std::size_t faceCount, OFFaceZone* zone)
+/// The faces of a zone that the mesh has.
+std::vector<int> facesOfZone(const OFFaceZone& zone, std::size_t faceCount)
 {
-    std::vector<int>& ids = zone->faceIds();
-    std::vector<int>& flips = zone->flipMap();
-    const bool hasFlips = flips.size() == ids.size();
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < ids.size(); ++i) {
-        if (ids[i] >= 0 && static_cast<std::size_t>(ids[i]) < faceCount) {
-            ids[kept] = ids[i];
-            if (hasFlips) {
-                flips[kept] = flips[i];
-            }
-            ++kept;
-        }
-    }
-    ids.resize(kept);
-    if (hasFlips) {
-        flips.resize(kept);
-    }
+    std::vector<int> faces;
+    faces.reserve(zone.faceCount());
+    std::ranges::copy_if(zone.faceIds(), std::back_inserter(faces),
+                         [faceCount](int face) { return face >= 0 && static_cast<std::size_t>(face) < faceCount; });
+    return faces;
 }
 
 /// Stores in a patch where its nodes and faces come from, which its results need.
-void storeMappings(const FaceGroup& group, const std::vector<int>& owners, OFBoundary* boundary)
+void storeMappings(const std::vector<int>& owners, const std::vector<int>& faces, FaceGroup* group,
+                   OFBoundary* boundary)
 {
-    boundary->nodeCountPerFace() = group.faceSizes();
-    boundary->faceConnectivity() = group.faceNodes();
-    boundary->createNodeFaceToNodeMapping(group.nodes().size());
-    for (std::size_t i = 0; i < group.nodes().size(); ++i) {
-        boundary->nodeIndex(i) = group.nodes()[i];
+    boundary->nodeCountPerFace() = group->faceSizes();
+    boundary->faceConnectivity() = std::move(group->faceNodes());
+    boundary->createNodeFaceToNodeMapping(group->nodes().size());
+    for (std::size_t i = 0; i < group->nodes().size(); ++i) {
+        boundary->nodeIndex(i) = group->nodes()[i];
     }
-    boundary->createFaceToCellMapping(boundary->faceCount());
-    const auto startFace = static_cast<std::size_t>(boundary->startFaceIndex());
-    for (std::size_t i = 0; i < boundary->faceCount(); ++i) {
+    boundary->createFaceToCellMapping(faces.size());
+    for (std::size_t i = 0; i < faces.size(); ++i) {
         // A broken `owner` file may end before the faces do; no cell has the label -1.
-        boundary->cellIndex(i) = startFace + i < owners.size() ? owners[startFace + i] : -1;
+        const auto face = static_cast<std::size_t>(faces[i]);
+        boundary->cellIndex(i) = face < owners.size() ? owners[face] : -1;
     }
 }
 
@@ -67,26 +58,26 @@ void storeMappings(const FaceGroup& group, const std::vector<int>& owners, OFBou
 bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* nodes, std::size_t* nodeCount,
                                             DDPElementGroup* elements, std::size_t* elementCount) const
 {
-    clipToFaces(m_mesh->faces().faceCount(), &boundary);
-    FaceGroup group(*m_mesh, numbersFrom(boundary.startFaceIndex(), boundary.faceCount()));
+    const std::vector<int> faces = facesOfPatch(boundary, m_mesh->faces().faceCount());
+    FaceGroup group(*m_mesh, faces);
     *nodeCount = group.nodes().size();
-    *elementCount = boundary.faceCount();
-    storeMappings(group, m_mesh->owners(), &boundary);
+    *elementCount = faces.size();
+    storeMappings(m_mesh->owners(), faces, &group, &boundary);
     group.sendNodes(*m_mesh, nodes);
-    group.sendElements(numbersFrom(0, boundary.faceCount()), elements);
+    group.sendElements(numbersFrom(0, faces.size()), elements);
     return true;
 }
 
 bool OFPolymeshToDDP::populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount,
                                             DDPElementGroup* elements, std::size_t* elementCount) const
 {
-    removeUnknownFaces(m_mesh->faces().faceCount(), &zone);
-    FaceGroup group(*m_mesh, zone.faceIds());
+    const std::vector<int> faces = facesOfZone(zone, m_mesh->faces().faceCount());
+    FaceGroup group(*m_mesh, faces);
     *nodeCount = group.nodes().size();
-    *elementCount = zone.faceCount();
+    *elementCount = faces.size();
     group.sendNodes(*m_mesh, nodes);
     // All elements have the id 0: only patches number theirs, and hosts know it so.
-    group.sendElements(std::vector<int>(zone.faceCount()), elements);
+    group.sendElements(std::vector<int>(faces.size()), elements);
     return true;
 }
 

@@ -82,7 +82,7 @@ public:
     /// The same for face zones, whose pairs follow those of the patches.
     bool generateFaceZones(std::vector<OFFaceZone>& faceZones, OFGroupPairs& pairs, std::vector<OFBoundary>& boundaries,
                            OFPolymeshToDDP& converter);
-    /// Tells the host which cells show in which zone, and drops from the zones the cells that the mesh does not have.
+    /// Tells the host which cells show in which zone; cells that the mesh does not have are left out.
     void generateCellZoneParts(OFPart* part, const std::size_t& elementCount, DDPElementGroup* group);
     /// Delivers the cells of the first cell zone with this local id; zones of several parts share ids.
     bool getSet(std::int32_t setId, DDPSet* set) override;

@@ -91,6 +91,15 @@ void showElementsIn(int globalPartId, std::size_t elementCount, DDPElementGroup*
     group->setElementPartIds(partIds.data(), partIds.size());
 }
 
+/// The cells of a zone that its part has; before the mesh is built all that the file names.
+std::vector<int> cellsOfZone(const OFCellZone& zone, std::size_t elementCount)
+{
+    std::vector<int> cells = zone.cellIds();
+    // A negative label turns into a very large one.
+    std::erase_if(cells, [elementCount](int cell) { return static_cast<std::size_t>(cell) >= elementCount; });
+    return cells;
+}
+
 } // namespace
 
 bool OpenFoamProvider::getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geometry)
@@ -114,6 +123,9 @@ bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolyme
     dvn::Timer lapTimer;
     OFPart& part = m_reader.part(partIndex);
     const dvn::Str folder = part.folder();
+    // A mesh that cannot be read this time leaves no counts of an earlier one, which its empty groups would not fit.
+    part.setNodeCount(OFPart::UNKNOWN_COUNT);
+    part.setElementCount(OFPart::UNKNOWN_COUNT);
     OFPolymesh polyMesh;
     if (!reader.read(folder, &polyMesh)) {
         return false;
@@ -218,10 +230,8 @@ void OpenFoamProvider::generateCellZoneParts(OFPart* part, const std::size_t& el
     }
     // Cells in no zone show in the part itself, cells in several zones in the last of them.
     std::vector<int> partIds(elementCount, part->id());
-    for (OFCellZone& zone : part->cellZones()) {
-        // What the mesh does not have leaves the zone, so that its set tells the same cells.
-        std::erase_if(zone.cellIds(), [&](int cell) { return static_cast<std::size_t>(cell) >= elementCount; });
-        for (const int cell : zone.cellIds()) {
+    for (const OFCellZone& zone : part->cellZones()) {
+        for (const int cell : cellsOfZone(zone, elementCount)) {
             partIds[static_cast<std::size_t>(cell)] = zone.geometryGlobalPartId();
         }
     }
@@ -265,7 +275,8 @@ bool OpenFoamProvider::getSet(std::int32_t setId, DDPSet* set)
         // Zones count from 1 in each part, so the first part that has the number wins.
         const auto zone = std::ranges::find(zones, setId, &OFCellZone::id);
         if (zone != zones.end()) {
-            set->addSetItems(0, i, zone->cellIds().data(), zone->cellCount());
+            const std::vector<int> cells = cellsOfZone(*zone, m_reader.part(i).elementCount());
+            set->addSetItems(0, i, cells.data(), cells.size());
             return true;
         }
     }

@@ -184,7 +184,7 @@ bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* stat
     }
     const dvn::Str folder = fieldFolder(*state, part);
     const int dimension = source->dimension();
-    std::vector<double> cellValues(undefinedValues(*source, part).size(), 0.0);
+    std::vector<double> cellValues(valueCount(*source, part), 0.0);
     if (!m_loadBoundaries) {
         if (!OFResultReader().readValues(folder, source->nativeName(), source->className(), &cellValues) ||
             !holdsValues(cellValues)) {

@@ -12,5 +12,6 @@ DDPPluginExitFunction registerPlugin(const DDPPluginInitRecord& record);
 /// Destroys a factory that was registered; null is ignored.
 void destroyProviderFactory(DDPDataProviderFactory* factory);
 
-/// Does nothing: the library has nothing to take down, and the log callback stays for lines on the way out.
+/// Does nothing: no thread is the library's own, its code stays mapped for those of TBB, and the log callback stays for
+/// lines on the way out.
 void pluginExitFunc();

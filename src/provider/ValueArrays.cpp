@@ -10,16 +10,23 @@ std::size_t knownCount(std::size_t count)
     return count == OFPart::UNKNOWN_COUNT ? 0 : count;
 }
 
-std::vector<double> undefinedValues(const OFResult& result, std::size_t nodeCount, std::size_t elementCount)
+std::size_t valueCount(const OFResult& result, std::size_t nodeCount, std::size_t elementCount)
 {
     // A displacement has no number of components, and so no number of values either.
-    if (result.dimension() <= 0) {
-        return {};
-    }
-    return std::vector<double>(result.expectedValueCount(nodeCount, elementCount), dvn::UNDEFINED_DOUBLE);
+    return result.dimension() <= 0 ? 0 : result.expectedValueCount(nodeCount, elementCount);
+}
+
+std::vector<double> undefinedValues(const OFResult& result, std::size_t nodeCount, std::size_t elementCount)
+{
+    return std::vector<double>(valueCount(result, nodeCount, elementCount), dvn::UNDEFINED_DOUBLE);
 }
 
 } // namespace
+
+std::size_t valueCount(const OFResult& result, const OFPart& part)
+{
+    return valueCount(result, knownCount(part.nodeCount()), knownCount(part.elementCount()));
+}
 
 std::vector<double> undefinedItems(std::size_t itemCount, int dimension)
 {

@@ -12,6 +12,10 @@
 // The arrays in which values travel to the host: item after item, the components of an item next to each other, and the
 // undefined mark where there is no value.
 
+/// Number of values for the nodes or the elements of a part, as the result is mapped; 0 for a part whose mesh was never
+/// built.
+std::size_t valueCount(const OFResult& result, const OFPart& part);
+
 /// Undefined values for so many items; none for a result without components.
 std::vector<double> undefinedItems(std::size_t itemCount, int dimension);
 

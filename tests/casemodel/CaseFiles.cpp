@@ -7,31 +7,11 @@ namespace {
 
 std::string labelList(const std::vector<int>& labels)
 {
-    std::ostringstream text;
-    text << labels.size() << "\n(\n";
+    std::string text = std::to_string(labels.size()) + "\n(\n";
     for (const int label : labels) {
-        text << label << '\n';
+        text += std::to_string(label) + "\n";
     }
-    text << ")\n";
-    return text.str();
-}
-
-std::string zonesFile(const std::string& kind, const std::string& type, const std::string& labelsKey,
-                      const std::vector<ZoneEntry>& zones, bool withFlips)
-{
-    std::ostringstream text;
-    text << zones.size() << "\n(\n";
-    for (const auto& [name, labels] : zones) {
-        text << name << "\n{\n    type " << type << ";\n"
-             << labelsKey << " List<label> \n"
-             << labelList(labels) << ";\n";
-        if (withFlips) {
-            text << "flipMap List<bool> " << labels.size() << "{0};\n";
-        }
-        text << "}\n\n";
-    }
-    text << ")\n";
-    return foamFile("regIOobject", kind, text.str());
+    return text + ")\n";
 }
 
 } // namespace
@@ -50,22 +30,24 @@ std::string boundaryFile(const std::vector<PatchEntry>& patches)
         text << "    " << patch.name << "\n    {\n        type " << patch.type << ";\n        nFaces "
              << patch.faceCount << ";\n        startFace " << patch.startFace << ";\n    }\n";
     }
-    text << ")\n";
-    return foamFile("polyBoundaryMesh", "boundary", text.str());
+    return foamFile("polyBoundaryMesh", "boundary", text.str() + ")\n");
 }
 
-std::string cellZonesFile(const std::vector<ZoneEntry>& zones)
+std::string zonesFile(bool ofFaces, const std::vector<ZoneEntry>& zones)
 {
-    return zonesFile("cellZones", "cellZone", "cellLabels", zones, false);
-}
-
-std::string faceZonesFile(const std::vector<ZoneEntry>& zones)
-{
-    return zonesFile("faceZones", "faceZone", "faceLabels", zones, true);
+    std::ostringstream text;
+    text << zones.size() << "\n(\n";
+    for (const auto& [name, labels] : zones) {
+        text << name << "\n{\n    type " << (ofFaces ? "faceZone;\nfaceLabels" : "cellZone;\ncellLabels")
+             << " List<label> \n"
+             << labelList(labels) << ";\n";
+        text << (ofFaces ? "flipMap List<bool> " + std::to_string(labels.size()) + "{0};\n}\n\n" : "}\n\n");
+    }
+    return foamFile("regIOobject", ofFaces ? "faceZones" : "cellZones", text.str() + ")\n");
 }
 
 std::string fieldFile(const std::string& className, const std::string& objectName, const std::string& interior,
-                      const std::vector<std::pair<std::string, std::string>>& patches)
+                      const std::vector<FieldPatch>& patches)
 {
     std::string body = "dimensions [0 1 -1 0 0 0 0];\n\ninternalField " + interior + ";\n\nboundaryField\n{\n";
     for (const auto& [name, entries] : patches) {
@@ -74,41 +56,38 @@ std::string fieldFile(const std::string& className, const std::string& objectNam
     return foamFile(className, objectName, body + "}\n");
 }
 
-std::string scalarList(const std::vector<double>& values)
+void writeControlDict(const TempFolder& folder, const std::string& entries)
 {
-    std::ostringstream text;
-    text << "nonuniform List<scalar> \n" << values.size() << "\n(\n";
-    for (const double value : values) {
-        text << value << '\n';
-    }
-    text << ")\n";
-    return text.str();
+    std::filesystem::create_directories(folder.path() / "constant");
+    folder.write("system/controlDict", foamFile("dictionary", "controlDict", entries));
 }
 
 void writeTwoCubes(const TempFolder& folder, const std::string& meshFolder)
 {
-    const auto write = [&](const std::string& name, const std::string& text) {
+    const auto write = [&](const std::string& className, const std::string& name, const std::string& body) {
+        std::string text = foamFile(className, name, body);
+        text.insert(text.find("}\n"), "    note \"nPoints:12  nCells:2  nFaces:11  nInternalFaces:1\";\n");
         folder.write(meshFolder + "/" + name, text);
     };
-    write("points", foamFile("vectorField", "points",
-                             "12\n(\n(0 0 0)\n(1 0 0)\n(2 0 0)\n(0 1 0)\n(1 1 0)\n(2 1 0)\n"
-                             "(0 0 1)\n(1 0 1)\n(2 0 1)\n(0 1 1)\n(1 1 1)\n(2 1 1)\n)\n"));
-    write("faces", foamFile("faceList", "faces",
-                            "11\n(\n4(1 4 10 7)\n4(0 6 9 3)\n4(0 1 7 6)\n4(3 9 10 4)\n4(0 3 4 1)\n4(6 7 10 9)\n"
-                            "4(2 5 11 8)\n4(1 2 8 7)\n4(4 10 11 5)\n4(1 4 5 2)\n4(7 8 11 10)\n)\n"));
-    const std::string note = "    note \"nPoints:12  nCells:2  nFaces:11  nInternalFaces:1\";\n}\n";
-    const auto labels = [&](const std::string& name, const std::vector<int>& values) {
-        std::string text = foamFile("labelList", name, labelList(values));
-        write(name, text.replace(text.find("}\n"), 2, note));
-    };
-    labels("owner", {0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1});
-    labels("neighbour", {1});
-    write("boundary", boundaryFile({{"left side", "patch", 1, 1}, {"none", "wall", 0, 2}, {"rest", "wall", 9, 2}}));
-    write("cellZones", cellZonesFile({{"z %1", {1}}}));
-    write("faceZones", faceZonesFile({{"inner", {0}}}));
+    write("vectorField", "points",
+          "12\n(\n(0 0 0)\n(1 0 0)\n(2 0 0)\n(0 1 0)\n(1 1 0)\n(2 1 0)\n"
+          "(0 0 1)\n(1 0 1)\n(2 0 1)\n(0 1 1)\n(1 1 1)\n(2 1 1)\n)\n");
+    write("faceList", "faces",
+          "11\n(\n4(1 4 10 7)\n4(0 6 9 3)\n4(0 1 7 6)\n4(3 9 10 4)\n4(0 3 4 1)\n4(6 7 10 9)\n"
+          "4(2 5 11 8)\n4(1 2 8 7)\n4(4 10 11 5)\n4(1 4 5 2)\n4(7 8 11 10)\n)\n");
+    write("labelList", "owner", labelList({0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1}));
+    write("labelList", "neighbour", labelList({1}));
+    folder.write(meshFolder + "/boundary",
+                 boundaryFile({{"left side", "patch", 1, 1}, {"none", "wall", 0, 2}, {"rest", "wall", 9, 2}}));
+    folder.write(meshFolder + "/cellZones", zonesFile(false, {{"z %1", {1}}}));
+    folder.write(meshFolder + "/faceZones", zonesFile(true, {{"inner", {0}}}));
 }
 
-void writeControlDict(const TempFolder& folder, const std::string& entries)
+std::string joined(const Texts& texts)
 {
-    folder.write("system/controlDict", foamFile("dictionary", "controlDict", entries));
+    std::string all;
+    for (const std::string& text : texts) {
+        all += (all.empty() ? "" : ", ") + text;
+    }
+    return all;
 }

@@ -18,23 +18,22 @@ struct PatchEntry
     int startFace;
 };
 
-/// Name and labels of a cell or face zone.
-using ZoneEntry = std::pair<std::string, std::vector<int>>;
+using ZoneEntry = std::pair<std::string, std::vector<int>>; ///< name and labels
+using FieldPatch = std::pair<std::string, std::string>;     ///< name and entries
+using Texts = std::vector<std::string>;
 
 /// A header and whatever stands behind it.
 std::string foamFile(const std::string& className, const std::string& objectName, const std::string& body = {});
 std::string boundaryFile(const std::vector<PatchEntry>& patches);
-std::string cellZonesFile(const std::vector<ZoneEntry>& zones);
-std::string faceZonesFile(const std::vector<ZoneEntry>& zones);
-
-/// A field file whose interior is given as text, such as "uniform 0", and whose patches as pairs of name and entries.
+/// A file of cell zones, or of face zones with flip maps.
+std::string zonesFile(bool ofFaces, const std::vector<ZoneEntry>& zones);
+/// A field file whose interior is given as text, such as "uniform 0".
 std::string fieldFile(const std::string& className, const std::string& objectName, const std::string& interior,
-                      const std::vector<std::pair<std::string, std::string>>& patches = {});
-/// Values one a line, as in "nonuniform List<scalar> 2 (1 2)".
-std::string scalarList(const std::vector<double>& values);
-
-/// A case of two cubes side by side, cell 0 from x = 0 and cell 1 from x = 1, with all that belongs to it but time
-/// folders. Node (x, y, z) has the label x + 3y + 6z. Patch "left side" is the face x = 0, patch "rest" all other outer
-/// faces; cell zone "z %1" holds cell 1, face zone "inner" the face between the cells.
-void writeTwoCubes(const TempFolder& folder, const std::string& meshFolder = "constant/polyMesh");
+                      const std::vector<FieldPatch>& patches = {});
 void writeControlDict(const TempFolder& folder, const std::string& entries = {});
+/// A mesh of two cubes side by side, cell 0 from x = 0 and cell 1 from x = 1. Node (x, y, z) has the label x + 3y + 6z.
+/// The patch "left side" is the face x = 0, "rest" all other outer faces, four of cell 0 and five of cell 1; the cell
+/// zone "z %1" holds cell 1, the face zone "inner" the face between the cells.
+void writeTwoCubes(const TempFolder& folder, const std::string& meshFolder = "constant/polyMesh");
+
+std::string joined(const Texts& texts);

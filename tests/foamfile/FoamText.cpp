@@ -16,23 +16,6 @@ std::string text(double value)
     return {digits, std::to_chars(digits, digits + sizeof(digits), value).ptr};
 }
 
-template <typename T>
-std::string bytesOf(const std::vector<T>& values)
-{
-    return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T)};
-}
-
-std::string face(const std::vector<int>& nodes)
-{
-    const bool isShort = nodes.size() <= SHORT_LIST;
-    std::string line = isShort ? "" : "\n";
-    line += std::to_string(nodes.size()) + (isShort ? "(" : "\n(\n");
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        line += std::to_string(nodes[i]) + (isShort ? (i + 1 < nodes.size() ? " " : "") : "\n");
-    }
-    return line + ")\n";
-}
-
 } // namespace
 
 std::string header(const std::string& className, const std::string& object, const std::string& format,
@@ -57,7 +40,7 @@ std::string labels(const std::vector<int>& values)
 {
     std::string items;
     for (const int value : values) {
-        items += std::to_string(value) + "\n";
+        items.append(std::to_string(value)).append("\n");
     }
     return items;
 }
@@ -65,8 +48,8 @@ std::string labels(const std::vector<int>& values)
 std::string vectors(const std::vector<double>& values)
 {
     std::string items;
-    for (std::size_t i = 0; i + 3 <= values.size(); i += 3) {
-        items += "(" + text(values[i]) + " " + text(values[i + 1]) + " " + text(values[i + 2]) + ")\n";
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        items.append(i % 3 == 0 ? "(" : " ").append(text(values[i])).append(i % 3 == 2 ? ")\n" : "");
     }
     return items;
 }
@@ -75,19 +58,17 @@ std::string faces(const Faces& values)
 {
     std::string items;
     for (const std::vector<int>& nodes : values) {
-        items += face(nodes);
+        const bool isShort = nodes.size() <= SHORT_LIST;
+        items.append(isShort ? "" : "\n").append(std::to_string(nodes.size())).append(isShort ? "(" : "\n(\n");
+        for (const int node : nodes) {
+            items.append(std::to_string(node)).append(isShort ? " " : "\n");
+        }
+        if (isShort) {
+            items.pop_back();
+        }
+        items.append(")\n");
     }
     return items;
-}
-
-std::string raw(const std::vector<int>& values)
-{
-    return bytesOf(values);
-}
-
-std::string raw(const std::vector<double>& values)
-{
-    return bytesOf(values);
 }
 
 std::string compactFaces(const Faces& values)
@@ -121,7 +102,7 @@ Faces someFaces(std::size_t count, std::size_t bigEvery)
 {
     Faces values(count);
     for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t size = bigEvery != 0 && i % bigEvery == 0 ? 12 : 3 + i % 2;
+        const std::size_t size = i % bigEvery == bigEvery - 1 ? 12 : 3 + i % 2;
         for (std::size_t k = 0; k < size; ++k) {
             values[i].push_back(static_cast<int>(i + 11 * k));
         }

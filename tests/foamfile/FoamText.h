@@ -18,7 +18,7 @@ std::string header(const std::string& className, const std::string& object, cons
 /// The line of the block that tells a number of cells.
 std::string note(int cellCount);
 
-/// "N\n(\n" + items + ")\n".
+/// "N\n(\n" + items + ")\n" and a closing comment.
 std::string list(std::size_t count, const std::string& items);
 /// One label a line.
 std::string labels(const std::vector<int>& values);
@@ -28,8 +28,11 @@ std::string vectors(const std::vector<double>& values);
 std::string faces(const Faces& values);
 
 /// The bytes of values in memory.
-std::string raw(const std::vector<int>& values);
-std::string raw(const std::vector<double>& values);
+template <typename T>
+std::string raw(const std::vector<T>& values)
+{
+    return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T)};
+}
 /// "N\n(" + bytes + ")".
 template <typename T>
 std::string rawList(const std::vector<T>& values, std::size_t components = 1)
@@ -39,10 +42,10 @@ std::string rawList(const std::vector<T>& values, std::size_t components = 1)
 /// The two raw lists of a compact face list.
 std::string compactFaces(const Faces& values);
 
-/// 0, 1, 2 ... as labels, or as doubles with a fraction.
+/// 0, 1, 2 ... as labels; three times as many numbers with a fraction; triangles and quadrilaterals in turn with, every
+/// `bigEvery` faces, one of a dozen nodes.
 std::vector<int> someLabels(std::size_t count);
 std::vector<double> someVectors(std::size_t count);
-/// Triangles, quadrilaterals and, every `bigEvery` faces, one of a dozen nodes over several lines.
 Faces someFaces(std::size_t count, std::size_t bigEvery);
 
 /// The faces that a record holds.

@@ -12,6 +12,8 @@ using foamtext::header;
 
 namespace {
 
+using Map = std::map<std::string, std::string>;
+
 class OFFileBoundary : public testing::Test
 {
 protected:
@@ -30,15 +32,11 @@ protected:
 TEST(OFFileDictionary, EntriesAreTheLinesThatEndInASemicolon)
 {
     TempFolder folder;
-    folder.writeGz("controlDict.gz", header("dictionary", "controlDict") + "application\n    icoFoam;\n"
-                                                                           "startTime 0;\n"
-                                                                           "endTime   0.5 s;\r\n"
-                                                                           "deltaT 1; // comment\n"
-                                                                           "startTime 9;\n"
-                                                                           "    writeControl timeStep;\n"
-                                                                           "word;\n"
-                                                                           "functions\n{\ninner value;\n}\n"
-                                                                           "last one;");
+    folder.writeGz("controlDict.gz",
+                   header("dictionary", "controlDict") +
+                       "application\n    icoFoam;\nstartTime 0;\nendTime   0.5 s;\r\ndeltaT 1; // no\n"
+                       "startTime 9;\n    writeControl timeStep;\nword;\nfunctions\n{\ninner value;\n}\n"
+                       "last one;");
     std::map<dvn::Str, dvn::Str> entries;
     EXPECT_TRUE(OFFile(true).readDictionary(folder.str("controlDict"), "controlDict", &entries));
     // The value of an indented line is counted off from the start of the line.
@@ -50,54 +48,45 @@ TEST(OFFileDictionary, EntriesAreTheLinesThatEndInASemicolon)
     EXPECT_EQ(entries, expected);
 }
 
-TEST(OFFileDictionary, FailuresAreTold)
+TEST(OFFileDictionary, EachReaderOfASmallFileHasItsOwnWords)
 {
     TempFolder folder;
-    folder.write("a", header("dictionary", "b"));
-    folder.write("b", header("other", "b"));
-    folder.write("c", header("other", "c"));
-    std::map<dvn::Str, dvn::Str> entries;
-    std::vector<OFBoundary> boundaries;
-    std::vector<OFCellZone> cellZones;
-    std::vector<OFFaceZone> faceZones;
-    const LogCapture log;
-    EXPECT_FALSE(OFFile(true).readDictionary(folder.str("none"), "none", &entries));
-    EXPECT_FALSE(OFFile(true).readDictionary(folder.str("a"), "a", &entries));
-    EXPECT_FALSE(OFFile(true).readDictionary(folder.str("b"), "b", &entries));
-    EXPECT_FALSE(OFFile(true).readBoundary(folder.str("none"), "none", boundaries, 1));
-    EXPECT_FALSE(OFFile(true).readBoundary(folder.str("a"), "a", boundaries, 1));
-    EXPECT_FALSE(OFFile(true).readBoundary(folder.str("c"), "c", boundaries, 1));
-    EXPECT_FALSE(OFFile(true).readCellZones(folder.str("none"), "none", cellZones, 1));
-    EXPECT_FALSE(OFFile(true).readCellZones(folder.str("a"), "a", cellZones, 1));
-    EXPECT_FALSE(OFFile(true).readCellZones(folder.str("c"), "c", cellZones, 1));
-    EXPECT_FALSE(OFFile(true).readFaceZones(folder.str("none"), "none", faceZones, 1));
-    EXPECT_FALSE(OFFile(true).readFaceZones(folder.str("a"), "a", faceZones, 1));
-    EXPECT_FALSE(OFFile(true).readFaceZones(folder.str("c"), "c", faceZones, 1));
-    const auto line = [&](const std::string& message, const std::string& name) {
-        return "OFFile : " + message + " File basename is " + folder.str(name).toStdString();
-    };
-    EXPECT_EQ(log.errors(), (std::vector<std::string>{
-                                line("Failed to open dictionary file.", "none"),
-                                line("Unexpected object in dictionary file.", "a"),
-                                line("Unexpected class in dictionary file.", "b"),
-                                line("Failed to open boundary file.", "none"),
-                                line("Unexpected object in dictionary file.", "a"),
-                                line("Failed to read number of boundaries in boundary file.", "c"),
-                                line("Failed to open CellZone file.", "none"),
-                                line("Unexpected object in dictionary file.", "a"),
-                                line("Failed to read number of CellZones from file.", "c"),
-                                line("Failed to open FaceZone file.", "none"),
-                                line("Unexpected object in dictionary file.", "a"),
-                                line("Failed to read number of FaceZones from file.", "c")}));
+    folder.write("object", header("dictionary", "other"));
+    folder.write("class", header("other", "class"));
+    const std::string object = "Unexpected object in dictionary file.";
+    // What is said of a missing file, of another object, and of a file without count (of another class).
+    const std::vector<std::string> words[] = {
+        {"Failed to open dictionary file.", object, "Unexpected class in dictionary file."},
+        {"Failed to open boundary file.", object, "Failed to read number of boundaries in boundary file."},
+        {"Failed to open CellZone file.", object, "Failed to read number of CellZones from file."},
+        {"Failed to open FaceZone file.", object, "Failed to read number of FaceZones from file."}};
+    for (int reader = 0; reader < 4; ++reader) {
+        std::vector<LogLine> expected;
+        const LogCapture log;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const dvn::Str name = i == 0 ? "missing" : i == 1 ? "object" : "class";
+            const dvn::Str path = folder.str(name.toUtf8());
+            std::map<dvn::Str, dvn::Str> entries;
+            std::vector<OFBoundary> boundaries;
+            std::vector<OFCellZone> cellZones;
+            std::vector<OFFaceZone> faceZones;
+            OFFile file(true);
+            EXPECT_FALSE(reader == 0   ? file.readDictionary(path, name, &entries)
+                         : reader == 1 ? file.readBoundary(path, name, boundaries, 1)
+                         : reader == 2 ? file.readCellZones(path, name, cellZones, 1)
+                                       : file.readFaceZones(path, name, faceZones, 1));
+            expected.push_back({1, "OFFile : " + words[reader][i] + " File basename is " + path.toStdString()});
+        }
+        EXPECT_EQ(log.lines(), expected);
+    }
 }
 
 TEST_F(OFFileBoundary, PatchesComeWithTheirEntries)
 {
-    boundaries.resize(5);
-    EXPECT_TRUE(readBoundary("2\n(\n    inlet\n    {\n        type            patch;\n"
-                             "        inGroups        1(wall);\n        nFaces 20; // comment\n        nFaces 9;\n"
-                             "        startFace       760x;\n        indented without semicolon\n    }\n"
-                             "\n    w\xc3\xa4nde \n  {\r\n type wall;\r\n nFaces -3;\r\n startFace none;\r\n  }\r\n)\n"));
+    EXPECT_TRUE(
+        readBoundary("2\n(\n    inlet\n    {\n        type            patch;\n        inGroups 1(wall);\n"
+                     "        nFaces 20; // comment\n        nFaces 9;\n        startFace       760x;\n        none\n"
+                     "    }\n\n    w\xc3\xa4nde \n  {\r\n type wall;\r\n nFaces -3;\r\n startFace x;\r\n  }\r\n)\n"));
     ASSERT_EQ(boundaries.size(), 2U);
     EXPECT_EQ(boundaries[0].patchName(), "inlet");
     EXPECT_EQ(boundaries[0].type(), "patch");
@@ -113,32 +102,26 @@ TEST_F(OFFileBoundary, PatchesComeWithTheirEntries)
 
 TEST_F(OFFileBoundary, APatchKeepsAllItsKeysAndTheFirstOfEach)
 {
-    folder.write("info", "// comment\n{\n  a 1 ;\n  b;\n  a 2;\n  {\n  c 3;\n  }\n  d 4;\n");
+    folder.write("info", "// comment\n{\n  a 1(w) ;\n  b;\n  a 2;\n  {\n  c 3;\n  }\n  d 4;\n");
     OFFile file(false);
     EXPECT_TRUE(file.open(folder.str("info")));
     // The comment in front is taken for the name, and the brace of the inner block ends the entry.
-    const std::map<std::string, std::string> expected = {
-        {"patchName", "// comment"}, {"a", "1 "}, {"", ""}, {"c", "3"}};
-    EXPECT_EQ(file.readBoundaryInfo(), expected);
-    EXPECT_EQ(file.readBoundaryInfo(), (std::map<std::string, std::string>{{"patchName", "d 4;"}}));
+    EXPECT_EQ(file.readBoundaryInfo(), (Map{{"patchName", "// comment"}, {"a", "1(w) "}, {"", ""}, {"c", "3"}}));
+    EXPECT_EQ(file.readBoundaryInfo(), (Map{{"patchName", "d 4;"}}));
 }
 
-TEST_F(OFFileBoundary, MissingPiecesLeaveByException)
+TEST_F(OFFileBoundary, MissingPiecesLeaveByExceptionAndCountsThatLieAreRefused)
 {
     const std::string patch = "a\n{\ntype wall;\nnFaces 1;\nstartFace 2;\n}\n";
     for (const std::string key : {"type", "nFaces", "startFace"}) {
-        std::string text = patch;
-        text.replace(text.find(key), key.size(), "other");
-        EXPECT_THROW(readBoundary("1\n(\n" + text + ")\n"), std::out_of_range) << key;
+        EXPECT_THROW(readBoundary("1\n(\n" + std::string(patch).replace(patch.find(key), 1, "x")), std::out_of_range);
     }
     EXPECT_THROW(readBoundary("2\n(\n" + patch), std::out_of_range) << "the second patch has no name";
     EXPECT_FALSE(readBoundary("2\n"));
     const LogCapture log;
     boundaries.clear();
-    for (const std::string count : {"1000000", "4294967295"}) {
-        EXPECT_FALSE(readBoundary(count + "\n(\n" + patch + ")\n"));
-        EXPECT_TRUE(boundaries.empty());
-        EXPECT_EQ(log.errors().back(), "OFFile : Invalid number of items in boundary file. File basename is " +
-                                           folder.str("boundary").toStdString());
-    }
+    EXPECT_FALSE(readBoundary("1000000\n(\n" + patch) || readBoundary("4294967295\n(\n" + patch));
+    EXPECT_TRUE(boundaries.empty());
+    const std::string line = "OFFile : Invalid number of items in boundary file. File basename is ";
+    EXPECT_EQ(log.lines(), std::vector<LogLine>(2, {1, line + folder.str("boundary").toStdString()}));
 }

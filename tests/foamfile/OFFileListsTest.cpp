@@ -6,38 +6,22 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <stdexcept>
 
 using namespace foamtext;
 
 namespace {
 
-/// A whole-file reader with what it says.
-struct Reader
+bool readWholeFile(const std::string& className, const dvn::Str& path)
 {
-    std::string className;
-    std::string kind;
-    std::function<bool(const dvn::Str&)> read;
-};
-
-std::vector<Reader> wholeFileReaders()
-{
-    return {{"labelList", "labels file",
-             [](const dvn::Str& path) {
-                 std::vector<int> labels;
-                 int cells = 0;
-                 return OFFile(true).readLabelList(path, "thing", &labels, &cells);
-             }},
-            {"vectorField", "vector field file",
-             [](const dvn::Str& path) {
-                 std::vector<double> values;
-                 return OFFile(true).readVectorField(path, "thing", &values);
-             }},
-            {"faceList", "face list file", [](const dvn::Str& path) {
-                 FacesData faces;
-                 return OFFile(true).readFaceList(path, "thing", &faces);
-             }}};
+    std::vector<int> labels;
+    std::vector<double> values;
+    FacesData faces;
+    int cells = 0;
+    OFFile file(true);
+    return className == "labelList"     ? file.readLabelList(path, "thing", &labels, &cells)
+           : className == "vectorField" ? file.readVectorField(path, "thing", &values)
+                                        : file.readFaceList(path, "thing", &faces);
 }
 
 class OFFileLabels : public testing::Test
@@ -48,11 +32,10 @@ protected:
         folder.write("owner", bytes);
         return OFFile(true).readLabelList(folder.str("owner"), "owner", &labels, &cells);
     }
-    static std::string ownerHeader(const std::string& format = "ascii")
-    {
-        return header("labelList", "owner", format, note(42));
-    }
+    std::string path() const { return folder.str("owner").toStdString(); }
 
+    const std::string ascii = header("labelList", "owner", "ascii", note(42));
+    const std::string binary = header("labelList", "owner", "binary", note(42));
     TempFolder folder;
     std::vector<int> labels;
     int cells = 0;
@@ -63,80 +46,72 @@ protected:
 TEST(OFFileWholeFiles, EachReaderReportsInItsOwnWordsAndOnce)
 {
     TempFolder folder;
-    for (const Reader& reader : wholeFileReaders()) {
-        struct Case
-        {
-            std::string text;
-            std::string message;
-        };
-        const std::string good = header(reader.className, "thing", "ascii", note(1));
-        const Case cases[] = {
-            {"", "Failed to open " + reader.kind},
-            {header(reader.className, "other"), "Unexpected object in " + reader.kind},
-            {header("other", "thing"), "Unexpected class in " + reader.kind},
-            {good + "no count 3", "Failed to read number of items in " + reader.kind},
-            {good + "3000000000\n(\n)\n", "Invalid number of items in " + reader.kind},
-            {good + "2147483647\n(\n)\n", "Invalid number of items in " + reader.kind},
-            {good + "2000000000\n(\n)\n", "Invalid number of items in " + reader.kind},
-        };
-        for (const Case& c : cases) {
-            SCOPED_TRACE(c.message);
-            folder.write("100%1", c.text);
+    // A percent sign in the path must not take part in the message.
+    const dvn::Str path = folder.str("100%1");
+    const std::pair<std::string, std::string> readers[] = {
+        {"labelList", "labels file"}, {"vectorField", "vector field file"}, {"faceList", "face list file"}};
+    for (const auto& [className, kind] : readers) {
+        const std::string good = header(className, "thing", "ascii", note(1));
+        const std::pair<std::string, std::string> cases[] = {
+            {"", "Failed to open "},
+            {header(className, "other"), "Unexpected object in "},
+            {header("other", "thing"), "Unexpected class in "},
+            {good + "no count 3", "Failed to read number of items in "},
+            {good + "3000000000\n(\n)\n", "Invalid number of items in "},
+            {good + "2147483647\n(\n)\n", "Invalid number of items in "},
+            {good + "2000000000\n(\n)\n", "Invalid number of items in "}};
+        for (const auto& [text, message] : cases) {
+            folder.write("100%1", text);
             const LogCapture log;
-            EXPECT_FALSE(reader.read(folder.str("100%1")));
-            const std::string path = folder.str("100%1").toStdString();
-            EXPECT_EQ(log.lines(), (std::vector<LogLine>{{1, "OFFile : " + c.message + ". File basename is " + path}}));
+            EXPECT_FALSE(readWholeFile(className, path));
+            const std::string line = "OFFile : " + message + kind + ". File basename is " + path.toStdString();
+            EXPECT_EQ(log.lines(), (std::vector<LogLine>{{1, line}}));
         }
         for (const std::string missing : {"object", "class"}) {
-            std::string text = good;
-            text.replace(text.find(missing), missing.size(), "nothing");
-            folder.write("file", text);
+            folder.write("100%1", std::string(good).replace(good.find(missing), 1, "x"));
             try {
-                reader.read(folder.str("file"));
+                readWholeFile(className, path);
                 ADD_FAILURE() << "no exception for a missing " << missing;
             } catch (const std::out_of_range& e) {
                 EXPECT_STREQ(e.what(), "map::at:  key not found");
             }
         }
-        folder.write("empty", good + "0()\n");
-        EXPECT_TRUE(reader.read(folder.str("empty")));
+        folder.write("100%1", good + "0()\n");
+        EXPECT_TRUE(readWholeFile(className, path));
     }
 }
 
 TEST_F(OFFileLabels, AsciiBinaryAndGzipGiveTheSame)
 {
-    // More than one chunk, and no label whose first byte is a line feed.
-    std::vector<int> expected = someLabels(60000);
-    const std::string ascii = ownerHeader() + list(expected.size(), foamtext::labels(expected));
-    const std::string binary = ownerHeader("binary") + rawList(expected) + "\n";
-    for (const std::string& text : {ascii, binary, gzipped(ascii), gzipped(binary)}) {
-        labels = {7};
+    const std::vector<int> expected = someLabels(60000);
+    const std::string text = ascii + list(expected.size(), foamtext::labels(expected));
+    const std::string raw = binary + rawList(expected) + "\n";
+    ASSERT_GT(text.size(), OFFile::CHUNK_SIZE);
+    for (const std::string& bytes : {text, raw, gzipped(text), gzipped(raw)}) {
         cells = 0;
-        EXPECT_TRUE(readOwner(text));
+        EXPECT_TRUE(readOwner(bytes));
         EXPECT_EQ(labels, expected);
         EXPECT_EQ(cells, 42);
     }
-    EXPECT_TRUE(readOwner(ownerHeader() + "3(4 5 6)\n"));
-    EXPECT_EQ(labels, (std::vector<int>{4, 5, 6}));
 }
 
 TEST_F(OFFileLabels, CellsAreCountedByTheNoteAlone)
 {
-    const auto withNote = [](const std::string& text) {
-        return header("labelList", "owner", "ascii", "    note " + text + ";\n") + "1\n(\n0\n)\n";
+    const auto readNote = [&](const std::string& text) {
+        return readOwner(header("labelList", "owner", "ascii", "    note " + text + ";\n") + "1\n(\n0\n)\n");
     };
-    EXPECT_TRUE(readOwner(withNote("\"nCells:  17nFaces:3\"")));
+    EXPECT_TRUE(readNote("\"nCells:  17nFaces:3\""));
     EXPECT_EQ(cells, 17);
-    EXPECT_TRUE(readOwner(withNote("\"nCells:none nFaces:3\"")));
+    EXPECT_TRUE(readNote("\"nCells:none nFaces:3\""));
     EXPECT_EQ(cells, 0);
+    EXPECT_TRUE(readNote("\"nCells:3\""));
+    EXPECT_EQ(cells, 3);
     const LogCapture log;
-    EXPECT_FALSE(readOwner(withNote("\"nFaces:3 nCells:17\"")));
-    EXPECT_FALSE(readOwner(withNote("\"nPoints:3\"")));
-    EXPECT_FALSE(readOwner(withNote("\"nCells:3\"")));
+    EXPECT_FALSE(readNote("\"nFaces:3 nCells:17\"") || readNote("\"nPoints:3\""));
     EXPECT_EQ(log.errors(),
-              std::vector<std::string>(3, "OFFile : Failed to read number of cells in file. This info should be "
+              std::vector<std::string>(2, "OFFile : Failed to read number of cells in file. This info should be "
                                           "available as 'note' in the header of File: " +
-                                              folder.str("owner").toStdString()));
+                                              path()));
     EXPECT_THROW(readOwner(header("labelList", "owner") + "1\n(\n0\n)\n"), std::out_of_range);
 }
 
@@ -144,77 +119,53 @@ TEST_F(OFFileLabels, CellsAreCountedByTheNoteAlone)
 TEST_F(OFFileLabels, AListThatDiffersFromItsCountKeepsWhatCame)
 {
     const LogCapture log;
-    EXPECT_TRUE(readOwner(ownerHeader() + "2\n(\n1\n2\n3\n)\n"));
+    EXPECT_TRUE(readOwner(ascii + "2\n(\n1\n2\n3\n)\n"));
     EXPECT_EQ(labels, (std::vector<int>{1, 2}));
-    EXPECT_EQ(log.infos(), std::vector<std::string>());
-    for (const std::string& text : {ownerHeader() + "4\n(\n1\n2\n)\n", ownerHeader() + "4\n(\n1\n2\n-3\n4\n)\n",
-                                   ownerHeader() + "4\n(\n1\r\n2\n3\n4\n)\n", ownerHeader() + "4\n(\n1\n2\n",
-                                   ownerHeader("binary") + "4\n(" + raw(std::vector<int>{1, 2})}) {
+    for (const std::string& text :
+         {ascii + "4\n(\n1\n2\n)\n", ascii + "4\n(\n1\n2\n-3\n4\n)\n", ascii + "4\n(\n1\n2\r\n3\n4\n)\n",
+          ascii + "4\n(\n1\n2\n", binary + "4\n(" + raw(std::vector<int>{1, 2})}) {
         labels.clear();
         EXPECT_FALSE(readOwner(text));
-        const std::size_t found = text.find('\r') != std::string::npos ? 0 : 2;
-        EXPECT_EQ(labels, (found == 2 ? std::vector<int>{1, 2, 0, 0} : std::vector<int>{0, 0, 0, 0}));
-        EXPECT_EQ(log.infos().back(), "OFFile : List is shorter than its count: 4 items promised, " +
-                                          std::to_string(found) + " found. File is " + folder.str("owner").toStdString());
+        const bool hasReturn = text.find('\r') != std::string::npos;
+        EXPECT_EQ(labels, (std::vector<int>{1, hasReturn ? 0 : 2, 0, 0}));
+        EXPECT_EQ(log.lines().back(),
+                  (LogLine{3, "OFFile : List is shorter than its count: 4 items promised, " +
+                                  std::string(hasReturn ? "1" : "2") + " found. File is " + path()}));
     }
     EXPECT_EQ(log.lines().size(), 5U);
 }
 
 TEST_F(OFFileLabels, ACountBeyondTheFileSizesNothing)
 {
-    // The compressed file can hold a thousand times its size, so its count is believed for longer.
-    const std::string text = ownerHeader() + "100000\n(\n1\n)\n";
-    labels = {7};
-    EXPECT_FALSE(readOwner(text));
-    EXPECT_EQ(labels, std::vector<int>{7});
-    EXPECT_FALSE(readOwner(gzipped(text)));
+    // A compressed file can hold a thousand times its size, so its count is believed for longer.
+    for (const std::string& bytes : {ascii + "100000\n(\n1\n)\n", gzipped(ascii + "1000000000\n(\n1\n)\n")}) {
+        labels = {7};
+        EXPECT_FALSE(readOwner(bytes));
+        EXPECT_EQ(labels, std::vector<int>{7});
+    }
+    EXPECT_FALSE(readOwner(gzipped(ascii + "100000\n(\n1\n)\n")));
     EXPECT_EQ(labels.size(), 100000U);
-    labels = {7};
-    EXPECT_FALSE(readOwner(gzipped(ownerHeader() + "1000000000\n(\n1\n)\n")));
-    EXPECT_EQ(labels, std::vector<int>{7});
 }
 
 TEST_F(OFFileLabels, ALineFeedAsFirstRawByteIsLost)
 {
-    // The bracket that ends the list makes up for it.
-    EXPECT_TRUE(readOwner(ownerHeader("binary") + rawList(std::vector<int>{10, 1})));
-    EXPECT_EQ(raw(labels), (raw(std::vector<int>{10, 1}) + ")").substr(1));
-    EXPECT_TRUE(readOwner(ownerHeader("binary") + rawList(std::vector<int>{1, 10})));
-    EXPECT_EQ(labels, (std::vector<int>{1, 10}));
+    const std::vector<int> written = {10, 1};
+    EXPECT_TRUE(readOwner(binary + rawList(written))) << "the bracket that ends the list makes up for it";
+    EXPECT_EQ(raw(labels), (raw(written) + ")").substr(1));
 }
 
 TEST_F(OFFileLabels, NoLabelIsLostAtAChunkBorder)
 {
-    std::vector<int> expected(38000, 123456);
-    expected.front() = 7;
-    expected.back() = 8;
     for (std::size_t shift = 0; shift < 10; ++shift) {
-        const std::string first = std::string(shift, '0') + "7\n";
         for (const std::string separator : {"\n", " ", "\n\n\n"}) {
-            std::string text = ownerHeader() + "38000(" + first;
-            for (std::size_t i = 1; i + 1 < expected.size(); ++i) {
-                text += "123456" + separator;
+            std::string text = ascii + "38000(" + std::string(shift, '0') + "7" + separator;
+            for (std::size_t i = 1; i < 38000; ++i) {
+                text.append("123456").append(separator);
             }
-            ASSERT_TRUE(readOwner(text + "8)\n")) << shift << "'" << separator << "'";
+            ASSERT_TRUE(readOwner(text + ")\n")) << shift << "'" << separator << "'";
+            std::vector<int> expected(38000, 123456);
+            expected[0] = 7;
             ASSERT_EQ(labels, expected);
         }
     }
-}
-
-TEST_F(OFFileLabels, WhatFollowsAListStaysToBeRead)
-{
-    folder.write("lists", header("labelList", "lists") + "3(1 2 3);\nmore\n2\n(\n4\n5\n)\n;end\n");
-    OFFile file(true);
-    EXPECT_TRUE(file.open(folder.str("lists")));
-    labels.resize(3);
-    EXPECT_TRUE(file.readNextLabelList(&labels));
-    int count = 0;
-    EXPECT_TRUE(file.readNextIntLineFromCurrentChunk(&count));
-    EXPECT_EQ(count, 2);
-    labels.resize(2);
-    EXPECT_TRUE(file.readNextLabelList(&labels));
-    EXPECT_EQ(labels, (std::vector<int>{4, 5}));
-    EXPECT_TRUE(file.skipAfterNext(';'));
-    std::string line;
-    EXPECT_TRUE(file.getNextLineStartingWith("end", line));
 }

@@ -58,6 +58,9 @@ public:
         if (m_folder == "crashes") {
             std::abort();
         }
+        if (m_folder == "group-on-worker") {
+            std::thread([geometry] { geometry->addNodeGroup(); }).join();
+        }
         DDPNodeGroup* const bodyNodes = geometry->addNodeGroup();
         DDPElementGroup* const body = geometry->addElementGroup(bodyNodes->nodeGroupId());
         DDPNodeGroup* const skinNodes = geometry->addNodeGroup();

@@ -124,15 +124,14 @@ TEST(SampleMesh, PolyhedraFillTheirCubeAndHaveFourteenFacesInside)
 
 TEST(SampleMesh, MixedCellsHaveAllShapesAndFitEachOther)
 {
-    const BoxLattice lattice = {{4, 2, 3}};
+    const BoxLattice lattice = {{5, 2, 3}};
     const SampleMesh mesh = makeMixedMesh(lattice);
     expectSound(mesh, boxVolume(lattice));
     expectBoxPatches(mesh);
-    // Six cubes a slab: 2 prisms, 6 pyramids, 12 tetrahedra each; every hexahedron here has a side in triangles.
+    // Six cubes a slab: 2 prisms, 6 pyramids, 12 tetrahedra each; half of the hexahedra have a side in triangles.
     const std::map<std::pair<std::size_t, std::size_t>, int> expected = {
-        {{5, 6}, 12}, {{5, 5}, 36}, {{7, 8}, 6}, {{4, 4}, 72}};
+        {{5, 6}, 12}, {{5, 5}, 36}, {{6, 8}, 6}, {{7, 8}, 6}, {{4, 4}, 72}};
     EXPECT_EQ(cellsByShape(mesh), expected);
-    EXPECT_EQ((cellsByShape(makeMixedMesh({{8, 2, 3}}))[{6, 8}]), 6) << "hexahedra away from the tetrahedra";
 }
 
 TEST(SampleMesh, PiecesKeepTheirShareAndMeetInTheSameFaces)
@@ -140,6 +139,7 @@ TEST(SampleMesh, PiecesKeepTheirShareAndMeetInTheSameFaces)
     const BoxLattice lattice = {{4, 3, 2}};
     const SampleMesh whole = makeHexMesh(lattice);
     std::vector<int> domains;
+    domains.reserve(static_cast<std::size_t>(whole.cellCount));
     for (int cell = 0; cell < whole.cellCount; ++cell) {
         domains.push_back(cell % 4 < 1 ? 0 : 1);
     }

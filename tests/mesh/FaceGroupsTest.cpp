@@ -95,7 +95,7 @@ TEST(BoundaryGroup, APatchWithoutFacesStillMakesEveryCall)
     EXPECT_EQ(surface.elements.polyhedraCalls, 1);
 }
 
-TEST(BoundaryGroup, APatchBeyondTheMeshIsCutToItsFaces)
+TEST(BoundaryGroup, APatchBeyondTheMeshIsDeliveredAsFarAsThereAreFaces)
 {
     const OFPolymesh mesh = meshOfFaces({{0, 1, 2}, {1, 2, 3}, {2, 3, 4}}, 5);
     struct Case
@@ -115,7 +115,7 @@ TEST(BoundaryGroup, APatchBeyondTheMeshIsCutToItsFaces)
         OFBoundary boundary = patch(patchCase.start, patchCase.count);
         const Surface surface = deliver(mesh, &boundary);
         EXPECT_EQ(boundary.faceToCellMapping(), patchCase.cells) << patchCase.start << " " << patchCase.count;
-        EXPECT_EQ(boundary.faceCount(), patchCase.cells.size());
+        EXPECT_EQ(boundary.faceCount(), patchCase.count) << "what the file claims stays: the mesh may be read again";
         EXPECT_EQ(boundary.nodeCountPerFace().size(), patchCase.cells.size());
         EXPECT_EQ(surface.elementCount, patchCase.cells.size());
         EXPECT_EQ(surface.elements.types.size(), patchCase.cells.size());
@@ -132,10 +132,8 @@ TEST(FaceZoneGroup, FacesComeInTheOrderOfTheZoneAllWithIdZero)
     const OFPolymesh mesh = meshOfFaces({{0, 1, 2, 3}, {4, 5, 6, 7}, {2, 3, 8}, {0, 8, 2}}, 9);
     OFFaceZone zone;
     zone.faceIds() = {3, -1, 0, 4, 2147483647, 2};
-    zone.flipMap() = {1, 0, 0, 0, 0, 1};
     const Surface surface = deliver(mesh, &zone);
-    EXPECT_EQ(zone.faceIds(), (std::vector<int>{3, 0, 2}));
-    EXPECT_EQ(zone.flipMap(), (std::vector<int>{1, 0, 1}));
+    EXPECT_EQ(zone.faceCount(), 6U);
     EXPECT_EQ(surface.elementCount, 3U);
     EXPECT_EQ(surface.nodeCount, 5U);
     EXPECT_EQ(surface.elements.types, (std::vector<int>{DDP_TRIANGLE, DDP_QUADRILATERAL, DDP_TRIANGLE}));

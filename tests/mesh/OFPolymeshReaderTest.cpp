@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFPolymeshReader.h"
-#include "support/LogCapture.h"
 #include "bench/SyntheticMesh.h"
+#include "support/LogCapture.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>

@@ -19,6 +19,8 @@ std::string block(const std::string& className, const std::string& object)
 
 const std::string POINTS = "\n4\n(\n(0 0 0)\n(1 0 0)\n(0 1 0)\n(0 0 1)\n)\n";
 const std::string CENTERS = "\n2\n(\n(0.25 0.25 0)\n(0.5 0.5 0.5)\n)\n";
+/// The count is that of the offsets, one more than faces.
+const std::string COMPACT_FACES = "\n3\n(\n3(0 1 2)\n3(1 3 2)\n)\n";
 const std::string FACES = "\n2\n(\n3(0 1 2)\n3(1 3 2)\n)\n";
 
 struct Delivered
@@ -57,7 +59,7 @@ TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
     folder.write("bare/faces", FACES);
     folder.write("bare/faceCentres", CENTERS);
     folder.write("headed/points", block("vectorField", "points") + POINTS);
-    folder.writeGz("headed/faces.gz", block("faceList", "faces") + FACES);
+    folder.writeGz("headed/faces.gz", block("faceCompactList", "faces") + COMPACT_FACES);
     folder.write("headed/faceCentres", block("vectorField", "faceCentres") + CENTERS);
     for (const std::string name : {"bare", "headed"}) {
         SCOPED_TRACE(name);
@@ -72,12 +74,15 @@ TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
         EXPECT_EQ(lines[1].rfind("OFTriSurfaceReader : Faces file done. Read 2 items. Time used : ", 0), 0U);
         EXPECT_EQ(lines[2].rfind("OFTriSurfaceReader : Points file done. Read 12 items. Time used : ", 0), 0U);
         EXPECT_EQ(surface.facecenters(), (std::vector<double>{0.25, 0.25, 0, 0.5, 0.5, 0.5}));
-        const Delivered delivered = deliver(&surface);
+        Delivered delivered = deliver(&surface);
         EXPECT_EQ(delivered.nodeCount, 4U);
         EXPECT_EQ(delivered.nodes.coordinates, (std::vector<double>{0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1}));
         EXPECT_EQ(delivered.nodes.ids, (std::vector<int>{1, 2, 3, 4}));
         EXPECT_EQ(delivered.elementCount, 2U);
         EXPECT_EQ(delivered.elements.uniformType, DDP_TRIANGLE);
+        // The list of a compact file ends in slack, which goes with it.
+        ASSERT_GE(delivered.elements.connectivity.size(), 6U);
+        delivered.elements.connectivity.resize(6);
         EXPECT_EQ(delivered.elements.connectivity, (std::vector<int>{0, 1, 2, 1, 3, 2}));
         EXPECT_EQ(delivered.elements.ids, (std::vector<int>{1, 2}));
     }
@@ -116,16 +121,16 @@ TEST(TriSurface, FacesWithoutPointsOrLabelsAreDroppedAndTheOthersKeptAsTheyStand
     OFTriSurface surface;
     surface.points().resize(12);
     // A quadrilateral stays, though hosts see it shift the rest; the last two faces are what a short file leaves.
-    surface.faces() = facesOf({{0, 1, 2}, {1, 4, 2}, {0, 1, 2, 3}, {-1, 0, 1}, {3, 2, 1}, {}, {}});
-    surface.faces().nodeOffsets[5] = 0;
+    surface.faces() = facesOf({{0, 1, 2}, {1, 4, 2}, {}, {0, 1, 2, 3}, {-1, 0, 1}, {3, 2, 1}, {}, {}});
     surface.faces().nodeOffsets[6] = 0;
+    surface.faces().nodeOffsets[7] = 0;
     const Delivered delivered = deliver(&surface);
     EXPECT_EQ(delivered.elementCount, 3U);
     EXPECT_EQ(delivered.elements.ids, (std::vector<int>{1, 2, 3}));
     EXPECT_EQ(delivered.elements.connectivity, (std::vector<int>{0, 1, 2, 0, 1, 2, 3, 3, 2, 1}));
 }
 
-TEST(TriSurface, OffsetsThatLeadOutOfTheListReachNothing)
+TEST(TriSurface, OffsetsThatLeadAstrayReachNothingAndMultiplyNothing)
 {
     for (const int offset : {-1, 4, 6, 2147483647}) {
         OFTriSurface surface;
@@ -135,4 +140,10 @@ TEST(TriSurface, OffsetsThatLeadOutOfTheListReachNothing)
         EXPECT_LE(deliver(&surface).elementCount, 2U);
         EXPECT_LE(surface.faces().nodes.size(), 6U);
     }
+    OFTriSurface surface;
+    surface.points().resize(12);
+    surface.faces() = facesOf({{0, 1, 2}, {1, 3, 2}, {0, 1, 3}, {}});
+    surface.faces().nodeOffsets = {0, 6, 0, 0};
+    EXPECT_EQ(deliver(&surface).elementCount, 2U);
+    EXPECT_EQ(surface.faces().nodes.size(), 9U);
 }

@@ -1,51 +1,33 @@
 // SPDX-License-Identifier: MIT
 #include "border/HostProviderInfo.h"
 #include "foamfile/OFLogger.h"
+#include "provider/OpenCase.h"
 #include "provider/OpenFoamProviderFactory.h"
 #include "provider/PluginRegistration.h"
-#include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using Texts = std::vector<std::string>;
-
 // The callbacks of the init record carry no object, so what they hear stands here.
 Texts heard;
 DDPFactoryRegistration registration;
-std::int32_t answer = 1;
 
 std::int32_t onRegister(const char* name, DDPFactoryRegistration* given)
 {
     heard.push_back(std::string("register ") + name);
     registration = *given;
-    return answer;
-}
-
-void onInfo(const char* key, const char* value)
-{
-    heard.push_back(std::string(key) + "=" + value);
-}
-
-void onLog(int level, const char* text)
-{
-    heard.push_back(std::to_string(level) + " " + text);
-}
-
-DDPPluginExitFunction registerWithAnswer(std::int32_t value)
-{
-    heard.clear();
-    answer = value;
-    const DDPPluginInitRecord record = {nullptr, onRegister, onLog, onInfo};
-    const DDPPluginExitFunction result = registerPlugin(record);
-    OFLogger::get().init(nullptr);
-    return result;
+    return 1;
 }
 
 TEST(Registration, TellsWhatThePluginIsInAFixedOrder)
 {
-    const DDPPluginExitFunction exitFunction = registerWithAnswer(1);
+    const DDPPluginInitRecord record = {
+        nullptr, onRegister,
+        [](std::int32_t level, const char* text) { heard.push_back(std::to_string(level) + " " + text); },
+        [](const char* key, const char* value) { heard.push_back(std::string(key) + "=" + value); }};
+    const DDPPluginExitFunction exitFunction = registerPlugin(record);
+    OFLogger::get().init(nullptr);
     ASSERT_EQ(exitFunction, &pluginExitFunc);
     exitFunction();
     const std::string compiler = DDPUtils::compilerInfoString();
@@ -58,27 +40,17 @@ TEST(Registration, TellsWhatThePluginIsInAFixedOrder)
     registration.destroyFactory(nullptr);
 }
 
-TEST(Registration, AnswersNullWhenRefusedButOnlyAfterTheInfo)
-{
-    EXPECT_EQ(registerWithAnswer(0), nullptr);
-    EXPECT_EQ(heard.size(), 4U + 3U + 1U);
-    // The refused factory is alive, and the host's to destroy.
-    EXPECT_FALSE(registration.factory->isSupportedByProvider(DDPString("x")));
-    registration.destroyFactory(registration.factory);
-}
-
 TEST(Factory, DeclaresTheSettingsInTheOrderThatHostsShow)
 {
     HostProviderInfo info;
     EXPECT_TRUE(OpenFoamProviderFactory().getProviderInfo(&info));
-    EXPECT_EQ(info.name, "OpenFoam DataProvider Reader");
-    EXPECT_EQ(info.fileMask, "case.foam");
-    Texts settings;
+    EXPECT_EQ(info.name + "|" + info.fileMask, "OpenFoam DataProvider Reader|case.foam");
+    Texts declared;
     for (const HostSetting& setting : info.settings) {
-        settings.push_back(setting.key + "|" + setting.label + "|" +
+        declared.push_back(setting.key + "|" + setting.label + "|" +
                            (setting.isBool ? (setting.boolDefault ? "on" : "off") : setting.stringDefault));
     }
-    EXPECT_EQ(settings, (Texts{"LOAD_BC_PARTS|Load Boundary Parts|on", "LOAD_CELL_ZONES|Load Cell Zones|on",
+    EXPECT_EQ(declared, (Texts{"LOAD_BC_PARTS|Load Boundary Parts|on", "LOAD_CELL_ZONES|Load Cell Zones|on",
                                "LOAD_FACE_ZONES|Load Face Zones|off",
                                "LOAD_GLOBAL_MESH|Load Global Mesh i.e from constant/polyMesh|on",
                                "LOAD_LOCAL_MESHES|Load Local Meshes i.e from constant/region*/polyMesh|on",
@@ -97,19 +69,6 @@ TEST(Factory, KnowsACaseByItsFileNameAlone)
     for (const char* const path : {"", "///", "/a/case.foam.bak", "/a/mycase.foam", "/case.foam/x"}) {
         EXPECT_FALSE(factory.isSupportedByProvider(DDPString(path))) << path;
     }
-    factory.destroyProviderInstance(factory.createProviderInstance());
-    factory.destroyProviderInstance(nullptr);
-}
-
-// A name beyond ASCII that is UTF-8 already is encoded once more on this road, and only on this one.
-TEST(HostStrings, AreConvertedOrCopied)
-{
-    EXPECT_STREQ(DDPString::fromChar(nullptr).c_str(), "");
-    EXPECT_STREQ(DDPString::fromChar("a\xE9").c_str(), "a\xC3\xA9");
-    EXPECT_STREQ(DDPString("a\xC3\xA9").c_str(), "a\xC3\xA9");
-    DDPString copy = DDPString::fromChar("x");
-    copy = DDPString("y");
-    EXPECT_STREQ(DDPString(copy).c_str(), "y");
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/CaseFiles.h"
 #include "provider/OpenCase.h"
 #include "support/LogCapture.h"
 
@@ -11,53 +10,51 @@
 
 namespace {
 
-using Texts = std::vector<std::string>;
-
-/// The folder that a key leads to, as the log names it; empty if nothing was tried.
-std::string folderOf(const std::string& key)
-{
-    const LogCapture log;
-    OpenFoamProvider provider;
-    EXPECT_EQ(provider.init(DDPString(key.c_str()), HostOptions(), nullptr), 0);
-    const std::string start = "OFReader : Failed to open case ";
-    const std::string end = " - file does not exist";
-    const Texts errors = log.errors();
-    return errors.empty() ? "" : errors[0].substr(start.size(), errors[0].size() - start.size() - end.size());
-}
-
 TEST(CasePath, LosesItsFileName)
 {
-    EXPECT_EQ(folderOf("/no/run/case.foam"), "/no/run");
-    EXPECT_EQ(folderOf("C:\\no\\run\\case.foam"), "C:/no/run");
-    EXPECT_EQ(folderOf("no/run//case.foam"), "no/run");
-    EXPECT_EQ(folderOf("no/case.foam"), "no");
-    EXPECT_EQ(folderOf("case.foam"), "");
-    EXPECT_EQ(folderOf("//"), "");
-    EXPECT_EQ(folderOf(""), "");
+    const auto firstErrorOf = [](const char* key) {
+        const LogCapture log;
+        EXPECT_EQ(OpenFoamProvider().init(DDPString(key), HostOptions(), nullptr), 0);
+        return log.errors().empty() ? "" : log.errors()[0];
+    };
+    for (const auto& [key, folder] :
+         std::vector<std::pair<const char*, std::string>>{{"/no/run/case.foam", "/no/run"},
+                                                          {"C:\\no\\run\\case.foam", "C:/no/run"},
+                                                          {"no/run//case.foam", "no/run"},
+                                                          {"no/case.foam", "no"}}) {
+        EXPECT_EQ(firstErrorOf(key), "OFReader : Failed to open case " + folder + " - file does not exist");
+    }
+    for (const char* const key : {"case.foam", "//", ""}) {
+        EXPECT_EQ(firstErrorOf(key), "") << key;
+    }
 }
 
 TEST(Settings, AreReadInTheirOrderAndLoggedWhereGiven)
 {
-    HostOptions options;
-    options.setBool("LOAD_FACE_ZONES", true);
-    options.setBool("NODE_AVG_RES", false);
+    HostOptions options = settings({{"LOAD_FACE_ZONES", true}, {"NODE_AVG_RES", false}});
     options.setString("RESULTS_NAMES_MAPPING", "secret=1");
     const LogCapture log;
-    OpenFoamProvider provider;
-    provider.init(DDPString("case.foam"), options, nullptr);
-    EXPECT_EQ(options.askedKeys(),
-              (Texts{"LOAD_GLOBAL_MESH", "LOAD_LOCAL_MESHES", "LOAD_BC_PARTS", "LOAD_CELL_ZONES", "LOAD_FACE_ZONES",
-                     "NODE_AVG_RES", "HIDE_PARALLEL_INTERFACES", "RESULTS_NAMES_MAPPING"}));
-    const std::string source = "OpenFoamProvider : ";
-    const std::string header = std::to_string(TBB_VERSION_MAJOR) + "." + std::to_string(TBB_VERSION_MINOR) +
-                               " (Interface version: " + std::to_string(TBB_INTERFACE_VERSION) + ")";
-    EXPECT_EQ(log.infos(),
-              (Texts{source + "init(key = 'case.foam')", source + "Dalvorn Data Providers version: 1.9.99",
-                     source + "Dalvorn Core Modules version: 3.10.0", source + "DDP API version: 7.0",
-                     source + "Using Intel TBB version: " + header +
-                         " - Runtime interface: " + std::to_string(TBB_runtime_interface_version()),
-                     source + "** User settings **", source + " - LOAD_FACE_ZONES: ON", source + " - NODE_AVG_RES: OFF",
-                     source + " - RESULTS_NAMES_MAPPING: ENABLED", source + " "}));
+    OpenFoamProvider().init(DDPString("case.foam"), options, nullptr);
+    EXPECT_EQ(joined(options.askedKeys()), "LOAD_GLOBAL_MESH, LOAD_LOCAL_MESHES, LOAD_BC_PARTS, LOAD_CELL_ZONES, "
+                                           "LOAD_FACE_ZONES, NODE_AVG_RES, HIDE_PARALLEL_INTERFACES, "
+                                           "RESULTS_NAMES_MAPPING");
+    Texts expected = {"init(key = 'case.foam')",
+                      "Dalvorn Data Providers version: 1.9.99",
+                      "Dalvorn Core Modules version: 3.10.0",
+                      "DDP API version: 7.0",
+                      "Using Intel TBB version: " + std::to_string(TBB_VERSION_MAJOR) + "." +
+                          std::to_string(TBB_VERSION_MINOR) +
+                          " (Interface version: " + std::to_string(TBB_INTERFACE_VERSION) +
+                          ") - Runtime interface: " + std::to_string(TBB_runtime_interface_version()),
+                      "** User settings **",
+                      " - LOAD_FACE_ZONES: ON",
+                      " - NODE_AVG_RES: OFF",
+                      " - RESULTS_NAMES_MAPPING: ENABLED",
+                      " "};
+    for (std::string& line : expected) {
+        line = "OpenFoamProvider : " + line;
+    }
+    EXPECT_EQ(log.infos(), expected);
 }
 
 // Each switch has one visible effect of its own, so a setting that reaches the wrong setter shows.
@@ -68,27 +65,21 @@ TEST(Settings, ReachTheReader)
     writeTwoCubes(folder);
     writeTwoCubes(folder, "constant/region/polyMesh");
     folder.write("0/p", fieldFile("volScalarField", "p", "uniform 0"));
-    const auto shape = [&](const std::string& key, bool value) {
-        HostOptions options;
-        if (!key.empty()) {
-            options.setBool(key, value);
-        }
+    const auto shape = [&](const HostOptions& options) {
         OpenCase openCase(folder.path(), options);
-        const HostMetaData& description = openCase.metaData();
         std::string text;
-        for (const char* const kind : {"patch", "wall", "CellZone", "FaceZone"}) {
-            text += std::to_string(std::ranges::count(description.groups, kind, &HostGroup::type));
+        for (const char* const type : {"", "patch", "wall", "CellZone", "FaceZone"}) {
+            text += std::to_string(std::ranges::count(openCase.metaData().groups, type, &HostGroup::type));
         }
-        const auto parts = std::ranges::count(description.groups, HostGroupKind::Part, &HostGroup::kind);
-        return text + " " + std::to_string(parts) + " " + std::to_string(description.results.size());
+        return text + " " + std::to_string(openCase.metaData().results.size());
     };
-    EXPECT_EQ(shape("", true), "2210 2 2");
-    EXPECT_EQ(shape("LOAD_BC_PARTS", false), "0010 2 2");
-    EXPECT_EQ(shape("LOAD_CELL_ZONES", false), "2200 2 2");
-    EXPECT_EQ(shape("LOAD_FACE_ZONES", true), "2211 2 2");
-    EXPECT_EQ(shape("LOAD_GLOBAL_MESH", false), "1100 1 0");
-    EXPECT_EQ(shape("LOAD_LOCAL_MESHES", false), "1110 1 2");
-    EXPECT_EQ(shape("NODE_AVG_RES", false), "2210 2 1");
+    EXPECT_EQ(shape({}), "22210 2");
+    EXPECT_EQ(shape(settings({{"LOAD_BC_PARTS", false}})), "20010 2");
+    EXPECT_EQ(shape(settings({{"LOAD_CELL_ZONES", false}})), "22200 2");
+    EXPECT_EQ(shape(settings({{"LOAD_FACE_ZONES", true}})), "22211 2");
+    EXPECT_EQ(shape(settings({{"LOAD_GLOBAL_MESH", false}})), "11100 0");
+    EXPECT_EQ(shape(settings({{"LOAD_LOCAL_MESHES", false}})), "11110 2");
+    EXPECT_EQ(shape(settings({{"NODE_AVG_RES", false}})), "22210 1");
 }
 
 } // namespace

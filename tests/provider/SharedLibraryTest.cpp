@@ -5,34 +5,32 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
-#include <set>
-#include <sstream>
+#include <regex>
 
 #include <dlfcn.h>
 
 namespace {
 
-bool isLoaded()
-{
-    void* const handle = dlopen(PLUGIN_FILE, RTLD_NOLOAD | RTLD_NOW);
-    if (handle != nullptr) {
-        dlclose(handle);
-    }
-    return handle != nullptr;
-}
-
 std::string outputOf(const std::string& command)
 {
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     std::string text;
-    std::array<char, 256> piece;
-    while (pipe != nullptr && std::fgets(piece.data(), static_cast<int>(piece.size()), pipe.get()) != nullptr) {
-        text += piece.data();
+    for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get())) {
+        text.push_back(static_cast<char>(c));
     }
     return text;
+}
+
+/// What the pattern's group finds in a text, each time.
+Texts matches(const std::string& text, const std::string& pattern)
+{
+    const std::regex regex(pattern);
+    Texts found;
+    for (std::sregex_iterator match(text.begin(), text.end(), regex); match != std::sregex_iterator(); ++match) {
+        found.push_back((*match)[1]);
+    }
+    return found;
 }
 
 // Twice, since what the first load leaves behind in the process shows at the second.
@@ -43,19 +41,20 @@ TEST(SharedLibrary, IsLoadedUsedUnloadedAndLoadedAgain)
         {
             PluginLibrary library(PLUGIN_FILE);
             EXPECT_EQ(library.providerName(), "OpenFoamProvider");
-            EXPECT_EQ(library.apiVersion(), 7);
             const HostOptions options;
             CaseSession session(library, dataCase("zones"), options);
             EXPECT_EQ(session.geometry().elementGroups.size(), 4U);
             const HostMetaData& description = session.metaData();
-            ASSERT_EQ(description.results.size(), 6U);
+            EXPECT_EQ(description.results.size(), 6U);
             for (const HostResultInfo& info : description.results) {
                 EXPECT_NE(session.result(info, description.states.back().id), nullptr) << info.name;
             }
         }
-        EXPECT_FALSE(isLoaded());
+        void* const kept = dlopen(PLUGIN_FILE, RTLD_NOLOAD | RTLD_NOW);
+        ASSERT_NE(kept, nullptr) << "the code went while threads of TBB may still be in it";
+        dlclose(kept);
     }
-    EXPECT_EQ(BorderFaults::get().take(), std::vector<std::string>());
+    EXPECT_EQ(joined(BorderFaults::get().take()), "");
 }
 
 TEST(SharedLibrary, GivesNoExitFunctionToAHostThatRefuses)
@@ -65,33 +64,16 @@ TEST(SharedLibrary, GivesNoExitFunctionToAHostThatRefuses)
     EXPECT_EQ(library.pluginInfo().size(), 3U);
 }
 
-TEST(SharedLibrary, ExportsItsEntryAlone)
+TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
 {
-    std::istringstream lines(outputOf(std::string(NM_TOOL) + " -D --defined-only " + PLUGIN_FILE));
-    std::vector<std::string> symbols;
-    for (std::string address, type, name; lines >> address >> type >> name;) {
-        symbols.push_back(name);
+    EXPECT_EQ(joined(matches(outputOf(std::string(NM_TOOL) + " -D --defined-only " + PLUGIN_FILE), " [A-Za-z] (\\S+)")),
+              "initializeDataProviderPlugin");
+    const std::regex allowed("lib(tbb|tbb_debug|z|stdc\\+\\+|m|gcc_s|c)|ld-linux.*|lib(asan|ubsan|tsan|clang_rt.*)");
+    const Texts needed = matches(outputOf(std::string(READELF_TOOL) + " -d " + PLUGIN_FILE), "NEEDED.*\\[(.*)\\.so");
+    EXPECT_GE(needed.size(), 4U);
+    for (const std::string& name : needed) {
+        EXPECT_TRUE(std::regex_match(name, allowed)) << name;
     }
-    EXPECT_EQ(symbols, std::vector<std::string>{"initializeDataProviderPlugin"});
-}
-
-TEST(SharedLibrary, NeedsThreadingCompressionAndTheRunTimeAlone)
-{
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a sanitizer adds a run-time of its own";
-#endif
-    const std::set<std::string> allowed = {"libtbb.so",   "libz.so", "libstdc++.so",      "libm.so",
-                                           "libgcc_s.so", "libc.so", "ld-linux-x86-64.so"};
-    std::istringstream lines(outputOf(std::string(READELF_TOOL) + " -d " + PLUGIN_FILE));
-    std::set<std::string> needed;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.find("(NEEDED)") != std::string::npos) {
-            const std::size_t start = line.find('[') + 1;
-            needed.insert(line.substr(start, line.find(".so", start) + 3 - start));
-        }
-    }
-    EXPECT_TRUE(needed.contains("libz.so") && needed.size() > 1);
-    EXPECT_TRUE(std::ranges::includes(allowed, needed));
 }
 
 } // namespace

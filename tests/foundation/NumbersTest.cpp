@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+#include "LibCore/Numbers.h"
+#include "DvnCore/Str.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstring>
+#include <locale>
+#include <random>
+#include <sstream>
+
+namespace {
+
+/// Extraction from a real stream, which the written out conversions stand for.
+template <typename Number>
+std::pair<bool, Number> fromStream(const std::wstring& text)
+{
+    std::wistringstream stream(text);
+    stream.imbue(std::locale::classic());
+    Number value = 0;
+    stream >> value;
+    return {!stream.fail(), value};
+}
+
+template <typename Number>
+void expectLikeStream(const std::string& text, bool (*extract)(std::wstring_view, Number*))
+{
+    const std::wstring wide(text.begin(), text.end());
+    const auto [isNumber, expected] = fromStream<Number>(wide);
+    Number value = 17;
+    EXPECT_EQ(extract(wide, &value), isNumber) << text;
+    // Bit by bit: a negative zero is one.
+    EXPECT_EQ(std::memcmp(&value, &expected, sizeof(value)), 0) << text << ": " << value << " for " << expected;
+}
+
+template <typename Character>
+struct CommaPunctuation : std::numpunct<Character>
+{
+    Character do_decimal_point() const override { return ','; }
+    Character do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+/// Makes the comma the decimal sign of all new streams, and of the C library where the system has such a locale.
+class CommaLocale
+{
+public:
+    CommaLocale()
+        : m_before(std::locale::global(
+              std::locale(std::locale(std::locale(), new CommaPunctuation<char>), new CommaPunctuation<wchar_t>)))
+    {
+        for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "nl_NL.UTF-8", "de_DE", "fr_FR"}) {
+            std::setlocale(LC_ALL, name);
+        }
+    }
+    ~CommaLocale()
+    {
+        std::locale::global(m_before);
+        std::setlocale(LC_ALL, "C");
+    }
+    CommaLocale(const CommaLocale&) = delete;
+    CommaLocale& operator=(const CommaLocale&) = delete;
+
+private:
+    std::locale m_before;
+};
+
+} // namespace
+
+TEST(Numbers, TextsConvertAsExtractionFromAStreamDoes)
+{
+    for (const std::string text : {"",
+                                   " ",
+                                   "0",
+                                   "-0",
+                                   "-0.0",
+                                   "+1",
+                                   "12abc",
+                                   " \t\n\v\f\r42 7",
+                                   "1.5.2",
+                                   ".",
+                                   "-",
+                                   "+",
+                                   "-.5",
+                                   "5.",
+                                   "1e",
+                                   "1e+",
+                                   "1e-2",
+                                   "1E5x",
+                                   "e5",
+                                   "1e5e5",
+                                   "inf",
+                                   "nan",
+                                   "0x10",
+                                   "1,5",
+                                   "1'000",
+                                   "--1",
+                                   "+-1",
+                                   "1e400",
+                                   "-1e400",
+                                   "1e-400",
+                                   "4.9e-324",
+                                   "2147483647",
+                                   "2147483648",
+                                   "-2147483648",
+                                   "-2147483649",
+                                   "9223372036854775807",
+                                   "9223372036854775808",
+                                   "-9223372036854775808",
+                                   "-9223372036854775809",
+                                   "99999999999999999999999",
+                                   "3.5e38",
+                                   "3.4028235e38",
+                                   "0.1",
+                                   "123456789012345678901234567890",
+                                   "1.7976931348623157e308",
+                                   "1.7976931348623159e308",
+                                   "00012",
+                                   "1 2",
+                                   "0e",
+                                   "0e0",
+                                   "1.e3",
+                                   ".e3"}) {
+        expectLikeStream<double>(text, dvf::extractDouble);
+        expectLikeStream<float>(text, dvf::extractFloat);
+        expectLikeStream<int>(text, dvf::extractInt);
+        expectLikeStream<long long>(text, dvf::extractInt64);
+    }
+    std::mt19937 random(3);
+    const std::string alphabet = "0123456789012345678..+-eE x";
+    std::uniform_int_distribution<std::size_t> letter(0, alphabet.size() - 1);
+    std::uniform_int_distribution<std::size_t> length(0, 14);
+    for (int round = 0; round < 20000; ++round) {
+        std::string text;
+        for (std::size_t k = length(random); k > 0; --k) {
+            text.push_back(alphabet[letter(random)]);
+        }
+        expectLikeStream<double>(text, dvf::extractDouble);
+        expectLikeStream<float>(text, dvf::extractFloat);
+        expectLikeStream<int>(text, dvf::extractInt);
+        expectLikeStream<long long>(text, dvf::extractInt64);
+    }
+}
+
+TEST(Numbers, AWholeTokenIsOneNumberAsTheCLibrarySays)
+{
+    for (const std::string text :
+         {"",     "1",   "+1",      " 1",       "1 ",   "-1.5e3", "1e400", "-1e400", "1e-400", "0x1p4", "0x", "inf",
+          "-INF", "nan", "nan(12)", "infinity", "1.5x", "x",      "1e",    "1e5 ",   ".",      "-",     "1,5"}) {
+        char* end = nullptr;
+        const double expected = std::strtod(text.c_str(), &end);
+        double value = 17.0;
+        EXPECT_EQ(dvf::tokenToDouble(text, &value), !text.empty() && *end == '\0') << text;
+        EXPECT_TRUE(value == expected || (value != value && expected != expected)) << text << ": " << value;
+    }
+    double value = 17.0;
+    EXPECT_FALSE(dvf::tokenToDouble(std::string(dvf::MAX_NUMBER_LENGTH + 1, '1'), &value));
+    EXPECT_EQ(value, 0.0);
+}
+
+// Hosts set the locale of the user; case files do not follow it.
+TEST(Numbers, TheLocaleOfTheHostPlaysNoPart)
+{
+    const CommaLocale locale;
+    std::ostringstream shown;
+    shown << 1234.5;
+    ASSERT_EQ(shown.str(), "1.234,5") << "the locale is at work";
+    double value = 0.0;
+    EXPECT_TRUE(dvf::tokenToDouble("1.5", &value));
+    EXPECT_EQ(value, 1.5);
+    EXPECT_TRUE(dvf::tokenToDouble("+1.5", &value)) << "by the C library";
+    EXPECT_EQ(value, 1.5);
+    EXPECT_FALSE(dvf::tokenToDouble("1,5", &value));
+    EXPECT_EQ(dvn::Str("2.5").toDouble(), 2.5);
+    EXPECT_EQ(dvn::Str::number(1234567.5, 'f', 2), "1234567.50");
+}

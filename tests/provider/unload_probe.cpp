@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+//
+// A host that does not link TBB itself: when it closes the plug-in, nothing else would hold TBB, whose threads run on.
+// It opens a case, draws it, closes the library and lives on for a moment, several times. A crash is the failure.
+#include "border/CaseSession.h"
+#include "border/HostOptions.h"
+#include "border/PluginLibrary.h"
+
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+namespace {
+
+constexpr int ROUNDS = 5;
+/// Long enough for idle threads to look for work, which is when they would run into unmapped code.
+constexpr std::chrono::milliseconds AFTERLIFE(30);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: %s PLUGIN CASE\n", argv[0]);
+        return 2;
+    }
+    for (int round = 0; round < ROUNDS; ++round) {
+        {
+            PluginLibrary library(argv[1]);
+            const HostOptions options;
+            CaseSession session(library, argv[2], options);
+            if (session.geometry().elementGroups.empty()) {
+                return 1;
+            }
+        }
+        std::this_thread::sleep_for(AFTERLIFE);
+    }
+    return 0;
+}

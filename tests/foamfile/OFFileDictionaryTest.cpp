@@ -48,39 +48,6 @@ TEST(OFFileDictionary, EntriesAreTheLinesThatEndInASemicolon)
     EXPECT_EQ(entries, expected);
 }
 
-TEST(OFFileDictionary, EachReaderOfASmallFileHasItsOwnWords)
-{
-    TempFolder folder;
-    folder.write("object", header("dictionary", "other"));
-    folder.write("class", header("other", "class"));
-    const std::string object = "Unexpected object in dictionary file.";
-    // What is said of a missing file, of another object, and of a file without count (of another class).
-    const std::vector<std::string> words[] = {
-        {"Failed to open dictionary file.", object, "Unexpected class in dictionary file."},
-        {"Failed to open boundary file.", object, "Failed to read number of boundaries in boundary file."},
-        {"Failed to open CellZone file.", object, "Failed to read number of CellZones from file."},
-        {"Failed to open FaceZone file.", object, "Failed to read number of FaceZones from file."}};
-    for (int reader = 0; reader < 4; ++reader) {
-        std::vector<LogLine> expected;
-        const LogCapture log;
-        for (std::size_t i = 0; i < 3; ++i) {
-            const dvn::Str name = i == 0 ? "missing" : i == 1 ? "object" : "class";
-            const dvn::Str path = folder.str(name.toUtf8());
-            std::map<dvn::Str, dvn::Str> entries;
-            std::vector<OFBoundary> boundaries;
-            std::vector<OFCellZone> cellZones;
-            std::vector<OFFaceZone> faceZones;
-            OFFile file(true);
-            EXPECT_FALSE(reader == 0   ? file.readDictionary(path, name, &entries)
-                         : reader == 1 ? file.readBoundary(path, name, boundaries, 1)
-                         : reader == 2 ? file.readCellZones(path, name, cellZones, 1)
-                                       : file.readFaceZones(path, name, faceZones, 1));
-            expected.push_back({1, "OFFile : " + words[reader][i] + " File basename is " + path.toStdString()});
-        }
-        EXPECT_EQ(log.lines(), expected);
-    }
-}
-
 TEST_F(OFFileBoundary, PatchesComeWithTheirEntries)
 {
     EXPECT_TRUE(

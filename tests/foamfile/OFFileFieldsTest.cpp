@@ -69,46 +69,38 @@ TEST_F(OFFileFields, EveryFormOfTheInteriorIsRead)
 
 TEST_F(OFFileFields, FormsThatCannotBeReadAreTold)
 {
-    const std::string noNumber = "Could not convert uniform value to a double. File basename is ";
-    const std::string badCount = "Invalid number of items in result file. File basename is ";
-    const std::string badSize = "Error reading result, values buffer is not correctly dimensioned. File basename is ";
-    const std::string tensors = "Error reading result, tensor results are currently not supported. File basename is ";
-    const std::string last = "Error reading result. File basename is ";
-    struct Case
-    {
-        const char* kind;
-        const char* text;
-        std::size_t size;
-        std::vector<std::string> messages;
-    };
-    const Case cases[] = {
-        {"Scalar", "uniform", 3, {"Failed to read uniform value in result file. File basename is "}},
-        {"Scalar", "uniform x;\n", 3, {noNumber}},
-        {"Vector", "uniform (1 y 3);\n", 3, {noNumber}},
-        {"Vector", "uniform (1 2", 3, {}},
-        {"Scalar", "uniform;\n", 3, {"Failed to read number of items in result file. File basename is ", last}},
-        {"Scalar", "nonuniform List<scalar> \n4\n(1 2 3 4);\n", 3, {badSize, last}},
-        {"Scalar", "nonuniform List<scalar> 4(1 2 3 4);\n", 3, {badSize, last}},
-        {"Scalar", "nonuniform List<scalar> 99999999999(1);\n", 3, {badCount, last}},
-        {"Scalar", "nonuniform List<scalar> -1(1);\n", 3, {badCount, last}},
-        {"Vector", "nonuniform List<vector> \n2147483646\n(\n", 3, {badCount, last}},
-        {"Tensor", "nonuniform List<tensor> \n1\n((1 2 3 4 5 6 7 8 9));\n", 6, {tensors, last}},
-        {"Tensor", "nonuniform List<tensor> 1((1 2 3 4 5 6 7 8 9));\n", 6, {tensors, last}},
-        {"Scalar", "nonuniform List<scalar> \n2\n(\n1\n\nx\n)\n", 2, {last}},
-        {"Symm", "uniform 1;\n", 3, {"Could not recognize result class volSymmField from File "}},
-        {"Symm", "nonuniform List<scalar> \n3\n(1 2 3);\n", 3, {badSize, last}},
-    };
-    for (const Case& c : cases) {
+    const std::string noNumber = "Could not convert uniform value to a double";
+    const std::string badCount = "Invalid number of items in result file";
+    const std::string badSize = "Error reading result, values buffer is not correctly dimensioned";
+    const std::string tensors = "Error reading result, tensor results are currently not supported";
+    const std::string noClass = "Invalid resultClassName in open foam file";
+    const std::string last = "Error reading result";
+    // The messages up to their full stop.
+    const auto told = [&](const std::string& kind, const std::string& text, std::size_t size) {
         const LogCapture log;
-        EXPECT_FALSE(readInterior(c.kind, c.text, c.size)) << c.text;
-        std::vector<std::string> expected;
-        for (const std::string& message : c.messages) {
-            expected.push_back("OFFile : " + message + path());
+        EXPECT_FALSE(readInterior(kind, text, size)) << text;
+        std::vector<std::string> messages = log.errors();
+        for (std::string& message : messages) {
+            message = message.substr(9, std::min(message.find(". "), message.find(" from File")) - 9);
         }
-        std::vector<std::string> errors = log.errors();
-        std::erase(errors, "OFFile : Invalid resultClassName in open foam file. We do not recognize:  volSymmField");
-        EXPECT_EQ(errors, expected) << c.text;
-    }
+        return messages;
+    };
+    using Messages = std::vector<std::string>;
+    EXPECT_EQ(told("Scalar", "uniform", 3), Messages{"Failed to read uniform value in result file"});
+    EXPECT_EQ(told("Scalar", "uniform x;\n", 3), Messages{noNumber});
+    EXPECT_EQ(told("Vector", "uniform (1 y 3);\n", 3), Messages{noNumber});
+    EXPECT_EQ(told("Vector", "uniform (1 2", 3), Messages{});
+    EXPECT_EQ(told("Scalar", "uniform;\n", 3), (Messages{"Failed to read number of items in result file", last}));
+    EXPECT_EQ(told("Symm", "uniform 1;\n", 3), Messages{"Could not recognize result class volSymmField"});
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> \n4\n(1 2 3 4);\n", 3), (Messages{badSize, last}));
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> 4(1 2 3 4);\n", 3), (Messages{badSize, last}));
+    EXPECT_EQ(told("Symm", "nonuniform List<scalar> \n3\n(1 2 3);\n", 3), (Messages{noClass, badSize, last}));
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> 99999999999(1);\n", 3), (Messages{badCount, last}));
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> -1(1);\n", 3), (Messages{badCount, last}));
+    EXPECT_EQ(told("Vector", "nonuniform List<vector> \n2147483646\n(\n", 3), (Messages{badCount, last}));
+    EXPECT_EQ(told("Tensor", "nonuniform List<tensor> \n1\n((1 2 3 4 5 6 7 8 9));\n", 6), (Messages{tensors, last}));
+    EXPECT_EQ(told("Tensor", "nonuniform List<tensor> 1((1 2 3 4 5 6 7 8 9));\n", 6), (Messages{tensors, last}));
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> \n2\n(\n1\n\nx\n)\n", 2), Messages{last});
     EXPECT_THROW(readInterior("Scalar", "nonuniform List<scalar> 3 (1 2 3);\n", 3), std::invalid_argument);
 }
 
@@ -183,27 +175,18 @@ TEST_F(OFFileFields, NoScalarIsLostAtAChunkBorder)
 
 TEST_F(OFFileFields, AListThatIsTooShortTellsWhatItHolds)
 {
-    struct Case
-    {
-        const char* kind;
-        std::string text;
-        std::string format;
-        bool isRead;
-        std::string told;
-    };
-    const Case cases[] = {
-        {"Scalar", "nonuniform List<scalar> \n6\n(\n1\n2\n)\n;\n", "ascii", false, "6 items promised, 2"},
-        {"Vector", "nonuniform List<vector> \n2\n(\n(1 2 3)\n)\n;\n", "ascii", false, "2 items promised, 1"},
-        {"Scalar", "nonuniform List<scalar> \n6\n(" + raw(Values{1, 2}), "binary", false, "6 items promised, 2"},
-        {"Scalar", "nonuniform List<scalar> 6(1 2);\n", "ascii", true, "6 items promised, 2"},
-        {"Vector", "nonuniform List<vector> 2((1 2 3));\n", "ascii", true, "2 items promised, 1"},
-    };
-    for (const Case& c : cases) {
+    const auto told = [&](const std::string& kind, const std::string& text, const std::string& format = "ascii") {
         const LogCapture log;
-        EXPECT_EQ(readInterior(c.kind, c.text, 6, c.format), c.isRead);
-        EXPECT_EQ(log.infos(), std::vector<std::string>{"OFFile : List is shorter than its count: " + c.told +
-                                                        " found. File is " + path()});
-    }
+        const std::string answer = readInterior(kind, text, 6, format) ? "true, " : "false, ";
+        return log.infos().size() == 1 ? answer + log.infos()[0].substr(41) : "nothing";
+    };
+    const std::string two = "6 items promised, 2 found. File is " + path();
+    const std::string one = "2 items promised, 1 found. File is " + path();
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> \n6\n(\n1\n2\n)\n;\n"), "false, " + two);
+    EXPECT_EQ(told("Vector", "nonuniform List<vector> \n2\n(\n(1 2 3)\n)\n;\n"), "false, " + one);
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> \n6\n(" + raw(Values{1, 2}), "binary"), "false, " + two);
+    EXPECT_EQ(told("Scalar", "nonuniform List<scalar> 6(1 2);\n"), "true, " + two);
+    EXPECT_EQ(told("Vector", "nonuniform List<vector> 2((1 2 3));\n"), "true, " + one);
     EXPECT_EQ(values, (Values{1, 2, 3, 0, 0, 0})) << "what a line lacks is zero";
 }
 

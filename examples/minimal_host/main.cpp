@@ -44,7 +44,10 @@ class PrintingGroups final : public DDPElementGroupInfo
 public:
     void reserved0() override {}
     void reserved1() override {}
-    void addGroup(std::int32_t id, const DDPString& name) override { std::printf("  group %d: %s\n", id, name.c_str()); }
+    void addGroup(std::int32_t id, const DDPString& name) override
+    {
+        std::printf("  group %d: %s\n", id, name.c_str());
+    }
     void setBoundaryFlag(std::int32_t /*id*/, std::int32_t /*flag*/) override {}
     void setParentPart(std::int32_t /*id*/, std::int32_t /*parent*/) override {}
     void reserved2() override {}

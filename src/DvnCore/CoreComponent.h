@@ -13,5 +13,4 @@ public:
     static Str versionString() { return Str("3.10.0"); }
 };
 
-
 } // namespace dvn

@@ -15,8 +15,9 @@ namespace dvn {
 /// The string of all internal interfaces: a handle over a wide text of its own.
 ///
 /// Copies never share storage, so different objects may be used on different threads, and one object may be read by
-/// many. Text from `char` arrays is kept byte by byte (`dvf::String`): `toUtf8` gives it back as it came and is the road
-/// to files, to the host and to comparisons of names; `toStdString` answers "?" beyond ASCII and is the road to the log.
+/// many. Text from `char` arrays is kept byte by byte (`dvf::String`): `toUtf8` gives it back as it came and is the
+/// road to files, to the host and to comparisons of names; `toStdString` answers "?" beyond ASCII and is the road to
+/// the log.
 class Str
 {
 public:
@@ -64,8 +65,8 @@ public:
 
     /// The text with its lowest placeholder (%0 to %99) filled in, in every place where it stands.
     ///
-    /// The text is scanned as it is now, so a chain of calls fills %1, then %2, whatever their order, and a percent sign
-    /// that an earlier call inserted counts as well. A positive `fieldWidth` pads in front, a negative one behind.
+    /// The text is scanned as it is now, so a chain of calls fills %1, then %2, whatever their order, and a percent
+    /// sign that an earlier call inserted counts as well. A positive `fieldWidth` pads in front, a negative one behind.
     Str arg(const Str& text, int fieldWidth = 0, char fill = ' ') const;
     Str arg(char character, int fieldWidth = 0, char fill = ' ') const;
     Str arg(int value, int fieldWidth = 0, char fill = ' ') const;

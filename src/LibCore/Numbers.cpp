@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "LibCore/Numbers.h"
 
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -8,7 +9,6 @@
 #include <locale.h>
 #include <string>
 #include <system_error>
-#include <charconv>
 
 namespace dvf {
 namespace {

@@ -53,7 +53,8 @@ public:
     void replace(const String& from, const String& to);
 
     /// Replaces all occurrences of the lowest placeholder (%0 to %99) by `text`, padded with `fill` to the absolute
-    /// value of `fieldWidth`: in front if it is positive, behind if it is negative. Without placeholder nothing changes.
+    /// value of `fieldWidth`: in front if it is positive, behind if it is negative. Without placeholder nothing
+    /// changes.
     String arg(const String& text, int fieldWidth, wchar_t fill) const;
 
     /// The number in the format e, E, f, F, g or G; any other format counts as g. A negative precision gives 6 digits.

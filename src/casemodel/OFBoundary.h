@@ -62,15 +62,16 @@ public:
     const std::vector<std::uint8_t>& nodeCountPerFace() const { return m_nodeCountPerFace; }
     std::uint8_t nodeCountPerFace(int i) const { return m_nodeCountPerFace[static_cast<std::size_t>(i)]; }
 
-    /// Declares the patch to the host under the id `offset` + `boundaryID`, which is stored, and hangs it under its part.
+    /// Declares the patch to the host under the id `offset` + `boundaryID`, which is stored, and hangs it under its
+    /// part.
     void addBoundaryInfo(int offset, DDPElementGroupInfo* info);
 
     /// Triangle for 3 nodes, quadrilateral for 4, the general face for anything else, 0 included.
     static DDPElementType typeFromFaceNodeCount(std::size_t nodeCount);
     /// True for the keys of a patch entry that carry result values: "value", "refValue" and "valueFraction".
     static bool isResultKeyString(const std::string& key);
-    /// True for "zeroGradient", "empty" and "calculated". Reading decides by its own, longer list; this one is for hosts
-    /// of the class that ask which types plainly continue the cell value.
+    /// True for "zeroGradient", "empty" and "calculated". Reading decides by its own, longer list; this one is for
+    /// hosts of the class that ask which types plainly continue the cell value.
     static bool isKeyForUsingCellValue(const std::string& key);
 
 private:

@@ -10,8 +10,7 @@ constexpr std::size_t NO_COUNT = static_cast<std::size_t>(-1);
 OFResult::OFResult(const dvn::Str& nativeName, const dvn::Str& name, const dvn::Str& idString, const OFUnit& unit,
                    OFResultType type, OFResultMapping mapping)
     : m_name(name), m_idString(idString), m_nativeName(nativeName), m_unit(unit), m_type(type), m_mapping(mapping)
-{
-}
+{}
 
 dvn::Str OFResult::className() const
 {
@@ -60,9 +59,9 @@ std::size_t OFResult::expectedValueCount(std::size_t nodeCount, std::size_t elem
 const std::map<std::string, OFResultTypeAndMapping>& OFResult::supportedResultClasses()
 {
     static const std::map<std::string, OFResultTypeAndMapping> CLASSES = {
-        {"volScalarField", {OFResultScalar, OFResultOnCell}},     {"volVectorField", {OFResultVector, OFResultOnCell}},
-        {"volTensorField", {OFResultTensor, OFResultOnCell}},     {"pointScalarField", {OFResultScalar, OFResultOnNode}},
-        {"pointVectorField", {OFResultVector, OFResultOnNode}},   {"pointTensorField", {OFResultTensor, OFResultOnNode}},
+        {"volScalarField", {OFResultScalar, OFResultOnCell}},   {"volVectorField", {OFResultVector, OFResultOnCell}},
+        {"volTensorField", {OFResultTensor, OFResultOnCell}},   {"pointScalarField", {OFResultScalar, OFResultOnNode}},
+        {"pointVectorField", {OFResultVector, OFResultOnNode}}, {"pointTensorField", {OFResultTensor, OFResultOnNode}},
     };
     return CLASSES;
 }

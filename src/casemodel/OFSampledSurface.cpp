@@ -5,8 +5,7 @@
 
 OFSampledSurface::OFSampledSurface(int id, const dvn::Str& name, const dvn::Str& folder)
     : m_name(name), m_userName(name + "[Surf]"), m_id(id), m_folder(folder)
-{
-}
+{}
 
 void OFSampledSurface::addSampleSurfaceInfo(int offset, DDPElementGroupInfo* info)
 {

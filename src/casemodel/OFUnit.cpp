@@ -49,8 +49,8 @@ dvn::Str OFUnit::translate() const
     const auto text = [](signed char exponent, const char* symbol) {
         return unitString(static_cast<char>(exponent), symbol);
     };
-    const dvn::Str joined = text(Kg, "Kg") + text(m, "m") + text(s, "s") + text(K, "K") + text(mol, "mol") +
-                            text(A, "A") + text(cd, "cd");
+    const dvn::Str joined =
+        text(Kg, "Kg") + text(m, "m") + text(s, "s") + text(K, "K") + text(mol, "mol") + text(A, "A") + text(cd, "cd");
     return joined.isEmpty() ? dvn::Str("DIMENSIONLESS") : joined;
 }
 

@@ -14,7 +14,8 @@ bool cellCountFromNote(const dvn::Str& note, int* cellCount)
     const dvn::Str key("nCells:");
     const std::size_t cells = note.find(key);
     const std::size_t faces = note.find("nFaces:");
-    // A text that is not there has the largest of positions, so a note without cells fails and one without faces does not.
+    // A text that is not there has the largest of positions, so a note without cells fails and one without faces does
+    // not.
     if (cells >= faces) {
         return false;
     }

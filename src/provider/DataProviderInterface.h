@@ -2,13 +2,13 @@
 //
 // The binary interface between a post-processing host and a data-provider plug-in, version 7.0.
 //
-// A host includes this header alone; it needs nothing but the C++ standard library. The host loads the plug-in, looks up
-// `initializeDataProviderPlugin`, calls it once with a filled `DDPPluginInitRecord`, and gets a factory through
+// A host includes this header alone; it needs nothing but the C++ standard library. The host loads the plug-in, looks
+// up `initializeDataProviderPlugin`, calls it once with a filled `DDPPluginInitRecord`, and gets a factory through
 // `registerProviderFactory`. From then on both sides speak through the abstract classes below.
 //
-// Virtual order is the contract. Each class declares its operations in the order of the host's tables. A `reservedN` row
-// is an operation of the host's whose name and signature the plug-in does not know and never calls; it stands there so
-// that the rows behind it keep their position. It must not be removed, moved or given a meaning. No host class has a
+// Virtual order is the contract. Each class declares its operations in the order of the host's tables. A `reservedN`
+// row is an operation of the host's whose name and signature the plug-in does not know and never calls; it stands there
+// so that the rows behind it keep their position. It must not be removed, moved or given a meaning. No host class has a
 // virtual destructor here, because a destructor would claim rows of its own: objects are owned by the side that made
 // them, and neither side deletes an object of the other through these classes.
 //
@@ -53,7 +53,8 @@ public:
         return *this;
     }
 
-    /// Converts Latin-1 to UTF-8: a byte below 0x80 is copied, any other becomes two bytes; null gives the empty string.
+    /// Converts Latin-1 to UTF-8: a byte below 0x80 is copied, any other becomes two bytes; null gives the empty
+    /// string.
     ///
     /// Callers hand over text that is UTF-8 already, so a name beyond ASCII that takes this road arrives encoded twice.
     /// Hosts rely on which names take it and which are copied, so the split stays as it is.
@@ -295,9 +296,8 @@ public:
     /// The two first arrays have one byte a polyhedron: its distinct nodes and its faces. `nodesPerFace` has one byte a
     /// face, polyhedron after polyhedron, and `faceConnectivity` the nodes of all those faces.
     virtual void setPolyhedra(const unsigned char* nodesPerPolyhedron, const unsigned char* facesPerPolyhedron,
-                              std::uint64_t polyhedronCount, const unsigned char* nodesPerFace,
-                              std::uint64_t faceCount, const std::int32_t* faceConnectivity,
-                              std::uint64_t faceConnectivityLength) = 0;
+                              std::uint64_t polyhedronCount, const unsigned char* nodesPerFace, std::uint64_t faceCount,
+                              const std::int32_t* faceConnectivity, std::uint64_t faceConnectivityLength) = 0;
     /// For each element the global part id of the group that it shows in.
     virtual void setElementPartIds(const std::int32_t* partIds, std::uint64_t count) = 0;
 

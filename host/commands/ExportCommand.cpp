@@ -11,8 +11,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
+#include <map>
 #include <optional>
 
 namespace {
@@ -55,7 +55,7 @@ bool isWholePoints(const HostValueGroup& values, std::size_t nodeCount)
            std::ranges::none_of(values.values, [](double value) { return value == UNDEFINED_VALUE; });
 }
 
-/// One result as an array that viewers show; see below for the values that are missing.
+/// One result as an array that viewers show.
 VtkArray makeArray(const std::string& name, const HostValueGroup& values)
 {
     VtkArray array = {name, values.dimension, values.values};
@@ -126,7 +126,10 @@ private:
         if (m_options.overwrite) {
             return;
         }
-        std::vector<fs::path> targets = {seriesPath()};
+        std::vector<fs::path> targets;
+        if (m_states.front().state != nullptr) {
+            targets.push_back(seriesPath());
+        }
         for (const ExportedState& state : m_states) {
             targets.push_back(indexPath(state));
             for (const ExportedGroup& group : m_groups) {

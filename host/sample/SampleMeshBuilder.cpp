@@ -26,14 +26,10 @@ std::span<const std::int32_t> SampleMeshBuilder::nodesOf(std::size_t side) const
 SampleMesh SampleMeshBuilder::build(const std::array<double, 3>& size)
 {
     findTwins();
-    SampleMesh mesh = std::move(m_mesh);
-    m_mesh = {};
-    mesh.patches = boxPatches();
-    addInternalFaces(&mesh);
-    m_mesh.points = std::move(mesh.points);
-    addPatches(size, &mesh);
-    mesh.points = std::move(m_mesh.points);
-    return mesh;
+    m_mesh.patches = boxPatches();
+    addInternalFaces();
+    addPatches(size);
+    return std::move(m_mesh);
 }
 
 void SampleMeshBuilder::findTwins()
@@ -61,15 +57,15 @@ void SampleMeshBuilder::findTwins()
     }
 }
 
-void SampleMeshBuilder::addInternalFaces(SampleMesh* mesh) const
+void SampleMeshBuilder::addInternalFaces()
 {
     // Sides stand in the order of their cells; so the owners come out in order, and each owner's neighbours are sorted.
     std::vector<std::pair<std::int32_t, std::size_t>> ofOwner; // neighbour, side
     const auto flush = [&] {
         std::ranges::sort(ofOwner);
         for (const auto& [neighbour, side] : ofOwner) {
-            mesh->addFace(nodesOf(side), m_sides[side].cell);
-            mesh->neighbours.push_back(neighbour);
+            m_mesh.addFace(nodesOf(side), m_sides[side].cell);
+            m_mesh.neighbours.push_back(neighbour);
         }
         ofOwner.clear();
     };
@@ -85,19 +81,19 @@ void SampleMeshBuilder::addInternalFaces(SampleMesh* mesh) const
     flush();
 }
 
-void SampleMeshBuilder::addPatches(const std::array<double, 3>& size, SampleMesh* mesh) const
+void SampleMeshBuilder::addPatches(const std::array<double, 3>& size)
 {
-    std::vector<std::vector<std::size_t>> sidesOfPatch(mesh->patches.size());
+    std::vector<std::vector<std::size_t>> sidesOfPatch(m_mesh.patches.size());
     for (std::size_t side = 0; side < m_sides.size(); ++side) {
         if (m_sides[side].twin < 0) {
             sidesOfPatch[patchOf(side, size)].push_back(side);
         }
     }
     for (std::size_t number = 0; number < sidesOfPatch.size(); ++number) {
-        mesh->patches[number].startFace = mesh->faceCount();
-        mesh->patches[number].faceCount = static_cast<int>(sidesOfPatch[number].size());
+        m_mesh.patches[number].startFace = m_mesh.faceCount();
+        m_mesh.patches[number].faceCount = static_cast<int>(sidesOfPatch[number].size());
         for (const std::size_t side : sidesOfPatch[number]) {
-            mesh->addFace(nodesOf(side), m_sides[side].cell);
+            m_mesh.addFace(nodesOf(side), m_sides[side].cell);
         }
     }
 }

@@ -40,13 +40,13 @@ private:
 
     /// Pairs the sides that are the same face, seen from its two cells.
     void findTwins();
-    void addInternalFaces(SampleMesh* mesh) const;
-    void addPatches(const std::array<double, 3>& size, SampleMesh* mesh) const;
+    void addInternalFaces();
+    void addPatches(const std::array<double, 3>& size);
     std::span<const std::int32_t> nodesOf(std::size_t side) const;
     /// The number of the patch whose plane a side lies in.
     std::size_t patchOf(std::size_t side, const std::array<double, 3>& size) const;
 
-    SampleMesh m_mesh; ///< points and cell count only
+    SampleMesh m_mesh; ///< points and cell count only, until it is built
     std::vector<Side> m_sides;
     std::vector<std::int32_t> m_offsets = {0}; ///< start of the nodes of each side
     std::vector<std::int32_t> m_nodes;

@@ -426,7 +426,7 @@ private:
     bool lookAheadForValue(std::string* values) const;
     void readPatchValues(const dvn::Str& resultClass, const std::string& text, std::vector<double>* values,
                          std::string* firstToken);
-    void readRawPatchList(std::size_t components, std::vector<double>* values) const;
+    void readRawPatchList(const std::string& type, std::vector<double>* values) const;
     void skipRawList(std::string_view line) const;
     void applyCellValues(const dvn::Str& resultClass, const std::vector<double>& values,
                          const std::vector<OFBoundary>& boundaries, const std::vector<Entries>& entries,

@@ -387,32 +387,37 @@ void OFFile::readNonUniformValues(std::vector<dvn::Str>& tokens, std::vector<dou
         keepPending(m_position.lastLineStart);
         m_position.lastLineStart = nullptr;
     }
-    // A list without a type, as the empty one of a patch without faces, holds nothing.
+    // A list without a type, as the empty one of a patch without faces, holds nothing. A patch that cannot be read
+    // keeps what its array holds.
     const dvn::Str type = tokens.size() > 1 ? tokens[1] : dvn::Str();
-    if (type == "List<tensor>") {
+    if (m_isBinary) {
+        readRawPatchList(type.toUtf8(), values);
+    } else if (type == "List<scalar>") {
+        static_cast<void>(readNextVolScalarField(values));
+    } else if (type == "List<vector>") {
+        static_cast<void>(readNextVolVectorField(values));
+    } else if (type == "List<tensor>") {
         static_cast<void>(skipToList());
-    } else if (type == "List<scalar>" || type == "List<vector>") {
-        // A patch that cannot be read keeps what its array holds.
-        if (m_isBinary) {
-            readRawPatchList(type == "List<scalar>" ? 1 : 3, values);
-        } else if (type == "List<scalar>") {
-            static_cast<void>(readNextVolScalarField(values));
-        } else {
-            static_cast<void>(readNextVolVectorField(values));
-        }
     }
 }
 
-/// Reads the raw list of a patch. Raw values have no end that can be seen, so the count in the file decides where the
-/// list ends, and an empty list has no brackets.
-void OFFile::readRawPatchList(std::size_t components, std::vector<double>* values) const
+/// Reads the raw list of a patch, or passes over one that is neither of scalars nor of vectors. Raw values have no end
+/// that can be seen, so the count in the file decides where the list ends, and an empty list has no brackets.
+void OFFile::readRawPatchList(const std::string& type, std::vector<double>* values) const
 {
-    int count = 0;
-    // Raw values never stand on the line of their key; what stands there is empty, and the line is used up.
-    if (m_listOnKeyLine || !readNextIntLine(&count) || count <= 0 || !skipAfterNext('(')) {
+    if (m_listOnKeyLine) {
+        // Raw values never stand on the line of their key; what stands there is empty, and the line is used up.
         return;
     }
-    const std::uint64_t present = static_cast<std::uint64_t>(count) * components;
+    if (type != "List<scalar>" && type != "List<vector>") {
+        skipRawList(type);
+        return;
+    }
+    int count = 0;
+    if (!readNextIntLine(&count) || count <= 0 || !skipAfterNext('(')) {
+        return;
+    }
+    const std::uint64_t present = static_cast<std::uint64_t>(count) * rawItemSize(type) / sizeof(double);
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(present, values->size()));
     static_cast<void>(readRaw(values->data(), sizeof(double), wanted));
     m_stream->skip((present - wanted) * sizeof(double));

@@ -30,9 +30,8 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
         translator.split('\n', chunk, lastIndex, &m_lineOffsets);
         const std::size_t lines = m_lineOffsets.size();
         const std::size_t count = std::min(lines, items - itemsRead);
-        if (lines >= items - itemsRead) {
-            // Behind the ";" no line start need be marked, so where none follows the last line's own start serves.
-            keepBehindList(chunk + m_lineOffsets[std::min(count, lines - 1)]);
+        if (lines > count) {
+            keepBehindList(chunk + m_lineOffsets[count]);
         }
         double* const target = values->data() + components * itemsRead;
         if (componentsPerLine == 1) {

@@ -93,4 +93,9 @@ TEST_F(TwoPasses, EndsOfFilesAndChunksEndTheRunAsWell)
     EXPECT_EQ(nextLine(), "nothing");
     EXPECT_FALSE(read("1 2\n", 2, 2) || read("1 2\n", 2, 0)) << "no such number of components";
     EXPECT_TRUE(read("1 2\n", 2, 3)) << "less than one item";
+    folder.write("list", "5\n");
+    std::vector<int> label(1);
+    EXPECT_TRUE(file.open(folder.str("list")) && file.readNextLabelListAscii(&label));
+    values = {-1.0};
+    EXPECT_FALSE(file.markChunkThenReadChunkStrategy(&values, 1)) << "an empty rest is no line";
 }

@@ -178,10 +178,13 @@ TEST_F(OFFileBoundaryFields, ABinaryCaseShowsWhatItsAsciiTwinShows)
     EXPECT_EQ(raw(values[1]), raw(tricky));
     values[1].clear();
     EXPECT_EQ(values, (Patches{{3}, {}, {2, 2}, {4, 5}})) << "of a list longer than its patch the rest is passed over";
-    EXPECT_TRUE(readField(section({"value nonuniform List<scalar> 0();",
-                                   "value nonuniform List<scalar> |" + rawList(Values{4}) + "|;", "value uniform 7;"}),
-                          {0, 3, 1}, "volScalarField", "binary"));
-    EXPECT_EQ(values, (Patches{{}, {4, P, P}, {7}}));
+    std::string tensor = "|    b|    {|value uniform 9;|}|";
+    tensor.resize(72, '|');
+    EXPECT_TRUE(readField(section({"value nonuniform List<tensor> |1|(" + tensor + ")|;",
+                                   "value nonuniform List<scalar> |" + rawList(Values{4}) + "|;",
+                                   "value nonuniform List<scalar> 0();", "value uniform 7;"}),
+                          {1, 3, 0, 1}, "volScalarField", "binary"));
+    EXPECT_EQ(values, (Patches{{P}, {4, P, P}, {}, {7}}));
 }
 
 TEST_F(OFFileBoundaryFields, ABrokenSectionLeavesTheInteriorAndWhatCouldBeRead)

@@ -145,4 +145,6 @@ TEST_P(OFFileLines, ALineIsFoundByItsStartHoweverLongItIs)
     EXPECT_TRUE(file.getNextLineStartingWith("internalField", line));
     EXPECT_EQ(line, sought);
     EXPECT_FALSE(file.getNextLineStartingWith("internalField", line));
+    // A byte of a raw list; only the end of the file ends the search.
+    EXPECT_TRUE(opened(std::string("a\n\0b\nc d\n", 9)).getNextLineStartingWith("c", line));
 }

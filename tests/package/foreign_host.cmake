@@ -20,7 +20,7 @@ file(REMOVE_RECURSE "${WORK_DIR}")
 set(prefix "${WORK_DIR}/prefix")
 run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
 run("${CMAKE_COMMAND}" -S "${prefix}/share/doc/openfoam-data-provider/examples/minimal_host" -B "${WORK_DIR}/host"
-    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${CXX_COMPILER})
+    -G "${GENERATOR}" -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${CXX_COMPILER})
 run("${CMAKE_COMMAND}" --build "${WORK_DIR}/host")
 
 set(case "${prefix}/share/doc/openfoam-data-provider/examples/cavity/case.foam")

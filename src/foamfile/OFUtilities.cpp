@@ -108,7 +108,7 @@ dvn::Str OFUtilities::folderNameFromPath(const dvn::Str& path)
 
 dvn::Str OFUtilities::fileBaseName(const dvn::Str& path)
 {
-    const dvn::Str name = fileNameFromPath(path);
+    dvn::Str name = fileNameFromPath(path);
     const std::size_t dot = name.toStdWString().rfind(L'.');
     if (dot == std::wstring::npos) {
         return name;

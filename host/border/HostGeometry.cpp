@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "border/HostGeometry.h"
 
+#include "border/ArrayCopy.h"
+
 namespace {
 
 // An id is not an index, and a library that mistakes one for the other must not pass; so ids start off zero.
@@ -10,15 +12,12 @@ constexpr std::int64_t FIRST_NODE_GROUP_ID = 100;
 template <typename Value>
 void keep(const Value* values, std::uint64_t count, const char* what, std::vector<Value>* target)
 {
-    target->clear();
-    if (count == 0) {
-        return;
-    }
-    if (values == nullptr) {
+    if (values == nullptr && count != 0) {
+        target->clear();
         BorderFaults::get().add(std::string("a null array for ") + what);
         return;
     }
-    target->assign(values, values + count);
+    copyArray(values, count, target);
 }
 
 template <typename Value>

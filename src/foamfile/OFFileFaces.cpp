@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/OFFile.h"
 
+#include "LibCore/LargePages.h"
 #include "foamfile/CheckedLookup.h"
 #include "foamfile/GzStream.h"
 #include "foamfile/ListMessages.h"
@@ -358,7 +359,7 @@ void OFFile::reserveNodes(FacesData* faces, std::size_t faceCount, std::size_t n
     const double nodesPerFace = static_cast<double>(nodeCount) / static_cast<double>(faceCount);
     const double estimate = nodesPerFace * static_cast<double>(faces->faceCount()) * RESERVE_MARGIN;
     const auto limit = static_cast<double>(std::min<std::uint64_t>(m_stream->contentLimit(), MAX_NODES));
-    faces->nodes.reserve(static_cast<std::size_t>(std::min(estimate, limit)));
+    dvf::reserveLarge(&faces->nodes, static_cast<std::size_t>(std::min(estimate, limit)));
 }
 
 bool OFFile::readNextFaceListAscii(FacesData* faces)
@@ -447,7 +448,7 @@ std::size_t OFFile::readCompactNodes(FacesData* faces, std::size_t labelCount) c
     std::vector<int>& nodes = faces->nodes;
     const std::size_t missing = labelCount - std::min(labelCount, nodes.size());
     const std::size_t finalSize = nodes.size() + (missing + NODES_STEP - 1) / NODES_STEP * NODES_STEP;
-    nodes.reserve(finalSize);
+    dvf::reserveLarge(&nodes, finalSize);
     std::size_t done = 0;
     while (done < labelCount) {
         const std::size_t wanted = std::min(NODES_STEP, labelCount - done);

@@ -5,6 +5,7 @@
 #include "LibCore/Numbers.h"
 #include "casemodel/OFResult.h"
 #include "foamfile/CheckedLookup.h"
+#include "foamfile/FieldPieces.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TokenScanner.h"
 
@@ -139,6 +140,25 @@ bool convertUniform(const std::vector<dvn::Str>& tokens, std::size_t first, cons
         }
     }
     return true;
+}
+
+/// Reads the scalars of a piece of a list. Each stands within a line, and the line feeds in front of a piece belong to
+/// the number before it.
+void readScalarsOfPiece(FieldPieces::Piece* piece, const char* end)
+{
+    const char* p = piece->begin;
+    TokenScanner::skipLineFeeds(p);
+    piece->isClean = true;
+    while (p < piece->limit && *p != '\0') {
+        if (!TokenScanner::scanScalar(p, end, piece->room(1))) {
+            piece->isClean = false;
+            return;
+        }
+        ++piece->count;
+        TokenScanner::skipStop(p);
+        TokenScanner::skipLineFeeds(p);
+    }
+    piece->stop = p;
 }
 
 } // namespace
@@ -390,12 +410,18 @@ bool OFFile::walkScalars(std::vector<double>* values, std::size_t* found) const
     }
     int chunks = 0;
     Chunk chunk;
+    FieldPieces pieces;
     while (nextChunk(&m_chunkBuffer, &chunk)) {
         ++chunks;
         const char* p = chunk.begin;
         if (*found != 0) {
             // Line feeds that a border cut off from the number before them.
             TokenScanner::skipLineFeeds(p);
+        }
+        if (*p != '\n') {
+            std::size_t ahead = 0;
+            p = pieces.read(p, chunk.end, values->size() - *found, values->data() + *found, readScalarsOfPiece, &ahead);
+            *found += ahead;
         }
         while (*found < values->size() && *p != '\0') {
             if (!TokenScanner::scanScalar(p, chunk.end, values->data() + *found)) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/OFFile.h"
 
+#include "LibCore/LargePages.h"
 #include "foamfile/CheckedLookup.h"
 #include "foamfile/GzStream.h"
 #include "foamfile/ListMessages.h"
@@ -72,6 +73,7 @@ bool OFFile::readLabelList(const dvn::Str& path, const dvn::Str& objectName, std
     if (!readListCount(MESSAGES, BYTES_PER_NUMBER, LARGEST_COUNT, &count)) {
         return false;
     }
+    dvf::reserveLarge(labels, static_cast<std::size_t>(count));
     labels->resize(static_cast<std::size_t>(count));
     if (count != 0 && !readLabelsReportingShort(labels)) {
         return false;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/OFFile.h"
 
+#include "LibCore/LargePages.h"
 #include "foamfile/CheckedLookup.h"
+#include "foamfile/FieldPieces.h"
 #include "foamfile/ListMessages.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TokenScanner.h"
@@ -38,6 +40,27 @@ std::size_t scanVector(const char*& p, const char* end, std::size_t limit, doubl
         ++done;
     }
     return done;
+}
+
+/// Reads the vectors that begin in a piece of a field list. One that runs on into the next piece, or is not as it
+/// should be, leaves the piece in doubt.
+void readVectorsOfPiece(FieldPieces::Piece* piece, const char* end)
+{
+    const char* p = piece->begin;
+    const char* vector = p;
+    piece->isClean = true;
+    while (skipToVector(vector) && vector <= piece->limit) {
+        vector += std::strspn(vector, " ");
+        double* const xyz = piece->room(COMPONENTS);
+        if (scanVector<ComponentEnd::DelimiterBlankOrBracket>(vector, end, COMPONENTS, xyz) < COMPONENTS) {
+            piece->isClean = false;
+            return;
+        }
+        piece->count += COMPONENTS;
+        p = vector;
+    }
+    piece->stop = p;
+    piece->isClean = p <= piece->limit;
 }
 
 /// What one worker of a pass owns: its chunk and the values read from it, whose place in the list is not known before
@@ -110,6 +133,7 @@ bool OFFile::readVectorField(const dvn::Str& path, const dvn::Str& objectName, s
     if (!readListCount(MESSAGES, COMPONENTS * BYTES_PER_NUMBER, LARGEST_COUNT, &count)) {
         return false;
     }
+    dvf::reserveLarge(values, COMPONENTS * static_cast<std::size_t>(count));
     values->resize(COMPONENTS * static_cast<std::size_t>(count));
     if (count == 0) {
         close();
@@ -180,9 +204,13 @@ bool OFFile::walkVectors(std::vector<double>* values, std::size_t* found) const
 {
     int chunks = 0;
     Chunk chunk;
+    FieldPieces pieces;
     while (nextChunk(&m_chunkBuffer, &chunk)) {
         ++chunks;
-        const char* p = chunk.begin;
+        std::size_t ahead = 0;
+        const char* p = pieces.read(chunk.begin, chunk.end, values->size() - *found, values->data() + *found,
+                                    readVectorsOfPiece, &ahead);
+        *found += ahead;
         while (*found < values->size() && skipToVector(p)) {
             p += std::strspn(p, " ");
             const std::size_t wanted = std::min(COMPONENTS, values->size() - *found);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/ElementBlocks.h"
 
+#include "LibCore/LargePages.h"
+
 #include <tbb/parallel_for.h>
 #include <tbb/parallel_invoke.h>
 
@@ -28,7 +30,7 @@ void grow(std::vector<T>* values, std::size_t size, std::size_t done, std::size_
     if (size > values->capacity()) {
         const double expected = static_cast<double>(size) / static_cast<double>(done) * static_cast<double>(total);
         const double limited = std::min(expected * 1.01, static_cast<double>(most));
-        values->reserve(std::max({size, static_cast<std::size_t>(limited), values->capacity() * 3 / 2}));
+        dvf::reserveLarge(values, std::max({size, static_cast<std::size_t>(limited), values->capacity() * 3 / 2}));
     }
     values->resize(size);
 }

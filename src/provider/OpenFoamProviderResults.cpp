@@ -3,6 +3,7 @@
 
 #include "DvnCore/Timer.h"
 #include "DvnCore/Undefined.h"
+#include "LibCore/LargePages.h"
 #include "casemodel/OFResultReader.h"
 #include "casemodel/SampledSurfaceFolders.h"
 #include "foamfile/OFLogger.h"
@@ -184,7 +185,7 @@ bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* stat
     }
     const dvn::Str folder = fieldFolder(*state, part);
     const int dimension = source->dimension();
-    std::vector<double> cellValues(valueCount(*source, part), 0.0);
+    std::vector<double> cellValues = dvf::filledLarge(valueCount(*source, part), 0.0);
     if (!m_loadBoundaries) {
         if (!OFResultReader().readValues(folder, source->nativeName(), source->className(), &cellValues) ||
             !holdsValues(cellValues)) {

@@ -2,6 +2,7 @@
 #include "provider/ValueArrays.h"
 
 #include "DvnCore/Undefined.h"
+#include "LibCore/LargePages.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ std::size_t valueCount(const OFResult& result, std::size_t nodeCount, std::size_
 
 std::vector<double> undefinedValues(const OFResult& result, std::size_t nodeCount, std::size_t elementCount)
 {
-    return std::vector<double>(valueCount(result, nodeCount, elementCount), dvn::UNDEFINED_DOUBLE);
+    return dvf::filledLarge(valueCount(result, nodeCount, elementCount), dvn::UNDEFINED_DOUBLE);
 }
 
 } // namespace

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "border/ArrayCopy.h"
+
+#include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <sys/mman.h>
+
+namespace {
+
+/// A large page, and the least work that is worth a task.
+constexpr std::size_t BLOCK = 2U * 1024U * 1024U;
+/// The smallest page that systems have.
+constexpr std::size_t SMALL_PAGE = 4096;
+
+/// Runs `work(first, end)` over the blocks of so many bytes.
+template <typename Work>
+void forEachBlock(std::size_t byteCount, const Work& work)
+{
+    const std::size_t blockCount = (byteCount + BLOCK - 1) / BLOCK;
+    // Within a call from a library's worker, waiting must not take up that library's other work.
+    tbb::this_task_arena::isolate([&] {
+        tbb::parallel_for(std::size_t{0}, blockCount,
+                          [&](std::size_t i) { work(i * BLOCK, std::min((i + 1) * BLOCK, byteCount)); });
+    });
+}
+
+} // namespace
+
+void prepareMemory(void* memory, std::size_t byteCount)
+{
+    const auto address = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t first = (address + BLOCK - 1) / BLOCK * BLOCK;
+    const std::uintptr_t end = (address + byteCount) / BLOCK * BLOCK;
+    if (memory == nullptr || first >= end) {
+        return;
+    }
+    // A hint: what the system makes of it changes the speed alone.
+    static_cast<void>(madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE));
+    char* const bytes = reinterpret_cast<char*>(first);
+    forEachBlock(end - first, [bytes](std::size_t begin, std::size_t blockEnd) {
+        for (std::size_t i = begin; i < blockEnd; i += SMALL_PAGE) {
+            *static_cast<volatile char*>(bytes + i) = 0;
+        }
+    });
+}
+
+void copyBytes(const void* source, std::size_t byteCount, void* target)
+{
+    const auto* const from = static_cast<const char*>(source);
+    auto* const to = static_cast<char*>(target);
+    if (byteCount < 2 * BLOCK) {
+        std::copy_n(from, byteCount, to);
+        return;
+    }
+    forEachBlock(byteCount,
+                 [=](std::size_t begin, std::size_t end) { std::memcpy(to + begin, from + begin, end - begin); });
+}

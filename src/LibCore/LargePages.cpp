@@ -31,13 +31,15 @@ struct LargePageRange
 
 } // namespace
 
-void preferLargePages(void* memory, std::size_t byteCount)
+void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t byteCount)
 {
+#ifdef MADV_HUGEPAGE
     const LargePageRange pages(memory, byteCount);
     if (!pages.isEmpty()) {
         // What the system makes of it changes the speed alone.
         static_cast<void>(madvise(reinterpret_cast<void*>(pages.first), pages.end - pages.first, MADV_HUGEPAGE));
     }
+#endif
 }
 
 void touchLargePages(void* memory, std::size_t byteCount)

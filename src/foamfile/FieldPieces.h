@@ -60,6 +60,10 @@ public:
         // The walk stops at the first NUL, so no piece may lie behind it.
         end = begin + std::strlen(begin);
         cut(begin, end);
+        if (m_pieces.front().limit == end) {
+            // All on one line.
+            return begin;
+        }
         // Each task fills its own piece.
         // The task is one of a part's own: waiting must not take up another part.
         tbb::this_task_arena::isolate([&] {

@@ -387,8 +387,8 @@ void OFFile::readNonUniformValues(std::vector<dvn::Str>& tokens, std::vector<dou
         keepPending(m_position.lastLineStart);
         m_position.lastLineStart = nullptr;
     }
-    // A list without a type, as the empty one of a patch without faces, holds nothing. A patch that cannot be read
-    // keeps what its array holds.
+    // A list without a type, as the empty one of a patch without faces, holds nothing. Of a list that ends early the
+    // array has what was read and keeps what it held behind that.
     const dvn::Str type = tokens.size() > 1 ? tokens[1] : dvn::Str();
     if (m_isBinary) {
         readRawPatchList(type.toUtf8(), values);

@@ -30,8 +30,11 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
         translator.split('\n', chunk, lastIndex, &m_lineOffsets);
         const std::size_t lines = m_lineOffsets.size();
         const std::size_t count = std::min(lines, items - itemsRead);
-        if (lines > count) {
-            keepBehindList(chunk + m_lineOffsets[count]);
+        if (lines + itemsRead >= items) {
+            // Not the next marked line: a ";" ends the marking, and which lines behind it are marked depends on how
+            // the loop was cut.
+            char* const lastItem = chunk + m_lineOffsets[count - 1];
+            keepBehindList(lastItem + std::strcspn(lastItem, "\n"));
         }
         double* const target = values->data() + components * itemsRead;
         if (componentsPerLine == 1) {

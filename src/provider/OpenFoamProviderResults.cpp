@@ -103,7 +103,11 @@ bool OpenFoamProvider::getResult(const DDPResultSpec& spec, DDPResult* result)
 {
     const int stateId = spec.stateId();
     const int resultId = spec.resultId();
-    if (m_displacementResultId != NO_RESULT_ID && resultId == m_displacementResultId) {
+    if (resultId < 0) {
+        // Neither the id that stands for no displacement nor that of results which have none yet names a result.
+        return false;
+    }
+    if (resultId == m_displacementResultId) {
         return getDisplacements(stateId, result);
     }
     const OFState* const state = m_reader.stateById(stateId);

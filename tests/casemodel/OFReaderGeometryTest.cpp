@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/CaseFiles.h"
+#include "support/CaseFiles.h"
 #include "casemodel/OFReader.h"
 #include "support/LogCapture.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/CaseFiles.h"
+#include "support/CaseFiles.h"
 #include "casemodel/OFReader.h"
 #include "support/LogCapture.h"
 
@@ -64,8 +64,8 @@ TEST_F(OFReaderStates, AreFoldersWhoseNamesBeginWithANumber)
 
 TEST_F(OFReaderStates, TakeTheStepIndexFromTheirFolderOrFromTheInterval)
 {
-    m_folder.write("0.1/uniform/time", foamFile("dictionary", "time", "index 150;\n"));
-    m_folder.write("0.2/uniform/time", foamFile("dictionary", "time", "index -1;\n"));
+    m_folder.write("0.1/uniform/time", foamtext::header("dictionary", "time") + "index 150;\n");
+    m_folder.write("0.2/uniform/time", foamtext::header("dictionary", "time") + "index -1;\n");
     open({"0"}, "writeInterval 20;\n");
     EXPECT_EQ(states(), "1 Time 0.00000 #0, 2 Time 0.10000 #150, 3 Time 0.20000 #40");
     open({}, "writeInterval 0.5;\n");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/CaseFiles.h"
+#include "support/CaseFiles.h"
 #include "casemodel/OFReader.h"
 #include "support/LogCapture.h"
 
@@ -43,10 +43,10 @@ TEST_F(OFStateCatalogue, GivesEachFieldItsNamesAndEachCellFieldATwin)
 {
     m_folder.write("0.5/p", fieldFile("volScalarField", "p", "uniform 0"));
     m_folder.writeGz("0.5/alpha.gz", fieldFile("volVectorField", "alpha.water", "uniform (0 0 0)"));
-    m_folder.write("0.5/shift", foamFile("pointVectorField", "shift", "dimensions [0 1];\n"));
+    m_folder.write("0.5/shift", foamtext::header("pointVectorField", "shift") + "dimensions [0 1];\n");
     m_folder.write("0.5/phi", fieldFile("surfaceScalarField", "phi", "uniform 0"));
     m_folder.write("0.5/cloud/x", fieldFile("volScalarField", "x", "uniform 0"));
-    m_folder.write("0.5/polyMesh/points", foamFile("vectorField", "points"));
+    m_folder.write("0.5/polyMesh/points", foamtext::header("vectorField", "points"));
     const std::string average = "Dalvorn averaged result from volume data";
     init(true, {{"p", "Pressure %1"}, {"points", "Moved"}});
     EXPECT_EQ(results(), (Texts{"Moved|POINTS||m ", "Pressure %1 [node]|PRESSURE_N|" + average + "|m s-1 ",

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "foamfile/FoamText.h"
 #include "foamfile/OFFile.h"
+#include "support/FoamText.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 

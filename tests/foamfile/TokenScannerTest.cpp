@@ -65,16 +65,3 @@ TEST(TokenScanner, ComponentsEndAndConvertAsPlainlyWrittenRulesSay)
         expectLikePlain<ComponentEnd::DelimiterBlankOrBracket>(text, " )\n", ')');
     }
 }
-
-TEST(TokenScanner, ATokenLongerThanAnyNumberFails)
-{
-    for (const std::size_t digits : {dvf::MAX_NUMBER_LENGTH, dvf::MAX_NUMBER_LENGTH + 1}) {
-        const std::string text = std::string(digits, '0') + " ";
-        int label = 0;
-        double value = 0.0;
-        const char* cursor = text.c_str();
-        EXPECT_EQ(scanLabel(cursor, &label), digits == dvf::MAX_NUMBER_LENGTH);
-        cursor = text.c_str();
-        EXPECT_EQ(scanScalar(cursor, text.c_str() + text.size(), &value), digits == dvf::MAX_NUMBER_LENGTH);
-    }
-}

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "provider/OpenCase.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ TEST(MetaData, DeclaresEachGroupByCallsInAFixedOrder)
     writeControlDict(folder);
     writeTwoCubes(folder);
     folder.write("postProcessing/sampleSurface/0/cut/x", "");
-    folder.write("0/p", fieldFile("volScalarField", "p", "uniform 0"));
+    writePressure(folder, "0");
     OpenCase openCase(folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     const HostMetaData& description = openCase.metaData();
     EXPECT_EQ(joined(description.calls),
@@ -103,7 +103,7 @@ TEST(MetaData, NumbersResultsAtTheirFirstAppearance)
     writeControlDict(folder);
     folder.write("0/T", fieldFile("volScalarField", "T", "uniform 0"));
     folder.write("1/T", fieldFile("volVectorField", "T", "uniform 0"));
-    folder.write("2/polyMesh/points", foamFile("vectorField", "points"));
+    folder.write("2/polyMesh/points", foamtext::header("vectorField", "points"));
     folder.write("3/s", fieldFile("volTensorField", "s", "uniform 0"));
     folder.write("4/v", fieldFile("pointVectorField", "v", "uniform 0"));
     OpenCase openCase(folder.path(), settings({{"NODE_AVG_RES", false}}));

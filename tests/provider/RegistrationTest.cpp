@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "border/HostProviderInfo.h"
 #include "foamfile/OFLogger.h"
-#include "provider/OpenCase.h"
 #include "provider/OpenFoamProviderFactory.h"
 #include "provider/PluginRegistration.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/CaseSession.h"
 #include "border/PluginLibrary.h"
-#include "provider/OpenCase.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 

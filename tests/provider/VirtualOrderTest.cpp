@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A host whose objects are bare tables of functions, in the order that hosts have in their own headers. It drives the
 // library that ships without the order of our header, so that a row out of place calls a wrong function.
-#include "provider/OpenCase.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 

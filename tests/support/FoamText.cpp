@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "foamfile/FoamText.h"
+#include "support/FoamText.h"
 
 #include <charconv>
 #include <numeric>
@@ -117,6 +117,17 @@ Faces unpacked(const FacesData& data)
         values[i].assign(data.faceNodes(i), data.faceNodes(i) + data.nodeCounts[i]);
     }
     return values;
+}
+
+FacesData packed(const Faces& faces)
+{
+    FacesData data;
+    for (const std::vector<int>& nodes : faces) {
+        data.nodeCounts.push_back(static_cast<std::uint8_t>(nodes.size()));
+        data.nodeOffsets.push_back(static_cast<int>(data.nodes.size()));
+        data.nodes.insert(data.nodes.end(), nodes.begin(), nodes.end());
+    }
+    return data;
 }
 
 } // namespace foamtext

@@ -48,7 +48,8 @@ std::vector<int> someLabels(std::size_t count);
 std::vector<double> someVectors(std::size_t count);
 Faces someFaces(std::size_t count, std::size_t bigEvery);
 
-/// The faces that a record holds.
+/// The faces that a record holds, and the record of faces.
 Faces unpacked(const FacesData& data);
+FacesData packed(const Faces& faces);
 
 } // namespace foamtext

@@ -6,8 +6,8 @@
 #include "border/HostNotifications.h"
 #include "border/HostOptions.h"
 #include "border/HostResult.h"
-#include "casemodel/CaseFiles.h"
 #include "provider/OpenFoamProvider.h"
+#include "support/CaseFiles.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "provider/OpenCase.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 

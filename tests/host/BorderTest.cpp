@@ -83,29 +83,6 @@ TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
                                  std::string("the library speaks version 6 of the interface, this host version 7")));
 }
 
-TEST(CaseSession, CompletesFoldersAndMakesPathsAbsolute)
-{
-    const TempFolder folder;
-    EXPECT_EQ(CaseSession::tokenFile(folder / ""), folder / "case.foam");
-    EXPECT_EQ(CaseSession::tokenFile(folder / "x/../case.foam"), folder / "case.foam");
-    EXPECT_EQ(CaseSession::tokenFile(folder / "absent/case.foam"), folder / "absent/case.foam");
-    EXPECT_TRUE(CaseSession::tokenFile("case.foam").is_absolute());
-}
-
-TEST(CaseSession, RecordsWhatTheLibraryDeliversAndOnWhichThread)
-{
-    FakeCase fake("sound");
-    const HostGeometry& geometry = fake.session.geometry();
-    ASSERT_EQ(geometry.elementGroups.size(), 1U);
-    const HostElementGroup& body = geometry.elementGroups[0];
-    EXPECT_EQ(body.calls.operations,
-              (std::vector<std::string>{"setMixedElements", "setPolyhedra", "setElementPartIds"}));
-    EXPECT_EQ(body.partIds, (std::vector<std::int32_t>{2, 2, 1, 1, 1}));
-    EXPECT_NE(body.calls.threads.front(), std::this_thread::get_id()) << "the fake sets the elements on a worker";
-    EXPECT_EQ(body.calls.threads.back(), std::this_thread::get_id());
-    EXPECT_EQ(&geometry, &fake.session.geometry()) << "asked for once";
-}
-
 TEST(CaseSession, NamesTheFaultOfABadLibrary)
 {
     const std::string broken = "the library delivered broken arrays: ";

@@ -136,8 +136,10 @@ TEST_F(Program, ExportWritesWhatWasSelectedAndReplacesNoFileUnasked)
     EXPECT_FALSE(std::filesystem::exists(m_folder / "vtk/case_0001.vtm")) << "nothing is written after a refusal";
     EXPECT_EQ(run(selected + " --overwrite").code, 0);
     EXPECT_EQ(fileBytes(bodyFile), body);
-    EXPECT_EQ(run(command + " --state 0.3").code, 2) << "there is no such time";
-    EXPECT_EQ(run(command + " --part '('").code, 2) << "no regular expression";
+    for (const char* const nothing :
+         {"--state 0.3", "--state '#2x'", "--state nan", "--part '('", "--part outlet", "--result none"}) {
+        EXPECT_EQ(run(command + " " + nothing).code, 2) << nothing;
+    }
 }
 
 TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
@@ -147,12 +149,15 @@ TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
               "result,time,group,component,items,least,mean,greatest,undefined,nan,infinite\n"
               "Pressure,1,default_region,0,2,1,2,3,0,0,0\n"
               "Pressure,1,left side,0,1,7,7,7,0,0,0\n");
-    writePressure(m_folder, "1", "nonuniform List<scalar> \n2\n(\nnan\n5\n)\n");
-    const ProgramRun broken = run("stats --json --state '#2'" + m_case + options);
-    EXPECT_EQ(broken.code, 1);
-    const json row = json::parse(broken.out)["rows"][0];
-    EXPECT_EQ(row["nan"], 1);
-    EXPECT_EQ(row["mean"], 5.0);
+    const std::pair<const char*, const char*> values[] = {{"nan", "nan"}, {"-inf", "infinite"}};
+    for (const auto& [value, column] : values) {
+        writePressure(m_folder, "1", std::string("nonuniform List<scalar> \n2\n(\n5\n") + value + "\n)\n");
+        const ProgramRun broken = run("stats --json --state '#2'" + m_case + options);
+        EXPECT_EQ(broken.code, 1);
+        const json row = json::parse(broken.out)["rows"][0];
+        EXPECT_EQ(row[column], 1);
+        EXPECT_EQ(row["mean"], 5.0);
+    }
 }
 
 TEST_F(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
@@ -161,19 +166,4 @@ TEST_F(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
                                                                     "add state 9 time 1 \"Time 1.00000 #20\"\n"
                                                                     "remove position 2\n");
     EXPECT_EQ(run("watch --interval 60" + m_case, "timeout --preserve-status -s INT 1 env").code, 0);
-}
-
-TEST_F(Program, BenchMeasuresEachKindOfWork)
-{
-    const ProgramRun result = run("bench --json --repeat 2" + m_case);
-    ASSERT_EQ(result.code, 0) << result.err;
-    Texts names;
-    const json phases = json::parse(result.out)["cases"][0]["phases"];
-    for (const json& phase : phases) {
-        names.push_back(phase["name"]);
-        EXPECT_GT(phase["peakMegabytes"], 0.0);
-    }
-    EXPECT_EQ(joined(names), "init, metadata, geometry, Pressure, Pressure [node]");
-    // 12, 4 and 12 nodes with one double each.
-    EXPECT_DOUBLE_EQ(phases[4]["hostMegabytes"], 28 * 8 / 1e6);
 }

@@ -89,10 +89,6 @@ TEST(CellOrdering, TheFirstSuitableFaceIsTheBase)
     for (const Case& c : {
              Case{{{1, 2, 3}, {1, 4, 2}, {2, 4, 3}, {3, 4, 1}}, ALL_OWNED, {4, 1, 2, 3}, true},
              Case{{{1, 2, 3}, {1, 2, 4}, {2, 3, 4}, {3, 1, 4}}, 0, {4, 3, 2, 1}, true},
-             Case{{{0, 1, 2, 3}, {4, 7, 6, 5}, {0, 4, 5, 1}, {1, 5, 6, 2}, {2, 6, 7, 3}, {3, 7, 4, 0}},
-                  ALL_OWNED,
-                  {3, 2, 1, 0, 7, 6, 5, 4},
-                  true},
              // No face lies opposite the first.
              Case{{{0, 1, 2, 3}, {0, 4, 5, 6}, {1, 5, 6, 7}, {2, 4, 6, 7}, {3, 4, 5, 7}, {0, 1, 4, 7}},
                   ALL_OWNED,
@@ -153,19 +149,6 @@ TEST(CellOrdering, RefusesCellsAndNodesThatAreTooSmall)
     CellInMesh cube(referenceCells().back().faces, ALL_OWNED);
     Nodes tooFew(7);
     EXPECT_FALSE(OFCell::orderHexahedronNodes(&cube.cell.cellFaces(), &cube.faces, &tooFew));
-}
-
-TEST(CellTables, NeighbourFacesOfAPolyhedronAreReversed)
-{
-    CellInMesh built({{7, 3, 9, 12, 5}, {3, 7, 8}}, 1);
-    EXPECT_TRUE(built.build());
-    EXPECT_EQ(built.type, DDP_POLY);
-    EXPECT_EQ(built.nodes(), (Nodes{3, 5, 7, 8, 9, 12}));
-    ASSERT_EQ(built.polys.size(), 1U);
-    EXPECT_EQ(built.polys[0].faceCount, 2);
-    EXPECT_EQ(built.polys[0].nodeCount, 8U);
-    EXPECT_EQ(built.polys[0].nodeCountPerFace, (FaceSizes{5, 3}));
-    EXPECT_EQ(built.polys[0].faceNodes, (Nodes{7, 3, 9, 12, 5, 8, 7, 3}));
 }
 
 // Above some size the distinct nodes are sorted another way, and labels that hash alike must not be lost.

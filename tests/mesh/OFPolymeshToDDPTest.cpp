@@ -138,20 +138,6 @@ TEST(MeshConversion, FaceTablesOfPolyhedraEncloseTheirVolume)
     }
 }
 
-TEST(MeshConversion, MixedCellsKeepTheirOrderAndShape)
-{
-    const Delivery got = deliver(mixedMesh());
-    EXPECT_EQ(got.elements.types, (std::vector<int>{8, 15, 17, 10, 8, 15, 12, 17, 8, 15, 12, 10}));
-    EXPECT_EQ(faceTables(got.elements)[0], (std::vector<int>{6, 8}));
-    EXPECT_EQ(faceTables(got.elements)[1], (std::vector<int>{4, 5}));
-    std::vector<double> volumes = elementVolumes(got.nodes, got.elements);
-    for (std::size_t cell = 0; cell < volumes.size(); ++cell) {
-        EXPECT_EQ(got.nodeCounts[cell], referenceCells()[cell % 4].points.size());
-        const bool isOpen = cell % 5 == 2;
-        EXPECT_TRUE(isOpen || std::abs(volumes[cell] - referenceCells()[cell % 4].volume()) < 1e-9) << cell;
-    }
-}
-
 TEST(MeshConversion, EveryRoadGivesTheSame)
 {
     std::vector<OFPolymesh> meshes = {mixedMesh(), hexahedronMesh(1, 1, 1), octahedronMesh(5),

@@ -98,18 +98,6 @@ std::vector<double> someVectors(std::size_t count)
     return values;
 }
 
-Faces someFaces(std::size_t count, std::size_t bigEvery)
-{
-    Faces values(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t size = i % bigEvery == bigEvery - 1 ? 12 : 3 + i % 2;
-        for (std::size_t k = 0; k < size; ++k) {
-            values[i].push_back(static_cast<int>(i + 11 * k));
-        }
-    }
-    return values;
-}
-
 Faces unpacked(const FacesData& data)
 {
     Faces values(data.faceCount());

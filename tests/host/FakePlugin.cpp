@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-//
 // A plug-in that delivers one part with one result, and that misbehaves in the way which the name of the case's folder
 // says. The host's answers to a bad library cannot be tested with a good one.
 #include "support/ReferenceCells.h"

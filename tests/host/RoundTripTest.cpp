@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-//
 // Sample cases through the library that ships. Each side checks the other: the cases are made from formulas and the
 // values are compared with those, so what both got wrong in the same way would have to be wrong in the format as well.
 #include "border/CaseSession.h"

@@ -13,6 +13,7 @@ struct Step
 };
 
 const std::string ALL = "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 2.00000 #2";
+const std::string TEN_LAST = "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 10.00000 #2";
 
 /// Each begins with the times 0, 1 and 2, and a mesh that is missing: there are no groups.
 const std::vector<std::vector<Step>> SEQUENCES = {
@@ -28,6 +29,14 @@ const std::vector<std::vector<Step>> SEQUENCES = {
     // Removal comes before addition.
     {{{"-0", "+5"},
       "update 1001 Time 1.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3, add 1003 Time 5.00000 #2"}},
+    // With a state goes the folder at its position in text order: that is 10 in place of 2, so 2 is found gone and 10
+    // is
+    // found new once more.
+    {{{"+10"}, "add 1004 Time 10.00000 #3"},
+     {{}, ALL + ", update 1004 Time 10.00000 #3"},
+     {{"-2"}, TEN_LAST + ", remove 3, remove 4"},
+     {{}, TEN_LAST},
+     {{}, TEN_LAST + ", remove 3, update 1003 Time 10.00000 #2, add 1004 Time 10.00000 #3"}},
     // A folder that is no time is known from then on; when it goes it is found gone at each poll that looks.
     {{{"+other"}, ""}, {{}, ALL}, {{}, ""}, {{"-other"}, ALL + ", remove 3"}, {{}, ALL}, {{}, ALL + ", remove 3"}},
 };

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numeric>
 
 namespace {
 
@@ -34,16 +33,6 @@ Values aware(const OFPart& part, const Values& cells, const Patches& patches)
     return nodes;
 }
 
-/// The mean at one node that is all the nodes of elements of these sizes.
-double meanAtOneNode(const std::vector<std::uint8_t>& nodeCounts, double value)
-{
-    OFPart part(1, "part", "folder");
-    part.setNodeCount(1);
-    part.setConnectivities(std::vector<int>(std::accumulate(nodeCounts.begin(), nodeCounts.end(), std::size_t{0}), 0));
-    part.setNodesCountPerElt(std::vector<std::uint8_t>(nodeCounts));
-    return aware(part, Values(nodeCounts.size(), value), {})[0];
-}
-
 TEST(NodeAveraging, SharesNodesBetweenTheCellsAroundThem)
 {
     EXPECT_EQ(aware(twoElements(), {1, 3}, {}), (Values{1, 1, 2, 2, 3, 3}));
@@ -60,13 +49,6 @@ TEST(NodeAveraging, LetsPatchesWithValuesOfTheirOwnStandInPlaceOfCells)
     part.boundaries()[0].nodeCountPerFace() = {2, 2};
     EXPECT_EQ(aware(part, {1, 3}, {{dvn::UNDEFINED_DOUBLE, 4}, {7}}), (Values{1, 1, 2, 7, 7, 7}));
     EXPECT_EQ(aware(part, {1, 3}, {{4, 6}, {8}}), (Values{5, 1, 2, 6, 8, 7}));
-}
-
-TEST(NodeAveraging, CountsItemsInOneByteAndMultipliesByTheFactor)
-{
-    EXPECT_EQ(meanAtOneNode({3}, 0.7), (0.7 + 0.7 + 0.7) * (1.0 / 3.0));
-    EXPECT_TRUE(std::isinf(meanAtOneNode({255, 1}, 1.0)));
-    EXPECT_EQ(meanAtOneNode({255, 2}, 1.0), 257.0);
 }
 
 // A node that nothing touches shows it: infinity times the zero it starts from.

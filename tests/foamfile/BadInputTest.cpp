@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "foamfile/FoamText.h"
 #include "foamfile/OFFile.h"
-#include "support/LogCapture.h"
+#include "support/FoamText.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <ostream>
+#include <functional>
 #include <random>
 #include <stdexcept>
 
@@ -17,14 +16,7 @@ namespace {
 
 constexpr const char* FIELD = "volScalarField";
 
-/// A good file.
-struct Sample
-{
-    const char* name;
-    std::string bytes;
-
-    friend std::ostream& operator<<(std::ostream& stream, const Sample& sample) { return stream << sample.name; }
-};
+using Sample = std::pair<const char*, std::string>; ///< name and bytes of a good file
 
 std::vector<Sample> samples()
 {
@@ -37,7 +29,6 @@ std::vector<Sample> samples()
     const std::string zone = "2\n(\nz\n{\ntype t;\nlabels List<label> ";
     const std::string zoneEnd = ";\nflipMap List<bool> \n3\n(\n0\n1\n0\n)\n;\n}\ny\n{\ntype t;\nlabels 0();\n}\n)\n";
     const std::string rows = "\n3\n(\n1\n2\n3\n)\n";
-    const std::string row = "3(1 2 3)";
     const std::string field = header(FIELD, "file") + "internalField nonuniform List<scalar> ";
     const std::string rawField = header(FIELD, "file", "binary") + "internalField nonuniform List<scalar> \n";
     const std::string smallFile = header("dictionary", "file");
@@ -50,26 +41,15 @@ std::vector<Sample> samples()
         {"compactFaces", header("faceCompactList", "file") + list(4, faces(faceSet))},
         {"rawFaces", header("faceCompactList", "file", "binary") + compactFaces(faceSet)},
         {"field", field + rows + ";\n" + patches + rows + patchesEnd},
-        {"fieldOnLines", field + row + ";\n" + patches + row + patchesEnd},
+        {"fieldOnLines", field + "3(1 2 3);\n" + patches + "3(1 2 3)" + patchesEnd},
         {"rawField", rawField + rawList(three) + ";\n" + patches + "\n" + rawList(three) + patchesEnd},
         {"vectorField", header("volVectorField", "file") + "internalField nonuniform List<vector> 1((1 2 3));\n"},
         {"zones", smallFile + zone + rows + zoneEnd},
-        {"zonesOnLines", smallFile + zone + row + zoneEnd},
+        {"zonesOnLines", smallFile + zone + "3(1 2 3)" + zoneEnd},
         {"rawZones", header("dictionary", "file", "binary") + zone + "\n" + rawList(ints) + zoneEnd},
         {"dictionary", smallFile + "a b;\n  c d e;\ndimensions [0 1 2 3 4 5 6];\n"},
         {"boundary", smallFile + "1\n(\n  p\n  {\n type wall;\n nFaces 3;\n startFace 4;\n }\n)\n"},
     };
-}
-
-/// Runs one reader; the exceptions that readers announce are no failure.
-template <typename Reader>
-void attempt(const Reader& reader)
-{
-    try {
-        reader();
-    } catch (const std::out_of_range&) {
-    } catch (const std::invalid_argument&) {
-    }
 }
 
 /// Whatever comes of the read, each face must lie within the nodes.
@@ -111,39 +91,42 @@ protected:
         std::vector<OFBoundary> boundaries;
         std::map<dvn::Str, dvn::Str> entries;
         int cells = 0;
-        attempt([&] { OFFile(true).readLabelList(path, "file", &labelsRead, &cells); });
-        attempt([&] { OFFile(true).readVectorField(path, "file", &values); });
-        attempt([&] { OFFile(false).readVectorField(path, "file", &values); });
-        attempt([&] { OFFile(false).readResult(path, "file", FIELD, &values); });
-        attempt([&] { readFaces(path, true); });
-        attempt([&] { readFaces(path, false); });
-        attempt([&] { readField(path); });
-        attempt([&] { OFFile(true).readCellZones(path, "file", cellZones, 1); });
-        attempt([&] { OFFile(true).readFaceZones(path, "file", faceZones, 1); });
-        attempt([&] { OFFile(true).readBoundary(path, "file", boundaries, 1); });
-        attempt([&] { OFFile(true).readDictionary(path, "file", &entries); });
+        const std::function<void()> readers[] = {[&] { OFFile(true).readLabelList(path, "file", &labelsRead, &cells); },
+                                                 [&] { OFFile(true).readVectorField(path, "file", &values); },
+                                                 [&] { OFFile(false).readVectorField(path, "file", &values); },
+                                                 [&] { OFFile(false).readResult(path, "file", FIELD, &values); },
+                                                 [&] { readFaces(path, true); },
+                                                 [&] { readFaces(path, false); },
+                                                 [&] { readField(path); },
+                                                 [&] { OFFile(true).readCellZones(path, "file", cellZones, 1); },
+                                                 [&] { OFFile(true).readFaceZones(path, "file", faceZones, 1); },
+                                                 [&] { OFFile(true).readBoundary(path, "file", boundaries, 1); },
+                                                 [&] { OFFile(true).readDictionary(path, "file", &entries); }};
+        for (const std::function<void()>& reader : readers) {
+            try {
+                reader();
+            } catch (const std::logic_error&) {
+                // Announced: a missing key is out of range, a missing count an invalid argument.
+            }
+        }
     }
 
     TempFolder folder;
     dvn::Str path = folder.str("file");
-    LogCapture quiet;
+    const std::string& good = GetParam().second;
 };
-
-std::string sampleName(const testing::TestParamInfo<Sample>& sample)
-{
-    return sample.param.name;
-}
 
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Readers, BadInput, testing::ValuesIn(samples()), sampleName);
+INSTANTIATE_TEST_SUITE_P(Readers, BadInput, testing::ValuesIn(samples()),
+                         [](const auto& sample) { return sample.param.first; });
 
 // A reader may refuse what it gets; under the sanitizers it must not touch what is not its own, and it must end.
 TEST_P(BadInput, EveryPrefixEndsPlainAndCompressed)
 {
-    const std::string zipped = gzipped(GetParam().bytes);
-    for (std::size_t length = 0; length <= GetParam().bytes.size(); ++length) {
-        readAll(GetParam().bytes.substr(0, length));
+    const std::string zipped = gzipped(good);
+    for (std::size_t length = 0; length <= good.size(); ++length) {
+        readAll(good.substr(0, length));
         readAll(zipped.substr(0, std::min(length, zipped.size())));
     }
 }
@@ -153,7 +136,7 @@ TEST_P(BadInput, DamagedBytesEnd)
     std::mt19937 random(11);
     const std::string odd = std::string("0123456789(){};>-. \n\r\t\"", 24) + "\xff" + std::string(1, '\0');
     for (std::size_t round = 0; round < 400; ++round) {
-        std::string text = GetParam().bytes;
+        std::string text = good;
         // The header is left alone most of the time, or little would get past it.
         const std::size_t first = round % 8 == 0 ? 0 : text.find("}\n");
         for (std::size_t k = 0; k <= round % 3; ++k) {
@@ -162,7 +145,7 @@ TEST_P(BadInput, DamagedBytesEnd)
         }
         readAll(text);
     }
-    const std::string zipped = gzipped(GetParam().bytes);
+    const std::string zipped = gzipped(good);
     for (std::size_t at = 0; at < zipped.size(); ++at) {
         readAll(std::string(zipped).replace(at, 1, 1, static_cast<char>(~zipped[at])));
     }
@@ -173,7 +156,7 @@ TEST_P(BadInput, CountsThatLieEnd)
     for (const char* count :
          {"0", "1", "2", "4", "250", "2147483646", "2147483647", "4294967295", "99999999999999999999"}) {
         for (const char* here : {"\n2\n", "\n3\n", "\n4\n", " 3(", "\n1\n"}) {
-            std::string text = GetParam().bytes;
+            std::string text = good;
             for (std::size_t at = text.find(here); at != std::string::npos; at = text.find(here, at + 1)) {
                 text.replace(at + 1, 1, count);
             }
@@ -184,9 +167,9 @@ TEST_P(BadInput, CountsThatLieEnd)
 
 TEST_P(BadInput, LinesWithoutEndAreReadInMemoryOfTheirSize)
 {
-    const std::string top = GetParam().bytes.substr(0, GetParam().bytes.find("// * *")) + "9\n(";
+    const std::string top = good.substr(0, good.find("// * *")) + "9\n(";
     for (const char filler : {'1', ' ', '(', ')', 'x', '{', '\0', '\r'}) {
         readAll(top + std::string(600000, filler));
-        readAll(std::string(300000, filler) + GetParam().bytes);
+        readAll(std::string(300000, filler) + good);
     }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "casemodel/OFBoundary.h"
-#include "foamfile/FoamText.h"
 #include "foamfile/OFFile.h"
+#include "support/FoamText.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 
@@ -108,35 +108,16 @@ TEST_P(FieldPieces, AWholeListComesInFileOrder)
 
 TEST_P(FieldPieces, WhateverStandsInTheListComesOutAsWithOneThread)
 {
-    const std::string nul(1, '\0');
-    // What takes the place of a line.
-    const std::string oddities[] = {"",
-                                    "\n\n",
-                                    "abc",
-                                    "1",
-                                    "1 2",
-                                    "1 2 3 ",
-                                    "(1 2",
-                                    "(1",
-                                    "(1 2 3",
-                                    "(1 2 3)(4 5 6)",
-                                    "((1 2 3)",
-                                    "( 1 2 3 )",
-                                    "1\r",
-                                    "(1 2 3)\r",
-                                    ")\n;",
-                                    "(1\n2\n3)",
-                                    "// 1 (2)",
-                                    "nan",
-                                    "(inf 1 2)",
-                                    "1e999",
-                                    nul,
-                                    "1" + nul + "2",
-                                    "(1 2 3)" + nul,
-                                    std::string(70000, ' '),
-                                    std::string(300000, '1'),
-                                    std::string(70000, '\n'),
-                                    "wall"};
+    // What takes the place of a line. Of a "%" comes a NUL, of a "#" much of what follows it.
+    std::vector<std::string> oddities = {""};
+    for (const dvn::Str& text :
+         dvn::Str("\n\n|abc|1|1 2|1 2 3 |(1 2|(1|(1 2 3|(1 2 3)(4 5 6)|((1 2 3)|( 1 2 3 )|1\r|(1 2 3)\r|)\n;|(1\n2\n3)|"
+                  "// 1 (2)|nan|(inf 1 2)|1e999|%|1%2|(1 2 3)%|wall|# |#1|#\n")
+             .split("|")) {
+        std::string oddity = text.toUtf8();
+        std::ranges::replace(oddity, '%', '\0');
+        oddities.push_back(oddity[0] == '#' ? std::string(oddity[1] == '1' ? 300000 : 70000, oddity[1]) : oddity);
+    }
     std::vector<std::string> lines = itemLines(GetParam());
     // The first and last lines, lines about the cuts of the first chunk, and any others.
     const std::size_t places[] = {0, 3001, 8000, ITEMS - 4096, ITEMS - 1};

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "foamfile/ChunkTranslator.h"
 #include "foamfile/OFFile.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
+#include <tuple>
 
 namespace {
 
@@ -33,20 +33,9 @@ protected:
     }
 
     std::vector<char> buffer = std::vector<char>(OFFile::CHUNK_BUFFER_SIZE);
-
-private:
     TempFolder m_folder;
     OFFile m_file{false};
 };
-
-std::string numberedLines(std::size_t count)
-{
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) {
-        text.append("line ").append(std::to_string(i)).append("\n");
-    }
-    return text;
-}
 
 } // namespace
 
@@ -55,13 +44,20 @@ INSTANTIATE_TEST_SUITE_P(PlainAndGzip, OFFileLines, testing::Bool());
 TEST_P(OFFileLines, TheStreamKeepsLineFeedsAndTheChunkDropsThem)
 {
     EXPECT_EQ(all("a\r\n\n b\nlast", &OFFile::getNextLine), (Lines{"a\r\n", "\n", " b\n", "last"}));
-    EXPECT_EQ(all("\n\r\na\r\n\n\r\r b\n\n", &OFFile::getNextLineUsingChunk), (Lines{"a", " b"}));
-    EXPECT_EQ(all("a\nlast", &OFFile::getNextLineUsingChunk), (Lines{"a"})) << "a cut off value is no whole one";
+    EXPECT_EQ(all("\n\r\na\r\n\n\r\r b\n\nlast", &OFFile::getNextLineUsingChunk), (Lines{"a", " b"}))
+        << "a cut off value is no whole one";
+    const std::string text(5000, 'a');
+    const Lines pieces = {text.substr(0, 4095), text.substr(0, 905)};
+    EXPECT_EQ(all(text + "\nb\n", &OFFile::getNextLineUsingChunk), (Lines{pieces[0], pieces[1], "b"}));
+    EXPECT_EQ(all(text + "\n", &OFFile::getNextLine), (Lines{pieces[0], pieces[1] + "\n"}));
 }
 
 TEST_P(OFFileLines, NoLineIsLostAtAChunkBorder)
 {
-    const std::string body = numberedLines(30000);
+    std::string body;
+    for (int i = 0; i < 30000; ++i) {
+        body.append("line ").append(std::to_string(i)).append("\n");
+    }
     for (std::size_t shift = 1; shift < 14; ++shift) {
         const std::string text = std::string(shift, 'x') + "\n" + body;
         std::string joined;
@@ -71,14 +67,6 @@ TEST_P(OFFileLines, NoLineIsLostAtAChunkBorder)
         }
         ASSERT_EQ(joined, text) << shift;
     }
-}
-
-TEST_P(OFFileLines, ALineLongerThanTheBufferComesInPieces)
-{
-    const std::string text(10000, 'a');
-    const Lines pieces = {text.substr(0, 4095), text.substr(0, 4095), text.substr(0, 1810)};
-    EXPECT_EQ(all(text + "\nb\n", &OFFile::getNextLineUsingChunk), (Lines{pieces[0], pieces[1], pieces[2], "b"}));
-    EXPECT_EQ(all(text + "\n", &OFFile::getNextLine), (Lines{pieces[0], pieces[1], pieces[2] + "\n"}));
 }
 
 TEST_P(OFFileLines, AChunkEndsAtALineEndAndTellsItsLastIndex)
@@ -103,40 +91,6 @@ TEST_P(OFFileLines, AChunkEndsAtALineEndAndTellsItsLastIndex)
     }
 }
 
-TEST_P(OFFileLines, ThePendingRestComesBeforeTheStream)
-{
-    const std::string body = numberedLines(60000);
-    OFFile& file = opened(body + "(x);\n\n\ny{z\n");
-    char* line = buffer.data();
-    EXPECT_FALSE(file.getNonTreatedLine(&line)) << "nothing pending, and the stream must not be touched";
-    EXPECT_TRUE(file.getNextLineUsingChunk(&line) && file.getNonTreatedLine(&line));
-    EXPECT_STREQ(line, "line 1");
-    char* chunk = nullptr;
-    std::size_t last = 5;
-    ASSERT_TRUE(file.getNextChunkOfLines(&chunk, &last));
-    EXPECT_EQ(last, 5 + std::strlen(chunk)) << "lands on the NUL for a caller that starts from zero";
-    EXPECT_TRUE(chunk == body.substr(std::strlen("line 0\nline 1"), std::strlen(chunk)));
-    EXPECT_TRUE(file.getNextLineUsingChunk(&line));
-    EXPECT_TRUE(file.skipAfterNext('(')) << "over the end of the pending chunk, into the stream";
-    EXPECT_TRUE(file.skipAfterNext(';') && file.skipEmptyLines() && file.getNextLine(&line));
-    EXPECT_STREQ(line, "y{z\n");
-    EXPECT_TRUE(file.skipEmptyLines()) << "the end of the file counts as something that is no line feed";
-    EXPECT_FALSE(file.skipAfterNext('('));
-}
-
-TEST_P(OFFileLines, LineFeedsAreSkippedInAChunkAsInTheStream)
-{
-    char* line = buffer.data();
-    OFFile& stream = opened("a\n\n\n\rb\n\n\n");
-    EXPECT_TRUE(stream.skipAfterNext('a') && stream.skipEmptyLines() && stream.getNextLine(&line));
-    EXPECT_STREQ(line, "\rb\n") << "only line feeds are skipped";
-    EXPECT_FALSE(stream.skipEmptyLines()) << "the file ends behind line feeds";
-    OFFile& chunk = opened("a\n\n\nb c\n\n\n");
-    EXPECT_TRUE(chunk.getNextLineUsingChunk(&line) && chunk.skipEmptyLines() && chunk.skipAfterNext('b'));
-    EXPECT_TRUE(chunk.getNonTreatedLine(&line));
-    EXPECT_STREQ(line, " c");
-}
-
 TEST_P(OFFileLines, ALineIsFoundByItsStartHoweverLongItIs)
 {
     const std::string sought = "internalField " + std::string(9000, '1') + "\n";
@@ -145,6 +99,65 @@ TEST_P(OFFileLines, ALineIsFoundByItsStartHoweverLongItIs)
     EXPECT_TRUE(file.getNextLineStartingWith("internalField", line));
     EXPECT_EQ(line, sought);
     EXPECT_FALSE(file.getNextLineStartingWith("internalField", line));
-    // A byte of a raw list; only the end of the file ends the search.
-    EXPECT_TRUE(opened(std::string("a\n\0b\nc d\n", 9)).getNextLineStartingWith("c", line));
+    EXPECT_TRUE(opened(std::string("a\n\0b\nc d\n", 9)).getNextLineStartingWith("c", line)) << "behind a raw list";
+}
+
+TEST_P(OFFileLines, ACountLeavesItsBracketAndNothingElse)
+{
+    const std::pair<const char*, const char*> cases[] = {{"12(7", "12|(7"}, {"12\r\n7", "12|\n"},  {"12\n(", "12|("},
+                                                         {"(7", "none|7"},  {"12 7", "none|7"},    {"-3", "none|3"},
+                                                         {"12", "none|"},   {"4294967303\n", "7|"}};
+    for (const auto& [text, expected] : cases) {
+        int value = 0;
+        const bool isRead = opened(text).readNextInt(&value, '\n');
+        char* line = buffer.data();
+        const std::string rest = m_file.getNextLine(&line) ? line : "";
+        EXPECT_EQ((isRead ? std::to_string(value) : "none") + "|" + rest, expected);
+    }
+    int value = 0;
+    EXPECT_TRUE(opened("// * 2 cells * //\n\n7 8\n31(").readNextIntLine(&value));
+    EXPECT_EQ(value, 8) << "a number in front of a blank is none, the one in front of the line end is";
+    EXPECT_FALSE(opened("no number 12").readNextIntLine(&value));
+    opened("type 3;\n 4\n5x\n\n" + std::string(5000, 'a') + " 1\n6 apples\n7");
+    EXPECT_TRUE(m_file.readNextIntLineFromCurrentChunk(&value));
+    EXPECT_EQ(value, 6) << "here it stands at the start of a line";
+}
+
+TEST(ChunkTranslator, LinesOfAChunkAreMarkedUpToItsLastTwoBytes)
+{
+    const std::tuple<std::string, std::size_t, std::vector<int>> cases[] = {
+        {"1.0\n2.0\n", 7, {0, 4}}, {"1\n\n", 2, {0}}, {"", 0, {0}}};
+    for (auto [text, lastIndex, expected] : cases) {
+        tbb::concurrent_vector<int> offsets;
+        EXPECT_TRUE(ChunkTranslator().split('\n', text.data(), lastIndex, &offsets));
+        EXPECT_EQ(std::vector<int>(offsets.begin(), offsets.end()), expected);
+    }
+    const std::pair<const char*, double> numbers[] = {{" 1.5)x", 1.5}, {"2.5x", 2.5}, {"0x10 ", 16.0}, {"x", 0.0}};
+    for (auto [text, value] : numbers) {
+        EXPECT_EQ(ChunkTranslator().readAsDouble(text, ' '), value) << text;
+    }
+}
+
+// A plain walk wrote the text; the lines of each of its chunks are marked first and then translated all at once.
+TEST_P(OFFileLines, AListOverManyChunksIsReadInTwoPassesAndItsRestStaysPending)
+{
+    std::string items;
+    std::vector<double> expected;
+    for (int i = 0; i < 60000; ++i) {
+        expected.push_back(i / 8.0);
+        items.append(std::to_string(i / 8.0)).append("\n");
+    }
+    ASSERT_GT(items.size(), OFFile::CHUNK_SIZE);
+    std::vector<double> values(expected.size());
+    EXPECT_TRUE(opened(items + ")\n;\nbehind\n").markChunkThenReadChunkStrategy(&values, 1));
+    EXPECT_EQ(values, expected);
+    char* line = buffer.data();
+    EXPECT_TRUE(m_file.getNextLine(&line));
+    EXPECT_STREQ(line, "behind");
+    values.assign(7, -1);
+    EXPECT_TRUE(opened("(1 2 3)\n(4 5 6)\n)\n;\n").markChunkThenReadChunkStrategy(&values, 3));
+    EXPECT_EQ(values, (std::vector<double>{1, 1, 1, 4, 4, 4, -1})) << "all components take the first number";
+    EXPECT_FALSE(opened("1 2\n").markChunkThenReadChunkStrategy(&values, 2)) << "no such number of components";
+    EXPECT_FALSE(opened("8\n9\n").markChunkThenReadChunkStrategy(&values, 1)) << "the file ends within the list";
+    EXPECT_EQ(values, (std::vector<double>{8, 9, 1, 4, 4, 4, -1}));
 }

@@ -1,171 +1,223 @@
 // SPDX-License-Identifier: MIT
-#include "foamfile/FoamText.h"
 #include "foamfile/OFFile.h"
+#include "support/CaseFiles.h"
 #include "support/LogCapture.h"
-#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <numeric>
 #include <stdexcept>
+#include <tuple>
 
 using namespace foamtext;
 
 namespace {
 
-bool readWholeFile(const std::string& className, const dvn::Str& path)
+std::string fileOf(const std::string& className, const std::string& format, const std::string& body)
 {
-    std::vector<int> labels;
-    std::vector<double> values;
-    FacesData faces;
-    int cells = 0;
-    OFFile file(true);
-    return className == "labelList"     ? file.readLabelList(path, "thing", &labels, &cells)
-           : className == "vectorField" ? file.readVectorField(path, "thing", &values)
-                                        : file.readFaceList(path, "thing", &faces);
+    return header(className, "thing", format, note(42)) + body;
 }
 
-class OFFileLabels : public testing::Test
+/// The number of nodes of each face and those nodes.
+std::string rawFaces(const Faces& faces)
+{
+    std::string bytes;
+    for (const std::vector<int>& nodes : faces) {
+        bytes += raw(std::vector<std::size_t>{nodes.size()}) + raw(nodes);
+    }
+    return bytes;
+}
+
+/// The three kinds of lists that are files of their own.
+class OFFileLists : public testing::Test
 {
 protected:
-    bool readOwner(const std::string& bytes)
+    /// Reads a file by the reader of its class; what came of its list stands in `content` as bytes.
+    bool read(const std::string& className, const std::string& bytes)
     {
-        folder.write("owner", bytes);
-        return OFFile(true).readLabelList(folder.str("owner"), "owner", &labels, &cells);
+        folder.write("100%1", bytes);
+        OFFile file(true);
+        bool isRead = false;
+        if (className == "labelList") {
+            isRead = file.readLabelList(path, "thing", &labelsRead, &cells);
+            content = raw(labelsRead);
+        } else if (className == "vectorField") {
+            std::vector<double> values;
+            isRead = file.readVectorField(path, "thing", &values);
+            content = raw(values);
+        } else {
+            FacesData data;
+            isRead = file.readFaceList(path, "thing", &data);
+            content = rawFaces(unpacked(data));
+            const auto named = std::accumulate(data.nodeCounts.begin(), data.nodeCounts.end(), std::size_t{0});
+            EXPECT_TRUE(className != "faceList" || data.nodes.size() == named) << "only compact lists have slack";
+        }
+        return isRead;
     }
-    std::string path() const { return folder.str("owner").toStdString(); }
 
-    const std::string ascii = header("labelList", "owner", "ascii", note(42));
-    const std::string binary = header("labelList", "owner", "binary", note(42));
     TempFolder folder;
-    std::vector<int> labels;
+    /// The percent sign must not take part in messages.
+    const dvn::Str path = folder.str("100%1");
+    std::vector<int> labelsRead;
+    std::string content;
     int cells = 0;
 };
 
 } // namespace
 
-TEST(OFFileWholeFiles, EachReaderReportsInItsOwnWordsAndOnce)
+TEST_F(OFFileLists, EachReaderReportsInItsOwnWordsAndOnce)
 {
-    TempFolder folder;
-    // A percent sign in the path must not take part in the message.
-    const dvn::Str path = folder.str("100%1");
     const std::pair<std::string, std::string> readers[] = {
         {"labelList", "labels file"}, {"vectorField", "vector field file"}, {"faceList", "face list file"}};
     for (const auto& [className, kind] : readers) {
-        const std::string good = header(className, "thing", "ascii", note(1));
+        const std::string good = fileOf(className, "ascii", "");
         const std::pair<std::string, std::string> cases[] = {
             {"", "Failed to open "},
             {header(className, "other"), "Unexpected object in "},
             {header("other", "thing"), "Unexpected class in "},
             {good + "no count 3", "Failed to read number of items in "},
-            {good + "3000000000\n(\n)\n", "Invalid number of items in "},
-            {good + "2147483647\n(\n)\n", "Invalid number of items in "},
             {good + "2000000000\n(\n)\n", "Invalid number of items in "}};
         for (const auto& [text, message] : cases) {
-            folder.write("100%1", text);
             const LogCapture log;
-            EXPECT_FALSE(readWholeFile(className, path));
+            EXPECT_FALSE(read(className, text));
             const std::string line = "OFFile : " + message + kind + ". File basename is " + path.toStdString();
             EXPECT_EQ(log.lines(), (std::vector<LogLine>{{1, line}}));
         }
         for (const std::string missing : {"object", "class"}) {
-            folder.write("100%1", std::string(good).replace(good.find(missing), 1, "x"));
             try {
-                readWholeFile(className, path);
+                read(className, std::string(good).replace(good.find(missing), 1, "x"));
                 ADD_FAILURE() << "no exception for a missing " << missing;
             } catch (const std::out_of_range& e) {
                 EXPECT_STREQ(e.what(), "map::at:  key not found");
             }
         }
-        folder.write("100%1", good + "0()\n");
-        EXPECT_TRUE(readWholeFile(className, path));
+        EXPECT_TRUE(read(className, good + "0()\n"));
     }
-}
-
-TEST_F(OFFileLabels, AsciiBinaryAndGzipGiveTheSame)
-{
-    const std::vector<int> expected = someLabels(60000);
-    const std::string text = ascii + list(expected.size(), foamtext::labels(expected));
-    const std::string raw = binary + rawList(expected) + "\n";
-    ASSERT_GT(text.size(), OFFile::CHUNK_SIZE);
-    for (const std::string& bytes : {text, raw, gzipped(text), gzipped(raw)}) {
-        cells = 0;
-        EXPECT_TRUE(readOwner(bytes));
-        EXPECT_EQ(labels, expected);
-        EXPECT_EQ(cells, 42);
-    }
-}
-
-TEST_F(OFFileLabels, CellsAreCountedByTheNoteAlone)
-{
-    const auto readNote = [&](const std::string& text) {
-        return readOwner(header("labelList", "owner", "ascii", "    note " + text + ";\n") + "1\n(\n0\n)\n");
-    };
-    EXPECT_TRUE(readNote("\"nCells:  17nFaces:3\""));
-    EXPECT_EQ(cells, 17);
-    EXPECT_TRUE(readNote("\"nCells:none nFaces:3\""));
-    EXPECT_EQ(cells, 0);
-    EXPECT_TRUE(readNote("\"nCells:3\""));
-    EXPECT_EQ(cells, 3);
     const LogCapture log;
-    EXPECT_FALSE(readNote("\"nFaces:3 nCells:17\"") || readNote("\"nPoints:3\""));
-    EXPECT_EQ(log.errors(),
-              std::vector<std::string>(2, "OFFile : Failed to read number of cells in file. This info should be "
-                                          "available as 'note' in the header of File: " +
-                                              path()));
-    EXPECT_THROW(readOwner(header("labelList", "owner") + "1\n(\n0\n)\n"), std::out_of_range);
+    EXPECT_FALSE(read("faceList", fileOf("faceList", "binary", list(1, "3(1 2 3)\n"))));
+    EXPECT_EQ(log.lines(), std::vector<LogLine>()) << "refused in silence";
+}
+
+TEST_F(OFFileLists, AsciiBinaryAndGzipGiveTheSame)
+{
+    // Several chunks each, so that the four or six workers take a second pass.
+    const std::vector<int> owners = someLabels(60000);
+    const std::vector<double> points = someVectors(30000);
+    Faces faceSet(110000);
+    for (std::size_t i = 0; i < faceSet.size(); ++i) {
+        faceSet[i].assign(i % 50 == 49 ? 12 : 3 + i % 2, static_cast<int>(i));
+    }
+    ASSERT_GT(faces(faceSet).size(), 7 * OFFile::CHUNK_SIZE);
+    std::string onOneLine = vectors(points);
+    std::replace(onOneLine.begin(), onOneLine.end(), '\n', ' ');
+    const std::array<std::string, 4> cases[] = {
+        {"labelList", "ascii", list(60000, labels(owners)), raw(owners)},
+        {"labelList", "binary", rawList(owners) + "\n", raw(owners)},
+        {"vectorField", "ascii", list(30000, vectors(points)), raw(points)},
+        {"vectorField", "ascii", "30000(" + onOneLine + ")\n", raw(points)},
+        {"vectorField", "binary", rawList(points, 3) + "\n", raw(points)},
+        {"faceList", "ascii", list(110000, faces(faceSet)), rawFaces(faceSet)},
+        {"faceCompactList", "ascii", list(110001, faces(faceSet)), rawFaces(faceSet)},
+        {"faceCompactList", "binary", compactFaces(faceSet), rawFaces(faceSet)},
+    };
+    const LogCapture log;
+    for (const auto& [className, format, body, expected] : cases) {
+        const std::string plain = fileOf(className, format, body);
+        for (const std::string& bytes : {plain, gzipped(plain)}) {
+            EXPECT_TRUE(read(className, bytes));
+            EXPECT_TRUE(content == expected) << className << " " << format << " of " << bytes.size();
+        }
+    }
+    EXPECT_EQ(cells, 42);
+    EXPECT_EQ(log.lines(), std::vector<LogLine>());
 }
 
 // A count that lies must neither write beyond the target nor pass in silence.
-TEST_F(OFFileLabels, AListThatDiffersFromItsCountKeepsWhatCame)
+TEST_F(OFFileLists, AListThatDiffersFromItsCountKeepsWhatCame)
 {
-    const LogCapture log;
-    EXPECT_TRUE(readOwner(ascii + "2\n(\n1\n2\n3\n)\n"));
-    EXPECT_EQ(labels, (std::vector<int>{1, 2}));
-    for (const std::string& text :
-         {ascii + "4\n(\n1\n2\n)\n", ascii + "4\n(\n1\n2\n-3\n4\n)\n", ascii + "4\n(\n1\n2\r\n3\n4\n)\n",
-          ascii + "4\n(\n1\n2\n", binary + "4\n(" + raw(std::vector<int>{1, 2})}) {
-        labels.clear();
-        EXPECT_FALSE(readOwner(text));
-        const bool hasReturn = text.find('\r') != std::string::npos;
-        EXPECT_EQ(labels, (std::vector<int>{1, hasReturn ? 0 : 2, 0, 0}));
-        EXPECT_EQ(log.lines().back(),
-                  (LogLine{3, "OFFile : List is shorter than its count: 4 items promised, " +
-                                  std::string(hasReturn ? "1" : "2") + " found. File is " + path()}));
+    using Ints = std::vector<int>;
+    using Doubles = std::vector<double>;
+    const std::string two = "4 items promised, 2 found";
+    const std::string one = "2 items promised, 1 found";
+    const std::string three = faces({{1, 2, 3}, {4, 5, 6}, {7, 8, 9, 10}});
+    const std::tuple<const char*, const char*, std::string, bool, std::string, std::string> cases[] = {
+        {"labelList", "ascii", "2\n(\n1\n2\n3\n)\n", true, raw(Ints{1, 2}), ""},
+        {"labelList", "ascii", "4\n(\n1\n2\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
+        {"labelList", "ascii", "4\n(\n1\n2\n-3\n4\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
+        {"labelList", "binary", "4\n(" + raw(Ints{1, 2}), false, raw(Ints{1, 2, 0, 0}), two},
+        {"vectorField", "ascii", list(20, vectors(someVectors(30000))), true, raw(someVectors(20)), ""},
+        {"vectorField", "ascii", "2\n(\n(1 2 3)\n)\n", true, raw(Doubles{1, 2, 3, 0, 0, 0}), one},
+        {"vectorField", "binary", "2\n(" + raw(Doubles{1, 2, 3}), false, raw(Doubles{1, 2, 3, 0, 0, 0}), one},
+        {"faceList", "ascii", list(2, three), true, rawFaces(Faces{{1, 2, 3}, {4, 5, 6}}), ""},
+        {"faceList", "ascii", list(4, faces({{1, 2, 3}, {4, 5, 6}})), true,
+         rawFaces(Faces{{1, 2, 3}, {4, 5, 6}, {}, {}}), two},
+    };
+    for (const auto& [className, format, body, isRead, expected, told] : cases) {
+        SCOPED_TRACE(body.substr(0, 40));
+        const LogCapture log;
+        labelsRead.clear();
+        EXPECT_EQ(read(className, fileOf(className, format, body)), isRead);
+        EXPECT_EQ(content, expected);
+        const std::string line = "OFFile : List is shorter than its count: " + told + ". File is " + path.toStdString();
+        EXPECT_EQ(joined(log.infos()), told.empty() ? "" : line);
     }
-    EXPECT_EQ(log.lines().size(), 5U);
 }
 
-TEST_F(OFFileLabels, ACountBeyondTheFileSizesNothing)
+TEST_F(OFFileLists, ACountBeyondTheFileSizesNothing)
 {
     // A compressed file can hold a thousand times its size, so its count is believed for longer.
-    for (const std::string& bytes : {ascii + "100000\n(\n1\n)\n", gzipped(ascii + "1000000000\n(\n1\n)\n")}) {
-        labels = {7};
-        EXPECT_FALSE(readOwner(bytes));
-        EXPECT_EQ(labels, std::vector<int>{7});
+    const std::string good = fileOf("labelList", "ascii", "100000\n(\n1\n)\n");
+    std::string huge = good;
+    huge.insert(huge.rfind("\n("), "0000");
+    const std::pair<std::string, std::size_t> cases[] = {{good, 1}, {gzipped(huge), 1}, {gzipped(good), 100000}};
+    for (const auto& [bytes, size] : cases) {
+        labelsRead = {7};
+        EXPECT_FALSE(read("labelList", bytes));
+        EXPECT_EQ(labelsRead.size(), size);
     }
-    EXPECT_FALSE(readOwner(gzipped(ascii + "100000\n(\n1\n)\n")));
-    EXPECT_EQ(labels.size(), 100000U);
 }
 
-TEST_F(OFFileLabels, ALineFeedAsFirstRawByteIsLost)
+TEST_F(OFFileLists, CellsAreCountedByTheNoteAlone)
+{
+    const std::string missing = "OFFile : Failed to read number of cells in file. This info should be available as "
+                                "'note' in the header of File: ";
+    const std::pair<const char*, int> notes[] = {{"nCells:  17nFaces:3", 17},
+                                                 {"nCells:none nFaces:3", 0},
+                                                 {"nCells:3", 3},
+                                                 {"nFaces:3 nCells:17", -1},
+                                                 {"nPoints:3", -1}};
+    for (const auto& [text, count] : notes) {
+        const LogCapture log;
+        const std::string noteLine = std::string("    note \"") + text + "\";\n";
+        const bool isRead = read("labelList", header("labelList", "thing", "ascii", noteLine) + "1\n(\n0\n)\n");
+        EXPECT_EQ(isRead ? cells : -1, count) << text;
+        EXPECT_TRUE(isRead || log.errors() == std::vector<std::string>{missing + path.toStdString()});
+    }
+    EXPECT_THROW(read("labelList", header("labelList", "thing") + "1\n(\n0\n)\n"), std::out_of_range);
+}
+
+TEST_F(OFFileLists, ALineFeedAsFirstRawByteIsLost)
 {
     const std::vector<int> written = {10, 1};
-    EXPECT_TRUE(readOwner(binary + rawList(written))) << "the bracket that ends the list makes up for it";
-    EXPECT_EQ(raw(labels), (raw(written) + ")").substr(1));
+    EXPECT_TRUE(read("labelList", fileOf("labelList", "binary", rawList(written))));
+    EXPECT_EQ(content, (raw(written) + ")").substr(1)) << "the bracket that ends the list makes up for it";
 }
 
-TEST_F(OFFileLabels, NoLabelIsLostAtAChunkBorder)
+TEST_F(OFFileLists, NoLabelIsLostAtAChunkBorder)
 {
-    for (std::size_t shift = 0; shift < 10; ++shift) {
-        for (const std::string separator : {"\n", " ", "\n\n\n"}) {
-            std::string text = ascii + "38000(" + std::string(shift, '0') + "7" + separator;
-            for (std::size_t i = 1; i < 38000; ++i) {
-                text.append("123456").append(separator);
-            }
-            ASSERT_TRUE(readOwner(text + ")\n")) << shift << "'" << separator << "'";
-            std::vector<int> expected(38000, 123456);
-            expected[0] = 7;
-            ASSERT_EQ(labels, expected);
+    std::vector<int> expected(38000, 123456);
+    expected[0] = 7;
+    for (const std::string separator : {"\n", " ", "\n\n\n"}) {
+        std::string rest = "7" + separator;
+        for (std::size_t i = 1; i < expected.size(); ++i) {
+            rest.append("123456").append(separator);
+        }
+        for (std::size_t shift = 0; shift < 10; ++shift) {
+            const std::string body = "38000(" + std::string(shift, '0') + rest + ")\n";
+            ASSERT_TRUE(read("labelList", fileOf("labelList", "ascii", body))) << shift << "'" << separator << "'";
+            ASSERT_EQ(labelsRead, expected);
         }
     }
 }

@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: MIT
-//
-// A plug-in that delivers one known case, and that misbehaves in the way which the name of the case's folder says. The
-// host's answers to a bad library cannot be tested with a good one.
-#include "ReferenceCells.h"
+// A plug-in that delivers one part with one result, and that misbehaves in the way which the name of the case's folder
+// says. The host's answers to a bad library cannot be tested with a good one.
+#include "support/ReferenceCells.h"
 
 #include <cstdlib>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
 
 namespace {
-
-constexpr double UNDEFINED = std::numeric_limits<double>::max();
 
 DDPString text(const std::string& characters)
 {
@@ -44,12 +40,12 @@ public:
             metaData->reserved1();
         }
         metaData->setSimulationInfo(text("fake"), text("A case made up\n"), 4, 4);
-        describeGroups(metaData->geometryInfo());
+        metaData->geometryInfo()->setGeometryMode(0);
+        metaData->geometryInfo()->elementGroupInfo()->addGroup(1, text("body"));
         metaData->addState(7, text("Time 0.00000 #0"), 0.0);
-        metaData->addState(3, text("Time 0.50000 #10"), 0.5);
-        addResult(metaData, 0, 1, "T", 1, "T_E");
-        addResult(metaData, 0, 2, "T [node]", 0, "T_N");
-        addResult(metaData, 1, 3, "U", 0, "U_N*");
+        DDPResultInfo* const info = metaData->addResult(0, 1, text("T"), 1);
+        info->setResultKey(text("T_E"));
+        info->setResultUnit(text("K"));
         return true;
     }
 
@@ -61,37 +57,27 @@ public:
         if (m_folder == "group-on-worker") {
             std::thread([geometry] { geometry->addNodeGroup(); }).join();
         }
-        DDPNodeGroup* const bodyNodes = geometry->addNodeGroup();
-        DDPElementGroup* const body = geometry->addElementGroup(bodyNodes->nodeGroupId());
-        DDPNodeGroup* const skinNodes = geometry->addNodeGroup();
-        DDPElementGroup* const skin = geometry->addElementGroup(skinNodes->nodeGroupId());
         if (m_folder == "missing-group") {
             return true;
         }
-        DDPNodeGroup* const cutNodes = geometry->addNodeGroup();
-        geometry->addElementGroup(cutNodes->nodeGroupId());
-        std::thread([&] { fillBody(bodyNodes, body); }).join();
-        fillSkin(skinNodes, skin);
+        DDPNodeGroup* const nodes = geometry->addNodeGroup();
+        DDPElementGroup* const elements = geometry->addElementGroup(nodes->nodeGroupId());
+        DeliveredCells cells;
+        if (m_folder == "bad-connectivity") {
+            cells.connectivity.back() = static_cast<std::int32_t>(cells.points.size() / 3);
+        }
+        std::thread([&] { cells.deliverTo(nodes, elements); }).join();
+        const std::vector<std::int32_t> partIds = {2, 2, 1, 1, 1};
+        elements->setElementPartIds(partIds.data(), partIds.size());
         return true;
     }
 
     bool getSet(std::int32_t /*setId*/, DDPSet* /*set*/) override { return false; }
 
-    bool getResult(const DDPResultSpec& spec, DDPResult* result) override
+    bool getResult(const DDPResultSpec& /*spec*/, DDPResult* result) override
     {
-        DDPResultValueGroup* const body = result->addValueGroup();
-        DDPResultValueGroup* const skin = result->addValueGroup();
-        if (spec.resultId() == 1) {
-            const double last = m_folder == "not-finite" ? std::numeric_limits<double>::quiet_NaN() : 5.0;
-            const std::vector<double> values = {1.0, 2.0, 3.0, UNDEFINED, last};
-            body->setValues(values.data(), 1, m_folder == "short-values" ? 4 : 5);
-            const std::vector<double> skinValues = {0.1, 0.2};
-            skin->setValues(skinValues.data(), 1, 2);
-            return true;
-        }
-        const std::int32_t dimension = spec.resultId() == 3 ? 3 : 1;
-        fillNodeValues(body, dimension, m_cells.points.size() / 3);
-        fillNodeValues(skin, dimension, 5);
+        const std::vector<double> values = {1.0, 2.0, 3.0, 4.0, 5.0};
+        result->addValueGroup()->setValues(values.data(), 1, m_folder == "short-values" ? 4 : 5);
         return true;
     }
 
@@ -105,70 +91,7 @@ public:
     }
 
 private:
-    static void describeGroups(DDPGeometryInfo* info)
-    {
-        info->setGeometryMode(0);
-        DDPElementGroupInfo* const groups = info->elementGroupInfo();
-        groups->addGroup(1, text("body"));
-        groups->addGroup(2, text("left half"));
-        groups->setParentPart(2, 1);
-        groups->setBoundaryFlag(2, 0);
-        groups->setGroupProperty(2, text("type"), text("CellZone"));
-        // A name that would leave the folder if it were used as it is.
-        groups->addGroup(3, text("../skin"));
-        groups->setParentPart(3, 1);
-        groups->setBoundaryFlag(3, 1);
-        groups->setGroupProperty(3, text("type"), text("wall"));
-        groups->addGroup(4, text("cut [FZ]"));
-        groups->setParentPart(4, 1);
-        groups->setBoundaryFlag(4, 0);
-        groups->setGroupProperty(4, text("type"), text("FaceZone"));
-    }
-
-    static void addResult(DDPMetaData* metaData, std::int32_t kind, std::int32_t id, const char* name,
-                          std::int32_t mapping, const char* key)
-    {
-        DDPResultInfo* const info = metaData->addResult(kind, id, text(name), mapping);
-        info->setResultKey(text(key));
-        info->setResultUnit(text("K"));
-    }
-
-    void fillBody(DDPNodeGroup* nodes, DDPElementGroup* elements)
-    {
-        if (m_folder == "bad-connectivity") {
-            m_cells.connectivity.back() = static_cast<std::int32_t>(m_cells.points.size() / 3);
-        }
-        nodes->setNodes(m_cells.points.data(), m_cells.points.size() / 3);
-        elements->setMixedElements(m_cells.types.data(), m_cells.types.size(), m_cells.connectivity.data(),
-                                   m_cells.connectivity.size(), m_cells.ids.data());
-        elements->setPolyhedra(m_cells.nodesPerPolyhedron.data(), m_cells.facesPerPolyhedron.data(), 1,
-                               m_cells.nodesPerFace.data(), 6, m_cells.faceConnectivity.data(), 24);
-        const std::vector<std::int32_t> partIds = {2, 2, 1, 1, 1};
-        elements->setElementPartIds(partIds.data(), partIds.size());
-    }
-
-    /// A triangle and a pentagon; the pentagon comes as a polyhedron of one face.
-    static void fillSkin(DDPNodeGroup* nodes, DDPElementGroup* elements)
-    {
-        const std::vector<double> points = {0, 0, 0, 1, 0, 0, 2, 1, 0, 1, 2, 0, 0, 1, 0};
-        const std::vector<std::int32_t> types = {DDP_TRIANGLE, DDP_POLY};
-        const std::vector<std::int32_t> connectivity = {0, 1, 4, 0, 1, 2, 3, 4};
-        const std::vector<std::int32_t> ids = {0, 1};
-        const unsigned char five = 5;
-        const unsigned char one = 1;
-        nodes->setNodes(points.data(), 5);
-        elements->setMixedElements(types.data(), 2, connectivity.data(), connectivity.size(), ids.data());
-        elements->setPolyhedra(&five, &one, 1, &five, 1, connectivity.data() + 3, 5);
-    }
-
-    static void fillNodeValues(DDPResultValueGroup* group, std::int32_t dimension, std::size_t nodeCount)
-    {
-        const std::vector<double> values(nodeCount * static_cast<std::size_t>(dimension), 0.1);
-        group->setValues(values.data(), dimension, nodeCount);
-    }
-
     std::string m_folder;
-    ReferenceCells m_cells;
 };
 
 class FakeFactory final : public DDPDataProviderFactory

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "TempFolder.h"
+#include "support/CaseFiles.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -8,6 +8,8 @@
 
 namespace {
 
+using nlohmann::json;
+
 struct ProgramRun
 {
     int code;
@@ -15,156 +17,153 @@ struct ProgramRun
     std::string err;
 };
 
-/// Runs the program with the fake plug-in, or the one that the arguments name. Redirections behind ours win.
-ProgramRun run(const TempFolder& folder, const std::string& arguments, const std::string& environment = "",
-               const std::string& redirection = "")
-{
-    const std::string command = environment + " DDP_PLUGIN='" FAKE_PLUGIN "' '" DDPHOST_PROGRAM "' " + arguments +
-                                " >'" + (folder / "out").string() + "' 2>'" + (folder / "err").string() + "' " +
-                                redirection;
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(folder / "out"), contentOf(folder / "err")};
-}
-
-std::string quoted(const std::filesystem::path& path)
+std::string inQuotes(const std::filesystem::path& path)
 {
     return " '" + path.string() + "'";
 }
 
+/// The program in a folder of its own, with two cubes and their pressure at the times 0.5 and 1 as its case.
+class Program : public testing::Test
+{
+protected:
+    Program()
+    {
+        writeControlDict(m_folder);
+        writeTwoCubes(m_folder);
+        writePressure(m_folder, "0.5");
+        writePressure(m_folder, "1");
+    }
+
+    /// Redirections behind ours win.
+    ProgramRun run(const std::string& arguments, const std::string& environment = "",
+                   const std::string& redirection = "")
+    {
+        const std::string command = "DDP_PLUGIN='" REAL_PLUGIN "' " + environment + " '" DDPHOST_PROGRAM "' " +
+                                    arguments + " >" + inQuotes(m_folder / "out") + " 2>" + inQuotes(m_folder / "err") +
+                                    " " + redirection;
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileBytes(m_folder / "out"), fileBytes(m_folder / "err")};
+    }
+    /// Runs it on a case of the plug-in that behaves as the folder's name says.
+    ProgramRun runFake(const std::string& arguments, const std::string& behaviour)
+    {
+        return run(arguments + inQuotes("/nowhere/" + behaviour + "/case.foam"), "DDP_PLUGIN='" FAKE_PLUGIN "'");
+    }
+
+    TempFolder m_folder;
+    std::string m_case = inQuotes(m_folder.path());
+};
+
 } // namespace
 
-TEST(Program, TellsWhatWentWrongByItsExitCode)
+TEST_F(Program, TellsWhatWentWrongByItsExitCode)
 {
-    const TempFolder folder;
-    const auto info = [&](const std::string& name) {
-        return run(folder, "info --counts" + quoted(folder / name / "case.foam")).code;
-    };
-    EXPECT_EQ(info("sound"), 0);
-    EXPECT_EQ(info("refused"), 3);
-    EXPECT_EQ(run(folder, "info" + quoted(folder / "sound/other.file")).code, 3);
+    EXPECT_EQ(run("info --counts" + m_case).code, 0);
+    EXPECT_EQ(run("info --help").code + run("--version").code, 0);
+    EXPECT_EQ(runFake("info", "refused").code, 3);
+    EXPECT_EQ(run("info" + inQuotes(m_folder / "other.file")).code, 3);
     for (const char* const fault :
          {"throws", "unasked-option", "reserved-row", "crashes", "missing-group", "bad-connectivity"}) {
-        EXPECT_EQ(info(fault), 5) << fault;
+        EXPECT_EQ(runFake("info --counts", fault).code, 5) << fault;
     }
-    for (const char* const mistake : {"", "nonsense", "info", "info x --set FLAG=maybe", "info x --set NONE=1",
+    EXPECT_EQ(runFake("stats", "short-values").code, 5);
+    for (const char* const mistake : {"", "nonsense", "info", "info x --set NODE_AVG_RES=maybe", "info x --set NONE=1",
                                       "info x --set FLAG", "info x --color pink", "sample x --kind round"}) {
-        EXPECT_EQ(run(folder, mistake).code, 2) << mistake;
+        EXPECT_EQ(run(mistake).code, 2) << mistake;
     }
-    EXPECT_EQ(run(folder, "info x --plugin no/such/library.so").code, 4);
-    EXPECT_EQ(run(folder, "info x --plugin '" DDPHOST_PROGRAM "'").code, 4);
-    EXPECT_EQ(run(folder, "info x", "FAKE_PLUGIN_VERSION=8").code, 4);
-    EXPECT_EQ(run(folder, "--version").code, 0);
-    EXPECT_EQ(run(folder, "info --help").code, 0);
-    EXPECT_EQ(run(folder, "info" + quoted(folder / "sound/case.foam"), "", ">/dev/full").code, 6);
+    EXPECT_EQ(run("info x --plugin no/such/library.so").code, 4);
+    EXPECT_EQ(run("info x --plugin '" DDPHOST_PROGRAM "'").code, 4);
+    EXPECT_EQ(run("info x --plugin '" FAKE_PLUGIN "'", "FAKE_PLUGIN_VERSION=8").code, 4);
+    EXPECT_EQ(run("info" + m_case, "", ">/dev/full").code, 6);
 }
 
-TEST(Program, KeepsDataAndLogApart)
+TEST_F(Program, KeepsDataAndLogApart)
 {
-    const TempFolder folder;
-    const std::string info = "info" + quoted(folder / "sound/case.foam");
-    EXPECT_EQ(run(folder, info + " -q").err, "error: an error line\n");
-    EXPECT_EQ(run(folder, info).err, "error: an error line\n");
-    EXPECT_EQ(run(folder, info + " -v").err, "error: an error line\ninfo: an info line\n");
-    EXPECT_EQ(run(folder, info + " -vv").err, "error: an error line\ninfo: an info line\ndebug: a debug line\n");
-    EXPECT_EQ(run(folder, info + " -vv").out, run(folder, info).out);
-    EXPECT_EQ(run(folder, info).out.find('\033'), std::string::npos);
-    EXPECT_NE(run(folder, info + " --color always").out.find('\033'), std::string::npos);
+    const std::string error = "error: an error line\n";
+    const std::string info = error + "info: an info line\n";
+    const ProgramRun plain = runFake("info", "sound");
+    EXPECT_EQ(plain.out.find('\033'), std::string::npos);
+    EXPECT_NE(runFake("info --color always", "sound").out.find('\033'), std::string::npos);
+    const std::pair<const char*, std::string> levels[] = {
+        {"info", error}, {"info -q", error}, {"info -v", info}, {"info -vv", info + "debug: a debug line\n"}};
+    for (const auto& [command, lines] : levels) {
+        const ProgramRun result = runFake(command, "sound");
+        EXPECT_EQ(result.err, lines);
+        EXPECT_EQ(result.out, plain.out);
+    }
 }
 
-TEST(Program, InfoGivesTheTreeAsOneDocument)
+TEST_F(Program, InfoGivesTheTreeAsOneDocument)
 {
-    const TempFolder folder;
-    const ProgramRun result = run(folder, "info --counts --json" + quoted(folder / "sound/case.foam"));
+    const ProgramRun result = run("info --counts --json --set LOAD_FACE_ZONES=on" + m_case);
     ASSERT_EQ(result.code, 0) << result.err;
-    const nlohmann::json document = nlohmann::json::parse(result.out);
+    const json document = json::parse(result.out);
     EXPECT_EQ(document["schema"], "ddphost/1");
-    EXPECT_EQ(document["plugin"]["name"], "FakePlugin");
+    EXPECT_EQ(document["plugin"]["name"], "OpenFoamPlugin");
     ASSERT_EQ(document["parts"].size(), 1U);
-    const nlohmann::json& part = document["parts"][0];
-    EXPECT_EQ(part["elementTypes"],
-              (nlohmann::json{{"hexahedra", 1}, {"polyhedra", 1}, {"prisms", 1}, {"pyramids", 1}, {"tetrahedra", 1}}));
-    EXPECT_EQ(part["boundingBox"], (nlohmann::json{{0, 0, 0}, {9, 1, 1}}));
-    EXPECT_EQ(part["cellZones"][0]["name"], "left half");
-    EXPECT_EQ(part["patches"][0]["elementTypes"], (nlohmann::json{{"polygons", 1}, {"triangles", 1}}));
-    EXPECT_EQ(part["faceZones"][0]["id"], 4);
-    EXPECT_EQ(document["states"][1], (nlohmann::json{{"id", 3}, {"value", 0.5}, {"name", "Time 0.50000 #10"}}));
+    const json& part = document["parts"][0];
+    EXPECT_EQ(part["elementTypes"], (json{{"hexahedra", 2}}));
+    EXPECT_EQ(part["boundingBox"], (json{{0, 0, 0}, {2, 1, 1}}));
+    EXPECT_EQ(part["cellZones"][0]["name"], "z %1");
+    EXPECT_EQ(part["patches"][1]["elementTypes"], (json{{"quadrilaterals", 9}}));
+    EXPECT_EQ(part["faceZones"][0]["id"], 5);
+    EXPECT_EQ(document["states"][1]["value"], 1.0);
+    EXPECT_TRUE(document["results"][0]["averageOf"].is_null());
     EXPECT_EQ(document["results"][1]["averageOf"], 1);
-    EXPECT_TRUE(document["results"][2]["averageOf"].is_null()) << "a field on points is no average";
+    const json shapes = json::parse(runFake("info --counts --json", "sound").out)["parts"][0]["elementTypes"];
+    EXPECT_EQ(shapes, (json{{"hexahedra", 1}, {"polyhedra", 1}, {"prisms", 1}, {"pyramids", 1}, {"tetrahedra", 1}}));
 }
 
-TEST(Program, ExportNeverReplacesAFileUnasked)
+TEST_F(Program, ExportWritesWhatWasSelectedAndReplacesNoFileUnasked)
 {
-    const TempFolder folder;
-    const std::string command =
-        "export" + quoted(folder / "sound/case.foam") + " -o" + quoted(folder / "vtk") + " --part 'body|skin'";
-    ASSERT_EQ(run(folder, command).code, 0);
-    const std::string index = contentOf(folder / "vtk/case.vtm");
-    EXPECT_NE(index.find("<DataSet index=\"1\" name=\"../skin\" file=\"case/body..._skin.vtp\"/>"), std::string::npos)
-        << index;
-    EXPECT_EQ(index.find("cut"), std::string::npos) << "not selected";
+    const std::string command = "export -o" + inQuotes(m_folder / "vtk") + m_case;
+    const std::string selected = command + " --state all --result 'PRESSURE_E' --part 'default|left'";
+    ASSERT_EQ(run(selected).code, 0);
+    const json series = json::parse(fileBytes(m_folder / "vtk/case.vtm.series"));
+    EXPECT_EQ(series["files"][1], (json{{"name", "case_0001.vtm"}, {"time", 1.0}}));
+    const std::string index = fileBytes(m_folder / "vtk/case_0001.vtm");
+    EXPECT_NE(index.find("name=\"left side\""), std::string::npos);
+    EXPECT_EQ(index.find("rest"), std::string::npos) << "not selected";
+    const std::filesystem::path bodyFile = m_folder / "vtk/case_0001/default_region.vtu";
+    const std::string body = fileBytes(bodyFile);
+    EXPECT_NE(body.find("Name=\"Pressure\" NumberOfComponents=\"1\""), std::string::npos);
+    EXPECT_EQ(body.find("Pressure [node]"), std::string::npos) << "not selected";
 
-    std::ofstream(folder / "vtk/case/body.vtu") << "precious";
-    std::filesystem::remove(folder / "vtk/case.vtm");
-    EXPECT_EQ(run(folder, command).code, 6);
-    EXPECT_EQ(contentOf(folder / "vtk/case/body.vtu"), "precious");
-    EXPECT_FALSE(std::filesystem::exists(folder / "vtk/case.vtm")) << "nothing is written after a refusal";
-    EXPECT_EQ(run(folder, command + " --overwrite").code, 0);
-    EXPECT_NE(contentOf(folder / "vtk/case/body.vtu"), "precious");
-}
-
-TEST(Program, ExportWritesTheValuesOfEachStateAndTheirIndex)
-{
-    const TempFolder folder;
-    const std::string target = " -o" + quoted(folder / "vtk");
-    const std::string command = "export" + quoted(folder / "sound/case.foam") + target;
-    ASSERT_EQ(run(folder, command + " --state all --result 'T_E|U'").code, 0);
-    const nlohmann::json series = nlohmann::json::parse(contentOf(folder / "vtk/case.vtm.series"));
-    EXPECT_EQ(series["files"][1], (nlohmann::json{{"name", "case_0001.vtm"}, {"time", 0.5}}));
-    const std::string body = contentOf(folder / "vtk/case_0001/body.vtu");
-    EXPECT_NE(body.find("Name=\"T\" NumberOfComponents=\"1\""), std::string::npos);
-    EXPECT_NE(body.find("Name=\"U\" NumberOfComponents=\"3\""), std::string::npos);
-    EXPECT_EQ(body.find("T [node]"), std::string::npos) << "not selected";
-    EXPECT_EQ(run(folder, command + " --state 0.3").code, 2) << "there is no such time";
-    EXPECT_EQ(run(folder, command + " --part '('").code, 2) << "no regular expression";
-}
-
-TEST(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
-{
-    const TempFolder folder;
-    const std::string options = " --result T_E --part body --state '#3' --csv";
-    EXPECT_EQ(run(folder, "stats" + quoted(folder / "sound/case.foam") + options).out,
-              "result,time,group,component,items,least,mean,greatest,undefined,nan,infinite\n"
-              "T,0.5,body,0,5,1,2.75,5,1,0,0\n");
-    const ProgramRun broken = run(folder, "stats --json" + quoted(folder / "not-finite/case.foam") + options);
-    EXPECT_EQ(broken.code, 1);
-    const nlohmann::json row = nlohmann::json::parse(broken.out)["rows"][0];
-    EXPECT_EQ(row["nan"], 1);
-    EXPECT_EQ(row["mean"], 2.0);
-    EXPECT_EQ(run(folder, "stats" + quoted(folder / "short-values/case.foam")).code, 5);
-}
-
-TEST(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
-{
-    const TempFolder folder;
-    const std::string watch = "watch" + quoted(folder / "sound/case.foam");
-    EXPECT_EQ(run(folder, watch + " --interval 0 --count 1").out, "update state 7 time 0 \"Time 0.00000 #0\"\n"
-                                                                  "add state 9 time 1 \"Time 1.00000 #20\"\n"
-                                                                  "remove position 2\n");
-    EXPECT_EQ(run(folder, watch + " --interval 60", "timeout --preserve-status -s INT 0.2 env").code, 0);
-}
-
-TEST(Program, BenchMeasuresEachKindOfWork)
-{
-    const TempFolder folder;
-    const ProgramRun result = run(folder, "bench --json --repeat 2" + quoted(folder / "sound/case.foam"));
-    ASSERT_EQ(result.code, 0) << result.err;
-    const nlohmann::json phases = nlohmann::json::parse(result.out)["cases"][0]["phases"];
-    std::vector<std::string> names;
-    for (const nlohmann::json& phase : phases) {
-        names.push_back(phase["name"]);
-        EXPECT_GT(phase["peakMegabytes"], 0.0);
+    m_folder.write("vtk/case_0001/default_region.vtu", "precious");
+    std::filesystem::remove(m_folder / "vtk/case_0001.vtm");
+    EXPECT_EQ(run(selected).code, 6);
+    EXPECT_EQ(fileBytes(bodyFile), "precious");
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "vtk/case_0001.vtm")) << "nothing is written after a refusal";
+    EXPECT_EQ(run(selected + " --overwrite").code, 0);
+    EXPECT_EQ(fileBytes(bodyFile), body);
+    for (const char* const nothing :
+         {"--state 0.3", "--state '#2x'", "--state nan", "--part '('", "--part outlet", "--result none"}) {
+        EXPECT_EQ(run(command + " " + nothing).code, 2) << nothing;
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"init", "metadata", "geometry", "T", "T [node]", "U"}));
-    // 31 + 5 nodes with three components each, in doubles.
-    EXPECT_DOUBLE_EQ(phases[5]["hostMegabytes"], 36 * 3 * 8 / 1e6);
+}
+
+TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
+{
+    const std::string options = " --result PRESSURE_E --part 'default|left'";
+    EXPECT_EQ(run("stats --csv --state 1" + m_case + options).out,
+              "result,time,group,component,items,least,mean,greatest,undefined,nan,infinite\n"
+              "Pressure,1,default_region,0,2,1,2,3,0,0,0\n"
+              "Pressure,1,left side,0,1,7,7,7,0,0,0\n");
+    const std::pair<const char*, const char*> values[] = {{"nan", "nan"}, {"-inf", "infinite"}};
+    for (const auto& [value, column] : values) {
+        writePressure(m_folder, "1", std::string("nonuniform List<scalar> \n2\n(\n5\n") + value + "\n)\n");
+        const ProgramRun broken = run("stats --json --state '#2'" + m_case + options);
+        EXPECT_EQ(broken.code, 1);
+        const json row = json::parse(broken.out)["rows"][0];
+        EXPECT_EQ(row[column], 1);
+        EXPECT_EQ(row["mean"], 5.0);
+    }
+}
+
+TEST_F(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
+{
+    EXPECT_EQ(runFake("watch --interval 0 --count 1", "sound").out, "update state 7 time 0 \"Time 0.00000 #0\"\n"
+                                                                    "add state 9 time 1 \"Time 1.00000 #20\"\n"
+                                                                    "remove position 2\n");
+    EXPECT_EQ(run("watch --interval 60" + m_case, "timeout --preserve-status -s INT 1 env").code, 0);
 }

@@ -1,24 +1,24 @@
 // SPDX-License-Identifier: MIT
-#include "GridVolume.h"
-#include "ReferenceCells.h"
-#include "TempFolder.h"
 #include "output/FileNames.h"
 #include "output/VtkWriter.h"
+#include "support/HostArrays.h"
+#include "support/ReferenceCells.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <map>
 
 namespace {
 
-void fill(const ReferenceCells& cells, HostNodeGroup* nodes, HostElementGroup* elements)
-{
-    nodes->setNodes(cells.points.data(), cells.points.size() / 3);
-    elements->setMixedElements(cells.types.data(), cells.types.size(), cells.connectivity.data(),
-                               cells.connectivity.size(), cells.ids.data());
-    elements->setPolyhedra(cells.nodesPerPolyhedron.data(), cells.facesPerPolyhedron.data(), 1,
-                           cells.nodesPerFace.data(), 6, cells.faceConnectivity.data(), 24);
-}
+// The faces of VTK's cells as its user's guide draws them, each counter-clockwise seen from outside.
+const std::map<int, ReferenceFaces> VTK_FACES = {
+    {10, {{0, 1, 3}, {1, 2, 3}, {2, 0, 3}, {0, 2, 1}}},
+    {12, {{0, 4, 7, 3}, {1, 2, 6, 5}, {0, 1, 5, 4}, {3, 7, 6, 2}, {0, 3, 2, 1}, {4, 5, 6, 7}}},
+    {13, {{0, 1, 2}, {3, 5, 4}, {0, 3, 4, 1}, {1, 4, 5, 2}, {2, 5, 3, 0}}},
+    {14, {{0, 3, 2, 1}, {0, 1, 4}, {1, 2, 4}, {2, 3, 4}, {3, 0, 4}}}};
 
 /// The array of this name in the appended section of a file.
 template <typename Value>
@@ -38,33 +38,43 @@ std::vector<Value> appendedArray(const std::string& content, const std::string& 
 
 TEST(VtkGrid, EveryShapeKeepsItsVolumeInTheNodeOrderOfVtk)
 {
-    const ReferenceCells cells;
-    HostNodeGroup nodes(1);
-    HostElementGroup elements(1);
-    fill(cells, &nodes, &elements);
-    const VtkGrid grid = makeVtkGrid(nodes, elements, false, 1);
-    const std::vector<double> volumes = cellVolumes(grid);
-    ASSERT_EQ(volumes.size(), cells.volumes.size());
-    for (std::size_t cell = 0; cell < volumes.size(); ++cell) {
-        EXPECT_NEAR(volumes[cell], cells.volumes[cell], 1e-12) << "VTK type " << int{grid.types[cell]};
+    HostGroups groups;
+    DeliveredCells().deliverTo(&groups.nodes, &groups.elements);
+    const VtkGrid grid = makeVtkGrid(groups.nodes, groups.elements, false, 1);
+    ASSERT_EQ(grid.types.size(), 5U);
+    auto node = grid.connectivity.begin();
+    for (std::size_t cell = 0; cell < 4; ++cell) {
+        // The cells share no nodes, so the n-th node of a cell has its label behind those of the cells in front.
+        const ReferenceCell& reference = referenceCells()[cell];
+        const auto first = static_cast<int>(node - grid.connectivity.begin());
+        ReferenceFaces faces = VTK_FACES.at(grid.types[cell]);
+        for (std::vector<int>& face : faces) {
+            std::ranges::for_each(face, [&](int& corner) { corner = static_cast<int>(node[corner]) - first; });
+        }
+        EXPECT_NEAR(volumeInside(reference.points, faces), reference.volume(), 1e-12) << int{grid.types[cell]};
+        node += static_cast<std::ptrdiff_t>(reference.points.size());
     }
     EXPECT_EQ(grid.types[4], 42);
+    std::vector<std::int64_t> table = {6};
+    for (std::size_t i = 0; i < 24; ++i) {
+        table.insert(table.end(), i % 4 == 0 ? 1 : 0, 4);
+        table.push_back(DeliveredCells().faceConnectivity[i]);
+    }
+    EXPECT_EQ(grid.faces, table);
 }
 
 TEST(VtkFiles, HoldTheArraysToTheLastBit)
 {
-    const ReferenceCells cells;
-    HostNodeGroup nodes(1);
-    HostElementGroup elements(1);
-    fill(cells, &nodes, &elements);
-    nodes.coordinates[0] = 0.1 + 0.2;
-    VtkGrid grid = makeVtkGrid(nodes, elements, false, 17);
+    HostGroups groups;
+    DeliveredCells().deliverTo(&groups.nodes, &groups.elements);
+    groups.nodes.coordinates[0] = 0.1 + 0.2;
+    VtkGrid grid = makeVtkGrid(groups.nodes, groups.elements, false, 17);
     grid.cellData.push_back({"a <\"&> b", 1, {1, 2, 3, 4, 1.0 / 3}});
     const TempFolder folder;
     writeVtu(folder / "grid.vtu", grid, false);
 
-    const std::string content = contentOf(folder / "grid.vtu");
-    EXPECT_EQ(appendedArray<double>(content, "Points"), nodes.coordinates);
+    const std::string content = fileBytes(folder / "grid.vtu");
+    EXPECT_EQ(appendedArray<double>(content, "Points"), groups.nodes.coordinates);
     EXPECT_EQ(appendedArray<double>(content, "a &lt;&quot;&amp;&gt; b"), grid.cellData[0].values);
     EXPECT_EQ(appendedArray<std::int32_t>(content, "PartId"), std::vector<std::int32_t>(5, 17));
     EXPECT_EQ(appendedArray<std::int64_t>(content, "faceoffsets"), (std::vector<std::int64_t>{-1, -1, -1, -1, 31}));
@@ -73,11 +83,14 @@ TEST(VtkFiles, HoldTheArraysToTheLastBit)
 TEST(FileNames, StayInTheirFolderAndApart)
 {
     FileNames names;
-    EXPECT_EQ(names.unique("../etc/passwd", ".vtp"), "_.._etc_passwd.vtp");
-    EXPECT_EQ(names.unique("", ".vtp"), "_.vtp");
-    EXPECT_EQ(names.unique("Wall", ".vtp"), "Wall.vtp");
-    EXPECT_EQ(names.unique("wall", ".vtp"), "wall_2.vtp");
-    EXPECT_EQ(names.unique("wall ", ".vtp"), "wall_.vtp");
-    EXPECT_EQ(names.unique("wall:", ".vtp"), "wall__2.vtp");
+    const std::pair<const char*, const char*> cases[] = {{"../etc/passwd", "_.._etc_passwd.vtp"},
+                                                         {"", "_.vtp"},
+                                                         {"Wall", "Wall.vtp"},
+                                                         {"wall", "wall_2.vtp"},
+                                                         {"wall ", "wall_.vtp"},
+                                                         {"wall:", "wall__2.vtp"}};
+    for (const auto& [name, file] : cases) {
+        EXPECT_EQ(names.unique(name, ".vtp"), file);
+    }
     EXPECT_LE(names.unique(std::string(1000, 'x'), ".vtp").size(), 255U);
 }

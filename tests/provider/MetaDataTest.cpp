@@ -1,31 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "provider/OpenCase.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-/// Id, name, parent and type of each group in order of declaration.
-Texts groups(const HostMetaData& description)
-{
-    Texts texts;
-    for (const HostGroup& group : description.groups) {
-        texts.push_back(std::to_string(group.id) + " " + group.name + " < " +
-                        std::to_string(group.parentId.value_or(0)) + " " + group.type());
-    }
-    return texts;
-}
-
-std::string results(const HostMetaData& description)
-{
-    Texts texts;
-    for (const HostResultInfo& result : description.results) {
-        texts.push_back(std::to_string(result.id) + " " + result.name + " " + result.key + " " +
-                        std::to_string(result.kind) + std::to_string(result.mapping) +
-                        std::to_string(result.displacementFlag) + " " + result.unit);
-    }
-    return joined(texts);
-}
 
 TEST(MetaData, DeclaresEachGroupByCallsInAFixedOrder)
 {
@@ -33,7 +11,7 @@ TEST(MetaData, DeclaresEachGroupByCallsInAFixedOrder)
     writeControlDict(folder);
     writeTwoCubes(folder);
     folder.write("postProcessing/sampleSurface/0/cut/x", "");
-    folder.write("0/p", fieldFile("volScalarField", "p", "uniform 0"));
+    writePressure(folder, "0");
     OpenCase openCase(folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     const HostMetaData& description = openCase.metaData();
     EXPECT_EQ(joined(description.calls),
@@ -44,10 +22,9 @@ TEST(MetaData, DeclaresEachGroupByCallsInAFixedOrder)
               "addGroup(5), setParentPart(5, 1), setBoundaryFlag(5, 0), setGroupProperty(5, type), "
               "addGroup(6), setBoundaryFlag(6, 0), setGroupProperty(6, type), "
               "addState(1), addResult(0, 1, 1), addResult(0, 2, 0)");
-    EXPECT_EQ(joined(groups(description)),
-              "1 default_region < 0 , 2 z %1 < 1 CellZone, 3 left side < 1 patch, "
-              "4 rest < 1 wall, 5 inner [FZ] < 1 FaceZone, 6 cut[Surf] < 0 SampledSurface");
-    EXPECT_EQ(results(description), "1 Pressure PRESSURE_E 010 m s-1 , 2 Pressure [node] PRESSURE_N 000 m s-1 ");
+    EXPECT_EQ(openCase.groups(), "1 default_region < 0 , 2 z %1 < 1 CellZone, 3 left side < 1 patch, "
+                                 "4 rest < 1 wall, 5 inner [FZ] < 1 FaceZone, 6 cut[Surf] < 0 SampledSurface");
+    EXPECT_EQ(openCase.results(), "1 Pressure PRESSURE_E 010 m s-1 , 2 Pressure [node] PRESSURE_N 000 m s-1 ");
     EXPECT_EQ(description.title, folder.path().filename().string());
     EXPECT_EQ(description.description, "Single-Region Simulation");
 }
@@ -61,7 +38,7 @@ TEST(MetaData, NumbersTheGroupsOfEachPartBehindItsOwnId)
     }
     std::filesystem::remove(folder.path() / "processor1/constant/polyMesh/cellZones");
     OpenCase openCase(folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
-    const std::string declared = joined(groups(openCase.metaData()));
+    const std::string declared = openCase.groups();
     // Folders list in any order; the part without a cell zone is a part, the other a group.
     EXPECT_EQ(declared, declared.starts_with("1 processor0")
                             ? "1 processor0 < 0 , 2 z %1 < 1 CellZone, 3 left side < 1 patch, 4 rest < 1 wall, "
@@ -86,30 +63,33 @@ TEST(MetaData, SendsNamesBeyondAsciiOnTheRoadThatHostsKnow)
     {
         OpenCase openCase(folder.path(), options);
         const HostMetaData& description = openCase.metaData();
-        EXPECT_EQ(groups(description), (Texts{"1 processor" + name + " < 0 ", "2 " + name + " < 1 patch"}));
+        EXPECT_EQ(openCase.groups(), "1 processor" + name + " < 0 , 2 " + name + " < 1 patch");
         EXPECT_EQ(description.results[0].name, name + " shown");
         EXPECT_EQ(description.results[0].key, "L\xC3\x83\xC2\xA9 %1_E");
     }
     // The name of a part takes the other road once it has zones.
     folder.write(mesh + "/cellZones", zonesFile(false, {{name, {0}}}));
     OpenCase openCase(folder.path(), options);
-    EXPECT_EQ(groups(openCase.metaData())[0], "1 processor" + twice + " < 0 ");
-    EXPECT_EQ(groups(openCase.metaData())[1], "2 " + name + " < 1 CellZone");
+    EXPECT_EQ(openCase.groups(),
+              "1 processor" + twice + " < 0 , 2 " + name + " < 1 CellZone, 3 " + name + " < 1 patch");
 }
 
+// Fields on faces and those in other sub-folders are none.
 TEST(MetaData, NumbersResultsAtTheirFirstAppearance)
 {
     const TempFolder folder;
     writeControlDict(folder);
-    folder.write("0/T", fieldFile("volScalarField", "T", "uniform 0"));
+    folder.writeGz("0/T.gz", fieldFile("volScalarField", "T", "uniform 0"));
+    folder.write("0/phi", fieldFile("surfaceScalarField", "phi", "uniform 0"));
+    folder.write("0/cloud/x", fieldFile("volScalarField", "x", "uniform 0"));
     folder.write("1/T", fieldFile("volVectorField", "T", "uniform 0"));
-    folder.write("2/polyMesh/points", foamFile("vectorField", "points"));
+    folder.write("2/polyMesh/points", foamtext::header("vectorField", "points"));
     folder.write("3/s", fieldFile("volTensorField", "s", "uniform 0"));
-    folder.write("4/v", fieldFile("pointVectorField", "v", "uniform 0"));
+    folder.write("4/v", foamtext::header("pointVectorField", "alpha.v") + "dimensions [0 1];\n");
     OpenCase openCase(folder.path(), settings({{"NODE_AVG_RES", false}}));
     EXPECT_EQ(openCase.metaData().stateMode, 4);
-    EXPECT_EQ(results(openCase.metaData()), "1 Temperature TEMPERATURE_E 010 m s-1 , 2 points POINTS 201 m , "
-                                            "3 s S_E 410 m s-1 , 4 v [N] V_N* 100 m s-1 ");
+    EXPECT_EQ(openCase.results(), "1 Temperature TEMPERATURE_E 010 m s-1 , 2 points POINTS 201 m , "
+                                  "3 s S_E 410 m s-1 , 4 alpha.v [N] ALPHA.V_N* 100 DIMENSIONLESS");
 }
 
 } // namespace

@@ -1,78 +1,70 @@
 // SPDX-License-Identifier: MIT
-#include "provider/OpenCase.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-class Polling : public testing::Test
+/// What happens to the case, a "+" or "-" and a time folder for each change, and what the next poll tells of it.
+struct Step
 {
-protected:
-    Polling()
-    {
-        writeControlDict(m_folder);
-        for (const char* const time : {"0", "1", "2"}) {
-            add(time);
-        }
-        m_case = std::make_unique<OpenCase>(m_folder.path());
-        m_case->metaData();
-    }
-
-    void add(const std::string& time) { m_folder.write(time + "/p", fieldFile("volScalarField", "p", "uniform 0")); }
-
-    void remove(const std::string& time) { std::filesystem::remove_all(m_folder.path() / time); }
-
-    TempFolder m_folder;
-    std::unique_ptr<OpenCase> m_case;
+    Texts changes;
+    std::string told;
 };
 
-TEST_F(Polling, AddsAStateAtTheEndAndTellsAllAtTheNextPoll)
-{
-    EXPECT_EQ(m_case->poll(), "");
-    add("3");
-    EXPECT_EQ(m_case->poll(), "add 1004 Time 3.00000 #3");
-    add("4");
-    EXPECT_EQ(m_case->poll(), "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 2.00000 #2, "
-                              "update 1004 Time 3.00000 #3");
-    EXPECT_EQ(m_case->poll(), "add 1005 Time 4.00000 #4");
-    // The results of new states have ids and links. Without a mesh there is no group.
-    const std::unique_ptr<HostResult> result = m_case->result("PRESSURE_N", 1005);
-    ASSERT_NE(result, nullptr);
-    EXPECT_TRUE(result->groups.empty());
-}
+const std::string ALL = "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 2.00000 #2";
+const std::string TEN_LAST = "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 10.00000 #2";
 
-TEST_F(Polling, PushesTheTailBackWhenAStateComesInBetween)
-{
-    add("0.5");
-    EXPECT_EQ(m_case->poll(), "update 1002 Time 0.50000 #1, add 1004 Time 2.00000 #3");
-}
+/// Each begins with the times 0, 1 and 2, and a mesh that is missing: there are no groups.
+const std::vector<std::vector<Step>> SEQUENCES = {
+    // A state at the end is added, and all are told at the next poll.
+    {{{}, ""},
+     {{"+3"}, "add 1004 Time 3.00000 #3"},
+     {{"+4"}, ALL + ", update 1004 Time 3.00000 #3"},
+     {{}, "add 1005 Time 4.00000 #4"}},
+    // A state in between pushes the tail back.
+    {{{"+0.5"}, "update 1002 Time 0.50000 #1, add 1004 Time 2.00000 #3"}},
+    // When a state goes, those left are told and then positions.
+    {{{"-1"}, "update 1001 Time 0.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3"}},
+    // Removal comes before addition.
+    {{{"-0", "+5"},
+      "update 1001 Time 1.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3, add 1003 Time 5.00000 #2"}},
+    // With a state goes the folder at its position in text order: that is 10 in place of 2, so 2 is found gone and 10
+    // is
+    // found new once more.
+    {{{"+10"}, "add 1004 Time 10.00000 #3"},
+     {{}, ALL + ", update 1004 Time 10.00000 #3"},
+     {{"-2"}, TEN_LAST + ", remove 3, remove 4"},
+     {{}, TEN_LAST},
+     {{}, TEN_LAST + ", remove 3, update 1003 Time 10.00000 #2, add 1004 Time 10.00000 #3"}},
+    // A folder that is no time is known from then on; when it goes it is found gone at each poll that looks.
+    {{{"+other"}, ""}, {{}, ALL}, {{}, ""}, {{"-other"}, ALL + ", remove 3"}, {{}, ALL}, {{}, ALL + ", remove 3"}},
+};
 
-TEST_F(Polling, TellsThoseLeftAndThenPositionsWhenAStateGoes)
+TEST(Polling, TellsTheChangesOfTheTimeFolders)
 {
-    remove("1");
-    EXPECT_EQ(m_case->poll(), "update 1001 Time 0.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3");
-}
-
-TEST_F(Polling, HandlesRemovalBeforeAdditionInOnePoll)
-{
-    remove("0");
-    add("5");
-    EXPECT_EQ(m_case->poll(), "update 1001 Time 1.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3, "
-                              "add 1003 Time 5.00000 #2");
-}
-
-// A folder that is no time folder is known from then on; when it goes it is found gone at each poll that looks.
-TEST_F(Polling, SkipsFoldersThatAreNoTimes)
-{
-    const std::string all = "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 2.00000 #2";
-    add("other");
-    EXPECT_EQ(m_case->poll(), "");
-    EXPECT_EQ(m_case->poll(), all);
-    EXPECT_EQ(m_case->poll(), "");
-    remove("other");
-    EXPECT_EQ(m_case->poll(), all + ", remove 3");
-    EXPECT_EQ(m_case->poll(), all);
-    EXPECT_EQ(m_case->poll(), all + ", remove 3");
+    for (const std::vector<Step>& sequence : SEQUENCES) {
+        const TempFolder folder;
+        writeControlDict(folder);
+        for (const char* const time : {"0", "1", "2"}) {
+            writePressure(folder, time);
+        }
+        OpenCase openCase(folder.path());
+        openCase.metaData();
+        for (const Step& step : sequence) {
+            SCOPED_TRACE(joined(step.changes));
+            for (const std::string& change : step.changes) {
+                if (change[0] == '+') {
+                    writePressure(folder, change.substr(1));
+                } else {
+                    std::filesystem::remove_all(folder / change.substr(1));
+                }
+            }
+            EXPECT_EQ(openCase.poll(), step.told);
+        }
+        // The results of new states have ids and links, too.
+        EXPECT_EQ(openCase.result("PRESSURE_N", 1005) != nullptr, sequence.size() == 4);
+    }
 }
 
 } // namespace

@@ -1,30 +1,17 @@
 // SPDX-License-Identifier: MIT
-//
 // A host that does not link TBB itself: when it closes the plug-in, nothing else would hold TBB, whose threads run on.
-// It opens a case, draws it, closes the library and lives on for a moment, several times. A crash is the failure.
+// It opens a case, draws it, closes the library and lives on for a moment, several times. A crash is the failure. The
+// arguments are the plug-in and the case.
 #include "border/CaseSession.h"
 #include "border/HostOptions.h"
 #include "border/PluginLibrary.h"
 
 #include <chrono>
-#include <cstdio>
 #include <thread>
 
-namespace {
-
-constexpr int ROUNDS = 5;
-/// Long enough for idle threads to look for work, which is when they would run into unmapped code.
-constexpr std::chrono::milliseconds AFTERLIFE(30);
-
-} // namespace
-
-int main(int argc, char** argv)
+int main(int /*argc*/, char** argv)
 {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: %s PLUGIN CASE\n", argv[0]);
-        return 2;
-    }
-    for (int round = 0; round < ROUNDS; ++round) {
+    for (int round = 0; round < 5; ++round) {
         {
             PluginLibrary library(argv[1]);
             const HostOptions options;
@@ -33,7 +20,8 @@ int main(int argc, char** argv)
                 return 1;
             }
         }
-        std::this_thread::sleep_for(AFTERLIFE);
+        // Long enough for idle threads to look for work, which is when they would run into unmapped code.
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
     }
     return 0;
 }

@@ -1,25 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// One line as it reached the host: its level and the group, " : " and the message in one text.
-struct LogLine
-{
-    int level = 0;
-    std::string text;
+using LogLine = std::pair<int, std::string>;
 
-    friend bool operator==(const LogLine& a, const LogLine& b) { return a.level == b.level && a.text == b.text; }
-};
-
-/// Shows in the messages of failed expectations.
-std::ostream& operator<<(std::ostream& stream, const LogLine& line);
-
-/// Collects what the plug-in logs, from any thread, while it lives.
-///
-/// An inner capture hides an outer one, which goes on behind it. When the outermost ends, the logger drops its lines.
+/// Collects what the plug-in logs, from any thread, while it lives. One at a time.
 class LogCapture
 {
 public:
@@ -35,10 +24,4 @@ public:
     std::vector<std::string> errors() const { return texts(1); }
     std::vector<std::string> infos() const { return texts(3); }
     void clear();
-
-private:
-    static void receive(int level, const char* text);
-
-    LogCapture* m_outer;
-    std::vector<LogLine> m_lines;
 };

@@ -1,39 +1,50 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "mesh/OFCell.h"
-#include "provider/DataProviderInterface.h"
+#include "DataProviderInterface.h"
 
 #include <array>
-#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
-/// One cell by its points and faces. No two of its edges are equal, so that any mistake in the order of nodes changes
-/// the volume.
+using ReferencePoint = std::array<double, 3>;
+using ReferenceFaces = std::vector<std::vector<int>>;
+
+/// One cell by its points, in the host's node order, and its faces. No two of its edges are equal, so that any mistake
+/// in the order of nodes changes the volume.
 struct ReferenceCell
 {
     DDPElementType type;
-    std::vector<std::array<double, 3>> points;
-    /// The faces, each seen from outside counter-clockwise.
-    std::vector<std::vector<int>> faces;
+    std::vector<ReferencePoint> points;
+    ReferenceFaces faces; ///< each seen from outside counter-clockwise
+    double volume() const;
 };
 
 /// A tetrahedron, a pyramid, a pentahedron and a hexahedron.
 const std::vector<ReferenceCell>& referenceCells();
 
 /// The volume inside faces that point outwards, which may be warped.
-double volumeInside(std::span<const std::array<double, 3>> points, const std::vector<std::vector<int>>& faces);
+double volumeInside(std::span<const ReferencePoint> points, const ReferenceFaces& faces);
 
-/// The volume of an element given by its nodes in the host's order, positive only if that order is right.
-double signedVolume(DDPElementType type, std::span<const std::array<double, 3>> points, std::span<const int> nodes);
+/// The volume of an element given by its nodes in the host's order, positive only if that order is right. Types other
+/// than those of the reference cells have none.
+double signedVolume(std::int32_t type, std::span<const ReferencePoint> points, std::span<const int> nodes);
 
-/// A cell as its mesh has it.
-struct CellInMesh
+/// The reference cells as a library hands them over, 2 apart along x, and the hexahedron once more as a polyhedron.
+/// They share no nodes.
+struct DeliveredCells
 {
-    OFCell cell;
-    FacesData faces;
+    std::vector<double> points;
+    std::vector<std::int32_t> types;
+    std::vector<std::int32_t> connectivity;
+    std::vector<std::int32_t> ids = {0, 1, 2, 3, 4};
+    std::vector<std::int32_t> faceConnectivity; ///< six faces of four nodes
 
-    /// Adds a face by its nodes as the file lists them.
-    void addFace(const std::vector<int>& fileNodes, bool isOwner);
+    DeliveredCells();
+    /// Sets all of it.
+    void deliverTo(DDPNodeGroup* nodes, DDPElementGroup* elements) const;
+
+private:
+    void addCell(const ReferenceCell& cell, std::int32_t type);
 };

@@ -17,6 +17,7 @@ public:
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& path() const { return m_path; }
+    std::filesystem::path operator/(const std::string& relative) const { return m_path / relative; }
     /// The path of something in the folder as the readers take it; the folder itself for an empty argument.
     dvn::Str str(const std::string& relative = {}) const;
 

@@ -6,8 +6,8 @@
 #include "border/HostNotifications.h"
 #include "border/HostOptions.h"
 #include "border/HostResult.h"
-#include "casemodel/CaseFiles.h"
 #include "provider/OpenFoamProvider.h"
+#include "support/CaseFiles.h"
 
 #include <filesystem>
 #include <memory>
@@ -29,6 +29,12 @@ public:
 
     const HostMetaData& metaData();
     const HostGeometry& geometry();
+    /// Id, name, parent and type of each group in order of declaration, as in "2 inlet < 1 patch, 3 ...".
+    std::string groups();
+    /// Id and name of each state, as in "1 Time 0.00000 #0, 2 ...".
+    std::string states();
+    /// Id, name, key, the codes of kind, mapping and displacement, and unit of each result.
+    std::string results();
     /// The groups of the result of this key in this state; null if the provider refuses.
     std::unique_ptr<HostResult> result(const std::string& key, int stateId);
     /// The values of all groups of a result, or none if the provider refuses.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "provider/OpenCase.h"
+#include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
 
@@ -43,6 +43,36 @@ const HostGeometry& OpenCase::geometry()
         EXPECT_TRUE(provider.getGeometry(HostGeometrySpec(), m_geometry.get()));
     }
     return *m_geometry;
+}
+
+std::string OpenCase::groups()
+{
+    Texts texts;
+    for (const HostGroup& group : metaData().groups) {
+        texts.push_back(std::to_string(group.id) + " " + group.name + " < " +
+                        std::to_string(group.parentId.value_or(0)) + " " + group.type());
+    }
+    return joined(texts);
+}
+
+std::string OpenCase::states()
+{
+    Texts texts;
+    for (const HostState& state : metaData().states) {
+        texts.push_back(std::to_string(state.id) + " " + state.name);
+    }
+    return joined(texts);
+}
+
+std::string OpenCase::results()
+{
+    Texts texts;
+    for (const HostResultInfo& result : metaData().results) {
+        texts.push_back(std::to_string(result.id) + " " + result.name + " " + result.key + " " +
+                        std::to_string(result.kind) + std::to_string(result.mapping) +
+                        std::to_string(result.displacementFlag) + " " + result.unit);
+    }
+    return joined(texts);
 }
 
 std::unique_ptr<HostResult> OpenCase::result(const std::string& key, int stateId)

@@ -42,13 +42,12 @@ std::string rawList(const std::vector<T>& values, std::size_t components = 1)
 /// The two raw lists of a compact face list.
 std::string compactFaces(const Faces& values);
 
-/// 0, 1, 2 ... as labels; three times as many numbers with a fraction; triangles and quadrilaterals in turn with, every
-/// `bigEvery` faces, one of a dozen nodes.
+/// 0, 1, 2 ... as labels, and three times as many numbers with a fraction.
 std::vector<int> someLabels(std::size_t count);
 std::vector<double> someVectors(std::size_t count);
-Faces someFaces(std::size_t count, std::size_t bigEvery);
 
-/// The faces that a record holds.
+/// The faces that a record holds, and the record of faces.
 Faces unpacked(const FacesData& data);
+FacesData packed(const Faces& faces);
 
 } // namespace foamtext

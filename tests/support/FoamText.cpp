@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "foamfile/FoamText.h"
+#include "support/FoamText.h"
 
 #include <charconv>
 #include <numeric>
@@ -98,18 +98,6 @@ std::vector<double> someVectors(std::size_t count)
     return values;
 }
 
-Faces someFaces(std::size_t count, std::size_t bigEvery)
-{
-    Faces values(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t size = i % bigEvery == bigEvery - 1 ? 12 : 3 + i % 2;
-        for (std::size_t k = 0; k < size; ++k) {
-            values[i].push_back(static_cast<int>(i + 11 * k));
-        }
-    }
-    return values;
-}
-
 Faces unpacked(const FacesData& data)
 {
     Faces values(data.faceCount());
@@ -117,6 +105,17 @@ Faces unpacked(const FacesData& data)
         values[i].assign(data.faceNodes(i), data.faceNodes(i) + data.nodeCounts[i]);
     }
     return values;
+}
+
+FacesData packed(const Faces& faces)
+{
+    FacesData data;
+    for (const std::vector<int>& nodes : faces) {
+        data.nodeCounts.push_back(static_cast<std::uint8_t>(nodes.size()));
+        data.nodeOffsets.push_back(static_cast<int>(data.nodes.size()));
+        data.nodes.insert(data.nodes.end(), nodes.begin(), nodes.end());
+    }
+    return data;
 }
 
 } // namespace foamtext

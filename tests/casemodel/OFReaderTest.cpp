@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include "casemodel/OFReader.h"
+#include "casemodel/OFUnit.h"
+#include "support/LogCapture.h"
+#include "support/OpenCase.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using foamtext::header;
+
+namespace {
+
+/// What the reader finds in a folder, as a host hears of it.
+class OFReaderCase : public testing::Test
+{
+protected:
+    OFReaderCase() { writeControlDict(m_folder); }
+
+    void writeGroups(const std::string& meshFolder)
+    {
+        m_folder.writeGz(meshFolder + "/boundary.gz", boundaryFile({{"in", "patch", 2, 4},
+                                                                    {"gone", "wall", 0, 6},
+                                                                    {"minus", "wall", -3, 6},
+                                                                    {"procBoundary0to1", "processor", 2, 6}}));
+        m_folder.write(meshFolder + "/cellZones", zonesFile(false, {{"core", {0}}, {"rim", {1}}}));
+        m_folder.write(meshFolder + "/faceZones", zonesFile(true, {{"cut", {0}}}));
+    }
+    std::string lastErrorOfOpening(const dvn::Str& folder)
+    {
+        const LogCapture log;
+        OFReader reader;
+        reader.setLoadBoundariesFlag(true);
+        reader.setLoadCellZonesFlag(true);
+        EXPECT_FALSE(reader.init(folder));
+        return log.errors().back();
+    }
+
+    TempFolder m_folder;
+};
+
+} // namespace
+
+// Interfaces are hidden, and a broken file costs the part its patches; ids move on as if it had none.
+TEST_F(OFReaderCase, TakesProcessorFoldersBeforeAllElse)
+{
+    writeGroups("constant/polyMesh");
+    writeGroups("processorData/constant/polyMesh");
+    m_folder.write("processor1/constant/polyMesh/boundary", "no header");
+    m_folder.write("processor2/constant/x", "");
+    m_folder.write("postProcessing/sampleSurface/0/plane/x", "");
+    const std::pair<const char*, bool> switches[] = {{"HIDE_PARALLEL_INTERFACES", true},
+                                                     {"LOAD_GLOBAL_MESH", false},
+                                                     {"LOAD_LOCAL_MESHES", false},
+                                                     {"LOAD_FACE_ZONES", true}};
+    OpenCase openCase(m_folder.path(), settings({std::begin(switches), std::end(switches)}));
+    EXPECT_EQ(openCase.metaData().description, "Parallel Simulation\n");
+    const std::string groups = openCase.groups();
+    EXPECT_EQ(groups, groups.starts_with("1 processorData")
+                          ? "1 processorData < 0 , 2 core < 1 CellZone, 3 rim < 1 CellZone, 4 in < 1 patch, "
+                            "5 cut [FZ] < 1 FaceZone, 6 processor1 < 0 "
+                          : "1 processor1 < 0 , 2 processorData < 0 , 3 core < 2 CellZone, 4 rim < 2 CellZone, "
+                            "5 in < 2 patch, 6 cut [FZ] < 2 FaceZone");
+}
+
+TEST_F(OFReaderCase, FallsBackToTheMeshOfTimeZeroWithoutItsGroups)
+{
+    writeGroups("0/polyMesh");
+    EXPECT_EQ(OpenCase(m_folder.path()).groups(), "1 default_region < 0 ");
+    // The description files of this mesh are looked for beside the time folder.
+    m_folder.write("0polyMesh/cellZones", "broken");
+    EXPECT_EQ(lastErrorOfOpening(m_folder.str()), "OFReader : Cannot init cell zones. A parsing problem occurred in " +
+                                                      (m_folder / "0/polyMesh/cellZones").string() + ".");
+}
+
+TEST_F(OFReaderCase, TellsWhyItDoesNotOpen)
+{
+    const auto path = [&](const char* relative) { return (m_folder / relative).string(); };
+    EXPECT_EQ(lastErrorOfOpening("no\\such"), "OFReader : Failed to open case no/such - file does not exist");
+    m_folder.write("constant/polyMesh/boundary", "broken");
+    EXPECT_EQ(lastErrorOfOpening(m_folder.str()), "OFReader : Cannot init Boundary. A parsing problem occurred in " +
+                                                      path("constant/polyMesh/boundary") + ".");
+    std::filesystem::remove_all(m_folder / "constant");
+    EXPECT_EQ(lastErrorOfOpening(m_folder.str()),
+              "OFReader : Cannot init geometry. Folder " + path("constant") + " does not exist.");
+    std::filesystem::remove_all(m_folder / "system");
+    EXPECT_EQ(lastErrorOfOpening(m_folder.str()),
+              "OFReader : Failed to open case " + m_folder.path().string() + " - could not read system/controlDict");
+}
+
+TEST_F(OFReaderCase, TakesTheSurfacesOfTheFirstTimeInTextOrder)
+{
+    m_folder.write("postProcessing/sampleSurface/2/old/x", "");
+    m_folder.write("postProcessing/sampleSurface/10/cut/x", "");
+    EXPECT_EQ(OpenCase(m_folder.path()).groups(), "1 cut[Surf] < 0 SampledSurface");
+}
+
+// Ids run in text order over the folders whose names begin with a number, the list in the order of time.
+TEST_F(OFReaderCase, TakesStepIndicesFromTheFoldersOrFromTheInterval)
+{
+    for (const char* const name : {"0", "1", "10", "2", "postProcessing", "dynamicCode", "0.orig", "-1"}) {
+        std::filesystem::create_directory(m_folder / name);
+    }
+    EXPECT_EQ(OpenCase(m_folder.path()).states(),
+              "1 Time -1.00000 #0, 2 Time 0.00000 #1, 3 Time 0.00000 #2, 4 Time 1.00000 #3, 6 Time 2.00000 #4, "
+              "5 Time 10.00000 #5");
+    const TempFolder other;
+    std::filesystem::create_directory(other / "0");
+    other.write("0.1/uniform/time", header("dictionary", "time") + "index 150;\n");
+    other.write("0.2/uniform/time", header("dictionary", "time") + "index -1;\n");
+    for (const auto& [interval, step] : {std::pair("20", "40"), {"0.5", "0"}, {"every $n", "2"}}) {
+        writeControlDict(other, std::string("writeInterval ") + interval + ";\n");
+        EXPECT_EQ(OpenCase(other.path()).states(),
+                  std::string("1 Time 0.00000 #0, 2 Time 0.10000 #150, 3 Time 0.20000 #") + step);
+    }
+}
+
+// "+" sorts before every digit: that folder is no time and comes when there is no state yet to take its values.
+TEST_F(OFReaderCase, TakesSurfaceValuesOfTheStatesNameAndThoseOfRejectedFoldersBehindThem)
+{
+    for (const char* const file : {"1/cut/scalarField/p", "1/cut/vectorField/U.gz", "1/rim/scalarField/p",
+                                   "abc/cut/scalarField/q", "+a/cut/scalarField/lost"}) {
+        m_folder.write(std::string("postProcessing/sampleSurface/") + file, "");
+    }
+    for (const char* const name : {"+a", "0", "1", "abc"}) {
+        std::filesystem::create_directory(m_folder / name);
+    }
+    OpenCase openCase(m_folder.path());
+    Texts keys;
+    for (const HostResultInfo& result : openCase.metaData().results) {
+        keys.push_back(result.key + " " + std::to_string(result.kind) + std::to_string(result.mapping));
+    }
+    std::ranges::sort(keys);
+    EXPECT_EQ(joined(keys), "PRESSURE_N* 00, Q_N* 00, VELOCITY_N* 10");
+}
+
+TEST_F(OFReaderCase, LeavesByExceptionAtAFieldWithoutClass)
+{
+    m_folder.write("0.5/p", "FoamFile\n{\n    object p;\n}\n");
+    try {
+        OFReader().init(m_folder.str());
+        FAIL() << "nothing thrown";
+    } catch (const std::out_of_range& error) {
+        EXPECT_STREQ(error.what(), "map::at:  key not found");
+    }
+}
+
+TEST(ResultNames, AreReadAsPairsAndPairsWithoutASecondSideSkipped)
+{
+    dvn::Str text(" U = Speed ; p=;k;T=Heat;T=Warmth;;a=b=c\n");
+    EXPECT_EQ(OFReader().buildResultsNamesMap(text),
+              (std::map<dvn::Str, dvn::Str>{{"U", "Speed"}, {"T", "Warmth"}, {"a", "b"}}));
+}
+
+TEST(OFUnit, TranslatesADimensionsLine)
+{
+    const auto translated = [](const char* line) {
+        return OFUnit::fromString(dvn::Str(line).split(" ")).translate().toStdString();
+    };
+    EXPECT_EQ(translated("dimensions [1 -1 -2 2 -3 0 0];"), "Kg m-1 s-2 K2 mol-3 ");
+    EXPECT_EQ(translated("dimensions [0 2 -2 0 0];"), "DIMENSIONLESS");
+    EXPECT_EQ(translated("dimensions [ 0 2 -2 0 0 0 0];"), "DIMENSIONLESS");
+    // The seventh exponent takes as many characters as the sixth token has, less one.
+    EXPECT_EQ(translated("dimensions [0 0 0 0 0 -1 2];"), "A-1 cd2 ");
+}

@@ -27,7 +27,7 @@ endif()
 if(OFP_SANITIZE)
     add_compile_options(-fsanitize=${OFP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${OFP_SANITIZE})
-    add_compile_definitions(_GLIBCXX_ASSERTIONS)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS OFP_SANITIZED)
 endif()
 
 # What ships lives in someone else's process and reads what others wrote: overruns are to end in a clean stop. The

@@ -45,7 +45,7 @@ install_packages() {
 }
 
 BUILD_PACKAGES="clang-14 cmake ninja-build libstdc++-12-dev libtbb-dev zlib1g-dev libcli11-dev nlohmann-json3-dev libfmt-dev"
-TEST_PACKAGES="libgtest-dev libbenchmark-dev binutils"
+TEST_PACKAGES="libgtest-dev libbenchmark-dev binutils locales"
 CHECK_PACKAGES="g++ clang-format-14 clang-tidy-14 libclang-rt-14-dev"
 
 # Configures a preset once and builds it; further arguments go to the configuration.

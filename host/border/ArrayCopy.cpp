@@ -5,14 +5,14 @@
 #include <tbb/task_arena.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <sys/mman.h>
 
 namespace {
 
 /// A large page, and the least work that is worth a task.
-constexpr std::size_t BLOCK = 2U * 1024U * 1024U;
+constexpr std::size_t BLOCK = 2097152;
 /// The smallest page that systems have.
 constexpr std::size_t SMALL_PAGE = 4096;
 
@@ -32,17 +32,15 @@ void forEachBlock(std::size_t byteCount, const Work& work)
 
 void prepareMemory(void* memory, std::size_t byteCount)
 {
-    const auto address = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t first = (address + BLOCK - 1) / BLOCK * BLOCK;
-    const std::uintptr_t end = (address + byteCount) / BLOCK * BLOCK;
-    if (memory == nullptr || first >= end) {
+    if (memory == nullptr || std::align(BLOCK, BLOCK, memory, byteCount) == nullptr) {
         return;
     }
+    char* const bytes = static_cast<char*>(memory);
+    const std::size_t length = byteCount / BLOCK * BLOCK;
     // A hint: what the system makes of it changes the speed alone.
-    static_cast<void>(madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE));
-    char* const bytes = reinterpret_cast<char*>(first);
-    forEachBlock(end - first, [bytes](std::size_t begin, std::size_t blockEnd) {
-        for (std::size_t i = begin; i < blockEnd; i += SMALL_PAGE) {
+    static_cast<void>(madvise(bytes, length, MADV_HUGEPAGE));
+    forEachBlock(length, [bytes](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; i += SMALL_PAGE) {
             *static_cast<volatile char*>(bytes + i) = 0;
         }
     });

@@ -4,29 +4,30 @@
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
-#include <cstdint>
+#include <memory>
 #include <sys/mman.h>
 
 namespace dvf {
 namespace {
 
 /// Size of a large page on the machines that have them; elsewhere the hint does nothing.
-constexpr std::uintptr_t LARGE_PAGE = 2U * 1024U * 1024U;
+constexpr std::size_t LARGE_PAGE = 2097152;
 /// The smallest page that systems have.
 constexpr std::size_t SMALL_PAGE = 4096;
 
 /// The whole large pages of a range.
-struct LargePageRange
+struct LargePages
 {
-    std::uintptr_t first;
-    std::uintptr_t end;
+    char* first = nullptr;
+    std::size_t byteCount = 0; ///< 0 if the range has none
 
-    LargePageRange(void* memory, std::size_t byteCount)
-        : first((reinterpret_cast<std::uintptr_t>(memory) + LARGE_PAGE - 1) / LARGE_PAGE * LARGE_PAGE),
-          end((reinterpret_cast<std::uintptr_t>(memory) + byteCount) / LARGE_PAGE * LARGE_PAGE)
-    {}
-
-    bool isEmpty() const { return first >= end; }
+    LargePages(void* memory, std::size_t size)
+    {
+        if (memory != nullptr && std::align(LARGE_PAGE, LARGE_PAGE, memory, size) != nullptr) {
+            first = static_cast<char*>(memory);
+            byteCount = size / LARGE_PAGE * LARGE_PAGE;
+        }
+    }
 };
 
 } // namespace
@@ -34,10 +35,10 @@ struct LargePageRange
 void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t byteCount)
 {
 #ifdef MADV_HUGEPAGE
-    const LargePageRange pages(memory, byteCount);
-    if (!pages.isEmpty()) {
+    const LargePages pages(memory, byteCount);
+    if (pages.byteCount != 0) {
         // What the system makes of it changes the speed alone.
-        static_cast<void>(madvise(reinterpret_cast<void*>(pages.first), pages.end - pages.first, MADV_HUGEPAGE));
+        static_cast<void>(madvise(pages.first, pages.byteCount, MADV_HUGEPAGE));
     }
 #endif
 }
@@ -45,16 +46,16 @@ void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_
 void touchLargePages(void* memory, std::size_t byteCount)
 {
     preferLargePages(memory, byteCount);
-    const LargePageRange pages(memory, byteCount);
-    if (pages.isEmpty()) {
+    const LargePages pages(memory, byteCount);
+    if (pages.byteCount == 0) {
         return;
     }
     // Callers are workers themselves: while they wait here, they must not begin with another part.
     tbb::this_task_arena::isolate([&pages] {
-        tbb::parallel_for(pages.first, pages.end, LARGE_PAGE, [](std::uintptr_t page) {
+        tbb::parallel_for(std::size_t{0}, pages.byteCount, LARGE_PAGE, [&pages](std::size_t page) {
             // A large page is entered by its first touch; where there are small ones, each takes a touch of its own.
             for (std::size_t i = 0; i < LARGE_PAGE; i += SMALL_PAGE) {
-                *reinterpret_cast<volatile char*>(page + i) = 0;
+                *static_cast<volatile char*>(pages.first + page + i) = 0;
             }
         });
     });

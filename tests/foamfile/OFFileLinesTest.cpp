@@ -144,8 +144,8 @@ TEST_P(OFFileLines, AListOverManyChunksIsReadInTwoPassesAndItsRestStaysPending)
     std::string items;
     std::vector<double> expected;
     for (int i = 0; i < 60000; ++i) {
-        expected.push_back(i / 8.0);
-        items.append(std::to_string(i / 8.0)).append("\n");
+        expected.push_back(i + 0.125);
+        items.append(std::to_string(i)).append(".125\n");
     }
     ASSERT_GT(items.size(), OFFile::CHUNK_SIZE);
     std::vector<double> values(expected.size());

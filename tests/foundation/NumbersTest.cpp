@@ -77,17 +77,19 @@ TEST(Numbers, TextsConvertAsExtractionFromAStreamDoes)
 
 TEST(Numbers, AWholeTokenIsOneNumberAsTheCLibrarySays)
 {
+    const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
     for (const dvn::Str& piece :
          dvn::Str("1|+1| 1|1 |-1.5e3|1e400|-1e400|1e-400|0x1p4|0x|inf|-INF|nan|nan(12)|infinity|1.5x|x|"
                   "1e|1e5 |.|-|1,5")
              .split("|")) {
         const std::string text = piece.toUtf8();
         char* end = nullptr;
-        const double expected = std::strtod(text.c_str(), &end);
+        const double expected = strtod_l(text.c_str(), &end, plain);
         double value = 17.0;
         EXPECT_EQ(dvf::tokenToDouble(text, &value), *end == '\0') << text;
         EXPECT_TRUE(value == expected || (value != value && expected != expected)) << text << ": " << value;
     }
+    freelocale(plain);
     double value = 17.0;
     EXPECT_FALSE(dvf::tokenToDouble("", &value));
     EXPECT_FALSE(dvf::tokenToDouble(std::string(dvf::MAX_NUMBER_LENGTH + 1, '1'), &value));

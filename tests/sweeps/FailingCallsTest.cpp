@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "sweeps/FailingCalls.h"
+#include "support/OpenCase.h"
+#include "sweeps/UseCase.h"
+
+#include <gtest/gtest.h>
+#include <tbb/global_control.h>
+
+#include <optional>
+#include <stdexcept>
+
+namespace {
+
+/// A case of two cubes, some of its files compressed, with fields on cells and points.
+class FailingCalls : public testing::TestWithParam<int>
+{
+protected:
+    FailingCalls()
+    {
+        writeControlDict(folder);
+        writeTwoCubes(folder);
+        folder.writeGz("constant/polyMesh/points.gz", fileBytes(folder / "constant/polyMesh/points"));
+        std::filesystem::remove(folder / "constant/polyMesh/points");
+        writePressure(folder, "0", "uniform 4");
+        writePressure(folder, "1");
+        folder.write("1/pointU", fieldFile("pointVectorField", "pointU", "uniform (1 2 3)"));
+        usual = useCase(folder.path());
+    }
+
+    /// Uses the case with call number `which` failing, and tells if one failed. Only the planned exceptions may come.
+    bool useWithFailure(std::size_t which)
+    {
+        const FailingCallScope scope(static_cast<FailingCall>(GetParam()), which);
+        try {
+            // What comes of it, even nothing, is checked as it is delivered.
+            static_cast<void>(useCase(folder.path()));
+        } catch (const std::bad_alloc&) {
+        } catch (const std::length_error&) {
+        } catch (const std::invalid_argument&) {
+        } catch (const std::out_of_range& error) {
+            EXPECT_STREQ(error.what(), "map::at:  key not found");
+        }
+        return scope.hasFailed();
+    }
+
+    TempFolder folder;
+    std::optional<std::string> usual;
+};
+
+TEST_P(FailingCalls, EachOneLeavesTheHostAliveAndTheNextOpeningWhole)
+{
+    ASSERT_TRUE(usual.has_value());
+    const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
+    std::size_t which = 0;
+    while (useWithFailure(which)) {
+        ++which;
+        // Checked seldom: it costs as much as the failing life.
+        if (which % 32 == 1) {
+            ASSERT_EQ(useCase(folder.path()), usual) << "behind call " << which;
+        }
+    }
+    // A sweep over nothing would prove nothing: names are looked up and files are opened several times in any life.
+    EXPECT_GT(which, 4U);
+    RecordProperty("calls", static_cast<int>(which));
+    EXPECT_EQ(useCase(folder.path()), usual);
+}
+
+TEST_P(FailingCalls, SomeFailOnOtherThreads)
+{
+    ASSERT_TRUE(usual.has_value());
+    const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, 8);
+    std::size_t which = 0;
+    while (useWithFailure(which)) {
+        which += 13;
+    }
+    EXPECT_EQ(useCase(folder.path()), usual);
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, FailingCalls, testing::Range(0, FAILING_CALL_KINDS));
+
+} // namespace

@@ -26,19 +26,6 @@ bool mustFail(FailingCall kind)
     return true;
 }
 
-void* allocate(std::size_t size, std::size_t alignment)
-{
-    if (mustFail(FailingCall::Allocation)) {
-        throw std::bad_alloc();
-    }
-    void* const memory = alignment == 0 ? std::malloc(size == 0 ? 1 : size)
-                                        : std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
 } // namespace
 
 FailingCallScope::FailingCallScope(FailingCall kind, std::size_t which)
@@ -57,6 +44,24 @@ bool FailingCallScope::hasFailed() const
 {
     return failed;
 }
+
+#ifdef HAS_FAILING_ALLOCATIONS
+namespace {
+
+void* allocate(std::size_t size, std::size_t alignment)
+{
+    if (mustFail(FailingCall::Allocation)) {
+        throw std::bad_alloc();
+    }
+    void* const memory = alignment == 0 ? std::malloc(size == 0 ? 1 : size)
+                                        : std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+} // namespace
 
 void* operator new(std::size_t size)
 {
@@ -87,6 +92,7 @@ void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alig
 {
     std::free(memory);
 }
+#endif
 
 // What the linker puts in place of the calls; the names are its own.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)

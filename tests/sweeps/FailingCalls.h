@@ -6,7 +6,7 @@
 /// Calls that can be made to fail, all in the present process and on any of its threads.
 enum class FailingCall
 {
-    Allocation, ///< `operator new`, which throws
+    Allocation, ///< `operator new`, which throws; never under the thread sanitizer, whose run-time has its own
     GzOpen,
     GzRead, ///< a byte, a line or a block; all answer with their error
     OpenFolder,

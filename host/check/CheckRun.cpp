@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "check/CheckRun.h"
+
+#include "border/DeliveryCheck.h"
+
+#include <utility>
+
+namespace {
+
+// A broken array of a million entries has a million findings, of which nobody reads the sixth.
+constexpr std::size_t MOST_FINDINGS = 5;
+
+constexpr std::size_t FEW_STATES = 3;
+
+} // namespace
+
+OpenCase::OpenCase(std::unique_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
+                   const std::vector<std::string>& settings)
+    : m_library(std::move(library)), m_options(HostOptions::parse(settings, m_library->providerInfo())),
+      m_session(*m_library, casePath, m_options)
+{}
+
+std::unique_ptr<HostMetaData> OpenCase::metaData()
+{
+    auto fresh = std::make_unique<HostMetaData>();
+    if (!callLibrary("getMetaData", [&] { return provider().getMetaData(fresh.get()); })) {
+        throw HostError(ExitCode::Misbehaved, "getMetaData returned false");
+    }
+    return fresh;
+}
+
+std::unique_ptr<HostGeometry> OpenCase::geometry()
+{
+    auto fresh = std::make_unique<HostGeometry>();
+    const HostGeometrySpec spec;
+    if (!callLibrary("getGeometry", [&] { return provider().getGeometry(spec, fresh.get()); })) {
+        throw HostError(ExitCode::Misbehaved, "getGeometry returned false");
+    }
+    return fresh;
+}
+
+std::unique_ptr<HostResult> OpenCase::result(std::int32_t resultId, std::int32_t stateId)
+{
+    auto fresh = std::make_unique<HostResult>();
+    const HostResultSpec spec(resultId, stateId);
+    const bool delivered = callLibrary("getResult", [&] { return provider().getResult(spec, fresh.get()); });
+    return delivered ? std::move(fresh) : nullptr;
+}
+
+std::vector<HostNotice> OpenCase::poll()
+{
+    HostNotifications notifications;
+    m_session.poll(&notifications);
+    return notifications.notices;
+}
+
+CheckRun::CheckRun(CheckTask task, std::function<void(const std::string&)> report)
+    : m_task(std::move(task)), m_report(std::move(report))
+{}
+
+void CheckRun::fail(const std::string& finding)
+{
+    if (m_findings < MOST_FINDINGS) {
+        m_report(finding);
+    }
+    ++m_findings;
+}
+
+std::unique_ptr<PluginLibrary> CheckRun::load(PluginLibrary::Registration answer) const
+{
+    auto library = std::make_unique<PluginLibrary>(m_task.library, answer);
+    m_loaded = true;
+    return library;
+}
+
+std::unique_ptr<OpenCase> CheckRun::open(const std::filesystem::path& casePath) const
+{
+    try {
+        return std::make_unique<OpenCase>(load(), casePath, m_task.settings);
+    } catch (const HostError& error) {
+        if (error.code() == ExitCode::CaseRefused && !m_task.sample) {
+            throw CheckSkipped{error.what(), true};
+        }
+        throw;
+    }
+}
+
+SoundGeometry CheckRun::openGeometry() const
+{
+    SoundGeometry sound;
+    sound.open = open();
+    sound.metaData = sound.open->metaData();
+    sound.geometry = sound.open->geometry();
+    sound.groups = sound.metaData->geometryGroups();
+    try {
+        checkGeometry(*sound.metaData, *sound.geometry);
+    } catch (const HostError& error) {
+        throw CheckSkipped{error.what()};
+    }
+    return sound;
+}
+
+std::vector<const HostState*> sampleOfStates(const HostMetaData& metaData)
+{
+    std::vector<const HostState*> states;
+    const std::size_t count = metaData.states.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (count <= FEW_STATES || i == 0 || i == count / 2 || i + 1 == count) {
+            states.push_back(&metaData.states[i]);
+        }
+    }
+    return states;
+}

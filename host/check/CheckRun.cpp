@@ -14,7 +14,7 @@ constexpr std::size_t FEW_STATES = 3;
 
 } // namespace
 
-OpenCase::OpenCase(std::unique_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
+OpenCase::OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
                    const std::vector<std::string>& settings)
     : m_library(std::move(library)), m_options(HostOptions::parse(settings, m_library->providerInfo())),
       m_session(*m_library, casePath, m_options)
@@ -73,10 +73,11 @@ std::unique_ptr<PluginLibrary> CheckRun::load(PluginLibrary::Registration answer
     return library;
 }
 
-std::unique_ptr<OpenCase> CheckRun::open(const std::filesystem::path& casePath) const
+std::unique_ptr<OpenCase> CheckRun::open(std::shared_ptr<PluginLibrary> library,
+                                         const std::filesystem::path& casePath) const
 {
     try {
-        return std::make_unique<OpenCase>(load(), casePath, m_task.settings);
+        return std::make_unique<OpenCase>(std::move(library), casePath, m_task.settings);
     } catch (const HostError& error) {
         if (error.code() == ExitCode::CaseRefused && !m_task.sample) {
             throw CheckSkipped{error.what(), true};

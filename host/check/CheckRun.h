@@ -34,7 +34,7 @@ struct CheckSkipped
 class OpenCase
 {
 public:
-    OpenCase(std::unique_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
+    OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
              const std::vector<std::string>& settings);
 
     const HostOptions& options() const { return m_options; }
@@ -48,7 +48,7 @@ public:
     std::vector<HostNotice> poll();
 
 private:
-    std::unique_ptr<PluginLibrary> m_library;
+    std::shared_ptr<PluginLibrary> m_library;
     HostOptions m_options;
     CaseSession m_session;
 };
@@ -93,7 +93,8 @@ public:
     /// Loads the library and opens the case.
     std::unique_ptr<OpenCase> open() const { return open(m_task.casePath); }
     /// The same with another case of the same settings.
-    std::unique_ptr<OpenCase> open(const std::filesystem::path& casePath) const;
+    std::unique_ptr<OpenCase> open(const std::filesystem::path& casePath) const { return open(load(), casePath); }
+    std::unique_ptr<OpenCase> open(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath) const;
 
     /// Opens the case and takes its geometry.
     /// @throws CheckSkipped if its arrays are broken, which another check tells

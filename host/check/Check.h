@@ -19,6 +19,9 @@ struct Check
 /// All checks, those of the library first.
 std::span<const Check> allChecks();
 
+/// Whether the library opens the case at all, which is asked before all else and is none of the checks.
+const Check& openingCheck();
+
 /// The check of this name, or null.
 const Check* findCheck(std::string_view name);
 
@@ -35,6 +38,7 @@ void checkSupportedPaths(CheckRun& run);
 
 // LifeChecks.cpp
 void checkReload(CheckRun& run);
+void checkOpening(CheckRun& run);
 void checkSettingsAsked(CheckRun& run);
 void checkOddCallOrders(CheckRun& run);
 void checkGarbageIds(CheckRun& run);

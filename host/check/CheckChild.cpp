@@ -46,10 +46,14 @@ Line endOf(const Check& check, CheckRun& run)
             return {{"end", "skipped"}, {"reason", skipped.reason}, {"refused", skipped.refused}};
         }
     } catch (const HostError& error) {
-        if (error.code() == ExitCode::LibraryRefused && !run.hasLoaded()) {
-            return {{"end", "skipped"}, {"reason", error.what()}, {"unloadable", true}};
+        // Neither is the library's fault: a file that is none, and a setting that it does not have.
+        if ((error.code() == ExitCode::LibraryRefused && !run.hasLoaded()) || error.code() == ExitCode::Usage) {
+            return {{"end", "skipped"}, {"reason", error.what()}, {"stop", static_cast<int>(error.code())}};
         }
         run.fail(error.what());
+    } catch (const std::filesystem::filesystem_error& error) {
+        // The check's own: one of the library's would have come as a HostError.
+        return {{"end", "skipped"}, {"reason", error.what()}};
     } catch (const std::exception& error) {
         run.fail(error.what());
     }
@@ -109,7 +113,7 @@ bool readCheckResult(const std::string& text, CheckOutcome* outcome)
         outcome->verdict = verdictOf(line);
         outcome->reason = line.value("reason", "");
         outcome->refused = line.value("refused", false);
-        outcome->unloadable = line.value("unloadable", false);
+        outcome->stopCode = line.value("stop", 0);
         const std::size_t count = line.value("findings", std::size_t{0});
         if (count > outcome->findings.size()) {
             outcome->findings.push_back(std::to_string(count - outcome->findings.size()) + " more of the kind");

@@ -24,7 +24,7 @@ struct CheckOutcome
     std::vector<std::string> findings; ///< what is wrong, a sentence each; also of a check that crashed behind them
     std::string reason;                ///< why it was skipped, or how it crashed
     bool refused = false;              ///< it was skipped because the library does not open the case
-    bool unloadable = false;           ///< it was skipped because there is no library to load in the file
+    int stopCode = 0;                  ///< unless 0, no check can be made, and the run ends with this code
     double seconds = 0;                ///< from the start of the process to its end
 
     /// True for every verdict that speaks against the library.

@@ -125,8 +125,9 @@ bool CheckProcess::advance(std::chrono::duration<double> limit)
     m_ended = m_ended || waitpid(m_process, &m_status, WNOHANG) == m_process;
     m_result.drain();
     m_output.drain();
+    m_limit = limit.count();
     m_seconds = std::chrono::duration<double>(Clock::now() - m_start).count();
-    if (!m_ended && !m_timedOut && m_seconds > limit.count()) {
+    if (!m_ended && !m_timedOut && m_seconds > m_limit) {
         m_timedOut = true;
         kill();
     }
@@ -140,7 +141,7 @@ CheckOutcome CheckProcess::outcome() const
     const bool complete = readCheckResult(m_result.text, &outcome);
     if (m_timedOut) {
         outcome.verdict = CheckVerdict::TimedOut;
-        outcome.reason = fmt::format("no end within {:.0f} seconds", m_seconds);
+        outcome.reason = fmt::format("no end within {} seconds", m_limit);
     } else if (!complete || !WIFEXITED(m_status) || WEXITSTATUS(m_status) != 0) {
         outcome.verdict = CheckVerdict::Crashed;
         const std::string how = WIFSIGNALED(m_status) ? fmt::format("by signal {}", WTERMSIG(m_status))

@@ -25,7 +25,7 @@ public:
     CheckProcess(const CheckProcess&) = delete;
     CheckProcess& operator=(const CheckProcess&) = delete;
 
-    /// The descriptors to wait for: something to read on one of them, or its end.
+    /// The descriptors to wait for, each until something is to read or until its end; -1 behind that.
     std::array<int, 2> descriptors() const { return {m_result.descriptor, m_output.descriptor}; }
 
     /// Takes what has come, without waiting.
@@ -59,6 +59,7 @@ private:
     bool m_timedOut = false;
     Clock::time_point m_start = Clock::now();
     double m_seconds = 0;
+    double m_limit = 0;
     Channel m_result;
     Channel m_output;
 };

@@ -150,5 +150,5 @@ const char* overallVerdict(const std::vector<CheckJob>& jobs)
     if (tally.contains(CheckVerdict::Failed) || tally.contains(CheckVerdict::TimedOut)) {
         return "failed";
     }
-    return std::ranges::any_of(jobs, [](const CheckJob& job) { return job.outcome.refused; }) ? "refused" : "passed";
+    return tally.contains(CheckVerdict::Passed) ? "passed" : "nothing was checked";
 }

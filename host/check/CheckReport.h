@@ -26,5 +26,5 @@ std::string exactPattern(const std::string& text);
 /// @param onlyFailed leaves out what speaks for the library, and what says nothing
 std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed);
 
-/// "passed", "failed", "crashed" or "refused"; the worst that any job met.
+/// "passed", "failed" or "crashed", the worst that any job met, or "nothing was checked".
 const char* overallVerdict(const std::vector<CheckJob>& jobs);

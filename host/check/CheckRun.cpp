@@ -14,10 +14,8 @@ constexpr std::size_t FEW_STATES = 3;
 
 } // namespace
 
-OpenCase::OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
-                   const std::vector<std::string>& settings)
-    : m_library(std::move(library)), m_options(HostOptions::parse(settings, m_library->providerInfo())),
-      m_session(*m_library, casePath, m_options)
+OpenCase::OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath, HostOptions options)
+    : m_library(std::move(library)), m_options(std::move(options)), m_session(*m_library, casePath, m_options)
 {}
 
 std::unique_ptr<HostMetaData> OpenCase::metaData()
@@ -54,6 +52,16 @@ std::vector<HostNotice> OpenCase::poll()
     return notifications.notices;
 }
 
+void SoundGeometry::needCells() const
+{
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        if (groups[i]->kind() == HostGroupKind::Part && geometry->elementGroups[i].elementCount() != 0) {
+            return;
+        }
+    }
+    throw CheckSkipped{"the case has no cells"};
+}
+
 CheckRun::CheckRun(CheckTask task, std::function<void(const std::string&)> report)
     : m_task(std::move(task)), m_report(std::move(report))
 {}
@@ -73,11 +81,24 @@ std::unique_ptr<PluginLibrary> CheckRun::load(PluginLibrary::Registration answer
     return library;
 }
 
+HostOptions CheckRun::options(const PluginLibrary& library) const
+{
+    std::vector<std::string> texts;
+    for (const std::string& text : m_task.preferred) {
+        if (library.providerInfo().find(text.substr(0, text.find('='))) != nullptr) {
+            texts.push_back(text);
+        }
+    }
+    texts.insert(texts.end(), m_task.settings.begin(), m_task.settings.end());
+    return HostOptions::parse(texts, library.providerInfo());
+}
+
 std::unique_ptr<OpenCase> CheckRun::open(std::shared_ptr<PluginLibrary> library,
                                          const std::filesystem::path& casePath) const
 {
     try {
-        return std::make_unique<OpenCase>(std::move(library), casePath, m_task.settings);
+        HostOptions given = options(*library);
+        return std::make_unique<OpenCase>(std::move(library), casePath, std::move(given));
     } catch (const HostError& error) {
         if (error.code() == ExitCode::CaseRefused && !m_task.sample) {
             throw CheckSkipped{error.what(), true};
@@ -93,6 +114,9 @@ SoundGeometry CheckRun::openGeometry() const
     sound.metaData = sound.open->metaData();
     sound.geometry = sound.open->geometry();
     sound.groups = sound.metaData->geometryGroups();
+    if (sound.geometry->elementGroups.empty() && sound.groups.empty()) {
+        throw CheckSkipped{"the case has no groups"};
+    }
     try {
         checkGeometry(*sound.metaData, *sound.geometry);
     } catch (const HostError& error) {

@@ -14,10 +14,11 @@
 struct CheckTask
 {
     std::filesystem::path library;
-    std::filesystem::path casePath;    ///< empty for a check that needs none
-    std::vector<std::string> settings; ///< as KEY=VALUE
-    std::filesystem::path workFolder;  ///< for files of the check; whoever made it removes it
-    bool sample = false;               ///< the case was written by this program, so the library must open it
+    std::filesystem::path casePath;     ///< empty for a check that needs none
+    std::vector<std::string> settings;  ///< as KEY=VALUE
+    std::vector<std::string> preferred; ///< the same, given if the library has such a setting; `settings` win
+    std::filesystem::path workFolder;   ///< for files of the check; whoever made it removes it
+    bool sample = false;                ///< the case was written by this program, so the library must open it
 };
 
 /// Ends a check that cannot be made.
@@ -34,8 +35,7 @@ struct CheckSkipped
 class OpenCase
 {
 public:
-    OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
-             const std::vector<std::string>& settings);
+    OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath, HostOptions options);
 
     const HostOptions& options() const { return m_options; }
     DDPDataProvider& provider() { return m_session.provider(); }
@@ -60,6 +60,9 @@ struct SoundGeometry
     std::unique_ptr<HostMetaData> metaData;
     std::unique_ptr<HostGeometry> geometry;
     std::vector<const HostGroup*> groups; ///< of each element group its declaration
+
+    /// Skips the check if no part has a cell.
+    void needCells() const;
 };
 
 /// One check on its way: what it works on and what it has found.
@@ -89,6 +92,9 @@ public:
 
     /// True once the library was loaded: that it does not load again is a finding then, and no wrong file.
     bool hasLoaded() const { return m_loaded; }
+
+    /// The settings of the task, as this library takes them.
+    HostOptions options(const PluginLibrary& library) const;
 
     /// Loads the library and opens the case.
     std::unique_ptr<OpenCase> open() const { return open(m_task.casePath); }

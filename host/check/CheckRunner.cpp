@@ -14,8 +14,10 @@
 
 namespace {
 
-// Pipes wake the wait, so this only bounds how late a limit or an end behind closed pipes is seen.
+// Pipes wake the wait, so this only bounds how late a limit is seen. Behind closed pipes an end is near, and nothing
+// wakes the wait for that.
 constexpr int WAIT_MILLISECONDS = 20;
+constexpr int WAIT_FOR_END_MILLISECONDS = 1;
 
 struct RunningJob
 {
@@ -35,6 +37,9 @@ std::vector<std::string> argumentsOf(const CheckJob& job, const CheckRunOptions&
     if (job.sample) {
         arguments.emplace_back("--sample");
     }
+    for (const std::string& setting : job.settings) {
+        arguments.insert(arguments.end(), {"--prefer", setting});
+    }
     for (const std::string& setting : options.settings) {
         arguments.insert(arguments.end(), {"--set", setting});
     }
@@ -53,9 +58,10 @@ public:
     void startMore()
     {
         while (m_next < m_jobs.size() && m_running.size() < m_options.parallelJobs) {
-            const std::filesystem::path work = m_options.workFolder / fmt::format("job{}", m_next);
+            CheckJob& job = m_jobs[m_next];
+            const std::filesystem::path work = m_options.workFolder / fmt::format("{}-{}", job.check->name, m_next);
             std::filesystem::create_directory(work);
-            CheckJob& job = m_jobs[m_next++];
+            ++m_next;
             m_running.push_back({&job, std::make_unique<CheckProcess>(argumentsOf(job, m_options, work))});
         }
     }
@@ -65,12 +71,14 @@ public:
     void wait() const
     {
         std::vector<pollfd> watched;
+        bool someClosed = false;
         for (const RunningJob& running : m_running) {
             for (const int descriptor : running.process->descriptors()) {
                 watched.push_back({descriptor, POLLIN, 0});
+                someClosed = someClosed || descriptor < 0;
             }
         }
-        poll(watched.data(), watched.size(), WAIT_MILLISECONDS);
+        poll(watched.data(), watched.size(), someClosed ? WAIT_FOR_END_MILLISECONDS : WAIT_MILLISECONDS);
     }
 
     /// Takes the ended jobs out. @return their number
@@ -81,8 +89,8 @@ public:
                 return false;
             }
             running.job->outcome = running.process->outcome();
-            if (running.job->outcome.unloadable) {
-                throw HostError(ExitCode::LibraryRefused, running.job->outcome.reason);
+            if (const int code = running.job->outcome.stopCode; code != 0) {
+                throw HostError(static_cast<ExitCode>(code), running.job->outcome.reason);
             }
             noteOutput(running);
             return true;

@@ -17,7 +17,8 @@ struct CheckJob
     std::string subject; ///< the case as the user named it, the name of a sample, or empty for the library
     std::filesystem::path casePath;
     bool sample = false;
-    CheckOutcome outcome; ///< filled when it has run
+    std::vector<std::string> settings; ///< of the sample; those of the user come behind them
+    CheckOutcome outcome;              ///< filled when it has run
 
     /// The text that patterns are matched against, as in "load.twice" or "poll.remove@moving" for a sample.
     std::string id() const { return std::string(check->name) + (sample ? "@" + subject : ""); }
@@ -39,6 +40,6 @@ struct CheckRunOptions
 /// @param onDone called behind each job
 /// @param goOn   asked many times a second; false ends what runs
 /// @return false if it was ended; what has not run is then skipped
-/// @throws HostError of `LibraryRefused` when the file holds no library that a process can load
+/// @throws HostError of `LibraryRefused` when there is no library in the file, of `Usage` for a setting that it lacks
 bool runChecks(std::vector<CheckJob>* jobs, const CheckRunOptions& options, const std::function<void()>& onDone,
                const std::function<bool()>& goOn);

@@ -64,6 +64,8 @@ constexpr auto TABLE = std::to_array<Check>({
      checkProcessUntouched},
 });
 
+constexpr Check OPENING = {"opening", "The library opens the case.", true, false, checkOpening};
+
 } // namespace
 
 std::span<const Check> allChecks()
@@ -71,8 +73,16 @@ std::span<const Check> allChecks()
     return TABLE;
 }
 
+const Check& openingCheck()
+{
+    return OPENING;
+}
+
 const Check* findCheck(std::string_view name)
 {
+    if (name == OPENING.name) {
+        return &OPENING;
+    }
     const auto found = std::ranges::find(TABLE, name, &Check::name);
     return found == TABLE.end() ? nullptr : &*found;
 }

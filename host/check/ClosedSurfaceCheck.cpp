@@ -200,6 +200,7 @@ private:
 void checkClosedSurfaces(CheckRun& run)
 {
     const SoundGeometry sound = run.openGeometry();
+    sound.needCells();
     const DDPString hiding("HIDE_PARALLEL_INTERFACES");
     const bool hides = sound.open->options().hasOption(hiding) && sound.open->options().boolOption(hiding);
     for (std::size_t i = 0; i < sound.groups.size(); ++i) {

@@ -64,6 +64,11 @@ void checkForeignResults(CheckRun& run, OpenCase& open, const HostMetaData& meta
 
 } // namespace
 
+void checkOpening(CheckRun& run)
+{
+    (void)run.open();
+}
+
 void checkReload(CheckRun& run)
 {
     const DeliveryDigest first = digestOf(*run.open());
@@ -85,7 +90,7 @@ void checkOddCallOrders(CheckRun& run)
     const DeliveryDigest usual = digestOf(*run.open());
     const std::shared_ptr<PluginLibrary> library = run.load();
     DDPDataProviderFactory& factory = library->factory();
-    const HostOptions options = HostOptions::parse(run.task().settings, library->providerInfo());
+    const HostOptions options = run.options(*library);
     const DDPString path(CaseSession::tokenFile(run.task().casePath).c_str());
     callLibrary("destroyProviderInstance of nothing", [&] { factory.destroyProviderInstance(nullptr); });
     callLibrary("a provider that opens nothing",

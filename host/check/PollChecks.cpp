@@ -38,15 +38,19 @@ std::uintmax_t bytesIn(const fs::path& folder)
     return bytes;
 }
 
-/// Copies a folder with all in it. Folders are made anew, because those of a case may be closed to writing.
+/// Copies a folder with all in it. Folders are made anew, because those of a case may be closed to writing; a link to a
+/// folder stays one, since it may lead anywhere.
 void copyFolder(const fs::path& source, const fs::path& target)
 {
     fs::create_directories(target);
     for (const fs::directory_entry& entry : fs::directory_iterator(source)) {
-        if (entry.is_directory()) {
-            copyFolder(entry.path(), target / entry.path().filename());
+        const fs::path copy = target / entry.path().filename();
+        if (entry.is_directory() && entry.is_symlink()) {
+            fs::create_directory_symlink(fs::canonical(entry.path()), copy);
+        } else if (entry.is_directory()) {
+            copyFolder(entry.path(), copy);
         } else if (entry.is_regular_file()) {
-            fs::copy_file(entry.path(), target / entry.path().filename());
+            fs::copy_file(entry.path(), copy);
         }
     }
 }

@@ -58,5 +58,9 @@ WrittenSample writeSample(const std::string& name, const std::filesystem::path& 
     options.states = SAMPLE_STATES;
     options.format = form.format;
     writeSampleCase(folder / name, options);
-    return {name, folder / name};
+    WrittenSample sample = {name, folder / name, {}};
+    if (form.kind == SampleKind::Zones) {
+        sample.settings.emplace_back("LOAD_FACE_ZONES=on");
+    }
+    return sample;
 }

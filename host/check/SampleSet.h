@@ -10,6 +10,7 @@ struct WrittenSample
 {
     std::string name; ///< kind and form, as in "poly-binary"
     std::filesystem::path folder;
+    std::vector<std::string> settings; ///< as KEY=VALUE, without which there would be less to see of it
 };
 
 /// The names of the built-in samples: every kind of case, and the plain one in every form of file.

@@ -13,8 +13,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <regex>
-#include <set>
 #include <thread>
 
 #include <sys/prctl.h>
@@ -96,7 +96,7 @@ std::vector<CheckJob> planJobs(const CheckArguments& arguments)
     std::vector<CheckJob> jobs;
     const auto addAll = [&](bool needsCase, const std::string& subject, bool sample) {
         for (const Check& check : allChecks()) {
-            CheckJob job = {&check, subject, sample ? "" : subject, sample, {}};
+            CheckJob job = {&check, subject, sample ? "" : subject, sample, {}, {}};
             if (check.needsCase == needsCase && filter.takes(job)) {
                 jobs.push_back(std::move(job));
             }
@@ -104,10 +104,6 @@ std::vector<CheckJob> planJobs(const CheckArguments& arguments)
     };
     addAll(false, "", false);
     for (const std::string& casePath : arguments.casePaths) {
-        if (!std::filesystem::exists(casePath) &&
-            !std::filesystem::exists(CaseSession::tokenFile(casePath).parent_path())) {
-            throw HostError(ExitCode::CaseRefused, fmt::format("there is no case {}", casePath));
-        }
         addAll(true, casePath, false);
     }
     if (arguments.casePaths.empty()) {
@@ -121,15 +117,35 @@ std::vector<CheckJob> planJobs(const CheckArguments& arguments)
     return jobs;
 }
 
+/// Refuses cases that the library does not open, before anything else is done.
+/// A library that crashes over one is left to the checks, which tell it.
+void probeCases(const std::vector<CheckJob>& jobs, const CheckRunOptions& options, const InterruptWait& interrupt)
+{
+    std::vector<CheckJob> probes;
+    for (const CheckJob& job : jobs) {
+        if (!job.casePath.empty() && (probes.empty() || probes.back().casePath != job.casePath)) {
+            probes.push_back({&openingCheck(), job.subject, job.casePath, false, {}, {}});
+        }
+    }
+    runChecks(
+        &probes, options, [] {}, [&] { return !interrupt.waitFor(0); });
+    for (const CheckJob& probe : probes) {
+        if (probe.outcome.refused) {
+            throw HostError(ExitCode::CaseRefused, probe.outcome.reason);
+        }
+    }
+}
+
 void writeSamples(const std::filesystem::path& folder, std::vector<CheckJob>* jobs)
 {
-    std::set<std::string> written;
+    std::map<std::string, WrittenSample> written;
     for (CheckJob& job : *jobs) {
         if (job.sample) {
-            job.casePath = folder / job.subject;
-            if (written.insert(job.subject).second) {
-                writeSample(job.subject, folder);
+            if (!written.contains(job.subject)) {
+                written[job.subject] = writeSample(job.subject, folder);
             }
+            job.casePath = written[job.subject].folder;
+            job.settings = written[job.subject].settings;
         }
     }
 }
@@ -188,7 +204,7 @@ nlohmann::ordered_json checkDocument(const std::vector<CheckJob>& jobs, const st
     return document;
 }
 
-/// A case of which nothing could be checked must not pass for a good one.
+/// A run that checks nothing must not pass for a good one.
 ExitCode exitCodeOf(const std::vector<CheckJob>& jobs)
 {
     const CheckTally tally = tallyOf(jobs);
@@ -198,8 +214,7 @@ ExitCode exitCodeOf(const std::vector<CheckJob>& jobs)
     if (tally.contains(CheckVerdict::Failed) || tally.contains(CheckVerdict::TimedOut)) {
         return ExitCode::Findings;
     }
-    const bool refused = std::ranges::any_of(jobs, [](const CheckJob& job) { return job.outcome.refused; });
-    return refused ? ExitCode::CaseRefused : ExitCode::Good;
+    return tally.contains(CheckVerdict::Passed) ? ExitCode::Good : ExitCode::Usage;
 }
 
 ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
@@ -217,6 +232,7 @@ ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
     options.parallelJobs = arguments.jobs;
     options.timeLimit = arguments.timeLimit;
     options.workFolder = work.path();
+    probeCases(jobs, options, interrupt);
     writeSamples(work.path(), &jobs);
     {
         ProgressBar progress(context.showsProgress(), "check", "checks", jobs.size());
@@ -247,6 +263,7 @@ void addCheckChild(CLI::App* app, HostContext* context)
     command->add_option("CHECK", arguments->check)->required();
     command->add_option("--case", arguments->task.casePath);
     command->add_option("--work", arguments->task.workFolder)->required();
+    command->add_option("--prefer", arguments->task.preferred)->allow_extra_args(false);
     command->add_flag("--sample", arguments->task.sample);
     command->callback([=] {
         context->command = [=] {

@@ -43,12 +43,16 @@ Line endOf(const Check& check, CheckRun& run)
     } catch (const CheckSkipped& skipped) {
         // What was found before counts for more.
         if (run.findingCount() == 0) {
-            return {{"end", "skipped"}, {"reason", skipped.reason}, {"refused", skipped.refused}};
+            return {{"end", "skipped"}, {"reason", skipped.reason}};
         }
     } catch (const HostError& error) {
         // Neither is the library's fault: a file that is none, and a setting that it does not have.
         if ((error.code() == ExitCode::LibraryRefused && !run.hasLoaded()) || error.code() == ExitCode::Usage) {
             return {{"end", "skipped"}, {"reason", error.what()}, {"stop", static_cast<int>(error.code())}};
+        }
+        // Asked first and alone; a case that opened once is not refused later without a fault.
+        if (error.code() == ExitCode::CaseRefused && &check == &openingCheck()) {
+            return {{"end", "skipped"}, {"reason", error.what()}, {"refused", true}};
         }
         run.fail(error.what());
     } catch (const std::filesystem::filesystem_error& error) {

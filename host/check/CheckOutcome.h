@@ -23,7 +23,7 @@ struct CheckOutcome
     CheckVerdict verdict = CheckVerdict::Crashed;
     std::vector<std::string> findings; ///< what is wrong, a sentence each; also of a check that crashed behind them
     std::string reason;                ///< why it was skipped, or how it crashed
-    bool refused = false;              ///< it was skipped because the library does not open the case
+    bool refused = false;              ///< the library does not open the case; of the opening check alone
     int stopCode = 0;                  ///< unless 0, no check can be made, and the run ends with this code
     double seconds = 0;                ///< from the start of the process to its end
 

@@ -84,6 +84,7 @@ CheckProcess::CheckProcess(const std::vector<std::string>& arguments)
     m_result.descriptor = result[0];
     m_output.descriptor = output[0];
     std::vector<char*> argumentList;
+    argumentList.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         argumentList.push_back(const_cast<char*>(argument.c_str()));
     }

@@ -127,7 +127,8 @@ std::string repeatCommand(const CheckJob& job, const std::string& userOptions)
     return fmt::format("ddphost check{} --include {}{}", subject, shellWord(exactPattern(job.id())), userOptions);
 }
 
-std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed)
+std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed,
+                      const TextStyle& style)
 {
     std::string text = onlyFailed ? "" : subjectLines(jobs);
     for (const CheckJob& job : jobs) {
@@ -138,7 +139,8 @@ std::string checkText(const std::vector<CheckJob>& jobs, const std::string& user
     if (!onlyFailed) {
         text += skippedLines(jobs);
     }
-    return text + fmt::format("{} checks: {}\n{}\n", jobs.size(), tallyText(tallyOf(jobs)), overallVerdict(jobs));
+    return text + fmt::format("{} check{}: {}\n{}\n", jobs.size(), jobs.size() == 1 ? "" : "s",
+                              tallyText(tallyOf(jobs)), style.strong(overallVerdict(jobs)));
 }
 
 const char* overallVerdict(const std::vector<CheckJob>& jobs)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "check/CheckRunner.h"
+#include "output/Terminal.h"
 
 #include <cstddef>
 #include <map>
@@ -24,7 +25,8 @@ std::string exactPattern(const std::string& text);
 
 /// One line a subject, one line a finding, one line for each check and reason to skip it, the tally and the verdict.
 /// @param onlyFailed leaves out what speaks for the library, and what says nothing
-std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed);
+std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed,
+                      const TextStyle& style);
 
 /// "passed", "failed" or "crashed", the worst that any job met, or "nothing was checked".
 const char* overallVerdict(const std::vector<CheckJob>& jobs);

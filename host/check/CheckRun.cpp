@@ -96,15 +96,8 @@ HostOptions CheckRun::options(const PluginLibrary& library) const
 std::unique_ptr<OpenCase> CheckRun::open(std::shared_ptr<PluginLibrary> library,
                                          const std::filesystem::path& casePath) const
 {
-    try {
-        HostOptions given = options(*library);
-        return std::make_unique<OpenCase>(std::move(library), casePath, std::move(given));
-    } catch (const HostError& error) {
-        if (error.code() == ExitCode::CaseRefused && !m_task.sample) {
-            throw CheckSkipped{error.what(), true};
-        }
-        throw;
-    }
+    HostOptions given = options(*library);
+    return std::make_unique<OpenCase>(std::move(library), casePath, std::move(given));
 }
 
 SoundGeometry CheckRun::openGeometry() const

@@ -18,14 +18,12 @@ struct CheckTask
     std::vector<std::string> settings;  ///< as KEY=VALUE
     std::vector<std::string> preferred; ///< the same, given if the library has such a setting; `settings` win
     std::filesystem::path workFolder;   ///< for files of the check; whoever made it removes it
-    bool sample = false;                ///< the case was written by this program, so the library must open it
 };
 
 /// Ends a check that cannot be made.
 struct CheckSkipped
 {
     std::string reason;
-    bool refused = false; ///< because the library does not open the case
 };
 
 /// A loaded library with one open case, for checks.

@@ -34,9 +34,6 @@ std::vector<std::string> argumentsOf(const CheckJob& job, const CheckRunOptions&
     if (!job.casePath.empty()) {
         arguments.insert(arguments.end(), {"--case", job.casePath.string()});
     }
-    if (job.sample) {
-        arguments.emplace_back("--sample");
-    }
     for (const std::string& setting : job.settings) {
         arguments.insert(arguments.end(), {"--prefer", setting});
     }

@@ -109,12 +109,11 @@ void checkValueArrays(CheckRun& run)
 void checkReplacedValues(CheckRun& run)
 {
     forEachDelivery(run, [&](const Delivery& delivery) {
-        for (const HostValueGroup& values : delivery.result.groups) {
-            const bool whole =
-                std::ranges::all_of(values.shapes, [&](const auto& shape) { return shape == values.shapes.front(); });
-            run.expect(whole, fmt::format("{}: a later call of setValues has another length than the first, so it adds "
-                                          "to it or cuts it",
-                                          delivery.name()));
+        for (std::size_t i = 0; i < delivery.result.groups.size(); ++i) {
+            const auto& shapes = delivery.result.groups[i].shapes;
+            run.expect(std::ranges::all_of(shapes, [&](const auto& shape) { return shape == shapes.front(); }),
+                       fmt::format("{}: the calls that set value group {} differ in length, so they add or cut",
+                                   delivery.name(), i));
         }
         DeliveryDigest first;
         first.addResult(delivery.info, delivery.state, &delivery.result);

@@ -245,7 +245,7 @@ ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
     if (context.options.json) {
         writeDocument(checkDocument(jobs, options.library.string(), userOptions, arguments.onlyFailed));
     } else {
-        writeToStdout(checkText(jobs, userOptions, arguments.onlyFailed));
+        writeToStdout(checkText(jobs, userOptions, arguments.onlyFailed, context.style()));
     }
     return exitCodeOf(jobs);
 }
@@ -264,12 +264,15 @@ void addCheckChild(CLI::App* app, HostContext* context)
     command->add_option("--case", arguments->task.casePath);
     command->add_option("--work", arguments->task.workFolder)->required();
     command->add_option("--prefer", arguments->task.preferred)->allow_extra_args(false);
-    command->add_flag("--sample", arguments->task.sample);
     command->callback([=] {
         context->command = [=] {
             // Its parent may be killed without a chance to end it.
             prctl(PR_SET_PDEATHSIG, SIGKILL);
-            arguments->task.library = PluginLibrary::locate(context->options.plugin);
+            // Absolute, because a check may go to another folder.
+            arguments->task.library = std::filesystem::absolute(PluginLibrary::locate(context->options.plugin));
+            if (!arguments->task.casePath.empty()) {
+                arguments->task.casePath = std::filesystem::absolute(arguments->task.casePath);
+            }
             arguments->task.settings = context->options.settings;
             runCheckChild(arguments->check, arguments->task);
             return ExitCode::Good;

@@ -43,6 +43,7 @@ constexpr auto FORMS = std::to_array<SampleForm>({{"hex", SampleKind::Hex, ASCII
 std::vector<std::string> sampleNames()
 {
     std::vector<std::string> names;
+    names.reserve(FORMS.size());
     for (const SampleForm& form : FORMS) {
         names.emplace_back(form.name);
     }

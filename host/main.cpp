@@ -60,6 +60,7 @@ bool parse(int argc, char** argv, HostContext* context, ExitCode* code)
     addWatchCommand(&app, context);
     addBenchCommand(&app, context);
     addSampleCommand(&app, context);
+    addCheckCommand(&app, context);
     try {
         app.parse(argc, argv);
         return true;

@@ -66,26 +66,6 @@ std::string findElementFault(const HostNodeGroup& nodes, const HostElementGroup&
     return allBelow(elements.connectivity, nodes.nodeCount()) ? std::string() : "connectivity out of range";
 }
 
-/// Checks the face tables for themselves: one polyhedron for each general element, and every table as long as the sums
-/// of the one above it say.
-std::string findPolyhedraFault(const HostNodeGroup& nodes, const HostElementGroup& elements)
-{
-    const HostPolyhedra& tables = elements.polyhedra;
-    const auto general = static_cast<std::size_t>(std::ranges::count(elements.types, std::int32_t{DDP_POLY}));
-    if (tables.nodesPerPolyhedron.size() != general) {
-        return fmt::format("{} polyhedra for {} general elements", tables.nodesPerPolyhedron.size(), general);
-    }
-    if (sumOf(tables.facesPerPolyhedron) != tables.nodesPerFace.size()) {
-        return fmt::format("the polyhedra have {} faces, the face table {}", sumOf(tables.facesPerPolyhedron),
-                           tables.nodesPerFace.size());
-    }
-    if (sumOf(tables.nodesPerFace) != tables.faceConnectivity.size()) {
-        return fmt::format("the faces have {} nodes, the face connectivity {}", sumOf(tables.nodesPerFace),
-                           tables.faceConnectivity.size());
-    }
-    return allBelow(tables.faceConnectivity, nodes.nodeCount()) ? std::string() : "face connectivity out of range";
-}
-
 /// A fault that the user can find again: what was delivered, for which group, and what is wrong with it.
 [[noreturn]] void reportFault(const std::string& groupName, const std::string& fault)
 {
@@ -113,6 +93,24 @@ int nodeCountOfType(std::int32_t type)
     default:
         return -1;
     }
+}
+
+std::string findPolyhedraFault(const HostNodeGroup& nodes, const HostElementGroup& elements)
+{
+    const HostPolyhedra& tables = elements.polyhedra;
+    const auto general = static_cast<std::size_t>(std::ranges::count(elements.types, std::int32_t{DDP_POLY}));
+    if (tables.nodesPerPolyhedron.size() != general) {
+        return fmt::format("{} polyhedra for {} general elements", tables.nodesPerPolyhedron.size(), general);
+    }
+    if (sumOf(tables.facesPerPolyhedron) != tables.nodesPerFace.size()) {
+        return fmt::format("the polyhedra have {} faces, the face table {}", sumOf(tables.facesPerPolyhedron),
+                           tables.nodesPerFace.size());
+    }
+    if (sumOf(tables.nodesPerFace) != tables.faceConnectivity.size()) {
+        return fmt::format("the faces have {} nodes, the face connectivity {}", sumOf(tables.nodesPerFace),
+                           tables.faceConnectivity.size());
+    }
+    return allBelow(tables.faceConnectivity, nodes.nodeCount()) ? std::string() : "face connectivity out of range";
 }
 
 std::string findGroupFault(const HostNodeGroup& nodes, const HostElementGroup& elements)

@@ -17,6 +17,10 @@ int nodeCountOfType(std::int32_t type);
 /// @return the fault in words, or the empty text; a group of no nodes and no elements is sound
 std::string findGroupFault(const HostNodeGroup& nodes, const HostElementGroup& elements);
 
+/// The part of `findGroupFault` that looks at the face tables of general elements: one polyhedron for each of them, and
+/// every table as long as the sums of the one above it say.
+std::string findPolyhedraFault(const HostNodeGroup& nodes, const HostElementGroup& elements);
+
 /// Checks a whole geometry against the declared groups.
 /// @throws HostError of `Misbehaved` that names the group and the fault
 void checkGeometry(const HostMetaData& metaData, const HostGeometry& geometry);

@@ -20,6 +20,9 @@ void keep(const Value* values, std::uint64_t count, const char* what, std::vecto
     copyArray(values, count, target);
 }
 
+// For all objects of the process, because a check asks for it before it knows any of them.
+std::atomic<std::chrono::milliseconds::rep> stallMilliseconds = 0;
+
 template <typename Value>
 std::size_t bytesOf(const std::vector<Value>& values)
 {
@@ -28,22 +31,57 @@ std::size_t bytesOf(const std::vector<Value>& values)
 
 } // namespace
 
+void HostCallRecord::setStall(std::chrono::milliseconds time)
+{
+    stallMilliseconds = time.count();
+}
+
+HostCall::HostCall(HostCallRecord* record, const char* operation) : m_record(*record)
+{
+    m_entered = !m_record.inUse.exchange(true);
+    if (!m_entered) {
+        BorderFaults::get().add(std::string(operation) + " was called while another thread was in the same object");
+        return;
+    }
+    m_record.operations.emplace_back(operation);
+    m_record.threads.push_back(std::this_thread::get_id());
+    if (stallMilliseconds > 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(stallMilliseconds));
+    }
+}
+
+HostCall::~HostCall()
+{
+    if (m_entered) {
+        m_record.inUse = false;
+    }
+}
+
 void HostNodeGroup::setNodes(const double* values, std::uint64_t count)
 {
-    calls.add("setNodes");
+    const HostCall call(&calls, "setNodes");
+    if (!call) {
+        return;
+    }
     keep(values, 3 * count, "the node coordinates", &coordinates);
 }
 
 void HostNodeGroup::setNodeIds(const std::int32_t* values, std::uint64_t count)
 {
-    calls.add("setNodeIds");
+    const HostCall call(&calls, "setNodeIds");
+    if (!call) {
+        return;
+    }
     keep(values, count, "the node ids", &ids);
 }
 
 void HostElementGroup::setUniformElements(std::int32_t type, std::uint64_t count, const std::int32_t* nodes,
                                           std::uint64_t nodesLength, const std::int32_t* elementIds)
 {
-    calls.add("setUniformElements");
+    const HostCall call(&calls, "setUniformElements");
+    if (!call) {
+        return;
+    }
     uniform = true;
     types.assign(count, type);
     keep(nodes, nodesLength, "the connectivity", &connectivity);
@@ -54,7 +92,10 @@ void HostElementGroup::setMixedElements(const std::int32_t* elementTypes, std::u
                                         const std::int32_t* nodes, std::uint64_t nodesLength,
                                         const std::int32_t* elementIds)
 {
-    calls.add("setMixedElements");
+    const HostCall call(&calls, "setMixedElements");
+    if (!call) {
+        return;
+    }
     uniform = false;
     keep(elementTypes, count, "the element types", &types);
     keep(nodes, nodesLength, "the connectivity", &connectivity);
@@ -66,7 +107,10 @@ void HostElementGroup::setPolyhedra(const unsigned char* nodesPerPolyhedron, con
                                     std::uint64_t faceCount, const std::int32_t* faceConnectivity,
                                     std::uint64_t faceConnectivityLength)
 {
-    calls.add("setPolyhedra");
+    const HostCall call(&calls, "setPolyhedra");
+    if (!call) {
+        return;
+    }
     keep(nodesPerPolyhedron, polyhedronCount, "the nodes per polyhedron", &polyhedra.nodesPerPolyhedron);
     keep(facesPerPolyhedron, polyhedronCount, "the faces per polyhedron", &polyhedra.facesPerPolyhedron);
     keep(nodesPerFace, faceCount, "the nodes per face", &polyhedra.nodesPerFace);
@@ -75,18 +119,23 @@ void HostElementGroup::setPolyhedra(const unsigned char* nodesPerPolyhedron, con
 
 void HostElementGroup::setElementPartIds(const std::int32_t* values, std::uint64_t count)
 {
-    calls.add("setElementPartIds");
+    const HostCall call(&calls, "setElementPartIds");
+    if (!call) {
+        return;
+    }
     keep(values, count, "the element part ids", &partIds);
 }
 
 DDPNodeGroup* HostGeometry::addNodeGroup()
 {
+    const HostCall call(&calls, "addNodeGroup");
     checkThread("addNodeGroup");
     return &nodeGroups.emplace_back(FIRST_NODE_GROUP_ID + static_cast<std::int64_t>(nodeGroups.size()));
 }
 
 DDPElementGroup* HostGeometry::addElementGroup(std::int64_t nodeGroupId)
 {
+    const HostCall call(&calls, "addElementGroup");
     checkThread("addElementGroup");
     return &elementGroups.emplace_back(nodeGroupId);
 }
@@ -115,9 +164,8 @@ std::size_t HostGeometry::byteCount() const
     return bytes;
 }
 
-void HostGeometry::checkThread(const char* operation)
+void HostGeometry::checkThread(const char* operation) const
 {
-    calls.add(operation);
     if (std::this_thread::get_id() != m_owner) {
         BorderFaults::get().add(std::string(operation) + " was called on a worker thread");
     }

@@ -5,6 +5,8 @@
 
 #include "DataProviderInterface.h"
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -13,18 +15,45 @@
 
 /// Notes which threads call one host object and in which order.
 ///
-/// Not locked: the interface promises one thread at a time for one group.
+/// Not locked: the interface promises one thread at a time for one group. `HostCall` finds out if that holds.
 struct HostCallRecord
 {
+    HostCallRecord() = default;
+    /// The calls of an object are not those of its copy's, so a copy is never in use.
+    HostCallRecord(const HostCallRecord& other) : operations(other.operations), threads(other.threads) {}
+    HostCallRecord& operator=(const HostCallRecord& other)
+    {
+        operations = other.operations;
+        threads = other.threads;
+        return *this;
+    }
+    ~HostCallRecord() = default;
+
     std::vector<std::string> operations;  ///< names of the interface's operations, in order of the calls
     std::vector<std::thread::id> threads; ///< the caller of each
+    std::atomic<bool> inUse = false;      ///< some thread is in a call of the object
 
-    /// Notes one call of the present thread.
-    void add(const char* operation)
-    {
-        operations.emplace_back(operation);
-        threads.push_back(std::this_thread::get_id());
-    }
+    /// Makes every call from now on take so much longer, so that two threads that may meet in a group do.
+    static void setStall(std::chrono::milliseconds time);
+};
+
+/// One call of a host object, for as long as it lasts.
+class HostCall
+{
+public:
+    /// Notes the call, or the fault if another thread is in a call of the same object.
+    HostCall(HostCallRecord* record, const char* operation);
+    ~HostCall();
+
+    HostCall(const HostCall&) = delete;
+    HostCall& operator=(const HostCall&) = delete;
+
+    /// False if the object is another thread's for now; its members must not be touched then.
+    explicit operator bool() const { return m_entered; }
+
+private:
+    HostCallRecord& m_record;
+    bool m_entered;
 };
 
 /// The one geometry of a case, or another number that a provider has to refuse.
@@ -124,7 +153,7 @@ public:
     DDPElementGroup* addElementGroup(std::int64_t nodeGroupId) override;
 
 private:
-    void checkThread(const char* operation);
+    void checkThread(const char* operation) const;
 
     std::thread::id m_owner = std::this_thread::get_id();
 };

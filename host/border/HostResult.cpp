@@ -5,7 +5,11 @@
 
 void HostValueGroup::setValues(const double* array, std::int32_t componentCount, std::uint64_t items)
 {
-    calls.add("setValues");
+    const HostCall call(&calls, "setValues");
+    if (!call) {
+        return;
+    }
+    shapes.emplace_back(componentCount, items);
     dimension = componentCount;
     if (componentCount < 1 || (array == nullptr && items != 0)) {
         values.clear();

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <deque>
 #include <limits>
+#include <utility>
 #include <vector>
 
 /// What a library delivers for a value that it does not have.
@@ -34,8 +35,9 @@ private:
 class HostValueGroup final : public DDPResultValueGroup
 {
 public:
-    std::vector<double> values; ///< `dimension` values an item
-    std::int32_t dimension = 0; ///< components of an item; 0 as long as nothing was set
+    std::vector<double> values;                                 ///< `dimension` values an item
+    std::int32_t dimension = 0;                                 ///< components of an item; 0 as long as nothing was set
+    std::vector<std::pair<std::int32_t, std::uint64_t>> shapes; ///< components and items of each call
     HostCallRecord calls;
 
     /// Whole items set so far: 0 for a group that the library left empty.

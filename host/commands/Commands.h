@@ -22,3 +22,6 @@ void addWatchCommand(CLI::App* app, HostContext* context);
 
 /// Measures what opening a case, its geometry and its results cost.
 void addBenchCommand(CLI::App* app, HostContext* context);
+
+/// Checks the library, without a case and with cases or samples.
+void addCheckCommand(CLI::App* app, HostContext* context);

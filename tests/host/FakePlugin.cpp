@@ -136,3 +136,6 @@ initializeDataProviderPlugin(DDPPluginInitRecord* record)
                                            destroyFactory};
     return record->registerProviderFactory("Fake", &registration) != 0 ? onExit : nullptr;
 }
+
+/// A symbol that no host asks for.
+extern "C" __attribute__((visibility("default"))) void needlessSymbol() {}

@@ -1,26 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "host/ProgramRun.h"
 #include "support/CaseFiles.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <sys/wait.h>
-
 namespace {
 
 using nlohmann::json;
-
-struct ProgramRun
-{
-    int code;
-    std::string out;
-    std::string err;
-};
-
-std::string inQuotes(const std::filesystem::path& path)
-{
-    return " '" + path.string() + "'";
-}
 
 /// The program in a folder of its own, with two cubes and their pressure at the times 0.5 and 1 as its case.
 class Program : public testing::Test
@@ -38,11 +25,7 @@ protected:
     ProgramRun run(const std::string& arguments, const std::string& environment = "",
                    const std::string& redirection = "")
     {
-        const std::string command = "DDP_PLUGIN='" REAL_PLUGIN "' " + environment + " '" DDPHOST_PROGRAM "' " +
-                                    arguments + " >" + inQuotes(m_folder / "out") + " 2>" + inQuotes(m_folder / "err") +
-                                    " " + redirection;
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileBytes(m_folder / "out"), fileBytes(m_folder / "err")};
+        return runProgram(m_folder, arguments, environment, redirection);
     }
     /// Runs it on a case of the plug-in that behaves as the folder's name says.
     ProgramRun runFake(const std::string& arguments, const std::string& behaviour)

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+#include "check/CheckReport.h"
+
+#include "output/TextTable.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr std::array<CheckVerdict, 5> VERDICTS = {CheckVerdict::Passed, CheckVerdict::Skipped, CheckVerdict::Failed,
+                                                  CheckVerdict::TimedOut, CheckVerdict::Crashed};
+
+/// What is counted, in words; passed and failed ones also if there are none.
+std::string tallyText(const CheckTally& tally)
+{
+    std::string text;
+    for (const CheckVerdict verdict : VERDICTS) {
+        const auto found = tally.find(verdict);
+        const std::size_t count = found == tally.end() ? 0 : found->second;
+        if (count != 0 || verdict == CheckVerdict::Passed || verdict == CheckVerdict::Failed) {
+            text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, verdictName(verdict));
+        }
+    }
+    return text;
+}
+
+std::string subjectName(const CheckJob& job)
+{
+    return job.subject.empty() ? "library" : job.subject;
+}
+
+/// The jobs by subject, in the order of their first appearance.
+std::vector<std::pair<std::string, std::vector<CheckJob>>> bySubject(const std::vector<CheckJob>& jobs)
+{
+    std::vector<std::pair<std::string, std::vector<CheckJob>>> groups;
+    for (const CheckJob& job : jobs) {
+        if (groups.empty() || groups.back().first != subjectName(job)) {
+            groups.push_back({subjectName(job), {}});
+        }
+        groups.back().second.push_back(job);
+    }
+    return groups;
+}
+
+std::string subjectLines(const std::vector<CheckJob>& jobs)
+{
+    TextTable table({TextTable::Align::Left, TextTable::Align::Left});
+    for (const auto& [subject, its] : bySubject(jobs)) {
+        table.add({subject, tallyText(tallyOf(its))});
+    }
+    return table.text(0);
+}
+
+/// One line a job: all that it found, and how it ended if not by itself.
+std::string failureLine(const CheckJob& job, const std::string& userOptions)
+{
+    std::vector<std::string> sentences = job.outcome.findings;
+    if (!job.outcome.reason.empty()) {
+        sentences.push_back(job.outcome.reason);
+    }
+    std::string line = fmt::format("{} {} ({}): {}; repeat: {}", verdictName(job.outcome.verdict), job.check->name,
+                                   subjectName(job), fmt::join(sentences, "; "), repeatCommand(job, userOptions));
+    // A name or a text of the library may hold a line feed, and a line is promised.
+    std::ranges::replace(line, '\n', ' ');
+    return line + "\n";
+}
+
+/// Skipped checks of one reason share a line, since most samples lack the same things.
+std::string skippedLines(const std::vector<CheckJob>& jobs)
+{
+    std::map<std::pair<std::string, std::string>, std::vector<std::string>> subjects;
+    for (const CheckJob& job : jobs) {
+        if (job.outcome.verdict == CheckVerdict::Skipped) {
+            subjects[{std::string(job.check->name), job.outcome.reason}].push_back(subjectName(job));
+        }
+    }
+    std::string text;
+    for (const auto& [what, where] : subjects) {
+        text += fmt::format("skipped {} ({}): {}\n", what.first, fmt::join(where, ", "), what.second);
+    }
+    return text;
+}
+
+} // namespace
+
+CheckTally tallyOf(const std::vector<CheckJob>& jobs)
+{
+    CheckTally tally;
+    for (const CheckJob& job : jobs) {
+        ++tally[job.outcome.verdict];
+    }
+    return tally;
+}
+
+std::string shellWord(const std::string& word)
+{
+    const auto plain = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+               std::string("_./-+=:,@%").find(c) != std::string::npos;
+    };
+    if (!word.empty() && std::ranges::all_of(word, plain)) {
+        return word;
+    }
+    std::string quoted = "'";
+    for (const char c : word) {
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+std::string exactPattern(const std::string& text)
+{
+    std::string pattern = "^";
+    for (const char c : text) {
+        pattern += c == '.' ? std::string("\\.") : std::string(1, c);
+    }
+    return pattern + "$";
+}
+
+std::string repeatCommand(const CheckJob& job, const std::string& userOptions)
+{
+    const std::string subject = job.sample || job.subject.empty() ? "" : " " + shellWord(job.subject);
+    return fmt::format("ddphost check{} --include {}{}", subject, shellWord(exactPattern(job.id())), userOptions);
+}
+
+std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed,
+                      const TextStyle& style)
+{
+    std::string text = onlyFailed ? "" : subjectLines(jobs);
+    for (const CheckJob& job : jobs) {
+        if (job.outcome.bad()) {
+            text += failureLine(job, userOptions);
+        }
+    }
+    if (!onlyFailed) {
+        text += skippedLines(jobs);
+    }
+    return text + fmt::format("{} check{}: {}\n{}\n", jobs.size(), jobs.size() == 1 ? "" : "s",
+                              tallyText(tallyOf(jobs)), style.strong(overallVerdict(jobs)));
+}
+
+const char* overallVerdict(const std::vector<CheckJob>& jobs)
+{
+    const CheckTally tally = tallyOf(jobs);
+    if (tally.contains(CheckVerdict::Crashed)) {
+        return "crashed";
+    }
+    if (tally.contains(CheckVerdict::Failed) || tally.contains(CheckVerdict::TimedOut)) {
+        return "failed";
+    }
+    return tally.contains(CheckVerdict::Passed) ? "passed" : "nothing was checked";
+}

@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: MIT
+//
+// Checks of polling: which notices follow which change of the folders, on a copy of the case.
+#include "check/Check.h"
+#include "check/CheckRun.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A copy for each of these checks must not fill a disk.
+constexpr std::uintmax_t MOST_COPIED_BYTES = 200'000'000;
+
+// A change numbers the states anew from here, in the order of time.
+constexpr std::int32_t FIRST_ID = 1001;
+
+/// The number that a folder's name starts with, which is its time.
+std::optional<double> timeOf(const fs::path& folder)
+{
+    const std::string name = folder.filename().string();
+    double value = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), value);
+    return error == std::errc() ? std::optional(value) : std::nullopt;
+}
+
+std::uintmax_t bytesIn(const fs::path& folder)
+{
+    std::uintmax_t bytes = 0;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+        bytes += entry.is_regular_file() ? entry.file_size() : 0;
+    }
+    return bytes;
+}
+
+/// Copies a folder with all in it. Folders are made anew, because those of a case may be closed to writing; a link to a
+/// folder stays one, since it may lead anywhere.
+void copyFolder(const fs::path& source, const fs::path& target)
+{
+    fs::create_directories(target);
+    for (const fs::directory_entry& entry : fs::directory_iterator(source)) {
+        const fs::path copy = target / entry.path().filename();
+        if (entry.is_directory() && entry.is_symlink()) {
+            fs::create_directory_symlink(fs::canonical(entry.path()), copy);
+        } else if (entry.is_directory()) {
+            copyFolder(entry.path(), copy);
+        } else if (entry.is_regular_file()) {
+            fs::copy_file(entry.path(), copy);
+        }
+    }
+}
+
+/// An open copy of the case, whose folders the checks change, and what its polls have to tell.
+class PolledCase
+{
+public:
+    explicit PolledCase(CheckRun& run) : m_run(run)
+    {
+        const fs::path source = CaseSession::tokenFile(run.task().casePath).parent_path();
+        if (const std::uintmax_t bytes = bytesIn(source); bytes > MOST_COPIED_BYTES) {
+            throw CheckSkipped{fmt::format("the case has {} MB, and at most {} are copied", bytes / 1'000'000,
+                                           MOST_COPIED_BYTES / 1'000'000)};
+        }
+        m_folder = run.task().workFolder / source.filename();
+        copyFolder(source, m_folder);
+        m_open = run.open(m_folder);
+        m_metaData = m_open->metaData();
+        for (const HostState& state : m_metaData->states) {
+            m_times.push_back(state.referenceValue);
+        }
+    }
+
+    /// Skips the check if the case has fewer states.
+    void needStates(std::size_t count) const
+    {
+        if (m_times.size() < count) {
+            throw CheckSkipped{fmt::format("the case has {} states, and {} are needed", m_times.size(), count)};
+        }
+    }
+
+    /// The times of the states, as they stand in the folder by now.
+    const std::vector<double>& times() const { return m_times; }
+
+    /// Makes a time folder like the last one.
+    void addTime(double time)
+    {
+        copyFolder(folderOf(m_times.back()), m_folder / fmt::format("{}", time));
+        m_times.insert(std::ranges::upper_bound(m_times, time), time);
+    }
+
+    void removeTime(std::size_t position)
+    {
+        fs::remove_all(folderOf(m_times[position]));
+        m_times.erase(m_times.begin() + static_cast<std::ptrdiff_t>(position));
+    }
+
+    void addForeignFolder() { fs::create_directory(m_folder / "foreignFolder"); }
+
+    /// Polls and compares the notices with these; what happened since the last poll is told in words.
+    void expectPoll(const std::string& when, const std::vector<std::string>& wanted)
+    {
+        std::vector<std::string> found;
+        for (const HostNotice& notice : m_open->poll()) {
+            found.push_back(textOf(notice));
+        }
+        m_run.expect(found == wanted,
+                     fmt::format("{}: [{}], not [{}]", when, fmt::join(found, ", "), fmt::join(wanted, ", ")));
+    }
+
+    std::string update(std::size_t position) const
+    {
+        return fmt::format("update {} {}", FIRST_ID + static_cast<int>(position), m_times[position]);
+    }
+
+    std::string add(std::size_t position) const
+    {
+        return fmt::format("add {} {}", FIRST_ID + static_cast<int>(position), m_times[position]);
+    }
+
+    /// An update for each state there is.
+    std::vector<std::string> updateAll() const
+    {
+        std::vector<std::string> notices;
+        for (std::size_t i = 0; i < m_times.size(); ++i) {
+            notices.push_back(update(i));
+        }
+        return notices;
+    }
+
+private:
+    /// A name that does not tell the time of the notice counts as a part of it.
+    static std::string textOf(const HostNotice& notice)
+    {
+        if (notice.kind == HostNotice::Kind::Remove) {
+            return fmt::format("remove {}", notice.id);
+        }
+        const char* const kind = notice.kind == HostNotice::Kind::Add ? "add" : "update";
+        const bool named = notice.name.starts_with(fmt::format("Time {:.5f} #", notice.referenceValue));
+        return fmt::format("{} {} {}{}", kind, notice.id, notice.referenceValue,
+                           named ? "" : fmt::format(" '{}'", notice.name));
+    }
+
+    fs::path folderOf(double time) const
+    {
+        std::vector<fs::path> found;
+        for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
+            if (entry.is_directory() && timeOf(entry.path()) == time) {
+                found.push_back(entry.path());
+            }
+        }
+        if (found.size() != 1) {
+            throw CheckSkipped{fmt::format("{} folders are named for the time {}", found.size(), time)};
+        }
+        return found.front();
+    }
+
+    CheckRun& m_run;
+    fs::path m_folder;
+    std::unique_ptr<OpenCase> m_open;
+    std::unique_ptr<HostMetaData> m_metaData;
+    std::vector<double> m_times;
+};
+
+double timeBehind(const std::vector<double>& times)
+{
+    return times.size() < 2 ? times.back() + 1 : times.back() + (times.back() - times.front());
+}
+
+/// The notices of a removal: the states left, then positions from their number up to and including the old one.
+std::vector<std::string> removalNotices(const PolledCase& polled, std::size_t oldCount)
+{
+    std::vector<std::string> notices = polled.updateAll();
+    for (std::size_t position = polled.times().size(); position <= oldCount; ++position) {
+        notices.push_back(fmt::format("remove {}", position));
+    }
+    return notices;
+}
+
+} // namespace
+
+void checkPollUnchanged(CheckRun& run)
+{
+    PolledCase polled(run);
+    for (int poll = 0; poll < 3; ++poll) {
+        polled.expectPoll("nothing has changed", {});
+    }
+}
+
+void checkPollAddAtEnd(CheckRun& run)
+{
+    PolledCase polled(run);
+    polled.needStates(1);
+    polled.addTime(timeBehind(polled.times()));
+    polled.expectPoll("a folder was added at the end", {polled.add(polled.times().size() - 1)});
+    // The poll behind a change tells all states again and looks at no folder.
+    const std::vector<std::string> all = polled.updateAll();
+    polled.addTime(timeBehind(polled.times()));
+    polled.expectPoll("the poll behind it", all);
+    polled.expectPoll("the poll behind that, with a further folder", {polled.add(polled.times().size() - 1)});
+    polled.expectPoll("the poll behind the further folder", polled.updateAll());
+    polled.expectPoll("nothing more has changed", {});
+}
+
+void checkPollAddInMiddle(CheckRun& run)
+{
+    PolledCase polled(run);
+    polled.needStates(2);
+    const double before = polled.times()[polled.times().size() - 2];
+    const double after = polled.times().back();
+    if (!(before < after)) {
+        throw CheckSkipped{"the last two states have the same time"};
+    }
+    polled.addTime(before + (after - before) / 2);
+    const std::size_t last = polled.times().size() - 1;
+    polled.expectPoll("a folder was added in the middle", {polled.update(last - 1), polled.add(last)});
+    polled.expectPoll("the poll behind it", polled.updateAll());
+    polled.expectPoll("nothing more has changed", {});
+}
+
+void checkPollRemove(CheckRun& run)
+{
+    PolledCase polled(run);
+    polled.needStates(2);
+    const std::size_t oldCount = polled.times().size();
+    polled.removeTime(oldCount / 2);
+    polled.expectPoll("a folder was removed", removalNotices(polled, oldCount));
+    polled.expectPoll("the poll behind it", polled.updateAll());
+}
+
+void checkPollRemoveAndAdd(CheckRun& run)
+{
+    PolledCase polled(run);
+    polled.needStates(2);
+    const std::size_t oldCount = polled.times().size();
+    polled.removeTime(oldCount / 2);
+    std::vector<std::string> wanted = removalNotices(polled, oldCount);
+    polled.addTime(timeBehind(polled.times()) + 1);
+    wanted.push_back(polled.add(polled.times().size() - 1));
+    polled.expectPoll("a folder was removed and one added", wanted);
+    polled.expectPoll("the poll behind it", polled.updateAll());
+}
+
+void checkPollForeignFolder(CheckRun& run)
+{
+    PolledCase polled(run);
+    polled.addForeignFolder();
+    polled.expectPoll("a folder was added that is no time", {});
+    polled.expectPoll("the poll behind it", polled.updateAll());
+    polled.expectPoll("nothing more has changed", {});
+}

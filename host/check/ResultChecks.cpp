@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+//
+// Checks of the values of results.
+#include "border/DeliveryCheck.h"
+#include "check/Check.h"
+#include "check/CheckRun.h"
+#include "check/DeliveryDigest.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace {
+
+/// One result of one state, as a check looks at it.
+struct Delivery
+{
+    const SoundGeometry& sound;
+    const HostResultInfo& info;
+    const HostState& state;
+    const HostResult& result;
+
+    std::string name() const { return fmt::format("{} at {}", info.name, state.referenceValue); }
+};
+
+/// Asks for each declared result at a few states and hands them on.
+///
+/// The displacements of a state without points of its own are no result; every other one is delivered, be it undefined.
+template <typename Visit>
+void forEachDelivery(CheckRun& run, Visit visit)
+{
+    const SoundGeometry sound = run.openGeometry();
+    if (sound.metaData->results.empty()) {
+        throw CheckSkipped{"the case has no results"};
+    }
+    for (const HostState* const state : sampleOfStates(*sound.metaData)) {
+        for (const HostResultInfo& info : sound.metaData->results) {
+            const std::unique_ptr<HostResult> result = sound.open->result(info.id, state->id);
+            if (result != nullptr) {
+                visit(Delivery{sound, info, *state, *result});
+            } else if (info.kind != KIND_DISPLACEMENT) {
+                run.fail(fmt::format("there is no {} at {}", info.name, state->referenceValue));
+            }
+        }
+    }
+}
+
+std::int32_t dimensionOf(std::int32_t kind)
+{
+    switch (kind) {
+    case KIND_SCALAR:
+        return 1;
+    case KIND_TENSOR:
+        return 6;
+    default:
+        return 3;
+    }
+}
+
+std::size_t itemsOf(const Delivery& delivery, std::size_t group)
+{
+    const HostElementGroup& elements = delivery.sound.geometry->elementGroups[group];
+    return delivery.info.mapping == MAPPING_NODE ? delivery.sound.geometry->nodesOf(elements)->nodeCount()
+                                                 : elements.elementCount();
+}
+
+} // namespace
+
+void checkValueGroups(CheckRun& run)
+{
+    forEachDelivery(run, [&](const Delivery& delivery) {
+        std::size_t all = 0;
+        std::size_t surfaces = 0;
+        for (const HostGroup* const group : delivery.sound.groups) {
+            all += group->kind() == HostGroupKind::FaceZone ? 0U : 1U;
+            surfaces += group->kind() == HostGroupKind::Surface ? 1U : 0U;
+        }
+        // A result that the state lacks, and the displacements, do not reach the surfaces.
+        const std::size_t found = delivery.result.groups.size();
+        run.expect(found == all || found == all - surfaces,
+                   fmt::format("{} has {} value groups where {} groups take values", delivery.name(), found, all));
+        for (std::size_t i = 0; i < delivery.sound.groups.size(); ++i) {
+            const HostValueGroup* const values = valuesOfGroup(*delivery.sound.metaData, delivery.result, i);
+            const std::size_t items = itemsOf(delivery, i);
+            // Lengths tell groups apart. Only a surface whose file cannot be read is left without values.
+            run.expect(values == nullptr || values->itemCount() == items ||
+                           (values->itemCount() == 0 && delivery.sound.groups[i]->kind() == HostGroupKind::Surface),
+                       fmt::format("{} has {} items at the place of {}, which has {}", delivery.name(),
+                                   values == nullptr ? 0 : values->itemCount(), delivery.sound.groups[i]->name, items));
+        }
+    });
+}
+
+void checkValueArrays(CheckRun& run)
+{
+    forEachDelivery(run, [&](const Delivery& delivery) {
+        try {
+            checkResult(*delivery.sound.metaData, *delivery.sound.geometry, delivery.info, delivery.result);
+        } catch (const HostError& error) {
+            run.fail(fmt::format("{}: {}", delivery.name(), error.what()));
+        }
+        for (const HostValueGroup& values : delivery.result.groups) {
+            run.expect(values.dimension == dimensionOf(delivery.info.kind) || values.values.empty(),
+                       fmt::format("{} has {} components", delivery.name(), values.dimension));
+        }
+    });
+}
+
+void checkReplacedValues(CheckRun& run)
+{
+    forEachDelivery(run, [&](const Delivery& delivery) {
+        for (std::size_t i = 0; i < delivery.result.groups.size(); ++i) {
+            const auto& shapes = delivery.result.groups[i].shapes;
+            run.expect(std::ranges::all_of(shapes, [&](const auto& shape) { return shape == shapes.front(); }),
+                       fmt::format("{}: the calls that set value group {} differ in length, so they add or cut",
+                                   delivery.name(), i));
+        }
+        DeliveryDigest first;
+        first.addResult(delivery.info, delivery.state, &delivery.result);
+        DeliveryDigest second;
+        second.addResult(delivery.info, delivery.state,
+                         delivery.sound.open->result(delivery.info.id, delivery.state.id).get());
+        const std::string difference = first.differenceTo(second);
+        run.expect(difference.empty(), fmt::format("asked for again, {} is another", difference));
+    });
+}
+
+void checkValueThreads(CheckRun& run)
+{
+    const SoundGeometry sound = run.openGeometry();
+    if (sound.metaData->results.empty()) {
+        throw CheckSkipped{"the case has no results"};
+    }
+    // Long enough that a second thread meets the first one in the group.
+    HostCallRecord::setStall(std::chrono::milliseconds(2));
+    for (const HostResultInfo& info : sound.metaData->results) {
+        (void)sound.open->result(info.id, sound.metaData->states.back().id);
+    }
+}

@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: MIT
+#include "check/CheckChild.h"
+#include "check/CheckReport.h"
+#include "check/CheckRunner.h"
+#include "check/SampleSet.h"
+#include "commands/Commands.h"
+#include "commands/InterruptWait.h"
+#include "output/ProgressBar.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <regex>
+#include <thread>
+
+#include <sys/prctl.h>
+
+namespace {
+
+struct CheckArguments
+{
+    std::vector<std::string> casePaths;
+    std::string include;
+    std::string exclude;
+    bool onlyFailed = false;
+    std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
+    double timeLimit = 60;
+};
+
+/// A folder for samples, copies and whatever else the checks write, gone with the run.
+class WorkFolder
+{
+public:
+    WorkFolder()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "ddphost-check-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw HostError(ExitCode::CannotWrite, fmt::format("cannot make {}: {}", pattern, std::strerror(errno)));
+        }
+        m_path = pattern;
+    }
+
+    ~WorkFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    const std::filesystem::path& path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+std::regex patternOf(const std::string& option, const std::string& text)
+{
+    try {
+        return std::regex(text);
+    } catch (const std::regex_error&) {
+        throw HostError(ExitCode::Usage, fmt::format("{}: '{}' is no regular expression", option, text));
+    }
+}
+
+/// Takes what the patterns of the user leave of the jobs.
+class JobFilter
+{
+public:
+    explicit JobFilter(const CheckArguments& arguments)
+        : m_include(patternOf("--include", arguments.include)), m_exclude(patternOf("--exclude", arguments.exclude)),
+          m_excludes(!arguments.exclude.empty())
+    {}
+
+    bool takes(const CheckJob& job) const
+    {
+        const std::string id = job.id();
+        return std::regex_search(id, m_include) && !(m_excludes && std::regex_search(id, m_exclude));
+    }
+
+private:
+    std::regex m_include;
+    std::regex m_exclude;
+    bool m_excludes; ///< an empty pattern meets every text
+};
+
+/// All jobs that the patterns leave, without the paths of samples, which are not written yet.
+std::vector<CheckJob> planJobs(const CheckArguments& arguments)
+{
+    const JobFilter filter(arguments);
+    std::vector<CheckJob> jobs;
+    const auto addAll = [&](bool needsCase, const std::string& subject, bool sample) {
+        for (const Check& check : allChecks()) {
+            CheckJob job = {&check, subject, sample ? "" : subject, sample, {}, {}};
+            if (check.needsCase == needsCase && filter.takes(job)) {
+                jobs.push_back(std::move(job));
+            }
+        }
+    };
+    addAll(false, "", false);
+    for (const std::string& casePath : arguments.casePaths) {
+        addAll(true, casePath, false);
+    }
+    if (arguments.casePaths.empty()) {
+        for (const std::string& name : sampleNames()) {
+            addAll(true, name, true);
+        }
+    }
+    if (jobs.empty()) {
+        throw HostError(ExitCode::Usage, "--include and --exclude leave no check");
+    }
+    return jobs;
+}
+
+/// Refuses cases that the library does not open, before anything else is done.
+/// A library that crashes over one is left to the checks, which tell it.
+void probeCases(const std::vector<CheckJob>& jobs, const CheckRunOptions& options, const InterruptWait& interrupt)
+{
+    std::vector<CheckJob> probes;
+    for (const CheckJob& job : jobs) {
+        if (!job.casePath.empty() && (probes.empty() || probes.back().casePath != job.casePath)) {
+            probes.push_back({&openingCheck(), job.subject, job.casePath, false, {}, {}});
+        }
+    }
+    runChecks(
+        &probes, options, [] {}, [&] { return !interrupt.waitFor(0); });
+    for (const CheckJob& probe : probes) {
+        if (probe.outcome.refused) {
+            throw HostError(ExitCode::CaseRefused, probe.outcome.reason);
+        }
+    }
+}
+
+void writeSamples(const std::filesystem::path& folder, std::vector<CheckJob>* jobs)
+{
+    std::map<std::string, WrittenSample> written;
+    for (CheckJob& job : *jobs) {
+        if (job.sample) {
+            if (!written.contains(job.subject)) {
+                written[job.subject] = writeSample(job.subject, folder);
+            }
+            job.casePath = written[job.subject].folder;
+            job.settings = written[job.subject].settings;
+        }
+    }
+}
+
+/// The options of this run that a repetition needs, each behind a blank.
+std::string repeatedOptions(const HostContext& context, const CheckArguments& arguments)
+{
+    std::string text;
+    const auto add = [&](const std::string& name, const std::string& value) {
+        text += " " + name + " " + shellWord(value);
+    };
+    if (!context.options.plugin.empty()) {
+        add("--plugin", context.options.plugin);
+    } else if (const char* const fromEnvironment = std::getenv("DDP_PLUGIN"); fromEnvironment != nullptr) {
+        add("--plugin", fromEnvironment);
+    }
+    for (const std::string& setting : context.options.settings) {
+        add("--set", setting);
+    }
+    if (context.options.threads > 0) {
+        add("--threads", std::to_string(context.options.threads));
+    }
+    if (arguments.timeLimit != CheckArguments().timeLimit) {
+        add("--timeout", fmt::format("{}", arguments.timeLimit));
+    }
+    return text;
+}
+
+nlohmann::ordered_json checkDocument(const std::vector<CheckJob>& jobs, const std::string& library,
+                                     const std::string& userOptions, bool onlyFailed)
+{
+    nlohmann::ordered_json document = newDocument("check");
+    document["library"] = library;
+    document["checks"] = nlohmann::ordered_json::array();
+    for (const CheckJob& job : jobs) {
+        if (onlyFailed && !job.outcome.bad()) {
+            continue;
+        }
+        nlohmann::ordered_json entry = {{"name", job.check->name},
+                                        {"claim", job.check->claim},
+                                        {"case", nullptr},
+                                        {"verdict", verdictName(job.outcome.verdict)},
+                                        {"findings", job.outcome.findings},
+                                        {"reason", job.outcome.reason},
+                                        {"seconds", job.outcome.seconds},
+                                        {"repeat", repeatCommand(job, userOptions)}};
+        if (!job.subject.empty()) {
+            entry["case"] = job.subject;
+        }
+        document["checks"].push_back(entry);
+    }
+    for (const auto& [verdict, count] : tallyOf(jobs)) {
+        document["tally"][verdictName(verdict)] = count;
+    }
+    document["verdict"] = overallVerdict(jobs);
+    return document;
+}
+
+/// A run that checks nothing must not pass for a good one.
+ExitCode exitCodeOf(const std::vector<CheckJob>& jobs)
+{
+    const CheckTally tally = tallyOf(jobs);
+    if (tally.contains(CheckVerdict::Crashed)) {
+        return ExitCode::Misbehaved;
+    }
+    if (tally.contains(CheckVerdict::Failed) || tally.contains(CheckVerdict::TimedOut)) {
+        return ExitCode::Findings;
+    }
+    return tally.contains(CheckVerdict::Passed) ? ExitCode::Good : ExitCode::Usage;
+}
+
+ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
+{
+    const InterruptWait interrupt;
+    std::vector<CheckJob> jobs = planJobs(arguments);
+    CheckRunOptions options;
+    options.library = std::filesystem::absolute(PluginLibrary::locate(context.options.plugin));
+    if (!std::filesystem::exists(options.library)) {
+        throw HostError(ExitCode::LibraryRefused, fmt::format("there is no library {}", options.library.string()));
+    }
+    const WorkFolder work;
+    options.settings = context.options.settings;
+    options.threads = context.options.threads;
+    options.parallelJobs = arguments.jobs;
+    options.timeLimit = arguments.timeLimit;
+    options.workFolder = work.path();
+    probeCases(jobs, options, interrupt);
+    writeSamples(work.path(), &jobs);
+    {
+        ProgressBar progress(context.showsProgress(), "check", "checks", jobs.size());
+        if (!runChecks(
+                &jobs, options, [&] { progress.advance(); }, [&] { return !interrupt.waitFor(0); })) {
+            throw HostError(ExitCode::Findings, "interrupted");
+        }
+    }
+    const std::string userOptions = repeatedOptions(context, arguments);
+    if (context.options.json) {
+        writeDocument(checkDocument(jobs, options.library.string(), userOptions, arguments.onlyFailed));
+    } else {
+        writeToStdout(checkText(jobs, userOptions, arguments.onlyFailed, context.style()));
+    }
+    return exitCodeOf(jobs);
+}
+
+/// The command that the processes of checks run, not meant for users.
+void addCheckChild(CLI::App* app, HostContext* context)
+{
+    struct ChildArguments
+    {
+        std::string check;
+        CheckTask task;
+    };
+    const auto arguments = std::make_shared<ChildArguments>();
+    CLI::App* const command = app->add_subcommand("check-one", "Make one check in this process")->group("");
+    command->add_option("CHECK", arguments->check)->required();
+    command->add_option("--case", arguments->task.casePath);
+    command->add_option("--work", arguments->task.workFolder)->required();
+    command->add_option("--prefer", arguments->task.preferred)->allow_extra_args(false);
+    command->callback([=] {
+        context->command = [=] {
+            // Its parent may be killed without a chance to end it.
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            // Absolute, because a check may go to another folder.
+            arguments->task.library = std::filesystem::absolute(PluginLibrary::locate(context->options.plugin));
+            if (!arguments->task.casePath.empty()) {
+                arguments->task.casePath = std::filesystem::absolute(arguments->task.casePath);
+            }
+            arguments->task.settings = context->options.settings;
+            runCheckChild(arguments->check, arguments->task);
+            return ExitCode::Good;
+        };
+    });
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App* app, HostContext* context)
+{
+    const auto arguments = std::make_shared<CheckArguments>();
+    CLI::App* const command =
+        app->add_subcommand("check", "Check the library itself, each check in a process of its own");
+    command->add_option("CASE", arguments->casePaths,
+                        "Case folders, or the paths of their case.foam; without one, built-in samples are checked");
+    command->add_option("--include", arguments->include, "Make the checks whose name contains the pattern")
+        ->type_name("RE");
+    command->add_option("--exclude", arguments->exclude, "Leave out the checks whose name contains the pattern")
+        ->type_name("RE");
+    command->add_flag("--only-failed", arguments->onlyFailed, "Show only what failed, the tally and the verdict");
+    command->add_option("-j,--jobs", arguments->jobs, "So many processes at a time; by default as many as processors")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024).description(""));
+    command->add_option("--timeout", arguments->timeLimit, "Seconds for one check, 60 by default")
+        ->type_name("S")
+        ->check(CLI::Range(0.01, 86400.0).description(""));
+    command->callback([=] { context->command = [=] { return runCheck(*context, *arguments); }; });
+    addCheckChild(app, context);
+}

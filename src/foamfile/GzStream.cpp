@@ -30,8 +30,8 @@ void GzStream::Closer::operator()(gzFile_s* handle) const
     static_cast<void>(gzclose(handle));
 }
 
-GzStream::GzStream(gzFile_s* handle, dvn::Str path, std::uint64_t sizeOnDisk)
-    : m_handle(handle), m_path(std::move(path)), m_sizeOnDisk(sizeOnDisk)
+GzStream::GzStream(Handle handle, dvn::Str path, std::uint64_t sizeOnDisk)
+    : m_handle(std::move(handle)), m_path(std::move(path)), m_sizeOnDisk(sizeOnDisk)
 {}
 
 std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
@@ -40,12 +40,13 @@ std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
     if (!OFUtilities::isRegularFile(path, &sizeOnDisk)) {
         return nullptr;
     }
-    const gzFile handle = gzopen(path.toUtf8().c_str(), "rb");
+    // Owned at once, so that nothing stays open when memory runs out below.
+    Handle handle(gzopen(path.toUtf8().c_str(), "rb"));
     if (handle == nullptr) {
         return nullptr;
     }
-    gzbuffer(handle, GZIP_BUFFER_SIZE);
-    return std::unique_ptr<GzStream>(new GzStream(handle, path, sizeOnDisk));
+    gzbuffer(handle.get(), GZIP_BUFFER_SIZE);
+    return std::unique_ptr<GzStream>(new GzStream(std::move(handle), path, sizeOnDisk));
 }
 
 int GzStream::nextByte()

@@ -54,10 +54,12 @@ private:
         void operator()(gzFile_s* handle) const;
     };
 
-    GzStream(gzFile_s* handle, dvn::Str path, std::uint64_t sizeOnDisk);
+    using Handle = std::unique_ptr<gzFile_s, Closer>;
+
+    GzStream(Handle handle, dvn::Str path, std::uint64_t sizeOnDisk);
     void noteEnd();
 
-    std::unique_ptr<gzFile_s, Closer> m_handle;
+    Handle m_handle;
     dvn::Str m_path;
     std::uint64_t m_sizeOnDisk;
     bool m_damageTold = false;

@@ -73,6 +73,11 @@ void* operator new(std::size_t size, std::align_val_t alignment)
     return allocate(size, static_cast<std::size_t>(alignment));
 }
 
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
+{
+    return mustFail(FailingCall::Allocation) ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* memory) noexcept
 {
     std::free(memory);

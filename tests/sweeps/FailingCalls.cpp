@@ -100,7 +100,7 @@ void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alig
 #endif
 
 // What the linker puts in place of the calls; the names are its own.
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
+// NOLINTBEGIN(readability-identifier-naming)
 extern "C" {
 
 gzFile __real_gzopen(const char* path, const char* mode);
@@ -152,4 +152,4 @@ int __wrap_access(const char* path, int mode)
     return mustFail(FailingCall::FileAccess) ? -1 : __real_access(path, mode);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
+// NOLINTEND(readability-identifier-naming)

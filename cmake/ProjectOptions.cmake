@@ -36,3 +36,8 @@ if(NOT OFP_SANITIZE)
     add_compile_options(-fstack-protector-strong $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
     add_link_options(LINKER:-z,noexecstack)
 endif()
+
+# The counters of libFuzzer, which steer it; its main is linked to the fuzz targets alone.
+if(OFP_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -48,3 +48,8 @@ endfunction()
 function(compile_fast target)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-O0>)
 endfunction()
+
+# The counters of libFuzzer, which steer it; its main is linked to the fuzz targets alone.
+if(OFP_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

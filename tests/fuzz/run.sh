@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Runs all fuzz targets on both cores for so many minutes in all, and tells what each has done and found.
+#
+#   tests/fuzz/run.sh MINUTES [TARGET...]
+#
+# New inputs and findings stay below build/fuzz. The exit code is 1 if there is a finding, and 2 for usage.
+set -euo pipefail
+
+cd "$(dirname "$(realpath "$0")")/../.."
+minutes=${1:-}
+if ! [[ $minutes =~ ^[1-9][0-9]*$ ]]; then
+    echo "usage: tests/fuzz/run.sh MINUTES [TARGET...]" >&2
+    exit 2
+fi
+shift
+
+. tools/setup.sh
+install_packages $BUILD_PACKAGES $TEST_PACKAGES $CHECK_PACKAGES
+quietly cmake --preset fuzz || fail "configuring failed"
+cmake --build build/fuzz --target fuzz_targets || fail "building failed"
+program=$PWD/build/fuzz/tests/fuzz/fuzz_targets
+work=$PWD/build/fuzz
+targets=${*:-$("$program")}
+
+# Each run writes files by the thousand, so they go to memory where the system has a place for that.
+files=$(mktemp -d /dev/shm/fuzz-XXXXXX 2>/dev/null || mktemp -d)
+trap 'rm -rf "$files"' EXIT
+
+seconds=$((minutes * 60 * 2 / $(wc -w <<<"$targets")))
+seconds=$((seconds > 0 ? seconds : 1))
+
+run_target()
+{
+    local most=4096
+    [[ $1 == case ]] && most=8192
+    mkdir -p "$work/corpus/$1" "$work/findings"
+    # A leak would show at the end of the suite's replay; looking for it after each run costs half of the speed.
+    OFP_FUZZ_TARGET=$1 TMPDIR=$files ASAN_OPTIONS=quarantine_size_mb=16 nice -n 10 "$program" -max_len=$most \
+        -max_total_time="$seconds" -dict=tests/fuzz/words.dict -print_final_stats=1 -detect_leaks=0 -timeout=60 \
+        -malloc_limit_mb=1024 -entropic_scale_per_exec_time=1 -artifact_prefix="$work/findings/$1-" \
+        "$work/corpus/$1" "tests/fuzz/corpus/$1" >"$work/$1.log" 2>&1 || true
+}
+export -f run_target
+export program work files seconds
+rm -rf "$work/findings"
+xargs -n 1 -P 2 bash -c 'run_target "$0"' <<<"$targets"
+
+printf '%-14s %12s %9s %7s %9s %9s\n' target executions 'per s' edges features findings
+found=0
+for target in $targets; do
+    count=$(find "$work/findings" -name "$target-*" | wc -l)
+    found=$((found + count))
+    awk -v name="$target" -v found="$count" '
+        / cov: / { for (i = 1; i < NF; ++i) { if ($i == "cov:") edges = $(i + 1); if ($i == "ft:") features = $(i + 1) } }
+        /stat::number_of_executed_units/ { runs = $2 }
+        /stat::average_exec_per_sec/ { speed = $2 }
+        END { printf "%-14s %12d %9d %7d %9d %9d\n", name, runs, speed, edges, features, found }' "$work/$target.log"
+done
+echo "New inputs are in build/fuzz/corpus. To keep those of a target that reach something new:"
+echo "  OFP_FUZZ_TARGET=T build/fuzz/tests/fuzz/fuzz_targets -set_cover_merge=1 tests/fuzz/corpus/T build/fuzz/corpus/T"
+if ((found > 0)); then
+    echo "Findings are in build/fuzz/findings, and what was said of them in build/fuzz/TARGET.log."
+    exit 1
+fi

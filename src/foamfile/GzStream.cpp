@@ -4,12 +4,21 @@
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 
+#include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <limits>
+#include <string>
 #include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -22,6 +31,38 @@ constexpr std::size_t SKIP_BLOCK = 4096;
 constexpr std::uint64_t INFLATE_RATIO = 1032;
 constexpr std::uint64_t INFLATE_EXTRA = 65536;
 
+/// A read from this size on is shared among the cores, if the file is not compressed.
+constexpr std::size_t SHARED_READ = 4194304;
+constexpr std::size_t SHARED_BLOCK = 1048576;
+
+/// Opens what was found to be a regular file; -1 if it cannot be opened or was replaced by something else since, which
+/// must not block.
+int openRegularFile(const std::string& path)
+{
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat info = {};
+    if (descriptor >= 0 && (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode))) {
+        close(descriptor);
+        return -1;
+    }
+    return descriptor;
+}
+
+/// Reads a block from a place in a file, and tells how many bytes came.
+std::size_t readBlock(int descriptor, char* target, std::size_t size, off_t place)
+{
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t came = pread(descriptor, target + done, size - done, place + static_cast<off_t>(done));
+        if (came > 0) {
+            done += static_cast<std::size_t>(came);
+        } else if (came == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    return done;
+}
+
 } // namespace
 
 void GzStream::Closer::operator()(gzFile_s* handle) const
@@ -30,8 +71,8 @@ void GzStream::Closer::operator()(gzFile_s* handle) const
     static_cast<void>(gzclose(handle));
 }
 
-GzStream::GzStream(Handle handle, dvn::Str path, std::uint64_t sizeOnDisk)
-    : m_handle(std::move(handle)), m_path(std::move(path)), m_sizeOnDisk(sizeOnDisk)
+GzStream::GzStream(Handle handle, int descriptor, dvn::Str path, std::uint64_t sizeOnDisk)
+    : m_handle(std::move(handle)), m_descriptor(descriptor), m_path(std::move(path)), m_sizeOnDisk(sizeOnDisk)
 {}
 
 std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
@@ -40,13 +81,17 @@ std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
     if (!OFUtilities::isRegularFile(path, &sizeOnDisk)) {
         return nullptr;
     }
+    const int descriptor = openRegularFile(path.toUtf8());
     // Owned at once, so that nothing stays open when memory runs out below.
-    Handle handle(gzopen(path.toUtf8().c_str(), "rb"));
+    Handle handle(descriptor < 0 ? nullptr : gzdopen(descriptor, "rb"));
     if (handle == nullptr) {
+        if (descriptor >= 0) {
+            close(descriptor);
+        }
         return nullptr;
     }
     gzbuffer(handle.get(), GZIP_BUFFER_SIZE);
-    return std::unique_ptr<GzStream>(new GzStream(std::move(handle), path, sizeOnDisk));
+    return std::unique_ptr<GzStream>(new GzStream(std::move(handle), descriptor, path, sizeOnDisk));
 }
 
 int GzStream::nextByte()
@@ -111,7 +156,7 @@ std::size_t GzStream::readToLineEnd(char* target, std::size_t room)
 std::size_t GzStream::read(void* target, std::size_t size)
 {
     char* const bytes = static_cast<char*>(target);
-    std::size_t done = 0;
+    std::size_t done = size < SHARED_READ ? 0 : readShared(bytes, size);
     while (done < size) {
         const std::size_t wanted = std::min(size - done, READ_BLOCK);
         const int came = gzread(m_handle.get(), bytes + done, static_cast<unsigned>(wanted));
@@ -122,6 +167,34 @@ std::size_t GzStream::read(void* target, std::size_t size)
         }
     }
     return done;
+}
+
+/// Reads a long piece of a file that is not compressed with all cores, as copies out of the system's cache take longer
+/// than they need to with one. Tells how many bytes came; the usual way goes on behind them.
+std::size_t GzStream::readShared(char* target, std::size_t size)
+{
+    const z_off_t position = gztell(m_handle.get());
+    if (gzdirect(m_handle.get()) == 0 || position < 0 || tbb::this_task_arena::max_concurrency() < 2) {
+        return 0;
+    }
+    std::vector<std::size_t> came((size + SHARED_BLOCK - 1) / SHARED_BLOCK);
+    tbb::this_task_arena::isolate([&] {
+        // Each task fills its own block and its own entry.
+        tbb::parallel_for(std::size_t{0}, came.size(), [&](std::size_t i) {
+            const std::size_t first = i * SHARED_BLOCK;
+            came[i] = readBlock(m_descriptor, target + first, std::min(SHARED_BLOCK, size - first),
+                                static_cast<off_t>(position) + static_cast<off_t>(first));
+        });
+    });
+    std::size_t done = 0;
+    for (const std::size_t bytes : came) {
+        done += bytes;
+        if (bytes < SHARED_BLOCK) {
+            break;
+        }
+    }
+    // If the stream cannot follow, it reads the same again from where it stands.
+    return gzseek(m_handle.get(), position + static_cast<z_off_t>(done), SEEK_SET) < 0 ? 0 : done;
 }
 
 void GzStream::skip(std::uint64_t size)

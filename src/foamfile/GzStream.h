@@ -56,10 +56,12 @@ private:
 
     using Handle = std::unique_ptr<gzFile_s, Closer>;
 
-    GzStream(Handle handle, dvn::Str path, std::uint64_t sizeOnDisk);
+    GzStream(Handle handle, int descriptor, dvn::Str path, std::uint64_t sizeOnDisk);
+    std::size_t readShared(char* target, std::size_t size);
     void noteEnd();
 
     Handle m_handle;
+    int m_descriptor; ///< that of the handle, which closes it
     dvn::Str m_path;
     std::uint64_t m_sizeOnDisk;
     bool m_damageTold = false;

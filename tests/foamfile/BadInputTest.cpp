@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ostream>
 #include <stdexcept>
 
 #include <sys/resource.h>
@@ -25,6 +26,12 @@ struct Sample
     std::string bytes;
     std::vector<std::size_t> readers;
 };
+
+/// Names the test in lists of them.
+std::ostream& operator<<(std::ostream& stream, const Sample& sample)
+{
+    return stream << sample.name;
+}
 
 std::vector<Sample> samples()
 {

@@ -4,6 +4,7 @@
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
+#include <tbb/task_arena.h>
 
 #include <algorithm>
 #include <cmath>
@@ -123,6 +124,25 @@ TEST_F(OFFileFaces, RawOffsetsThatCannotBeRightLeaveWholeFaces)
     }
     EXPECT_TRUE(readFaces(binary + rawList(std::vector<int>{0}) + "\n1\n(abcd)")) << "one offset and no face";
     EXPECT_FALSE(readFaces(binary + "2\n(" + raw(std::vector<int>{0, 3}) + "x\n3\n(" + raw(someLabels(3))));
+}
+
+// The second list is found only if the stream stands where the cores have read to.
+TEST_F(OFFileFaces, LongRawListsAreReadByAllCoresAsByOne)
+{
+    constexpr std::size_t FACES = 1200000;
+    std::vector<int> offsets(FACES + 1);
+    std::ranges::generate(offsets, [offset = -3]() mutable { return offset += 3; });
+    const std::string whole = binary + rawList(offsets) + "\n" + rawList(someLabels(3 * FACES));
+    for (const std::size_t length :
+         {whole.size(), whole.size() - 5000001, std::size_t{4700000}, std::size_t{1000000}}) {
+        bool isRead = false;
+        tbb::task_arena(1).execute([&] { isRead = readFaces(whole.substr(0, length)); });
+        EXPECT_EQ(isRead, length == whole.size());
+        const FacesData expected = std::move(data);
+        tbb::task_arena(4).execute([&] { EXPECT_EQ(readFaces(whole.substr(0, length)), isRead); });
+        EXPECT_TRUE(data.nodes == expected.nodes && data.nodeCounts == expected.nodeCounts) << length;
+        EXPECT_TRUE(data.nodeOffsets == expected.nodeOffsets) << length;
+    }
 }
 
 TEST_F(OFFileVectors, NoVectorIsLostAtAChunkBorder)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "check/Check.h"
+#include "check/CheckReport.h"
 #include "host/ProgramRun.h"
 
 #include <gtest/gtest.h>
@@ -107,8 +108,10 @@ TEST(Check, TellsHowToRepeatAndOutlivesACrashAndAHang)
     EXPECT_EQ(crashed["tally"], (nlohmann::json{{"passed", 2}, {"crashed", 1}}));
     const ProgramRun hung = check(folder, "hang", "--timeout 0.5 --only-failed" + sample);
     EXPECT_EQ(hung.out, "timed out geometry.volumes (hex): no end within 0.5 seconds; repeat: ddphost check "
-                        "--include '^geometry\\.volumes@hex$' --plugin " FAULTY_PLUGIN " --timeout 0.5\n"
-                        "3 checks: 2 passed, 0 failed, 1 timed out\nfailed\n");
+                        "--include '^geometry\\.volumes@hex$' --plugin " +
+                            shellWord(FAULTY_PLUGIN) +
+                            " --timeout 0.5\n"
+                            "3 checks: 2 passed, 0 failed, 1 timed out\nfailed\n");
 }
 
 TEST(Check, IsNoCheckOfWhatIsNotThere)

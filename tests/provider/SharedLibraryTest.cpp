@@ -58,11 +58,11 @@ TEST(SharedLibrary, GivesNoExitFunctionToAHostThatRefuses)
 
 TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
 {
-    const std::string symbols = outputOf(std::string(NM_TOOL) + " -D --defined-only " + PLUGIN_FILE);
+    const std::string symbols = outputOf(std::string(NM_TOOL) + " -D --defined-only '" PLUGIN_FILE "'");
     EXPECT_EQ(symbols.substr(symbols.find(' ')), " T initializeDataProviderPlugin\n");
     const std::regex needed("NEEDED.*\\[(.*)\\.so");
     const std::regex allowed("lib(tbb|tbb_debug|z|stdc\\+\\+|m|gcc_s|c)|ld-linux.*|lib(asan|ubsan|tsan|clang_rt.*)");
-    const std::string sections = outputOf(std::string(READELF_TOOL) + " -d " + PLUGIN_FILE);
+    const std::string sections = outputOf(std::string(READELF_TOOL) + " -d '" PLUGIN_FILE "'");
     int count = 0;
     for (std::sregex_iterator match(sections.begin(), sections.end(), needed); match != std::sregex_iterator();
          ++match) {

@@ -103,18 +103,19 @@ void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alig
 // NOLINTBEGIN(readability-identifier-naming)
 extern "C" {
 
-gzFile __real_gzopen(const char* path, const char* mode);
+gzFile __real_gzdopen(int descriptor, const char* mode);
 int __real_gzread(gzFile file, void* buffer, unsigned size);
 char* __real_gzgets(gzFile file, char* buffer, int size);
 int __real_gzgetc(gzFile file);
 DIR* __real_opendir(const char* path);
 dirent* __real_readdir(DIR* folder);
 int __real_stat(const char* path, struct stat* status);
+int __real_fstat(int descriptor, struct stat* status);
 int __real_access(const char* path, int mode);
 
-gzFile __wrap_gzopen(const char* path, const char* mode)
+gzFile __wrap_gzdopen(int descriptor, const char* mode)
 {
-    return mustFail(FailingCall::GzOpen) ? nullptr : __real_gzopen(path, mode);
+    return mustFail(FailingCall::GzOpen) ? nullptr : __real_gzdopen(descriptor, mode);
 }
 
 int __wrap_gzread(gzFile file, void* buffer, unsigned size)
@@ -145,6 +146,11 @@ dirent* __wrap_readdir(DIR* folder)
 int __wrap_stat(const char* path, struct stat* status)
 {
     return mustFail(FailingCall::FileStatus) ? -1 : __real_stat(path, status);
+}
+
+int __wrap_fstat(int descriptor, struct stat* status)
+{
+    return mustFail(FailingCall::FileStatus) ? -1 : __real_fstat(descriptor, status);
 }
 
 int __wrap_access(const char* path, int mode)

@@ -123,8 +123,11 @@ std::string exactPattern(const std::string& text)
 
 std::string repeatCommand(const CheckJob& job, const std::string& userOptions)
 {
-    const std::string subject = job.sample || job.subject.empty() ? "" : " " + shellWord(job.subject);
-    return fmt::format("ddphost check{} --include {}{}", subject, shellWord(exactPattern(job.id())), userOptions);
+    const std::string include = shellWord(exactPattern(job.id()));
+    if (job.sample || job.subject.empty()) {
+        return fmt::format("ddphost check --include {}{}", include, userOptions);
+    }
+    return fmt::format("ddphost check {} --include {}{}", shellWord(job.subject), include, userOptions);
 }
 
 std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed,

@@ -148,4 +148,4 @@ TEST_P(FieldPieces, AListOfOddLinesOrOfMoreLinesThanItPromisesComesOutAsWithOneT
 }
 
 INSTANTIATE_TEST_SUITE_P(Fields, FieldPieces, testing::Values(1, 3),
-                         [](const auto& info) { return info.param == 1 ? "scalars" : "vectors"; });
+                         [](const auto& test) { return test.param == 1 ? "scalars" : "vectors"; });

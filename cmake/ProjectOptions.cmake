@@ -15,10 +15,9 @@ endif()
 
 add_library(project_warnings INTERFACE)
 target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-# g++ 12 warns of overlapping or endless copies in its own std::string wherever a literal is put in front of one; g++ 13
-# does not.
+# g++ 12 warns of overlapping copies in its own std::string wherever a literal is put in front of one; g++ 13 does not.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    target_compile_options(project_warnings INTERFACE -Wno-restrict -Wno-stringop-overflow)
+    target_compile_options(project_warnings INTERFACE -Wno-restrict)
 endif()
 if(OFP_WARNINGS_AS_ERRORS)
     target_compile_options(project_warnings INTERFACE -Werror)
@@ -31,10 +30,13 @@ if(OFP_SANITIZE)
     add_compile_definitions(_GLIBCXX_ASSERTIONS OFP_SANITIZED)
 endif()
 
-# What ships lives in someone else's process and reads what others wrote: overruns are to end in a clean stop. The
+# The library lives in someone else's process and reads what others wrote: overruns are to end in a clean stop. The
 # sanitizers bring their own checks, which these would hide.
+add_library(project_hardening INTERFACE)
 if(NOT OFP_SANITIZE)
-    add_compile_options(-fstack-protector-strong $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
+    target_compile_options(
+        project_hardening INTERFACE -fstack-protector-strong $<$<CONFIG:Release>:-U_FORTIFY_SOURCE>
+                                    $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
     add_link_options(LINKER:-z,noexecstack)
 endif()
 

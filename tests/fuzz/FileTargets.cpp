@@ -235,10 +235,12 @@ void readHeaders(const FileRequest& request, Outcome* outcome)
     }
     outcome->add(file.readDimensions(&tokens), tokens.size(), file.getNextLineStartingWith("internalField", line),
                  line);
-    // In a list that is too short it is left to the threads which lines behind its ";" count.
     const bool isRead = file.markChunkThenReadChunkStrategy(&values, request.choice % 4 == 0 ? 1 : 3);
-    outcome->add(isRead, request.text.find(';', request.text.rfind('}')) < request.text.size() ? std::vector<double>()
-                                                                                               : values);
+    // In a list that is too short it is left to the threads which lines behind its ";" count.
+    const std::size_t headerEnd = request.hasHeader ? request.text.find('}') : 0;
+    if (headerEnd != std::string_view::npos && request.text.find(';', headerEnd) == std::string_view::npos) {
+        outcome->add(isRead, values);
+    }
 }
 
 } // namespace

@@ -37,7 +37,7 @@ run_target()
     mkdir -p "$work/corpus/$1" "$work/findings"
     # A leak would show at the end of the suite's replay; looking for it after each run costs half of the speed.
     OFP_FUZZ_TARGET=$1 TMPDIR=$files ASAN_OPTIONS=quarantine_size_mb=16 nice -n 10 "$program" -max_len=$most \
-        -max_total_time="$seconds" -dict=tests/fuzz/words.dict -print_final_stats=1 -detect_leaks=0 -timeout=60 \
+        -max_total_time="$seconds" -dict=tests/fuzz/words.dict -print_final_stats=1 -detect_leaks=0 -timeout=60 -report_slow_units=60 \
         -malloc_limit_mb=1024 -entropic_scale_per_exec_time=1 -artifact_prefix="$work/findings/$1-" \
         "$work/corpus/$1" "tests/fuzz/corpus/$1" >"$work/$1.log" 2>&1 || true
 }

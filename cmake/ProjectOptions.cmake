@@ -39,6 +39,10 @@ if(NOT OFP_SANITIZE)
                                     $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
     add_link_options(LINKER:-z,noexecstack)
 endif()
+# The counters that steer libFuzzer count in the library alone; its main is linked to the fuzz targets.
+if(OFP_FUZZ)
+    target_compile_options(project_hardening INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # Most of the time of a build goes into reading headers of libraries. Sources still include what they use.
 function(precompile target)
@@ -51,8 +55,3 @@ endfunction()
 function(compile_fast target)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-O0>)
 endfunction()
-
-# The counters of libFuzzer, which steer it; its main is linked to the fuzz targets alone.
-if(OFP_FUZZ)
-    add_compile_options(-fsanitize=fuzzer-no-link)
-endif()

@@ -87,7 +87,7 @@ ExitCode run(int argc, char** argv)
 int fail(ExitCode code, const char* message) noexcept
 {
     // Not through the formatting library, which throws itself if stderr is gone.
-    std::fprintf(stderr, "ddphost: %s\n", message);
+    static_cast<void>(std::fprintf(stderr, "ddphost: %s\n", message));
     return static_cast<int>(code);
 }
 

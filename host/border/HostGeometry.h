@@ -23,8 +23,10 @@ struct HostCallRecord
     HostCallRecord(const HostCallRecord& other) : operations(other.operations), threads(other.threads) {}
     HostCallRecord& operator=(const HostCallRecord& other)
     {
-        operations = other.operations;
-        threads = other.threads;
+        if (this != &other) {
+            operations = other.operations;
+            threads = other.threads;
+        }
         return *this;
     }
     ~HostCallRecord() = default;

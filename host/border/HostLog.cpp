@@ -48,7 +48,7 @@ void HostLog::add(std::int32_t level, const char* text)
     if (level <= m_shownLevel) {
         // One write a line, so that lines of several threads do not mix with each other or with the progress bar.
         const std::string line = fmt::format("{}: {}\n", levelName(level), text);
-        std::fwrite(line.data(), 1, line.size(), stderr);
+        static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
     }
 }
 

@@ -14,11 +14,12 @@ constexpr std::size_t FEW_STATES = 3;
 
 } // namespace
 
-OpenCase::OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath, HostOptions options)
+CheckedCase::CheckedCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
+                         HostOptions options)
     : m_library(std::move(library)), m_options(std::move(options)), m_session(*m_library, casePath, m_options)
 {}
 
-std::unique_ptr<HostMetaData> OpenCase::metaData()
+std::unique_ptr<HostMetaData> CheckedCase::metaData()
 {
     auto fresh = std::make_unique<HostMetaData>();
     if (!callLibrary("getMetaData", [&] { return provider().getMetaData(fresh.get()); })) {
@@ -27,7 +28,7 @@ std::unique_ptr<HostMetaData> OpenCase::metaData()
     return fresh;
 }
 
-std::unique_ptr<HostGeometry> OpenCase::geometry()
+std::unique_ptr<HostGeometry> CheckedCase::geometry()
 {
     auto fresh = std::make_unique<HostGeometry>();
     const HostGeometrySpec spec;
@@ -37,7 +38,7 @@ std::unique_ptr<HostGeometry> OpenCase::geometry()
     return fresh;
 }
 
-std::unique_ptr<HostResult> OpenCase::result(std::int32_t resultId, std::int32_t stateId)
+std::unique_ptr<HostResult> CheckedCase::result(std::int32_t resultId, std::int32_t stateId)
 {
     auto fresh = std::make_unique<HostResult>();
     const HostResultSpec spec(resultId, stateId);
@@ -45,7 +46,7 @@ std::unique_ptr<HostResult> OpenCase::result(std::int32_t resultId, std::int32_t
     return delivered ? std::move(fresh) : nullptr;
 }
 
-std::vector<HostNotice> OpenCase::poll()
+std::vector<HostNotice> CheckedCase::poll()
 {
     HostNotifications notifications;
     m_session.poll(&notifications);
@@ -93,11 +94,11 @@ HostOptions CheckRun::options(const PluginLibrary& library) const
     return HostOptions::parse(texts, library.providerInfo());
 }
 
-std::unique_ptr<OpenCase> CheckRun::open(std::shared_ptr<PluginLibrary> library,
-                                         const std::filesystem::path& casePath) const
+std::unique_ptr<CheckedCase> CheckRun::open(std::shared_ptr<PluginLibrary> library,
+                                            const std::filesystem::path& casePath) const
 {
     HostOptions given = options(*library);
-    return std::make_unique<OpenCase>(std::move(library), casePath, std::move(given));
+    return std::make_unique<CheckedCase>(std::move(library), casePath, std::move(given));
 }
 
 SoundGeometry CheckRun::openGeometry() const

@@ -30,10 +30,10 @@ struct CheckSkipped
 ///
 /// Unlike `CaseSession` it hands deliveries on as they come, with every fault in them: what is wrong there is for the
 /// one check to tell that claims it. Faults of the calls themselves still end the check by a `HostError`.
-class OpenCase
+class CheckedCase
 {
 public:
-    OpenCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath, HostOptions options);
+    CheckedCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath, HostOptions options);
 
     const HostOptions& options() const { return m_options; }
     DDPDataProvider& provider() { return m_session.provider(); }
@@ -54,7 +54,7 @@ private:
 /// The metadata and the geometry of a case, with arrays that can be walked by their counts.
 struct SoundGeometry
 {
-    std::unique_ptr<OpenCase> open;
+    std::unique_ptr<CheckedCase> open;
     std::unique_ptr<HostMetaData> metaData;
     std::unique_ptr<HostGeometry> geometry;
     std::vector<const HostGroup*> groups; ///< of each element group its declaration
@@ -95,10 +95,11 @@ public:
     HostOptions options(const PluginLibrary& library) const;
 
     /// Loads the library and opens the case.
-    std::unique_ptr<OpenCase> open() const { return open(m_task.casePath); }
+    std::unique_ptr<CheckedCase> open() const { return open(m_task.casePath); }
     /// The same with another case of the same settings.
-    std::unique_ptr<OpenCase> open(const std::filesystem::path& casePath) const { return open(load(), casePath); }
-    std::unique_ptr<OpenCase> open(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath) const;
+    std::unique_ptr<CheckedCase> open(const std::filesystem::path& casePath) const { return open(load(), casePath); }
+    std::unique_ptr<CheckedCase> open(std::shared_ptr<PluginLibrary> library,
+                                      const std::filesystem::path& casePath) const;
 
     /// Opens the case and takes its geometry.
     /// @throws CheckSkipped if its arrays are broken, which another check tells

@@ -95,7 +95,7 @@ std::string DeliveryDigest::differenceTo(const DeliveryDigest& other) const
     return m_entries.size() == other.m_entries.size() ? std::string() : other.m_entries[m_entries.size()].first;
 }
 
-DeliveryDigest digestOf(OpenCase& open)
+DeliveryDigest digestOf(CheckedCase& open)
 {
     DeliveryDigest digest;
     const std::unique_ptr<HostMetaData> metaData = open.metaData();

@@ -29,4 +29,4 @@ private:
 };
 
 /// Asks for everything in the host's order, metadata, geometry and the results of a few states, and digests it.
-DeliveryDigest digestOf(OpenCase& open);
+DeliveryDigest digestOf(CheckedCase& open);

@@ -19,7 +19,7 @@ using Operations = std::vector<std::string>;
 /// A delivery that may hold any fault, with the declarations as far as there are any.
 struct RawGeometry
 {
-    std::unique_ptr<OpenCase> open;
+    std::unique_ptr<CheckedCase> open;
     std::unique_ptr<HostMetaData> metaData;
     std::unique_ptr<HostGeometry> geometry;
 

@@ -40,7 +40,7 @@ std::vector<std::int32_t> foreignIds(const Items& items)
     return ids;
 }
 
-void checkForeignResults(CheckRun& run, OpenCase& open, const HostMetaData& metaData)
+void checkForeignResults(CheckRun& run, CheckedCase& open, const HostMetaData& metaData)
 {
     const auto expectNone = [&](std::int32_t resultId, std::int32_t stateId) {
         run.expect(open.result(resultId, stateId) == nullptr,
@@ -80,7 +80,7 @@ void checkSettingsAsked(CheckRun& run)
     static const std::vector<std::string> WANTED = {"LOAD_GLOBAL_MESH",         "LOAD_LOCAL_MESHES",    "LOAD_BC_PARTS",
                                                     "LOAD_CELL_ZONES",          "LOAD_FACE_ZONES",      "NODE_AVG_RES",
                                                     "HIDE_PARALLEL_INTERFACES", "RESULTS_NAMES_MAPPING"};
-    const std::unique_ptr<OpenCase> open = run.open();
+    const std::unique_ptr<CheckedCase> open = run.open();
     const std::vector<std::string>& asked = open->options().askedKeys();
     run.expect(asked == WANTED, fmt::format("init asks for {}", fmt::join(asked, ", ")));
 }
@@ -106,7 +106,7 @@ void checkOddCallOrders(CheckRun& run)
         factory.destroyProviderInstance(provider);
     });
 
-    const std::unique_ptr<OpenCase> open = run.open();
+    const std::unique_ptr<CheckedCase> open = run.open();
     const std::unique_ptr<HostMetaData> metaData = open->metaData();
     for (const HostResultInfo& result : metaData->results) {
         // Without a geometry the values have no counts; what comes may be empty, but must not do harm.
@@ -118,7 +118,7 @@ void checkOddCallOrders(CheckRun& run)
 
 void checkGarbageIds(CheckRun& run)
 {
-    const std::unique_ptr<OpenCase> open = run.open();
+    const std::unique_ptr<CheckedCase> open = run.open();
     const DeliveryDigest before = digestOf(*open);
     const std::unique_ptr<HostMetaData> metaData = open->metaData();
     DDPDataProvider& provider = open->provider();
@@ -148,8 +148,8 @@ void checkEqualOpenings(CheckRun& run)
 {
     // Both at once, as a host with two windows has them, and each asked in turns.
     const std::shared_ptr<PluginLibrary> library = run.load();
-    const std::unique_ptr<OpenCase> first = run.open(library, run.task().casePath);
-    const std::unique_ptr<OpenCase> second = run.open(library, run.task().casePath);
+    const std::unique_ptr<CheckedCase> first = run.open(library, run.task().casePath);
+    const std::unique_ptr<CheckedCase> second = run.open(library, run.task().casePath);
     const DeliveryDigest digest = digestOf(*first);
     expectEqual(run, digest, digestOf(*second), "opened twice");
     expectEqual(run, digest, digestOf(*first), "asked behind the other opening");
@@ -160,7 +160,7 @@ void checkEqualThreads(CheckRun& run)
     std::optional<DeliveryDigest> first;
     for (const int threads : {1, 2, 8}) {
         // Outlives the arena: unloading ends the workers, which cannot be done from among them.
-        const std::unique_ptr<OpenCase> open = run.open();
+        const std::unique_ptr<CheckedCase> open = run.open();
         DeliveryDigest digest;
         {
             // The control lets more threads in than the machine has processors; the arena has room for as many.

@@ -161,7 +161,7 @@ private:
 
     CheckRun& m_run;
     fs::path m_folder;
-    std::unique_ptr<OpenCase> m_open;
+    std::unique_ptr<CheckedCase> m_open;
     std::unique_ptr<HostMetaData> m_metaData;
     std::vector<double> m_times;
 };

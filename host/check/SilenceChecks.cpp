@@ -28,7 +28,7 @@ using Facts = std::map<std::string, std::string>;
 /// The whole life of a case, from loading to unloading.
 void liveThrough(const CheckRun& run)
 {
-    const std::unique_ptr<OpenCase> open = run.open();
+    const std::unique_ptr<CheckedCase> open = run.open();
     (void)digestOf(*open);
     (void)open->poll();
 }

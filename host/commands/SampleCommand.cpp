@@ -7,10 +7,12 @@
 
 namespace {
 
-const std::map<std::string, SampleKind> KINDS = {
-    {"hex", SampleKind::Hex},       {"poly", SampleKind::Poly},       {"mixed", SampleKind::Mixed},
-    {"zones", SampleKind::Zones},   {"regions", SampleKind::Regions}, {"decomposed", SampleKind::Decomposed},
-    {"moving", SampleKind::Moving}, {"surface", SampleKind::Surface}};
+std::map<std::string, SampleKind> sampleKinds()
+{
+    return {{"hex", SampleKind::Hex},       {"poly", SampleKind::Poly},       {"mixed", SampleKind::Mixed},
+            {"zones", SampleKind::Zones},   {"regions", SampleKind::Regions}, {"decomposed", SampleKind::Decomposed},
+            {"moving", SampleKind::Moving}, {"surface", SampleKind::Surface}};
+}
 
 // 2 billion labels are the format's end; the numbers of faces and face nodes get there first.
 constexpr int MOST_CELLS = 50'000'000;
@@ -50,7 +52,7 @@ void addSampleCommand(CLI::App* app, HostContext* context)
         ->add_option("--kind", arguments->options.kind,
                      "hex (the default), poly, mixed, zones, regions, decomposed, moving or surface")
         ->type_name("KIND")
-        ->transform(CLI::CheckedTransformer(KINDS).description(""));
+        ->transform(CLI::CheckedTransformer(sampleKinds()).description(""));
     command->add_option("--cells", arguments->options.cells, "About so many cells, 1000 by default")
         ->type_name("N")
         ->check(CLI::Range(1, MOST_CELLS).description(""));

@@ -31,8 +31,11 @@ struct StatsRow
     ComponentStatistics figures;
 };
 
-const std::vector<std::string> COLUMN_NAMES = {"result", "time",     "group",     "component", "items",   "least",
-                                               "mean",   "greatest", "undefined", "nan",       "infinite"};
+std::vector<std::string> columnNames()
+{
+    return {"result", "time",     "group",     "component", "items",   "least",
+            "mean",   "greatest", "undefined", "nan",       "infinite"};
+}
 
 /// Holds one result at a time: a case may have many more values than memory. A result that a group or a state lacks
 /// makes no row.
@@ -102,7 +105,7 @@ std::string csvLine(const std::vector<std::string>& cells)
 
 std::string csvText(const std::vector<StatsRow>& rows)
 {
-    std::string text = csvLine(COLUMN_NAMES);
+    std::string text = csvLine(columnNames());
     for (const StatsRow& row : rows) {
         text += csvLine(cellsOf(row));
     }
@@ -113,10 +116,10 @@ std::string csvText(const std::vector<StatsRow>& rows)
 std::string tableText(const std::vector<StatsRow>& rows, const TextStyle& style)
 {
     using Align = TextTable::Align;
-    std::vector<Align> columns(COLUMN_NAMES.size(), Align::Right);
+    std::vector<Align> columns(columnNames().size(), Align::Right);
     columns[0] = columns[2] = Align::Left;
     TextTable table(columns);
-    table.add(COLUMN_NAMES);
+    table.add(columnNames());
     for (const StatsRow& row : rows) {
         std::vector<std::string> cells = cellsOf(row);
         // Six digits are enough to look at; the other forms have them all.

@@ -20,7 +20,7 @@ OutputFile::OutputFile(const std::filesystem::path& path, bool overwrite)
 OutputFile::~OutputFile()
 {
     if (m_file != nullptr) {
-        std::fclose(m_file);
+        static_cast<void>(std::fclose(m_file));
     }
 }
 

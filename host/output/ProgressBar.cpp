@@ -28,7 +28,7 @@ ProgressBar::ProgressBar(bool shown, std::string label, std::string unit, std::u
 ProgressBar::~ProgressBar()
 {
     if (m_shown && m_drawn != Clock::time_point()) {
-        std::fputs("\r\033[K", stderr);
+        static_cast<void>(std::fputs("\r\033[K", stderr));
     }
 }
 
@@ -52,5 +52,5 @@ void ProgressBar::draw(Clock::time_point now)
     const std::string line =
         fmt::format("\r{} [{}{}] {:3.0f} % {:.1f} {}/s, {} left\033[K", m_label, std::string(filled, '#'),
                     std::string(BAR_WIDTH - filled, '.'), share * 100, rate, m_unit, left);
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
 }

@@ -7,12 +7,6 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr const char* LOG_SOURCE = "OFReader";
-
-} // namespace
-
 bool OFReader::init(const dvn::Str& path)
 {
     dvn::Str folder = path;

@@ -21,6 +21,9 @@
 class OFReader
 {
 public:
+    /// What log lines name as their source.
+    static constexpr const char* LOG_SOURCE = "OFReader";
+
     OFReader() = default;
 
     void setLoadBoundariesFlag(bool load) { m_loadBoundaries = load; }

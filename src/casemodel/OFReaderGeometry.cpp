@@ -10,19 +10,18 @@
 
 namespace {
 
-constexpr const char* LOG_SOURCE = "OFReader";
 constexpr const char* DEFAULT_PART_NAME = "default_region";
 constexpr const char* BOUNDARY_PROBLEM = "Cannot init Boundary. A parsing problem occurred in %1.";
 constexpr const char* CELL_ZONES_PROBLEM = "Cannot init cell zones. A parsing problem occurred in %1.";
 
 bool logProblem(const char* message, const dvn::Str& path)
 {
-    return OFLogger::get().logError(LOG_SOURCE, dvn::Str(message).arg(path));
+    return OFLogger::get().logError(OFReader::LOG_SOURCE, dvn::Str(message).arg(path));
 }
 
 void logCount(const char* message, std::size_t count)
 {
-    OFLogger::get().logDebug(LOG_SOURCE, dvn::Str(message).arg(count));
+    OFLogger::get().logDebug(OFReader::LOG_SOURCE, dvn::Str(message).arg(count));
 }
 
 bool isProcessorFolder(const dvn::Str& name)

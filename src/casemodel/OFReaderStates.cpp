@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr const char* LOG_SOURCE = "OFReader";
 /// Ids given anew start here, beyond the first ones of all but very long runs.
 constexpr int FIRST_RENEWED_ID = 1001;
 constexpr int DEFAULT_WRITE_INTERVAL = 1;

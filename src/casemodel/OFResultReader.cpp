@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const char* LOG_SOURCE = "OFResultReader";
-
 std::size_t totalSize(const std::vector<std::vector<double>>& arrays)
 {
     std::size_t size = 0;

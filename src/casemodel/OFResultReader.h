@@ -33,6 +33,9 @@ public:
                                         bool* isInteriorRead = nullptr) const;
 
 private:
+    /// What log lines name as their source.
+    static constexpr const char* LOG_SOURCE = "OFResultReader";
+
     bool readFile(bool hasHeader, const dvn::Str& folder, const dvn::Str& resultName, const dvn::Str& resultClass,
                   std::vector<double>* values, bool* isInteriorRead) const;
 };

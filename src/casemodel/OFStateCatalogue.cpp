@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr const char* LOG_SOURCE = "OFState";
 constexpr const char* AVERAGE_NAME_SUFFIX = " [node]";
 constexpr const char* NODE_NAME_SUFFIX = " [N]";
 
@@ -59,7 +58,7 @@ void OFState::addResultFromFile(const dvn::Str& folder, const dvn::Str& fileName
     const auto kind = OFResult::supportedResultClasses().find(className);
     if (kind == OFResult::supportedResultClasses().end()) {
         OFLogger::get().logInfo(
-            LOG_SOURCE,
+            "OFState",
             dvn::Str("Ignoring class::%1 foung in %2, result not supported in this reader").arg(className).arg(path));
         return;
     }

@@ -56,7 +56,7 @@ dvn::Str OFUnit::translate() const
 
 dvn::Str unitString(char exponent, const dvn::Str& symbol)
 {
-    // NOLINTNEXTLINE(bugprone-signed-char-misuse): exponents are negative where a dimension divides.
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse,cert-str34-c): exponents are negative where a dimension divides.
     const int value = static_cast<signed char>(exponent);
     if (value == 0) {
         return dvn::Str();

@@ -19,7 +19,7 @@ namespace {
 
 using TokenScanner::FaceTokenEnd;
 
-constexpr std::size_t WORKERS = 6;
+constexpr std::size_t FACE_WORKERS = 6;
 /// Entries by which the faces and labels of a worker grow: more than the usual chunk holds, so that this is rare.
 constexpr std::size_t WORKER_FACES_STEP = 80000;
 constexpr std::size_t WORKER_NODES_STEP = 640000;
@@ -308,7 +308,7 @@ bool OFFile::readNextFaceListAsciiPar(FacesData* faces)
 /// the other, pass after pass. Tells how many faces came; `nodes` is cut to what they hold.
 std::size_t OFFile::readFacesPar(FacesData* faces) const
 {
-    std::vector<FaceListThread> threads(WORKERS);
+    std::vector<FaceListThread> threads(FACE_WORKERS);
     std::string tail;
     std::size_t facesDone = 0;
     std::size_t nodesDone = 0;
@@ -324,9 +324,9 @@ std::size_t OFFile::readFacesPar(FacesData* faces) const
         tbb::parallel_invoke(FaceListReader{&threads[0]}, FaceListReader{&threads[1]}, FaceListReader{&threads[2]},
                              FaceListReader{&threads[3]}, FaceListReader{&threads[4]}, FaceListReader{&threads[5]},
                              parsing);
-        std::array<std::size_t, WORKERS> firstFaces = {};
-        std::array<std::size_t, WORKERS> firstNodes = {};
-        for (std::size_t i = 0; i < WORKERS; ++i) {
+        std::array<std::size_t, FACE_WORKERS> firstFaces = {};
+        std::array<std::size_t, FACE_WORKERS> firstNodes = {};
+        for (std::size_t i = 0; i < FACE_WORKERS; ++i) {
             // A file with more faces than it promised, or more labels than offsets can tell, must not write beyond.
             const bool isTooMuch = nodesDone + threads[i].nodeCount > MAX_NODES;
             threads[i].cutTo(isTooMuch ? 0 : faces->faceCount() - facesDone);

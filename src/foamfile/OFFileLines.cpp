@@ -260,6 +260,8 @@ bool OFFile::readForeignChunk(char** chunk, std::size_t* length) const
         *length += more;
         if (more == MARGIN && (*chunk)[*length - 1] != '\n') {
             m_chunkBuffer.grow(CHUNK_BUFFER_SIZE, 0);
+            // `isOwn` says that the chunk is not in the buffer that has grown.
+            // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete)
             std::memcpy(m_chunkBuffer.data(), *chunk, *length);
             *length = finishLine(&m_chunkBuffer, *length);
             *chunk = m_chunkBuffer.data();

@@ -22,7 +22,7 @@ using TokenScanner::ComponentEnd;
 constexpr std::size_t COMPONENTS = 3;
 /// Doubles by which the values of a worker grow: more than the usual chunk holds.
 constexpr std::size_t VALUES_STEP = 72000;
-constexpr std::size_t WORKERS = 4;
+constexpr std::size_t VECTOR_WORKERS = 4;
 
 /// Finds the next "(" and stands behind it; false at the end of the text.
 bool skipToVector(const char*& p)
@@ -162,7 +162,7 @@ bool OFFile::readNextVectorFieldAsciiPar(std::vector<double>* values) const
 /// the other, pass after pass. Tells how many doubles came.
 std::size_t OFFile::readVectorsPar(std::vector<double>* values) const
 {
-    std::array<VectorFieldThread, WORKERS> threads;
+    std::array<VectorFieldThread, VECTOR_WORKERS> threads;
     std::size_t done = 0;
     while (done < values->size() && threads.back().more) {
         for (VectorFieldThread& thread : threads) {
@@ -174,8 +174,8 @@ std::size_t OFFile::readVectorsPar(std::vector<double>* values) const
         tbb::task_group_context parsing;
         tbb::parallel_invoke(VectorDataGroupReader{&threads[0]}, VectorDataGroupReader{&threads[1]},
                              VectorDataGroupReader{&threads[2]}, VectorDataGroupReader{&threads[3]}, parsing);
-        std::array<double*, WORKERS> targets = {};
-        for (std::size_t i = 0; i < WORKERS; ++i) {
+        std::array<double*, VECTOR_WORKERS> targets = {};
+        for (std::size_t i = 0; i < VECTOR_WORKERS; ++i) {
             // A file with more vectors than it promised must not write beyond the target.
             threads[i].count = std::min(threads[i].count, values->size() - done);
             targets[i] = values->data() + done;

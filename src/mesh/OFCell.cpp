@@ -7,8 +7,9 @@
 
 namespace {
 
-constexpr std::size_t HEXAHEDRON_FACES = 6;
-constexpr std::size_t HEXAHEDRON_NODES = 8;
+/// Those of a hexahedron.
+constexpr std::size_t USUAL_FACES = 6;
+constexpr std::size_t USUAL_NODES = 8;
 
 void startCell(const CellFaceVector& cellFaces, const FacesData& faces, CellBuilder* builder)
 {
@@ -31,8 +32,8 @@ FaceTally tallyOf(const std::vector<std::uint8_t>& faceSizes)
 
 OFCell::OFCell()
 {
-    m_cellFaces.reserve(HEXAHEDRON_FACES);
-    m_elementNodes.reserve(HEXAHEDRON_NODES);
+    m_cellFaces.reserve(USUAL_FACES);
+    m_elementNodes.reserve(USUAL_NODES);
 }
 
 void OFCell::clear()

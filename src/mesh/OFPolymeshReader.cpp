@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr const char* LOG_GROUP = "OFPolymeshReader";
+constexpr const char* MESH_LOG_GROUP = "OFPolymeshReader";
 constexpr const char* NEIGHBOUR_FILE = "/neighbour";
 constexpr const char* OWNER_FILE = "/owner";
 
@@ -49,7 +49,8 @@ bool OFPolymeshReader::readPolymeshPar(const dvn::Str& folder, OFPolymesh* mesh)
                          task(OFPolymeshReadFunctor::FACES), task(OFPolymeshReadFunctor::OWNERS), context);
     mesh->setCellCount(m_cellCount);
     const double seconds = timer.time();
-    OFLogger::get().logDebug(LOG_GROUP, dvn::Str(">>> Polymesh reading done (parallel). Time used : %1").arg(seconds));
+    OFLogger::get().logDebug(MESH_LOG_GROUP,
+                             dvn::Str(">>> Polymesh reading done (parallel). Time used : %1").arg(seconds));
     OFLogger::get().track("A Read Points,Faces..", seconds);
     return true;
 }
@@ -63,12 +64,12 @@ bool OFPolymeshReader::readPolymeshSeq(const dvn::Str& folder, OFPolymesh* mesh)
     }
     if (mesh->owners().size() != mesh->faces().faceCount()) {
         return OFLogger::get().logError(
-            LOG_GROUP,
+            MESH_LOG_GROUP,
             dvn::Str("Cannot read part polyMesh in folder %1. Invalid number of face owners, it is not equal "
                      "to the number of faces.")
                 .arg(folder));
     }
-    OFLogger::get().logDebug(LOG_GROUP,
+    OFLogger::get().logDebug(MESH_LOG_GROUP,
                              dvn::Str(">>> Polymesh reading done (sequential). Time used : %1").arg(timer.time()));
     mesh->setCellCount(m_cellCount);
     return true;
@@ -80,7 +81,7 @@ bool OFPolymeshReader::readPoints(const dvn::Str& folder, std::vector<double>* p
     OFFile file(true);
     // The number of doubles is what the line tells, three for each point.
     return file.readVectorField(folder + "/points", "points", points) &&
-           logListRead(LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
+           logListRead(MESH_LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
 }
 
 bool OFPolymeshReader::readNeighbors(const dvn::Str& folder, std::vector<int>* neighbors)
@@ -89,7 +90,7 @@ bool OFPolymeshReader::readNeighbors(const dvn::Str& folder, std::vector<int>* n
     OFFile file(true);
     int unusedCellCount = 0;
     return file.readLabelList(folder + NEIGHBOUR_FILE, "neighbour", neighbors, &unusedCellCount) &&
-           logListRead(LOG_GROUP, "Neighbours file done. Read %1 items. Time used : %2", neighbors->size(), timer);
+           logListRead(MESH_LOG_GROUP, "Neighbours file done. Read %1 items. Time used : %2", neighbors->size(), timer);
 }
 
 bool OFPolymeshReader::readFaces(const dvn::Str& folder, FacesData* faces)
@@ -97,7 +98,7 @@ bool OFPolymeshReader::readFaces(const dvn::Str& folder, FacesData* faces)
     const dvn::Timer timer;
     OFFile file(true);
     return file.readFaceList(folder + "/faces", "faces", faces) &&
-           logListRead(LOG_GROUP, "Faces file done. Read %1 items. Time used : %2", faces->faceCount(), timer);
+           logListRead(MESH_LOG_GROUP, "Faces file done. Read %1 items. Time used : %2", faces->faceCount(), timer);
 }
 
 bool OFPolymeshReader::readOwners(const dvn::Str& folder, std::vector<int>* owners)
@@ -105,7 +106,7 @@ bool OFPolymeshReader::readOwners(const dvn::Str& folder, std::vector<int>* owne
     const dvn::Timer timer;
     OFFile file(true);
     return file.readLabelList(folder + OWNER_FILE, "owner", owners, &m_cellCount) &&
-           logListRead(LOG_GROUP, "Owners file done. Read %1 items. Time used : %2", owners->size(), timer);
+           logListRead(MESH_LOG_GROUP, "Owners file done. Read %1 items. Time used : %2", owners->size(), timer);
 }
 
 void OFPolymeshReadFunctor::operator()() const

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char* LOG_GROUP = "OFTriSurfaceReader";
+constexpr const char* SURFACE_LOG_GROUP = "OFTriSurfaceReader";
 /// Spelled otherwise than the rest on purpose: filters of log lines know it so.
 constexpr const char* CENTERS_LOG_GROUP = "OFTriSUrfaceReader";
 
@@ -56,7 +56,7 @@ bool OFTriSurfaceReader::readPoints(const dvn::Str& folder, std::vector<double>*
 {
     const dvn::Timer timer;
     return readVectors(folder + "/points", "points", points) &&
-           logListRead(LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
+           logListRead(SURFACE_LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
 }
 
 bool OFTriSurfaceReader::readFaceCenters(const dvn::Str& folder, std::vector<double>* facecenters)
@@ -73,5 +73,5 @@ bool OFTriSurfaceReader::readFaces(const dvn::Str& folder, FacesData* faces)
     const dvn::Str path = folder + "/faces";
     OFFile file(OFFile::hasFoamBlock(path));
     return file.readFaceList(path, "faces", faces) &&
-           logListRead(LOG_GROUP, "Faces file done. Read %1 items. Time used : %2", faces->faceCount(), timer);
+           logListRead(SURFACE_LOG_GROUP, "Faces file done. Read %1 items. Time used : %2", faces->faceCount(), timer);
 }

@@ -2,17 +2,12 @@
 #include "provider/OpenFoamProvider.h"
 
 #include "DvnCore/CoreComponent.h"
-#include "foamfile/OFLogger.h"
 #include "provider/PluginIdentity.h"
+#include "provider/ProviderLog.h"
 
 #include <tbb/version.h>
 
 namespace {
-
-void logInfo(const dvn::Str& message)
-{
-    OFLogger::get().logInfo(PROVIDER_NAME, message);
-}
 
 void logVersions(const DDPString& key)
 {

@@ -10,6 +10,7 @@
 #include "mesh/OFTriSurfaceReader.h"
 #include "mesh/OFTriSurfaceToDDP.h"
 #include "provider/PluginIdentity.h"
+#include "provider/ProviderLog.h"
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
@@ -22,17 +23,12 @@ namespace {
 using Range = tbb::blocked_range<std::size_t>;
 
 /// One index is a whole mesh or patch, so no range is too small to be split.
-constexpr std::size_t GRAIN_SIZE = 1;
+constexpr std::size_t MESH_GRAIN_SIZE = 1;
 
 /// Logs how long one step took for the part or surface of this index.
 void logStep(const char* message, std::size_t index, double seconds)
 {
     OFLogger::get().logDebug(PROVIDER_NAME, dvn::Str(message).arg(index).arg(seconds));
-}
-
-void logInfo(const dvn::Str& message)
-{
-    OFLogger::get().logInfo(PROVIDER_NAME, message);
 }
 
 /// Reads and delivers parts, then sampled surfaces: indices from the part count on are surfaces.
@@ -110,7 +106,7 @@ bool OpenFoamProvider::getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geo
     std::vector<OFGroupPairs> pairs = makePairs(m_reader, geometry);
     const dvn::Timer timer;
     const OFReadPartMeshFunctor readMesh = {this, &pairs, &spec, m_reader.partCount(), m_reader.sampledSurfaceCount()};
-    tbb::parallel_for(Range(0, pairs.size(), GRAIN_SIZE), readMesh, tbb::auto_partitioner());
+    tbb::parallel_for(Range(0, pairs.size(), MESH_GRAIN_SIZE), readMesh, tbb::auto_partitioner());
     logInfo(dvn::Str(">>>> Get Geometry [Parallel] done. Total time used : %1").arg(timer.time()));
     OFLogger::get().printTrackedData();
     return true;
@@ -195,7 +191,7 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
             showElementsIn(boundary.geometryGlobalPartId(), elementCount, pair.elements);
         }
     };
-    tbb::parallel_for(Range(0, boundaries.size(), GRAIN_SIZE), deliverPatches, tbb::auto_partitioner());
+    tbb::parallel_for(Range(0, boundaries.size(), MESH_GRAIN_SIZE), deliverPatches, tbb::auto_partitioner());
     return true;
 }
 
@@ -219,7 +215,7 @@ bool OpenFoamProvider::generateFaceZones(std::vector<OFFaceZone>& faceZones, OFG
             showElementsIn(zone.geometryGlobalPartId(), elementCount, pair.elements);
         }
     };
-    tbb::parallel_for(Range(0, faceZones.size(), GRAIN_SIZE), deliverZones, tbb::auto_partitioner());
+    tbb::parallel_for(Range(0, faceZones.size(), MESH_GRAIN_SIZE), deliverZones, tbb::auto_partitioner());
     return true;
 }
 

@@ -21,7 +21,7 @@ namespace {
 using Range = tbb::blocked_range<std::size_t>;
 
 /// One index is a whole field file, so no range is too small to be split.
-constexpr std::size_t GRAIN_SIZE = 1;
+constexpr std::size_t FIELD_GRAIN_SIZE = 1;
 
 /// Reads and delivers one result for parts, then for sampled surfaces: indices from the part count on are surfaces.
 ///
@@ -145,7 +145,7 @@ bool OpenFoamProvider::buildDataResults(const OFState* state, const OFResult* re
     const dvn::Timer timer;
     const OFReadResultsFunctor readResults = {
         this, state, result, &groups, nativeName, className, m_reader.partCount(), m_reader.sampledSurfaceCount()};
-    tbb::parallel_for(Range(0, groups.size(), GRAIN_SIZE), readResults, tbb::auto_partitioner());
+    tbb::parallel_for(Range(0, groups.size(), FIELD_GRAIN_SIZE), readResults, tbb::auto_partitioner());
     OFLogger::get().logInfo(PROVIDER_NAME, dvn::Str("getResult [Parallel] in %1 seconds").arg(timer.time()));
     return true;
 }

@@ -37,12 +37,12 @@ Archive archiveFrom(std::string_view text)
     Archive archive;
     while (!text.empty()) {
         const std::size_t next = std::min(text.find("\n@", 1), text.size());
-        const std::string_view entry = text.substr(text.front() == '@' ? 1 : 2, next - 1);
+        std::string_view entry = text.substr(0, next);
+        entry.remove_prefix(std::min<std::size_t>(text.front() == '@' ? 1 : 2, next));
         text.remove_prefix(next);
         const std::size_t lineEnd = std::min(entry.find('\n'), entry.size());
         if (isGoodPath(entry.substr(0, lineEnd))) {
-            const std::size_t end = std::min(entry.find("\n@", lineEnd), entry.size());
-            archive.emplace_back(entry.substr(0, lineEnd), expanded(entry.substr(lineEnd, end - lineEnd), 1));
+            archive.emplace_back(entry.substr(0, lineEnd), expanded(entry.substr(lineEnd), 1));
         }
     }
     return archive;
@@ -113,7 +113,8 @@ void askForAll(const std::filesystem::path& folder, const HostOptions& options, 
             bool isDelivered = false;
             isGood = tolerate(outcome,
                               [&] { isDelivered = provider.getResult(HostResultSpec(info->id, state.id), &result); });
-            if (isChecked && isGood && isDelivered) {
+            // Moved points are those of their file, however many the mesh has.
+            if (isChecked && isGood && isDelivered && info->displacementFlag == 0) {
                 checkResult(metaData, geometry, *info, result);
             }
             for (const HostValueGroup& group : result.groups) {

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// One target for each kind of file. An input is a byte of flags, a byte for the reader, and the text of the file.
+// Targets for the kinds of files. An input is a byte of flags, a byte for the reader, one that picks the reader among
+// those of the target, and the text of the file.
 #include "foamfile/OFFile.h"
 #include "fuzz/FuzzHarness.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <map>
 
@@ -36,15 +38,19 @@ struct FileRequest
     std::uint8_t choice;
 };
 
-template <void (*READ)(const FileRequest&, Outcome*)>
+using Reader = void (*)(const FileRequest&, Outcome*);
+
+template <Reader... READERS>
 void runFile(FuzzInput input)
 {
+    static constexpr std::array<Reader, sizeof...(READERS)> ALL = {READERS...};
     static const TempFolder folder;
     const std::uint8_t flags = input.byte();
     const std::uint8_t choice = input.byte();
+    const Reader reader = ALL[input.byte() % ALL.size()];
     const std::string text = expanded(input.rest(), (flags & LONG) != 0 ? LONG_CHUNKS : USUAL_CHUNKS);
     const FileRequest request{folder.str("file"), text, (flags & WITHOUT_HEADER) == 0, choice};
-    const auto read = [&request](Outcome* outcome) { READ(request, outcome); };
+    const auto read = [&](Outcome* outcome) { reader(request, outcome); };
     folder.write("file", text);
     const Outcome plain = observe(1, read);
     if (!plain.isDoubtful && ((flags & MANY_THREADS) != 0 || text.size() > LONG_TEXT)) {
@@ -247,10 +253,8 @@ void readHeaders(const FileRequest& request, Outcome* outcome)
 
 std::vector<FuzzTarget> fileTargets()
 {
-    return {{"labels", runFile<readLabels>},         {"points", runFile<readPoints>},
-            {"faces", runFile<readFaces>},           {"compactFaces", runFile<readFaces>},
-            {"dictionary", runFile<readDictionary>}, {"boundary", runFile<readBoundary>},
-            {"cellZones", runFile<readCellZones>},   {"faceZones", runFile<readFaceZones>},
-            {"scalarField", runFile<readField>},     {"vectorField", runFile<readField>},
-            {"header", runFile<readHeaders>}};
+    return {{"lists", runFile<readLabels, readPoints, readFaces>},
+            {"dictionaries", runFile<readDictionary, readBoundary, readHeaders>},
+            {"zones", runFile<readCellZones, readFaceZones>},
+            {"fields", runFile<readField>}};
 }

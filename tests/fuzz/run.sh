@@ -4,7 +4,7 @@
 #
 #   tests/fuzz/run.sh MINUTES [TARGET...]
 #
-# New inputs and findings stay below build/fuzz. The exit code is 1 if there is a finding, and 2 for usage.
+# New inputs and findings stay below build/asan/fuzz. The exit code is 1 if there is a finding, and 2 for usage.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/../.."
@@ -17,10 +17,10 @@ shift
 
 . tools/setup.sh
 install_packages $BUILD_PACKAGES $TEST_PACKAGES $CHECK_PACKAGES
-quietly cmake --preset fuzz || fail "configuring failed"
-cmake --build build/fuzz --target fuzz_targets || fail "building failed"
-program=$PWD/build/fuzz/tests/fuzz/fuzz_targets
-work=$PWD/build/fuzz
+quietly cmake --preset asan || fail "configuring failed"
+quietly cmake --build build/asan --target fuzz_targets || fail "building failed"
+program=$PWD/build/asan/tests/fuzz/fuzz_targets
+work=$PWD/build/asan/fuzz
 targets=${*:-$("$program")}
 
 # Each run writes files by the thousand, so they go to memory where the system has a place for that.
@@ -57,9 +57,9 @@ for target in $targets; do
         /stat::average_exec_per_sec/ { speed = $2 }
         END { printf "%-14s %12d %9d %7d %9d %9d\n", name, runs, speed, edges, features, found }' "$work/$target.log"
 done
-echo "New inputs are in build/fuzz/corpus. To keep those of a target that reach something new:"
-echo "  OFP_FUZZ_TARGET=T build/fuzz/tests/fuzz/fuzz_targets -set_cover_merge=1 tests/fuzz/corpus/T build/fuzz/corpus/T"
+echo "New inputs are in build/asan/fuzz/corpus. To keep those of a target that reach something new:"
+echo "  OFP_FUZZ_TARGET=T build/asan/tests/fuzz/fuzz_targets -set_cover_merge=1 tests/fuzz/corpus/T build/asan/fuzz/corpus/T"
 if ((found > 0)); then
-    echo "Findings are in build/fuzz/findings, and what was said of them in build/fuzz/TARGET.log."
+    echo "Findings are in build/asan/fuzz/findings, and what was said of them in build/asan/fuzz/TARGET.log."
     exit 1
 fi

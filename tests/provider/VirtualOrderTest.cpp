@@ -44,9 +44,10 @@ TEST(VirtualOrder, IsTheOneOfTheHostsTables)
                &Info::reserved2, &Info::addBoolOption, &Info::reserved3, &Info::addStringOption);
     using Options = DDPInitOptions;
     expectRows(0, &Options::hasOption, &Options::reserved0, &Options::boolOption, &Options::stringOption);
-    using Groups = DDPElementGroupInfo;
-    expectRows(0, &Groups::reserved0, &Groups::reserved1, &Groups::addGroup, &Groups::setBoundaryFlag,
-               &Groups::setParentPart, &Groups::reserved2, &Groups::setGroupProperty);
+    using ElementGroups = DDPElementGroupInfo;
+    expectRows(0, &ElementGroups::reserved0, &ElementGroups::reserved1, &ElementGroups::addGroup,
+               &ElementGroups::setBoundaryFlag, &ElementGroups::setParentPart, &ElementGroups::reserved2,
+               &ElementGroups::setGroupProperty);
     using GeometryInfo = DDPGeometryInfo;
     expectRows(0, &GeometryInfo::reserved0, &GeometryInfo::reserved1, &GeometryInfo::addPart, &GeometryInfo::reserved2,
                &GeometryInfo::elementGroupInfo, &GeometryInfo::setGeometryMode);
@@ -68,8 +69,8 @@ TEST(VirtualOrder, IsTheOneOfTheHostsTables)
     using ResultSpec = DDPResultSpec;
     expectRows(0, &ResultSpec::reserved0, &ResultSpec::reserved1, &ResultSpec::reserved2, &ResultSpec::resultId,
                &ResultSpec::stateId);
-    using Values = DDPResultValueGroup;
-    expectRows(0, &Values::reserved0, &Values::reserved1, &Values::setValues);
+    using ValueGroup = DDPResultValueGroup;
+    expectRows(0, &ValueGroup::reserved0, &ValueGroup::reserved1, &ValueGroup::setValues);
     expectRows(0, &DDPResult::reserved0, &DDPResult::reserved1, &DDPResult::addValueGroup);
     expectRows(0, &DDPSet::reserved0, &DDPSet::reserved1, &DDPSet::reserved2, &DDPSet::addSetItems);
     using Changes = DDPChangeNotifications;

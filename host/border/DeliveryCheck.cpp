@@ -156,6 +156,13 @@ const HostValueGroup* valuesOfGroup(const HostMetaData& metaData, const HostResu
     return position < result.groups.size() ? &result.groups[position] : nullptr;
 }
 
+bool belongsToItsGroups(const HostMetaData& metaData, const HostResultInfo& info, std::int32_t stateId)
+{
+    constexpr std::int32_t FIRST_STATE_ID = 1;
+    return info.kind != KIND_DISPLACEMENT || stateId != FIRST_STATE_ID ||
+           std::ranges::count(metaData.groups, HostGroupKind::Part, &HostGroup::kind) <= 1;
+}
+
 void checkResult(const HostMetaData& metaData, const HostGeometry& geometry, const HostResultInfo& info,
                  const HostResult& result)
 {
@@ -174,7 +181,7 @@ void checkResult(const HostMetaData& metaData, const HostGeometry& geometry, con
         const HostElementGroup& elements = geometry.elementGroups[i];
         const std::size_t expected =
             info.mapping == MAPPING_NODE ? geometry.nodesOf(elements)->nodeCount() : elements.elementCount();
-        if (values->itemCount() != expected && values->itemCount() != 0) {
+        if (values->itemCount() != expected && values->itemCount() != 0 && info.kind != KIND_DISPLACEMENT) {
             reportFault(declared[i]->name,
                         fmt::format("{} values of result {} for {} items", values->itemCount(), info.name, expected));
         }

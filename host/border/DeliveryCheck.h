@@ -29,10 +29,15 @@ void checkGeometry(const HostMetaData& metaData, const HostGeometry& geometry);
 /// only if the result goes that far.
 const HostValueGroup* valuesOfGroup(const HostMetaData& metaData, const HostResult& result, std::size_t groupIndex);
 
+/// False for the moved points of the first state in a case of several parts: the library then takes those of one part
+/// for all, and which one is left to its threads.
+bool belongsToItsGroups(const HostMetaData& metaData, const HostResultInfo& info, std::int32_t stateId);
+
 /// Checks a result against the geometry: one value group for each group but face zones, in the same order, with as many
 /// items as the group has nodes or elements, or none.
 ///
 /// Sampled surfaces may have no value group at all: a result that the state lacks, and the displacements, have none.
+/// Displacements have as many items as the file of the moved points says, whatever the mesh has.
 /// @throws HostError of `Misbehaved` that names the group and the fault
 void checkResult(const HostMetaData& metaData, const HostGeometry& geometry, const HostResultInfo& info,
                  const HostResult& result);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "check/DeliveryDigest.h"
 
+#include "border/DeliveryCheck.h"
+
 #include <fmt/format.h>
 
 #include <cstring>
@@ -103,7 +105,9 @@ DeliveryDigest digestOf(CheckedCase& open)
     digest.addGeometry(*metaData, *open.geometry());
     for (const HostState* const state : sampleOfStates(*metaData)) {
         for (const HostResultInfo& info : metaData->results) {
-            digest.addResult(info, *state, open.result(info.id, state->id).get());
+            if (belongsToItsGroups(*metaData, info, state->id)) {
+                digest.addResult(info, *state, open.result(info.id, state->id).get());
+            }
         }
     }
     return digest;

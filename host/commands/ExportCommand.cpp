@@ -45,7 +45,8 @@ struct ExportedState
     const HostState* state;
 };
 
-/// The results of one state in the order of the selection; null where the library has none.
+/// The results of one state in the order of the selection; null where the library has none, or has those of other
+/// parts.
 using StateResults = std::vector<std::unique_ptr<HostResult>>;
 
 /// True if the values can stand in for the points: one place for each node, and none of them missing.
@@ -159,7 +160,8 @@ private:
     {
         StateResults results;
         for (const HostResultInfo* const info : m_results) {
-            results.push_back(m_session->result(*info, state.state->id));
+            const bool isOwn = belongsToItsGroups(m_metaData, *info, state.state->id);
+            results.push_back(isOwn ? m_session->result(*info, state.state->id) : nullptr);
         }
         return results;
     }

@@ -109,12 +109,14 @@ void askForAll(const std::filesystem::path& folder, const HostOptions& options, 
     for (const HostResultInfo* const info : results) {
         outcome->add(info->name, info->key, info->unit, info->kind, info->mapping, info->displacementFlag);
         for (const HostState& state : metaData.states) {
+            if (!belongsToItsGroups(metaData, *info, state.id)) {
+                continue;
+            }
             HostResult result;
             bool isDelivered = false;
             isGood = tolerate(outcome,
                               [&] { isDelivered = provider.getResult(HostResultSpec(info->id, state.id), &result); });
-            // Moved points are those of their file, however many the mesh has.
-            if (isChecked && isGood && isDelivered && info->displacementFlag == 0) {
+            if (isChecked && isGood && isDelivered) {
                 checkResult(metaData, geometry, *info, result);
             }
             for (const HostValueGroup& group : result.groups) {

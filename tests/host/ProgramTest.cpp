@@ -143,6 +143,24 @@ TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
     }
 }
 
+TEST_F(Program, TakesMovedPointsOfSeveralPartsThoughTheFirstStateHasThoseOfOne)
+{
+    const std::string regions = inQuotes(m_folder / "regions");
+    ASSERT_EQ(run("sample --kind regions --cells 60" + regions).code, 0);
+    for (const char* const region : {"/", "/left/", "/right/"}) {
+        for (const char* const time : {"0", "0.5"}) {
+            const std::filesystem::path from =
+                m_folder.path() / "regions/constant" / (std::string(".") + region) / "polyMesh";
+            const std::filesystem::path to = m_folder.path() / "regions" / (time + std::string(region)) / "polyMesh";
+            std::filesystem::create_directories(to);
+            std::filesystem::copy_file(from / "points", to / "points");
+        }
+    }
+    EXPECT_EQ(run("stats --state all" + regions).code, 0);
+    EXPECT_EQ(run("export --state all -o" + inQuotes(m_folder / "moved") + regions).code, 0);
+    EXPECT_EQ(run("check --include '^(result|equal|calls)'" + regions).code, 0);
+}
+
 TEST_F(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
 {
     EXPECT_EQ(runFake("watch --interval 0 --count 1", "sound").out, "update state 7 time 0 \"Time 0.00000 #0\"\n"

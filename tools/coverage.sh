@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Measures which lines and branches of the library the suite runs, with a build of its own in build/coverage.
+#
+# usage: tools/coverage.sh [show]
+#
+# Prints the figures of each source and fails below the least ones; with "show" also the lines that no test runs and the
+# branches that go one way only.
+set -euo pipefail
+
+cd "$(dirname "$(realpath "$0")")/.."
+. tools/setup.sh
+
+least_lines=95
+least_branches=85
+build=$PWD/build/coverage
+
+install_packages $BUILD_PACKAGES $TEST_PACKAGES llvm-14
+quietly cmake --preset dev -B "$build" -DOFP_COVERAGE=ON -DOFP_PRECOMPILE=OFF -DOFP_BUILD_BENCH=OFF \
+    -DCMAKE_UNITY_BUILD=ON || fail "configuring failed"
+quietly cmake --build "$build" || fail "building failed"
+rm -rf "$build/profiles"
+say "Running the suite"
+# Processes add to few files, so that children that end in a crash on purpose do no harm.
+LLVM_PROFILE_FILE="$build/profiles/%4m.profraw" quietly ctest --test-dir "$build" --parallel "$(nproc)" || fail "tests failed"
+llvm-profdata-14 merge -sparse "$build"/profiles/*.profraw -o "$build/suite.profdata"
+
+# The library as tests link it, and as a host loads it.
+objects=()
+for program in "$build"/tests/*/*_tests "$build"/tests/fuzz/fuzz_replay; do
+    objects+=(-object "$program")
+done
+about=("$build/src/libOpenFoamPlugin.so" "${objects[@]}" "-instr-profile=$build/suite.profdata")
+llvm-cov-14 report "${about[@]}" "$PWD/src" | awk '/^Filename/ || /\.(h|cpp) / || /^TOTAL/ { printf "%-44s %8s lines %8s branches\n", $1, $10, $13 }'
+[ "${1:-}" != show ] || llvm-cov-14 show "${about[@]}" -show-branches=count "$PWD/src" >"$build/show.txt"
+llvm-cov-14 report "${about[@]}" "$PWD/src" | awk -v lines=$least_lines -v branches=$least_branches '
+    /^TOTAL/ { if ($10 + 0 < lines || $13 + 0 < branches) { exit 1 } }' ||
+    fail "less than $least_lines % of the lines or $least_branches % of the branches are run"

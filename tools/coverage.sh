@@ -21,7 +21,6 @@ quietly cmake --preset dev -B "$build" -DOFP_COVERAGE=ON -DOFP_PRECOMPILE=OFF -D
 quietly cmake --build "$build" || fail "building failed"
 rm -rf "$build/profiles"
 say "Running the suite"
-# Processes add to few files, so that children that end in a crash on purpose do no harm.
 LLVM_PROFILE_FILE="$build/profiles/%4m.profraw" quietly ctest --test-dir "$build" --parallel "$(nproc)" || fail "tests failed"
 llvm-profdata-14 merge -sparse "$build"/profiles/*.profraw -o "$build/suite.profdata"
 

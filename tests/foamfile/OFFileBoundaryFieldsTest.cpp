@@ -89,6 +89,22 @@ TEST_F(OFFileBoundaryFields, PatchesGetTheValuesOfTheFileOrOfTheirCells)
     EXPECT_EQ(values, (Patches{{1, 1}})) << "the value of the point, not of the cell";
 }
 
+TEST_F(OFFileBoundaryFields, ASectionIsEnteredInAFileOfTheRightObjectAndClassOnly)
+{
+    EXPECT_TRUE(readField(section({"type slip;"}), {1}));
+    OFFile file(true);
+    EXPECT_FALSE(file.checkResultFile(folder.str("g"), "f", "volScalarField"));
+    EXPECT_FALSE(file.checkResultFile(folder.str("f"), "g", "volScalarField"));
+    EXPECT_FALSE(file.checkResultFile(folder.str("f"), "f", "volVectorField"));
+    EXPECT_TRUE(file.checkResultFile(folder.str("f"), "f", "volScalarField"));
+    std::string line;
+    EXPECT_TRUE(file.getNextLineStartingWith("    a", line));
+    folder.write("f", header("volScalarField", "f", "ascii"));
+    EXPECT_FALSE(file.checkResultFile(folder.str("f"), "f", "volScalarField")) << "no section";
+    EXPECT_EQ(file.findValueKeys({{"type", "a"}, {"value", "uniform 1"}}), "uniform 1");
+    EXPECT_EQ(file.findValueKeys({{"type", "a"}}), "");
+}
+
 TEST_F(OFFileBoundaryFields, OnlySomeTypesContinueTheCellValueWhateverTheFileSays)
 {
     const std::string continuing = "zeroGradient empty uniformFixedValue slip symmetry symmetryPlane";

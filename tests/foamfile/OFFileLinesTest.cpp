@@ -73,7 +73,7 @@ TEST_P(OFFileLines, AChunkEndsAtALineEndAndTellsItsLastIndex)
 {
     const std::string most(OFFile::CHUNK_SIZE, 'a');
     // The last line ends with the chunk, fits the margin of the buffer, fits it no more; the file ends without one.
-    for (const std::size_t more : {std::size_t(0), OFFile::LINE_BUFFER_SIZE - 2, OFFile::LINE_BUFFER_SIZE - 1}) {
+    for (const std::size_t more : {std::size_t(0), OFFile::LINE_BUFFER_SIZE - 1, OFFile::LINE_BUFFER_SIZE}) {
         const std::string first = (most + std::string(more, 'b')).replace(most.size() + more - 1, 1, "\n");
         OFFile& file = opened(first + "next");
         char* chunk = buffer.data();
@@ -121,6 +121,65 @@ TEST_P(OFFileLines, ACountLeavesItsBracketAndNothingElse)
     opened("type 3;\n 4\n5x\n\n" + std::string(5000, 'a') + " 1\n6 apples\n7");
     EXPECT_TRUE(m_file.readNextIntLineFromCurrentChunk(&value));
     EXPECT_EQ(value, 6) << "here it stands at the start of a line";
+}
+
+TEST_P(OFFileLines, APendingRestIsHandedOutOnce)
+{
+    opened("a\nb\nc\n");
+    char* line = buffer.data();
+    EXPECT_FALSE(m_file.getNonTreatedLine(&line)) << "nothing is pending yet";
+    EXPECT_TRUE(m_file.getNextLineUsingChunk(&line) && m_file.getNonTreatedLine(&line));
+    EXPECT_STREQ(line, "b");
+    char* chunk = buffer.data();
+    std::size_t last = 5;
+    EXPECT_TRUE(m_file.getNextChunkOfLines(&chunk, &last));
+    EXPECT_STREQ(chunk, "\nc\n") << "from the end of the line that was handed out";
+    EXPECT_EQ(last, 8U) << "counted on, to behind the last byte";
+    chunk = buffer.data();
+    EXPECT_TRUE(m_file.getNonTreatedChunk(&chunk, &last));
+    EXPECT_STREQ(chunk, "");
+    EXPECT_FALSE(m_file.getNextChunkOfLines(&chunk, &last));
+}
+
+// The cursor must stay in front of the text's end whatever ends a number; "|" shows where it stands behind it.
+TEST_P(OFFileLines, ANumberLeavesTheCursorBehindItsDelimiter)
+{
+    const std::string digits(5000, '1');
+    opened("1.5;x;;1e400;" + digits + ";2");
+    double real = -1;
+    Lines stream;
+    for (int i = 0; i < 6; ++i) {
+        stream.push_back(m_file.readNextDouble(&real, ';') ? std::to_string(real) : "none");
+    }
+    EXPECT_EQ(stream, (Lines{"1.500000", "none", "0.000000", "inf", "none", "none"}));
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
+        {"12)x", "12|x", "12|x", "12|x"},
+        {"12 x", "12|x", "12|x", "12|x"},
+        {"12\n5)x", "12|x", "12|5)x", "12|x"},
+        {"12", "12|", "12|", "12|"},
+        {"12\n5", "none|12\n5", "12|5", "none|12\n5"},
+        {"x)5", "none|x)5", "none|x)5", "none|5"},
+        {"1.5)7", "none|1.5)7", "none|1.5)7", "1|7"},
+        {")7", "none|)7", "none|)7", "none|)7"}};
+    for (auto [text, whole, toLineEnd, asReal] : cases) {
+        const auto read = [&, text = text](auto take) {
+            std::string copy = text;
+            char* cursor = copy.data();
+            const bool isRead = take(&cursor);
+            return (isRead ? std::to_string(static_cast<int>(real)) : "none") + "|" + cursor;
+        };
+        const auto label = [&](bool stopAtLineEnd) {
+            return read([&](char** cursor) {
+                int value = 0;
+                const bool isRead = m_file.readNextBufInt(cursor, &value, ')', stopAtLineEnd);
+                real = value;
+                return isRead;
+            });
+        };
+        EXPECT_EQ(label(false), whole);
+        EXPECT_EQ(label(true), toLineEnd);
+        EXPECT_EQ(read([&](char** cursor) { return m_file.readNextBufDouble(cursor, &real, ')'); }), asReal);
+    }
 }
 
 TEST(ChunkTranslator, LinesOfAChunkAreMarkedUpToItsLastTwoBytes)

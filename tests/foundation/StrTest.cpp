@@ -25,6 +25,10 @@ TEST(Str, NumbersShowSixSignificantDigitsUnlessAskedForOthers)
     EXPECT_EQ(Str::number(1234567.0), "1.23457e+06");
     EXPECT_EQ(Str::number(2.5, 'f', 3), "2.500");
     EXPECT_EQ(Str("%1").arg(std::numeric_limits<unsigned long long>::max()), "18446744073709551615");
+    EXPECT_EQ(Str("%1 %2 %3 %4 %5").arg(-1LL).arg(2U).arg(3UL).arg('c').arg(0.5F, 0, 'e', 1), "-1 2 3 c 5.0e-01");
+    EXPECT_EQ(Str::number(-7) + Str::number(7U) + Str::number(0.25F), Str(L"-770.25"));
+    EXPECT_EQ(Str("0.5x").toFloat(2.0F) + Str("x").toFloat(2.0F), 2.5F);
+    EXPECT_NE(Str('a'), Str("b"));
 }
 
 TEST(Str, ParsingReportsAndDefaultsAsCallersCount)

@@ -9,6 +9,7 @@
 #include <numeric>
 #include <random>
 #include <set>
+#include <tuple>
 
 namespace {
 
@@ -73,6 +74,28 @@ TEST(CellOrdering, EverySolidKeepsItsVolumeForAllFaceOrdersAndSides)
             }
         } while (std::next_permutation(order.begin(), order.end()));
         EXPECT_EQ(wrong, 0U);
+    }
+}
+
+TEST(CellOrdering, EachSolidHasAQuestionAndAnOrderOfItsOwn)
+{
+    using Question = bool (*)(std::size_t, const FaceSizes*);
+    using Order = bool (*)(const CellFaceVector*, const FacesData*, Nodes*);
+    const std::tuple<DDPElementType, Question, Order> solids[] = {
+        {DDP_TETRAHEDRON, OFCell::isTetrahedron, OFCell::orderTetrahedronNodes},
+        {DDP_PYRAMID, OFCell::isPyramid, OFCell::orderPyramidNodes},
+        {DDP_PENTAHEDRON, OFCell::isPentahedron, OFCell::orderPentahedronNodes},
+        {DDP_HEXAHEDRON, OFCell::isHexahedron, OFCell::orderHexahedronNodes}};
+    for (const ReferenceCell& reference : referenceCells()) {
+        CellInMesh cell(reference.faces, ALL_OWNED);
+        for (const auto& [type, is, order] : solids) {
+            const bool isSame = type == reference.type;
+            EXPECT_EQ(is(reference.points.size(), &cell.faces.nodeCounts), isSame);
+            Nodes nodes(reference.points.size());
+            if (isSame && order(&cell.cell.cellFaces(), &cell.faces, &nodes)) {
+                EXPECT_NEAR(signedVolume(type, reference.points, nodes), reference.volume(), 1e-12);
+            }
+        }
     }
 }
 

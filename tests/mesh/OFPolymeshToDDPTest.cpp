@@ -11,6 +11,7 @@
 #include <numeric>
 #include <random>
 #include <set>
+#include <tuple>
 
 namespace {
 
@@ -158,6 +159,33 @@ TEST(MeshConversion, EveryRoadGivesTheSame)
         EXPECT_EQ(direct.nodeCounts, inChunks.nodeCounts);
         EXPECT_EQ(faceTables(direct.elements)[2].size(), sumOf(faceTables(direct.elements)[1]));
         EXPECT_EQ(direct.elements.connectivity.size(), sumOf(direct.nodeCounts));
+    }
+}
+
+// Which cell has which face is asked for some cells at a time.
+TEST(MeshConversion, ACellGetsTheFacesThatNameIt)
+{
+    using CellFaces = std::multiset<std::tuple<int, int, bool>>;
+    OFPolymesh mesh = hexahedronMesh(3, 2, 1);
+    CellFaces expected;
+    for (std::size_t face = 0; face < mesh.owners().size(); ++face) {
+        expected.emplace(mesh.owners()[face], static_cast<int>(face), true);
+        if (face < mesh.neighbors().size()) {
+            expected.emplace(mesh.neighbors()[face], static_cast<int>(face), false);
+        }
+    }
+    std::erase_if(expected, [](const auto& entry) { return std::get<0>(entry) < 2 || std::get<0>(entry) > 4; });
+    for (const auto assign : {&OFPolymeshToDDP::assignCellFacesSeq, &OFPolymeshToDDP::assignCellFacesPar,
+                              &OFPolymeshToDDP::assignCellFaces}) {
+        OFPolymeshToDDP converter(&mesh);
+        EXPECT_TRUE(converter.allocateCells(3) && (converter.*assign)(2, 5));
+        CellFaces faces;
+        for (std::size_t cell = 0; cell < 3; ++cell) {
+            for (const auto& face : converter.cells()[cell].cellFaces()) {
+                faces.emplace(static_cast<int>(cell) + 2, face.faceIndex, face.isOwner);
+            }
+        }
+        EXPECT_EQ(faces, expected);
     }
 }
 

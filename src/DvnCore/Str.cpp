@@ -134,9 +134,9 @@ Str Str::simplified() const
     return Str(text().simplified());
 }
 
-std::vector<Str> Str::split(const Str& delimiters) const
+std::vector<Str> Str::split(const Str& delimiters, std::size_t most) const
 {
-    std::vector<dvf::String> pieces = text().split(delimiters.text());
+    std::vector<dvf::String> pieces = text().split(delimiters.text(), most);
     std::vector<Str> result;
     result.reserve(pieces.size());
     for (dvf::String& piece : pieces) {

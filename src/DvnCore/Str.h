@@ -53,8 +53,9 @@ public:
     /// Trimmed, with each inner run of white space made one blank.
     Str simplified() const;
 
-    /// Pieces between the characters of `delimiters`; empty pieces are dropped.
-    std::vector<Str> split(const Str& delimiters) const;
+    /// Pieces between the characters of `delimiters`; empty pieces are dropped, and so is all behind the first `most`
+    /// ones. A line of a file may be a gigabyte of words.
+    std::vector<Str> split(const Str& delimiters, std::size_t most = static_cast<std::size_t>(-1)) const;
     /// Position of the first occurrence at or behind `start`; all bits set if there is none.
     std::size_t find(const Str& text, std::size_t start = 0) const;
     bool startsWith(const Str& text) const;

@@ -146,11 +146,11 @@ String String::simplified() const
     return String(std::move(result));
 }
 
-std::vector<String> String::split(const String& delimiters) const
+std::vector<String> String::split(const String& delimiters, std::size_t most) const
 {
     std::vector<String> pieces;
     std::size_t first = m_units.find_first_not_of(delimiters.m_units);
-    while (first != std::wstring::npos) {
+    while (first != std::wstring::npos && pieces.size() < most) {
         const std::size_t end = std::min(m_units.find_first_of(delimiters.m_units, first), m_units.size());
         pieces.emplace_back(m_units.substr(first, end - first));
         first = m_units.find_first_not_of(delimiters.m_units, end);

@@ -42,8 +42,8 @@ public:
     /// Trims and makes each inner run of white space one blank.
     String simplified() const;
 
-    /// Cuts at each unit that is in `delimiters`; empty pieces are dropped.
-    std::vector<String> split(const String& delimiters) const;
+    /// Cuts at each unit that is in `delimiters`; empty pieces are dropped, and so is all behind the first `most` ones.
+    std::vector<String> split(const String& delimiters, std::size_t most = NOT_FOUND) const;
     /// Position of the first occurrence at or behind `start`, or `NOT_FOUND`.
     std::size_t find(const String& text, std::size_t start) const;
     /// Up to `length` units from `pos`. A `pos` at or beyond the end is a caller's mistake: it asserts in debug builds

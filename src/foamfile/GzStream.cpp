@@ -26,10 +26,12 @@ namespace {
 constexpr unsigned GZIP_BUFFER_SIZE = 65536;
 /// One read asks for no more than this, because a read that meets damage loses what it had so far.
 constexpr std::size_t READ_BLOCK = 262144;
-constexpr std::size_t SKIP_BLOCK = 4096;
+constexpr std::size_t SKIP_BLOCK = 16384;
 /// The highest ratio that deflate reaches, and room for what is not in proportion.
 constexpr std::uint64_t INFLATE_RATIO = 1032;
 constexpr std::uint64_t INFLATE_EXTRA = 65536;
+/// Lists take several times the bytes that they are counted with at least, so a true count implies no more than this.
+constexpr std::uint64_t USUAL_RATIO = 8;
 
 /// A read from this size on is shared among the cores, if the file is not compressed.
 constexpr std::size_t SHARED_READ = 4194304;
@@ -37,7 +39,9 @@ constexpr std::size_t SHARED_BLOCK = 1048576;
 
 /// Opens what was found to be a regular file; -1 if it cannot be opened or was replaced by something else since, which
 /// must not block.
-int openRegularFile(const std::string& path)
+///
+/// @param[out] size of what was opened, which may have replaced another regular file
+int openRegularFile(const std::string& path, std::uint64_t* size)
 {
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat info = {};
@@ -45,6 +49,7 @@ int openRegularFile(const std::string& path)
         close(descriptor);
         return -1;
     }
+    *size = static_cast<std::uint64_t>(info.st_size);
     return descriptor;
 }
 
@@ -81,7 +86,7 @@ std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
     if (!OFUtilities::isRegularFile(path, &sizeOnDisk)) {
         return nullptr;
     }
-    const int descriptor = openRegularFile(path.toUtf8());
+    const int descriptor = openRegularFile(path.toUtf8(), &sizeOnDisk);
     // Owned at once, so that nothing stays open when memory runs out below.
     Handle handle(descriptor < 0 ? nullptr : gzdopen(descriptor, "rb"));
     if (handle == nullptr) {
@@ -212,6 +217,34 @@ void GzStream::skip(std::uint64_t size)
 std::uint64_t GzStream::contentLimit() const
 {
     return gzdirect(m_handle.get()) != 0 ? m_sizeOnDisk : m_sizeOnDisk * INFLATE_RATIO + INFLATE_EXTRA;
+}
+
+bool GzStream::canHold(std::uint64_t bytes)
+{
+    if (gzdirect(m_handle.get()) != 0 || bytes <= m_sizeOnDisk * USUAL_RATIO + INFLATE_EXTRA ||
+        bytes > contentLimit()) {
+        return bytes <= contentLimit();
+    }
+    if (!m_inflatedSize) {
+        m_inflatedSize = inflatedSize();
+    }
+    return bytes <= *m_inflatedSize;
+}
+
+std::uint64_t GzStream::inflatedSize() const
+{
+    const std::unique_ptr<GzStream> other = open(m_path);
+    if (other == nullptr) {
+        return 0;
+    }
+    // The stream that reads the values will tell.
+    other->m_damageTold = true;
+    std::array<char, SKIP_BLOCK> scratch;
+    std::uint64_t size = 0;
+    for (std::size_t came = scratch.size(); came == scratch.size(); size += came) {
+        came = other->read(scratch.data(), scratch.size());
+    }
+    return size;
 }
 
 void GzStream::noteEnd()

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 struct gzFile_s;
 
@@ -47,6 +48,9 @@ public:
 
     /// More bytes than the file can hold when inflated, from its size on disk.
     std::uint64_t contentLimit() const;
+    /// Whether the file can hold so many bytes when inflated. A claim that few files live up to is not believed but
+    /// held against all that there is, which takes as long as reading the file.
+    bool canHold(std::uint64_t bytes);
 
 private:
     struct Closer
@@ -58,6 +62,7 @@ private:
 
     GzStream(Handle handle, int descriptor, dvn::Str path, std::uint64_t sizeOnDisk);
     std::size_t readShared(char* target, std::size_t size);
+    std::uint64_t inflatedSize() const;
     void noteEnd();
 
     Handle m_handle;
@@ -65,4 +70,6 @@ private:
     dvn::Str m_path;
     std::uint64_t m_sizeOnDisk;
     bool m_damageTold = false;
+    /// Found out when it is asked for.
+    std::optional<std::uint64_t> m_inflatedSize;
 };

@@ -6,6 +6,8 @@
 #include "foamfile/OFUtilities.h"
 #include "foamfile/TextLines.h"
 
+#include <limits>
+
 namespace {
 
 /// Room made at once for the starts of the lines of a chunk.
@@ -71,6 +73,7 @@ void OFFile::close()
     m_chunkBuffer.release();
     m_lineBuffer.release();
     m_position = Position();
+    m_rest = Chunk();
 }
 
 const std::map<std::string, std::string>& OFFile::headerMap() const
@@ -125,7 +128,7 @@ bool OFFile::readDimensions(std::vector<dvn::Str>* tokens)
     if (!getNextLineStartingWith("dimensions", line)) {
         return false;
     }
-    *tokens = dvn::Str(line).split(" ");
+    *tokens = dvn::Str(line).split(" ", DIMENSION_TOKENS + 1);
     return tokens->size() == DIMENSION_TOKENS;
 }
 
@@ -152,5 +155,6 @@ void OFFile::reportShortList(std::size_t promised, std::size_t found) const
 
 bool OFFile::canHold(std::uint64_t itemCount, std::uint64_t bytesPerItem) const
 {
-    return itemCount <= m_stream->contentLimit() / bytesPerItem;
+    return itemCount <= std::numeric_limits<std::uint64_t>::max() / bytesPerItem &&
+           m_stream->canHold(itemCount * bytesPerItem);
 }

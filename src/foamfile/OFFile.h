@@ -354,6 +354,8 @@ private:
     // OFFileLists.cpp
     /// What a number takes of a file at the least; so a count of numbers never exceeds the size of its file.
     static constexpr std::uint64_t BYTES_PER_NUMBER = 1;
+    /// Words of a line that are looked at; values take a dozen.
+    static constexpr std::size_t MOST_WORDS = 4096;
     bool openOrReport(const dvn::Str& path, const ListMessages& messages);
     /// The same, and compares the header's object.
     bool openWithObject(const dvn::Str& path, const dvn::Str& objectName, const ListMessages& messages);
@@ -446,6 +448,8 @@ private:
     mutable ChunkBuffer m_chunkBuffer;
     mutable ChunkBuffer m_lineBuffer;
     mutable Position m_position;
+    /// The pending rest whose end was found last; holds until text is read or handed out.
+    mutable Chunk m_rest;
     bool m_isBinary = false;
     bool m_hasHeader;
     bool m_interiorWasRead = false;

@@ -4,6 +4,7 @@
 #include "DvnCore/Timer.h"
 #include "foamfile/CheckedLookup.h"
 #include "foamfile/GzStream.h"
+#include "foamfile/ListMessages.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TextLines.h"
 
@@ -221,9 +222,9 @@ OFFile::readBoundariesResult(const dvn::Str& resultClass, const std::vector<std:
             OFLogger::get().logDeveloper(
                 "OFFile", dvn::Str("Boundary %1. Named %2 of Type %3 defined with %4 values. Time used : %5")
                               .arg(b)
-                              .arg(names[b])
-                              .arg(type == result[b].end() ? std::string("UNFOUND") : type->second)
-                              .arg(firstToken)
+                              .arg(excerpt(names[b]))
+                              .arg(type == result[b].end() ? dvn::Str("UNFOUND") : excerpt(type->second))
+                              .arg(excerpt(firstToken))
                               .arg(timer.time()));
         }
         // The rest of a block whose values have been read passes by in the search for the next name.
@@ -338,7 +339,7 @@ bool OFFile::lookAheadForValue(std::string* values) const
 void OFFile::readPatchValues(const dvn::Str& resultClass, const std::string& text, std::vector<double>* values,
                              std::string* firstToken)
 {
-    std::vector<dvn::Str> tokens = dvn::Str(text).split(" ");
+    std::vector<dvn::Str> tokens = dvn::Str(text).split(" ", MOST_WORDS);
     if (tokens.empty()) {
         return;
     }

@@ -358,8 +358,10 @@ void OFFile::reserveNodes(FacesData* faces, std::size_t faceCount, std::size_t n
     }
     const double nodesPerFace = static_cast<double>(nodeCount) / static_cast<double>(faceCount);
     const double estimate = nodesPerFace * static_cast<double>(faces->faceCount()) * RESERVE_MARGIN;
-    const auto limit = static_cast<double>(std::min<std::uint64_t>(m_stream->contentLimit(), MAX_NODES));
-    dvf::reserveLarge(&faces->nodes, static_cast<std::size_t>(std::min(estimate, limit)));
+    const auto expected = static_cast<std::size_t>(std::min(estimate, static_cast<double>(MAX_NODES)));
+    if (canHold(expected, BYTES_PER_NUMBER)) {
+        dvf::reserveLarge(&faces->nodes, expected);
+    }
 }
 
 bool OFFile::readNextFaceListAscii(FacesData* faces)

@@ -218,7 +218,7 @@ bool OFFile::readInteriorField(const dvn::Str& path, const dvn::Str& resultClass
     }
     const dvn::Str line(text);
     if (hasWord(line.toStdWString(), L"uniform")) {
-        return fillUniformInterior(line.split(" "), path, resultClass, values);
+        return fillUniformInterior(line.split(" ", MOST_WORDS), path, resultClass, values);
     }
     const bool isRead = text.find('(') == std::string::npos
                             ? readResultInMultipleLineFormat(path, resultClass, values)

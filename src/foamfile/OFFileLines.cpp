@@ -6,6 +6,24 @@
 #include <algorithm>
 #include <cstring>
 
+namespace {
+
+/// The length of the line that starts here, or one more than `most` if it is longer: a long line that is handed out in
+/// pieces must not be run over for each of them.
+std::size_t lineLength(const char* line, std::size_t most)
+{
+    if (most == std::string_view::npos) {
+        return std::strcspn(line, "\r\n");
+    }
+    std::size_t length = 0;
+    while (length <= most && line[length] != '\0' && line[length] != '\r' && line[length] != '\n') {
+        ++length;
+    }
+    return length;
+}
+
+} // namespace
+
 bool OFFile::getNextLine(char** line) const
 {
     if (copyPendingLine(*line)) {
@@ -57,6 +75,8 @@ bool OFFile::getNonTreatedChunk(char** chunk, std::size_t* lastIndex) const
         return true;
     }
     *chunk = m_position.cursor;
+    // The caller may change what it gets.
+    m_rest = Chunk();
     endPending();
     if (lastIndex != nullptr) {
         // Lands on the NUL when it starts from zero, one further than for a chunk just read. Callers know.
@@ -139,7 +159,7 @@ bool OFFile::takePendingLine(std::size_t maxLength, std::string_view* line) cons
         return false;
     }
     char* const first = m_position.cursor + std::strspn(m_position.cursor, "\r\n");
-    const std::size_t length = std::strcspn(first, "\r\n");
+    const std::size_t length = lineLength(first, maxLength);
     if (first[length] == '\0' && length <= maxLength) {
         // A chunk ends at a line end, so text in front of its NUL is the rest of a file without a last line feed. It is
         // dropped: a value cut off in the middle would pass for a whole one.
@@ -202,7 +222,13 @@ bool OFFile::takeLine(std::string_view* line) const
 bool OFFile::nextChunk(ChunkBuffer* buffer, Chunk* chunk) const
 {
     if (m_position.pending) {
-        *chunk = {m_position.cursor, m_position.cursor + std::strlen(m_position.cursor)};
+        char* const cursor = m_position.cursor;
+        // The end found last is that of every rest from there on: the last line of a chunk may be as long as the file,
+        // and a rest is handed out for each of many short lists.
+        if (m_rest.begin == nullptr || cursor < m_rest.begin || cursor > m_rest.end) {
+            m_rest = {cursor, cursor + std::strlen(cursor)};
+        }
+        *chunk = {cursor, m_rest.end};
         endPending();
         return true;
     }
@@ -216,6 +242,7 @@ bool OFFile::nextChunk(ChunkBuffer* buffer, Chunk* chunk) const
 
 std::size_t OFFile::appendChunk(ChunkBuffer* buffer, std::size_t used) const
 {
+    m_rest = Chunk();
     buffer->grow(used + CHUNK_BUFFER_SIZE, used);
     const std::size_t came = m_stream->read(buffer->data() + used, CHUNK_SIZE);
     std::size_t length = used + came;
@@ -254,6 +281,7 @@ bool OFFile::readForeignChunk(char** chunk, std::size_t* length) const
         return *length != 0;
     }
     constexpr std::size_t MARGIN = LINE_BUFFER_SIZE - 1;
+    m_rest = Chunk();
     *length = m_stream->read(*chunk, CHUNK_SIZE);
     if (*length != 0 && (*chunk)[*length - 1] != '\n') {
         const std::size_t more = m_stream->readToLineEnd(*chunk + *length, MARGIN);

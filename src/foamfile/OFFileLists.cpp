@@ -20,8 +20,9 @@ bool cellCountFromNote(const dvn::Str& note, int* cellCount)
     if (cells >= faces) {
         return false;
     }
-    // The text is longer than the number, which the conversion does not mind.
-    *cellCount = note.subStr(cells + key.size(), faces).trimmed().toInt(0);
+    // The text is longer than the number, which the conversion does not mind. A note may end behind the key.
+    const std::size_t number = cells + key.size();
+    *cellCount = number < note.size() ? note.subStr(number, faces).trimmed().toInt(0) : 0;
     return true;
 }
 

@@ -197,8 +197,9 @@ bool OFFile::skipEmptyZone(const OFCellZone& zone)
     if (!skipAfterNext('}')) {
         return reportError("Problem parsing file %1");
     }
-    OFLogger::get().logInfo(
-        "OFFile", dvn::Str("Found empty list for cellIds in cellZone name %1 in file %2").arg(zone.name()).arg(m_path));
+    OFLogger::get().logInfo("OFFile", dvn::Str("Found empty list for cellIds in cellZone name %1 in file %2")
+                                          .arg(excerpt(zone.name().toUtf8()))
+                                          .arg(m_path));
     return true;
 }
 
@@ -233,12 +234,14 @@ bool OFFile::readCellZoneCount(const ListMessages& messages, std::string_view li
         m_position.pending = true;
     }
     if (!skipAfterNext('>')) {
-        OFLogger::get().logInfo("OFFile",
-                                dvn::Str("Unexpected format parsing %1 in file %2").arg(zone->name()).arg(m_path));
+        OFLogger::get().logInfo(
+            "OFFile",
+            dvn::Str("Unexpected format parsing %1 in file %2").arg(excerpt(zone->name().toUtf8())).arg(m_path));
     }
     if (!scanPendingCount(&count)) {
-        return OFLogger::get().logError(
-            "OFFile", dvn::Str("problem reading cell Count in cellZone %1 in file %2").arg(zone->name()).arg(m_path));
+        return OFLogger::get().logError("OFFile", dvn::Str("problem reading cell Count in cellZone %1 in file %2")
+                                                      .arg(excerpt(zone->name().toUtf8()))
+                                                      .arg(m_path));
     }
     return sizeZoneList(messages, count, &zone->cellIds());
 }

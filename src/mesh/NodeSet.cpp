@@ -37,9 +37,10 @@ void NodeSet::restart(std::size_t maxCount)
         m_sorted.resize(wanted / 2);
         m_stamp = 0;
         m_mask = wanted - 1;
-        m_shift = 32 - static_cast<unsigned>(std::countr_zero(wanted));
+        m_shift = 32 - static_cast<unsigned>(std::min(std::countr_zero(wanted), 32));
     }
     m_count = 0;
+    m_isCrowded = false;
     if (++m_stamp == 0) {
         std::fill(m_entries.begin(), m_entries.end(), Entry());
         m_stamp = 1;
@@ -49,7 +50,11 @@ void NodeSet::restart(std::size_t maxCount)
 std::span<const int> NodeSet::sorted()
 {
     if (m_count > LARGEST_RANKED) {
-        std::sort(m_nodes.begin(), m_nodes.begin() + static_cast<std::ptrdiff_t>(m_count));
+        const auto end = m_nodes.begin() + static_cast<std::ptrdiff_t>(m_count);
+        std::sort(m_nodes.begin(), end);
+        if (m_isCrowded) {
+            m_count = static_cast<std::size_t>(std::unique(m_nodes.begin(), end) - m_nodes.begin());
+        }
         return {m_nodes.data(), m_count};
     }
     sortByRank(m_nodes.data(), m_count, m_sorted.data());

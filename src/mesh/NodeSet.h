@@ -18,7 +18,8 @@ public:
 
     void insert(int node)
     {
-        for (std::size_t slot = firstSlot(node);; slot = (slot + 1) & m_mask) {
+        std::size_t slot = firstSlot(node);
+        for (std::size_t probes = 0; probes < MOST_PROBES; ++probes, slot = (slot + 1) & m_mask) {
             Entry& entry = m_entries[slot];
             if (entry.stamp != m_stamp) {
                 entry = {node, m_stamp};
@@ -29,13 +30,17 @@ public:
                 return;
             }
         }
+        // Labels can be chosen that all fall into one place. The sort finds those of them that repeat.
+        m_nodes[m_count++] = node;
+        m_isCrowded = true;
     }
 
-    std::size_t size() const { return m_count; }
     /// The distinct labels in ascending order; valid until the next `restart`.
     std::span<const int> sorted();
 
 private:
+    static constexpr std::size_t MOST_PROBES = 256;
+
     struct Entry
     {
         int node = 0;
@@ -55,4 +60,5 @@ private:
     std::size_t m_mask = 0;
     unsigned m_shift = 0;
     std::uint32_t m_stamp = 0;
+    bool m_isCrowded = false;
 };

@@ -11,9 +11,15 @@
 
 namespace {
 
+struct FaceRange
+{
+    std::int64_t first;
+    std::int64_t end;
+};
+
 /// The faces of a patch that the mesh has: a patch may claim more, and what it claims stays in its record, since a
 /// later geometry may find the mesh whole.
-std::vector<int> facesOfPatch(const OFBoundary& boundary, std::size_t faceCount)
+FaceRange rangeOfPatch(const OFBoundary& boundary, std::size_t faceCount)
 {
     const auto meshEnd = static_cast<std::int64_t>(faceCount);
     const std::int64_t start = boundary.startFaceIndex();
@@ -22,7 +28,7 @@ std::vector<int> facesOfPatch(const OFBoundary& boundary, std::size_t faceCount)
     const auto claimed = static_cast<std::int64_t>(std::min<std::uint64_t>(boundary.faceCount(), longest));
     const std::int64_t first = std::clamp<std::int64_t>(start, 0, meshEnd);
     const std::int64_t end = std::clamp<std::int64_t>(start + claimed, first, meshEnd);
-    return numbersFrom(static_cast<int>(first), static_cast<std::size_t>(end - first));
+    return {first, end};
 }
 
 /// The faces of a zone that the mesh has.
@@ -56,9 +62,12 @@ void storeMappings(const std::vector<int>& owners, const std::vector<int>& faces
 } // namespace
 
 bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* nodes, std::size_t* nodeCount,
-                                            DDPElementGroup* elements, std::size_t* elementCount) const
+                                            DDPElementGroup* elements, std::size_t* elementCount,
+                                            std::size_t mostFaces) const
 {
-    const std::vector<int> faces = facesOfPatch(boundary, m_mesh->faces().faceCount());
+    const FaceRange range = rangeOfPatch(boundary, m_mesh->faces().faceCount());
+    const std::size_t count = std::min(static_cast<std::size_t>(range.end - range.first), mostFaces);
+    const std::vector<int> faces = numbersFrom(static_cast<int>(range.first), count);
     FaceGroup group(*m_mesh, faces);
     *nodeCount = group.nodes().size();
     *elementCount = faces.size();
@@ -66,6 +75,20 @@ bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* 
     group.sendNodes(*m_mesh, nodes);
     group.sendElements(numbersFrom(0, faces.size()), elements);
     return true;
+}
+
+std::vector<std::size_t> OFPolymeshToDDP::facesPerPatch(const std::vector<OFBoundary>& boundaries) const
+{
+    const std::size_t faceCount = m_mesh->faces().faceCount();
+    std::size_t left = faceCount;
+    std::vector<std::size_t> counts;
+    counts.reserve(boundaries.size());
+    for (const OFBoundary& boundary : boundaries) {
+        const FaceRange range = rangeOfPatch(boundary, faceCount);
+        counts.push_back(std::min(left, static_cast<std::size_t>(range.end - range.first)));
+        left -= counts.back();
+    }
+    return counts;
 }
 
 bool OFPolymeshToDDP::populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount,

@@ -7,9 +7,23 @@
 #include <tbb/parallel_invoke.h>
 #include <tbb/task_group.h>
 
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t TRIANGLE_NODES = 3;
+
+} // namespace
+
 OFTriSurfaceToDDP::OFTriSurfaceToDDP(OFTriSurface* surface) : m_surface(surface)
 {
-    dropInconsistentFaces(&m_surface->faces(), m_surface->points().size() / 3);
+    FacesData& faces = m_surface->faces();
+    dropInconsistentFaces(&faces, m_surface->points().size() / 3);
+    // The labels go to the host as they stand. One that takes three for each triangle, though a face has less, is to
+    // find the first point behind them and not what lies behind the array.
+    const std::size_t sent = faces.nodes.size();
+    faces.nodes.resize(std::max(sent, TRIANGLE_NODES * faces.faceCount()));
+    faces.nodes.resize(sent);
 }
 
 bool OFTriSurfaceToDDP::populateNodeAndElementGroup(DDPNodeGroup* nodes, DDPElementGroup* elements,

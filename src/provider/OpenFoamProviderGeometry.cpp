@@ -91,8 +91,8 @@ void showElementsIn(int globalPartId, std::size_t elementCount, DDPElementGroup*
 std::vector<int> cellsOfZone(const OFCellZone& zone, std::size_t elementCount)
 {
     std::vector<int> cells = zone.cellIds();
-    // A negative label turns into a very large one.
-    std::erase_if(cells, [elementCount](int cell) { return static_cast<std::size_t>(cell) >= elementCount; });
+    std::erase_if(cells,
+                  [elementCount](int cell) { return cell < 0 || static_cast<std::size_t>(cell) >= elementCount; });
     return cells;
 }
 
@@ -177,6 +177,7 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
     if (boundaries.empty()) {
         return true;
     }
+    const std::vector<std::size_t> faceCounts = converter.facesPerPatch(boundaries);
     // Each index writes to its own patch and its own pair; the mesh is read only.
     const auto deliverPatches = [&](const Range& range) {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
@@ -184,7 +185,8 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
             const OFGroupPair& pair = pairs[i + 1];
             std::size_t nodeCount = 0;
             std::size_t elementCount = 0;
-            if (!converter.populateBoundaryGroup(boundary, pair.nodes, &nodeCount, pair.elements, &elementCount)) {
+            if (!converter.populateBoundaryGroup(boundary, pair.nodes, &nodeCount, pair.elements, &elementCount,
+                                                 faceCounts[i])) {
                 return;
             }
             boundary.setNodeCount(nodeCount);

@@ -91,6 +91,8 @@ TEST_F(OFReaderCase, TellsWhyItDoesNotOpen)
 
 TEST_F(OFReaderCase, TakesTheSurfacesOfTheFirstTimeInTextOrder)
 {
+    std::filesystem::create_directories(m_folder / "postProcessing/sampleSurface");
+    EXPECT_EQ(OpenCase(m_folder.path()).groups(), "") << "no time has surfaces yet";
     m_folder.write("postProcessing/sampleSurface/2/old/x", "");
     m_folder.write("postProcessing/sampleSurface/10/cut/x", "");
     EXPECT_EQ(OpenCase(m_folder.path()).groups(), "1 cut[Surf] < 0 SampledSurface");

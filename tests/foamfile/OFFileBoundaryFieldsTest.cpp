@@ -214,6 +214,16 @@ TEST_F(OFFileBoundaryFields, TensorsAreWalkedInStepsOfNineWithinTheirArrays)
     // Cell 1 in steps of nine begins at value 9 of 12: three values exist of it.
     EXPECT_EQ(values[1], (Values{4, 5, 6, P, P, P, P, P, P, 4, 5, 6, P, P, P, P, P, P}));
     EXPECT_EQ(values[2], Values(6, P));
+    EXPECT_TRUE(readField(section({"value uniform (1 2 3 4 5 6 7 8 9);"}), {1}, "volTensorField"));
+    EXPECT_EQ(values[0], Values(6, P)) << "nine values do not fit";
+}
+
+TEST_F(OFFileBoundaryFields, ValuesOfAnotherShapeThanTheFieldStayWithinTheirPatch)
+{
+    EXPECT_TRUE(readField(section({"value nonuniform List<vector> |2|(|(1 2 3)|(4 5 6)|)|;", "value ;"}), {4, 1}));
+    EXPECT_EQ(values, (Patches{{1, 2, 3, 4}, {P}}));
+    EXPECT_TRUE(readField(section({"value uniform ( 1 2 3);", "value nonuniform;"}), {1, 1}, "volVectorField"));
+    EXPECT_EQ(values, (Patches{{0, 1, 2}, {P, P, P}})) << "a bracket alone is no number";
 }
 
 TEST_F(OFFileBoundaryFields, AMappingThatIsTooShortOrWrongTouchesNothing)

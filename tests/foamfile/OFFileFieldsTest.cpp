@@ -145,6 +145,8 @@ TEST_F(OFFileFields, WhatALineLacksIsZeroAndTold)
     const LogCapture log;
     EXPECT_TRUE(readInterior("Vector", "nonuniform List<vector> 2((1 2 3));\n", 6));
     EXPECT_EQ(values, (Values{1, 2, 3, 0, 0, 0}));
+    EXPECT_TRUE(readInterior("Scalar", "nonuniform List<scalar> 2(1 2 3 4);\n", 2));
+    EXPECT_EQ(values, (Values{1, 2})) << "of more words those that have room";
     EXPECT_FALSE(readInterior("Scalar", "nonuniform List<scalar> \n6\n(\n1\n2\n)\n;\n", 6)) << "of a list of lines not";
     EXPECT_EQ(log.infos().size(), 2U);
 }

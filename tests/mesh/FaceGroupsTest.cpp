@@ -50,6 +50,21 @@ HostGroups deliver(OFPolymesh mesh, OFBoundary* boundary)
 
 } // namespace
 
+// Each of many patches could claim the whole mesh.
+TEST(BoundaryGroup, PatchesThatOverlapShareTheFacesOfTheMesh)
+{
+    OFPolymesh mesh = meshOfFaces(Faces(6, {0, 1, 2}), 3);
+    const OFPolymeshToDDP converter(&mesh);
+    EXPECT_EQ(converter.facesPerPatch({patch(1, 4), patch(5, 1)}), (std::vector<std::size_t>{4, 1}));
+    EXPECT_EQ(converter.facesPerPatch({patch(2, 99), patch(-1, 4), patch(0, 6)}), (std::vector<std::size_t>{4, 2, 0}));
+    OFBoundary boundary = patch(1, 4);
+    HostGroups got;
+    EXPECT_TRUE(
+        converter.populateBoundaryGroup(boundary, &got.nodes, &got.nodeCount, &got.elements, &got.elementCount, 2));
+    EXPECT_EQ(got.elementCount, 2U);
+    EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, 12}));
+}
+
 TEST(BoundaryGroup, FacesOfAPatchGetNodesOfTheirOwn)
 {
     const OFPolymesh mesh =

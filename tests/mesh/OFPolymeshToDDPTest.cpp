@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFPolymeshToDDP.h"
 #include "bench/SyntheticMesh.h"
+#include "mesh/NodeSet.h"
 #include "support/HostArrays.h"
 #include "support/LogCapture.h"
 #include "support/ReferenceCells.h"
@@ -160,6 +161,23 @@ TEST(MeshConversion, EveryRoadGivesTheSame)
         EXPECT_EQ(faceTables(direct.elements)[2].size(), sumOf(faceTables(direct.elements)[1]));
         EXPECT_EQ(direct.elements.connectivity.size(), sumOf(direct.nodeCounts));
     }
+}
+
+// A hash can be foreseen, so labels can be chosen that fall into one place; they must neither get lost nor cost time.
+TEST(MeshConversion, LabelsThatHashAlikeAreKeptApart)
+{
+    std::vector<int> alike;
+    for (std::uint32_t label = 0; alike.size() < 3000; ++label) {
+        if ((label * 0x9E3779B1U) >> 20U == 0) {
+            alike.push_back(static_cast<int>(label));
+        }
+    }
+    NodeSet nodes;
+    nodes.restart(2 * alike.size());
+    for (std::size_t i = 0; i < 2 * alike.size(); ++i) {
+        nodes.insert(alike[i * 7 % alike.size()]);
+    }
+    EXPECT_TRUE(std::ranges::equal(nodes.sorted(), alike));
 }
 
 // Which cell has which face is asked for some cells at a time.

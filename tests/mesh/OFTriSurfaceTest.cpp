@@ -37,6 +37,13 @@ OFTriSurface surfaceOf(const foamtext::Faces& faces)
 
 } // namespace
 
+TEST(TriSurface, FacesOfTooFewLabelsLeaveRoomForThreeBehindThem)
+{
+    OFTriSurface surface = surfaceOf({{0, 1}, {2}});
+    EXPECT_EQ(deliver(&surface).elements.connectivity, (std::vector<int>{0, 1, 2}));
+    EXPECT_GE(surface.faces().nodes.capacity(), 6U) << "a host may take three for each";
+}
+
 TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
 {
     const TempFolder folder;

@@ -4,8 +4,8 @@
 #
 # usage: tools/coverage.sh [show]
 #
-# Prints the figures of each source and fails below the least ones; with "show" also the lines that no test runs and the
-# branches that go one way only.
+# Prints the figures of the whole and fails below the least ones; with "show" also those of each source, and writes all
+# lines and branches with their counts to build/coverage/show.txt.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -30,8 +30,13 @@ for program in "$build"/tests/*/*_tests "$build"/tests/fuzz/fuzz_replay; do
     objects+=(-object "$program")
 done
 about=("$build/src/libOpenFoamPlugin.so" "${objects[@]}" "-instr-profile=$build/suite.profdata")
-llvm-cov-14 report "${about[@]}" "$PWD/src" | awk '/^Filename/ || /\.(h|cpp) / || /^TOTAL/ { printf "%-44s %8s lines %8s branches\n", $1, $10, $13 }'
-[ "${1:-}" != show ] || llvm-cov-14 show "${about[@]}" -show-branches=count "$PWD/src" >"$build/show.txt"
-llvm-cov-14 report "${about[@]}" "$PWD/src" | awk -v lines=$least_lines -v branches=$least_branches '
-    /^TOTAL/ { if ($10 + 0 < lines || $13 + 0 < branches) { exit 1 } }' ||
+llvm-cov-14 report "${about[@]}" "$PWD/src" >"$build/report.txt"
+rows='^TOTAL'
+if [ "${1:-}" = show ]; then
+    rows='.'
+    llvm-cov-14 show "${about[@]}" -show-branches=count "$PWD/src" >"$build/show.txt"
+fi
+awk -v rows="$rows" 'NF == 13 && $0 ~ rows && $10 ~ /%/ { printf "%-44s lines %8s  branches %8s\n", $1, $10, $13 }' "$build/report.txt"
+awk -v lines=$least_lines -v branches=$least_branches '
+    /^TOTAL/ { if ($10 + 0 < lines || $13 + 0 < branches) { exit 1 } }' "$build/report.txt" ||
     fail "less than $least_lines % of the lines or $least_branches % of the branches are run"

@@ -72,4 +72,15 @@ TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
     EXPECT_GE(count, 4);
 }
 
+TEST(SharedLibrary, IsLinkedSoThatOverrunsFindLittleToUse)
+{
+    const std::string parts = outputOf(std::string(READELF_TOOL) + " -lW '" PLUGIN_FILE "'");
+    EXPECT_TRUE(std::regex_search(parts, std::regex("GNU_STACK[^\n]* RW  ?0x"))) << parts;
+    EXPECT_NE(parts.find("GNU_RELRO"), std::string::npos);
+    EXPECT_NE(outputOf(std::string(READELF_TOOL) + " -d '" PLUGIN_FILE "'").find("BIND_NOW"), std::string::npos);
+#ifndef OFP_SANITIZED
+    EXPECT_NE(outputOf(std::string(NM_TOOL) + " -D '" PLUGIN_FILE "'").find("__stack_chk_fail"), std::string::npos);
+#endif
+}
+
 } // namespace

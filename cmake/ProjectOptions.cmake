@@ -19,6 +19,10 @@ target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wpedantic -Wsha
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(project_warnings INTERFACE -Wno-restrict)
 endif()
+# Where sources are compiled together, g++ takes each for a header, in which an unnamed namespace would be a fault.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_UNITY_BUILD)
+    target_compile_options(project_warnings INTERFACE -Wno-subobject-linkage)
+endif()
 if(OFP_WARNINGS_AS_ERRORS)
     target_compile_options(project_warnings INTERFACE -Werror)
 endif()

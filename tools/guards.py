@@ -77,7 +77,7 @@ GUARDS = [
          new="if (p == first) {",
          tests="OFFileLines|OFFileLists|Fuzz.lists|BadInput.LinesWithoutEnd.*(labels|faces)",
          note="No buffer is overrun, as tokens are scanned in place: the limit alone is gone, and 5000 digits pass for a "
-              "wrapped label. No test of this limit was found."),
+              "wrapped label."),
     dict(place="digit runs beyond the token buffer (reals)", file="src/LibCore/Numbers.cpp",
          old="if (token.size() > MAX_NUMBER_LENGTH || ClassicLocale::get() == nullptr) {",
          new="if (ClassicLocale::get() == nullptr) {",
@@ -175,8 +175,6 @@ GUARDS = [
          note="A list of another size than the array counts as read. Reads stay within the array, but where the file has "
               "fewer values than the array and the count is larger than the array, `found / width` divides by 0.",
          **FIELD_COUNT),
-    dict(place="more elements than the count: surface fields", tests="RealResults|OFFileFields.AnotherClass|Fuzz.fields|Fuzz.case",
-         note="The same guard, seen by files without header.", **FIELD_COUNT),
     dict(place="more elements than the count: uniform interior", file=FIELDS,
          old="for (std::size_t i = 0; i + width <= values->size(); i += width) {",
          new="for (std::size_t i = 0; i < values->size(); i += width) {",
@@ -428,14 +426,6 @@ EXTRA = [
          old="bool hasNode(int node) const { return static_cast<std::size_t>(node) < m_itemCounts.size(); }",
          new="bool hasNode(int node) const { return node != 0 || !m_itemCounts.empty(); }",
          tests="NodeAveraging.StaysInside", note="Sums outside the node values are written."),
-    dict(place="one-line lists with too few tokens, last component", file=FIELDS,
-         old="} else if (component + 1 == VECTOR_SIZE && !word.empty()) {",
-         new="} else if (component + 1 == VECTOR_SIZE) {", tests="OFFileFields.WhatALineLacks",
-         note="The last character of an empty word is taken off."),
-    dict(place="uniform vector patch", file=PATCHES, old="for (std::size_t i = 0; i + 3 <= values->size(); i += 3) {",
-         new="for (std::size_t i = 0; i < values->size(); i += 3) {",
-         tests="OFFileBoundaryFields|Fuzz.fields",
-         note="An array that is no multiple of three is overrun; callers of the library always give multiples."),
     dict(place="patch values without a token: `value ;`", file=PATCHES,
          old="""    if (tokens.empty()) {
         return;
@@ -458,18 +448,9 @@ EXTRA = [
          old="if (!TokenScanner::scanFaceSize<END>(p, &count) || count < 1) {",
          new="if (!TokenScanner::scanFaceSize<END>(p, &count)) {", tests="BadInput.EveryByte.*/faces|Fuzz.lists",
          note="The last label of no labels is written in front of the array."),
-    dict(place="a face of more nodes than there is text", file=FACES,
-         old="if (size > static_cast<std::size_t>(end - p) || !TokenScanner::scanFaceLabels<END>(p, size, target->room(size))) {",
-         new="if (end < p || !TokenScanner::scanFaceLabels<END>(p, size, target->room(size))) {",
-         tests="Fuzz.lists|BadInput.EveryByte.*/faces", env=LIMIT,
-         note="Memory is taken for what the size says, up to 8 GB."),
     dict(place="a worker's chunk of more vectors than one step of growth", file=VECTORS,
          old="if (thread->count + COMPONENTS > thread->values.capacity()) {", new="if (thread->values.capacity() == 0) {",
          tests="OFFileLists.AsciiBinaryAndGzip", note="The values of a chunk on one line are written behind the buffer."),
-    dict(place="a worker's chunk of more faces than one step of growth", file=FACES,
-         old="if (faceCount == nodeCounts.capacity()) {", new="if (nodeCounts.capacity() == 0) {",
-         tests="OFFileLists|OFFileFaces|Fuzz.lists",
-         note="More than 80000 faces on one line are written behind the buffers; no test has as many in one chunk."),
     dict(place="a negative cell count", file=CHECK, old="""    if (claimed < 0) {
         mesh->setCellCount(0);
     } else if (claimed > bound) {

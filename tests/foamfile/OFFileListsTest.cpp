@@ -146,6 +146,7 @@ TEST_F(OFFileLists, AListThatDiffersFromItsCountKeepsWhatCame)
         {"labelList", "ascii", "2\n(\n1\n2\n3\n)\n", true, raw(Ints{1, 2}), ""},
         {"labelList", "ascii", "4\n(\n1\n2\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
         {"labelList", "ascii", "4\n(\n1\n2\n-3\n4\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
+        {"labelList", "ascii", "2\n(\n1\n" + std::string(5000, '1') + "\n)\n", false, raw(Ints{1, 0}), one},
         {"labelList", "binary", "4\n(" + raw(Ints{1, 2}), false, raw(Ints{1, 2, 0, 0}), two},
         {"vectorField", "ascii", list(20, vectors(someVectors(30000))), true, raw(someVectors(20)), ""},
         {"vectorField", "ascii", "2\n(\n(1 2 3)\n)\n", true, raw(Doubles{1, 2, 3, 0, 0, 0}), one},

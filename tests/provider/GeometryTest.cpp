@@ -30,12 +30,15 @@ TEST(Geometry, LaysGroupsOutAsPartThenPatchesThenFaceZones)
     const TempFolder folder;
     writeControlDict(folder);
     writeTwoCubes(folder);
-    folder.write("constant/polyMesh/cellZones", zonesFile(false, {{"a", {0, 1, 7}}, {"b", {1}}}));
+    // The last label of the first zone wraps to a negative one.
+    std::string zones = zonesFile(false, {{"a", {0, 1, 7, 429496729}}, {"b", {1}}});
+    zones.insert(zones.find("429496729") + 9, "5");
+    folder.write("constant/polyMesh/cellZones", zones);
     OpenCase openCase(folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     const LogCapture log;
     // The later zone wins the cell that both hold.
     EXPECT_EQ(shapes(openCase.geometry()), "12/2: 2 3, 4/1: 4, 12/9: 5 5 5 5 5 5 5 5 5, 4/1: 6");
-    // The cell that the built mesh does not have is no item of the set.
+    // The cells that the built mesh does not have are no items of the set.
     HostSet set;
     EXPECT_TRUE(openCase.provider.getSet(1, &set));
     ASSERT_EQ(set.items.size(), 1U);

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
 // The entries of libFuzzer. OFP_FUZZ_TARGET in the environment tells the target, so that one program serves all.
+#include "DvnCore/Str.h"
 #include "fuzz/FuzzHarness.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <iostream>
 #include <random>
+#include <vector>
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
 
@@ -33,23 +34,11 @@ void moveBorder(std::size_t place, char shift, std::string* text)
 void mutate(std::string* text, std::minstd_rand* random)
 {
     // The last one is 4096 digits, which is longer than any number may be.
-    static constexpr std::array<std::string_view, 16> HOSTILE = {"0",
-                                                                 "-1",
-                                                                 "1",
-                                                                 "2147483646",
-                                                                 "2147483647",
-                                                                 "2147483648",
-                                                                 "4294967295",
-                                                                 "4294967296",
-                                                                 "255",
-                                                                 "256",
-                                                                 "1e400",
-                                                                 "nan",
-                                                                 "-nan(1)",
-                                                                 "0x1p3",
-                                                                 "1e-400",
-                                                                 "\x1b"
-                                                                 "D\x7f"};
+    static const std::vector<dvn::Str> HOSTILE =
+        dvn::Str("0 -1 1 2147483646 2147483647 2147483648 4294967295 4294967296 255 256 1e400 nan -nan(1) 0x1p3 1e-400 "
+                 "\x1b"
+                 "D\x7f")
+            .split(" ");
     const auto below = [random](std::size_t end) { return static_cast<std::size_t>((*random)()) % end; };
     const std::size_t place = below(text->size());
     const std::size_t lineStart = text->rfind('\n', place) + 1;
@@ -60,7 +49,7 @@ void mutate(std::string* text, std::minstd_rand* random)
     const char any = static_cast<char>(below(256));
     const std::size_t choice = below(16);
     if (choice < 8) {
-        text->replace(number, digits, choice < 6 ? HOSTILE[below(16)] : std::to_string(below(12)));
+        text->replace(number, digits, choice < 6 ? HOSTILE[below(HOSTILE.size())].toUtf8() : std::to_string(below(12)));
     } else if (choice < 10) {
         moveBorder(below(3) == 0 ? place : lineStart, any, text);
     } else if (choice == 10) {

@@ -317,8 +317,8 @@ GUARDS = [
 
     # --- files
     dict(place="a folder, FIFO or device in place of a file (all three guards)",
-         edits=[("src/foamfile/OFUtilities.cpp", "if (stat(path.toUtf8().c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {",
-                 "if (stat(path.toUtf8().c_str(), &info) != 0) {"),
+         edits=[("src/foamfile/OFUtilities.cpp", "return stat(path.toUtf8().c_str(), &info) == 0 && S_ISREG(info.st_mode);",
+                 "return stat(path.toUtf8().c_str(), &info) == 0;"),
                 ("src/foamfile/GzStream.cpp",
                  "if (descriptor >= 0 && (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode))) {",
                  "if (descriptor >= 0 && fstat(descriptor, &info) != 0) {"),

@@ -82,10 +82,10 @@ GzStream::GzStream(Handle handle, int descriptor, dvn::Str path, std::uint64_t s
 
 std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
 {
-    std::uint64_t sizeOnDisk = 0;
-    if (!OFUtilities::isRegularFile(path, &sizeOnDisk)) {
+    if (!OFUtilities::isRegularFile(path)) {
         return nullptr;
     }
+    std::uint64_t sizeOnDisk = 0;
     const int descriptor = openRegularFile(path.toUtf8(), &sizeOnDisk);
     // Owned at once, so that nothing stays open when memory runs out below.
     Handle handle(descriptor < 0 ? nullptr : gzdopen(descriptor, "rb"));

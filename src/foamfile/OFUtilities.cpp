@@ -85,14 +85,10 @@ bool OFUtilities::fileExists(const dvn::Str& path)
     return access(path.toUtf8().c_str(), F_OK) == 0;
 }
 
-bool OFUtilities::isRegularFile(const dvn::Str& path, std::uint64_t* size)
+bool OFUtilities::isRegularFile(const dvn::Str& path)
 {
     struct stat info = {};
-    if (stat(path.toUtf8().c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
-        return false;
-    }
-    *size = static_cast<std::uint64_t>(info.st_size);
-    return true;
+    return stat(path.toUtf8().c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
 dvn::Str OFUtilities::fileNameFromPath(const dvn::Str& path)

@@ -25,9 +25,7 @@ public:
     static bool fileExists(const dvn::Str& path);
 
     /// True if the path names a regular file, through links; pipes and devices, which may block, are none.
-    ///
-    /// @param[out] size its length in bytes
-    static bool isRegularFile(const dvn::Str& path, std::uint64_t* size);
+    static bool isRegularFile(const dvn::Str& path);
 
     /// The last component of a path, "/" and "\" being separators; empty if there is none.
     static dvn::Str fileNameFromPath(const dvn::Str& path);

@@ -5,6 +5,7 @@
 #include "foamfile/OFUtilities.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace {
@@ -26,9 +27,15 @@ bool isFixedFolder(const dvn::Str& name)
     return name == dvn::Str("constant") || name == dvn::Str("system") || name == dvn::Str("postProcessing");
 }
 
-bool liesIn(const OFState& state, const dvn::Str& folderName)
+/// Sorts a list, and in little time if it was in order but for a few entries. Equal ones keep their order.
+template <typename Entry, typename Less>
+void sortAgain(std::vector<Entry>& entries, Less less)
 {
-    return OFUtilities::folderNameFromPath(state.folder()) == folderName;
+    const auto rest = std::is_sorted_until(entries.begin(), entries.end(), less);
+    if (!std::is_sorted(rest, entries.end(), less)) {
+        std::stable_sort(rest, entries.end(), less);
+    }
+    std::inplace_merge(entries.begin(), rest, entries.end(), less);
 }
 
 /// Removes an entry by putting the last one in its place.
@@ -135,16 +142,16 @@ int OFReader::addState(const dvn::Str& folderName)
 {
     populateStates({folderName}, static_cast<int>(m_states.size()));
     m_statesFolder.push_back(folderName);
-    std::sort(m_statesFolder.begin(), m_statesFolder.end());
+    sortAgain(m_statesFolder, std::less<>());
     setIdsToRespectReferenceValueOrder();
     setStepIndex();
-    const auto added = std::ranges::find_if(m_states, [&](const OFState& state) { return liesIn(state, folderName); });
+    const auto added = std::ranges::find(m_states, folderName, &OFState::folderName);
     return added == m_states.end() ? -1 : added->id();
 }
 
 int OFReader::deleteState(const dvn::Str& folderName)
 {
-    const auto doomed = std::ranges::find_if(m_states, [&](const OFState& state) { return liesIn(state, folderName); });
+    const auto doomed = std::ranges::find(m_states, folderName, &OFState::folderName);
     if (doomed == m_states.end()) {
         return -1;
     }
@@ -153,7 +160,7 @@ int OFReader::deleteState(const dvn::Str& folderName)
     // The same position in a list of another order and length, so it is mostly another name that goes. Which folders
     // count as new or gone at the next poll follows from it, and hosts have settled on that.
     removeUnordered(m_statesFolder, position);
-    std::sort(m_statesFolder.begin(), m_statesFolder.end());
+    sortAgain(m_statesFolder, std::less<>());
     setIdsToRespectReferenceValueOrder();
     if (!m_states.empty()) {
         setStepIndex();
@@ -163,7 +170,7 @@ int OFReader::deleteState(const dvn::Str& folderName)
 
 void OFReader::sortStatesByReferenceValue()
 {
-    std::stable_sort(m_states.begin(), m_states.end(), OFStateLesser());
+    sortAgain(m_states, OFStateLesser());
 }
 
 void OFReader::setIdsToRespectReferenceValueOrder()

@@ -14,6 +14,17 @@ namespace {
 
 constexpr int NAME_DIGITS = 5;
 
+/// "index" of a `uniform/time`; a file that cannot be read is no harm, the index then comes from the state's position.
+std::size_t readStepIndex(const dvn::Str& timeFile)
+{
+    std::map<dvn::Str, dvn::Str> timeDict;
+    (void)OFFile(true).readDictionary(timeFile, "time", &timeDict);
+    const auto entry = timeDict.find("index");
+    bool isNumber = false;
+    const unsigned int index = entry == timeDict.end() ? 0 : entry->second.toUInt(&isNumber);
+    return isNumber ? index : OFState::UNKNOWN_INDEX;
+}
+
 } // namespace
 
 OFState::OFState(int id) : m_id(id) {}
@@ -21,9 +32,9 @@ OFState::OFState(int id) : m_id(id) {}
 bool OFState::init(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& regionNames,
                    const std::map<dvn::Str, dvn::Str>& resultNames)
 {
-    m_timeDict.clear();
     m_folder = folder;
-    m_name = name;
+    m_folderName = OFUtilities::folderNameFromPath(folder);
+    setName(name);
     if (m_loadGlobalResult) {
         addResultsFromFiles(folder, OFUtilities::filesInFolder(folder), resultNames);
     }
@@ -34,30 +45,18 @@ bool OFState::init(const dvn::Str& folder, const dvn::Str& name, const std::vect
         }
     }
     const dvn::Str timeFile = folder + "/uniform/time";
-    if (OFUtilities::fileExists(timeFile)) {
-        // A file that cannot be read is no harm: the step index then comes from the state's position.
-        (void)OFFile(true).readDictionary(timeFile, "time", &m_timeDict);
-    }
+    m_stepIndexFromTimeDict = OFUtilities::fileExists(timeFile) ? readStepIndex(timeFile) : UNKNOWN_INDEX;
     if (m_referenceValue == dvn::UNDEFINED_DOUBLE) {
-        m_referenceValue = OFUtilities::folderNameFromPath(folder).toDouble(dvn::UNDEFINED_DOUBLE);
+        m_referenceValue = m_folderName.toDouble(dvn::UNDEFINED_DOUBLE);
     }
     return m_referenceValue != dvn::UNDEFINED_DOUBLE;
 }
 
-std::size_t OFState::stepIndexFromTimeDict() const
+dvn::Str OFState::name() const
 {
-    const auto entry = m_timeDict.find("index");
-    if (entry == m_timeDict.end()) {
-        return UNKNOWN_INDEX;
-    }
-    bool isNumber = false;
-    const unsigned int index = entry->second.toUInt(&isNumber);
-    return isNumber ? index : UNKNOWN_INDEX;
-}
-
-void OFState::setDefaultName()
-{
-    m_name = dvn::Str("Time %1 #%2").arg(dvn::Str::number(m_referenceValue, 'f', NAME_DIGITS)).arg(m_stepIndex);
+    return m_hasDefaultName
+               ? dvn::Str("Time %1 #%2").arg(dvn::Str::number(m_referenceValue, 'f', NAME_DIGITS)).arg(m_stepIndex)
+               : m_name;
 }
 
 const OFResult* OFState::resultById(int id) const

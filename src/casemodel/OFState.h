@@ -27,9 +27,16 @@ public:
     void setid(int id) { m_id = id; }
     /// Full path of the time folder.
     const dvn::Str& folder() const { return m_folder; }
-    /// The bare folder name while the list is built, the shown name ever after.
-    const dvn::Str& name() const { return m_name; }
-    void setName(const dvn::Str& name) { m_name = name; }
+    /// Its last piece, by which the list finds a state.
+    const dvn::Str& folderName() const { return m_folderName; }
+    /// The bare folder name while the list is built, the shown name ever after: "Time 0.10000 #20". That is put
+    /// together when it is asked for, as each change of the list renames all states.
+    dvn::Str name() const;
+    void setName(const dvn::Str& name)
+    {
+        m_name = name;
+        m_hasDefaultName = false;
+    }
     /// The time as a number; the undefined mark until `init` has found one.
     double referenceValue() const { return m_referenceValue; }
     /// The solver's time step number, else `UNKNOWN_INDEX`.
@@ -52,9 +59,9 @@ public:
     bool init(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& regionNames,
               const std::map<dvn::Str, dvn::Str>& resultNames);
     /// "index" of the folder's `uniform/time`, or `UNKNOWN_INDEX`.
-    std::size_t stepIndexFromTimeDict() const;
-    /// Sets the shown name from time and step index: "Time 0.10000 #20".
-    void setDefaultName();
+    std::size_t stepIndexFromTimeDict() const { return m_stepIndexFromTimeDict; }
+    /// Lets the shown name say time and step index.
+    void setDefaultName() { m_hasDefaultName = true; }
 
     // --- the catalogue
 
@@ -98,12 +105,14 @@ private:
 
     int m_id;
     dvn::Str m_folder;
+    dvn::Str m_folderName;
     dvn::Str m_name;
     std::vector<OFResult> m_results;
     std::size_t m_stepIndex = UNKNOWN_INDEX;
     double m_referenceValue = dvn::UNDEFINED_DOUBLE;
-    std::map<dvn::Str, dvn::Str> m_timeDict;
+    std::size_t m_stepIndexFromTimeDict = UNKNOWN_INDEX;
     std::map<int, int> m_mappingSourceToAverageNode;
+    bool m_hasDefaultName = false;
     bool m_generateNodeAverageResult = false;
     bool m_loadGlobalResult = true;
     bool m_loadLocalResult = true;

@@ -253,8 +253,7 @@ bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* s
     if (result->type() == OFResultDisplacement) {
         return false;
     }
-    const dvn::Str folder = sampledSurfaceRoot(m_reader.path()) + "/" +
-                            OFUtilities::folderNameFromPath(state->folder()) + "/" + surface.name() +
+    const dvn::Str folder = sampledSurfaceRoot(m_reader.path()) + "/" + state->folderName() + "/" + surface.name() +
                             sampledFieldFolder(result->type());
     std::vector<double> values = undefinedValues(*result, surface);
     if (result->mapping() == OFResultOnNode) {

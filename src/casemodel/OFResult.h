@@ -58,7 +58,8 @@ public:
     dvn::Str className() const;
     /// Stored components: 1, 3 or, for a tensor, 6; -1 for anything else.
     int dimension() const;
-    /// Components times nodes or elements, after the mapping; all bits set where the kind or the mapping has none.
+    /// Components times nodes or elements, after the mapping; all bits set for a mapping that has neither. Without
+    /// meaning where `dimension` is negative.
     std::size_t expectedValueCount(std::size_t nodeCount, std::size_t elementCount) const;
 
     /// The field classes that can be read. Made at the first call, safe from any thread, and kept.

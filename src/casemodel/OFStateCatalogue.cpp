@@ -57,9 +57,10 @@ void OFState::addResultFromFile(const dvn::Str& folder, const dvn::Str& fileName
     const dvn::Str nativeName = checkedLookup(file.headerMap(), "object");
     const auto kind = OFResult::supportedResultClasses().find(className);
     if (kind == OFResult::supportedResultClasses().end()) {
-        OFLogger::get().logInfo(
-            "OFState",
-            dvn::Str("Ignoring class::%1 foung in %2, result not supported in this reader").arg(className).arg(path));
+        OFLogger::get().logInfo("OFState",
+                                dvn::Str("Ignoring class::%1 foung in %2, result not supported in this reader")
+                                    .arg(excerpt(className))
+                                    .arg(path));
         return;
     }
     if (seenNames.insert(nativeName).second) {

@@ -44,7 +44,7 @@ public:
 
     /// Reads values from the start of the text, fewer than `room`.
     ///
-    /// @param end       where the text ends at the latest: a damaged file may hold a NUL before
+    /// @param end       the NUL of the text; a damaged file may hold one before
     /// @param readPiece reads a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`
     /// @param[out] count values stored at `target`
     /// @return where the walk goes on
@@ -57,10 +57,9 @@ public:
         if (end - begin < LEAST_TEXT || room < LEAST_VALUES || tbb::this_task_arena::max_concurrency() < 2) {
             return begin;
         }
-        // The walk stops at the first NUL, so no piece may lie behind it.
-        end = begin + std::strlen(begin);
-        cut(begin, end);
-        if (m_pieces.front().limit == end) {
+        const char* const last = endOfPieces(begin, end, room);
+        cut(begin, last);
+        if (m_pieces.front().limit == last) {
             // All on one line.
             return begin;
         }
@@ -97,8 +96,26 @@ private:
     /// Below this the tasks cost more than they gain.
     static constexpr std::ptrdiff_t LEAST_TEXT = 65536;
     static constexpr std::size_t LEAST_VALUES = 4096;
+    /// Characters of a line that one value takes, line feed and brackets included, at the most that is usual.
+    static constexpr std::size_t TEXT_OF_VALUE = 32;
     /// Values by which a piece grows: about what its text holds.
     static constexpr std::size_t VALUES_STEP = 16384;
+
+    /// Where the last piece ends: at the first NUL, as the walk stops there, and behind a line of about the text that
+    /// the values can take. What stands further on is not looked at, as each of many short lists would do it.
+    static const char* endOfPieces(const char* begin, const char* end, std::size_t room)
+    {
+        const auto most = std::min(room, static_cast<std::size_t>(end - begin)) * TEXT_OF_VALUE;
+        const auto length = std::min(most, static_cast<std::size_t>(end - begin));
+        if (const void* const nul = std::memchr(begin, '\0', length)) {
+            return static_cast<const char*>(nul);
+        }
+        const char* last = begin + length;
+        while (last != end && last > begin && last[-1] != '\n') {
+            --last;
+        }
+        return last;
+    }
 
     /// Cuts the text behind line ends into pieces of about the same length.
     void cut(const char* begin, const char* end)
@@ -109,7 +126,7 @@ private:
             m_pieces[i].begin = next;
             // A long line may reach beyond the next cut; the piece behind it is then an empty one.
             const char* limit = std::max(next, begin + length * static_cast<std::ptrdiff_t>(i + 1));
-            if (i + 1 == PIECES || !TokenScanner::skipBehind(limit, '\n')) {
+            if (i + 1 == PIECES || limit >= end || !TokenScanner::skipBehind(limit, '\n')) {
                 limit = end;
             }
             m_pieces[i].limit = limit;

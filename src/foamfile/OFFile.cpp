@@ -128,7 +128,7 @@ bool OFFile::readDimensions(std::vector<dvn::Str>* tokens)
     if (!getNextLineStartingWith("dimensions", line)) {
         return false;
     }
-    *tokens = dvn::Str(line).split(" ", DIMENSION_TOKENS + 1);
+    *tokens = dvn::Str(line).split(" ", MOST_WORDS);
     return tokens->size() == DIMENSION_TOKENS;
 }
 

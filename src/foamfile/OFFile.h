@@ -390,7 +390,7 @@ private:
     FaceWalk walkFaces(FacesData* faces, bool skipsFirstLineFeeds) const;
     bool readCompactAscii(FacesData* faces, std::size_t* found);
     bool readCompactBinary(FacesData* faces, std::size_t* found);
-    std::size_t readCompactNodes(FacesData* faces, std::size_t labelCount) const;
+    std::size_t readCompactNodes(FacesData* faces, std::size_t labelCount, bool isCredible) const;
 
     // OFFileZones.cpp
     bool readFaceZone(const ListMessages& messages, OFFaceZone* zone);

@@ -4,7 +4,6 @@
 #include "DvnCore/Timer.h"
 #include "foamfile/CheckedLookup.h"
 #include "foamfile/GzStream.h"
-#include "foamfile/ListMessages.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TextLines.h"
 

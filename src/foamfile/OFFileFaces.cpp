@@ -432,7 +432,8 @@ bool OFFile::readCompactBinary(FacesData* faces, std::size_t* found)
         return false;
     }
     const std::size_t planned = risingFaces(offsets.data(), faces->faceCount(), m_stream->contentLimit() / sizeof(int));
-    const std::size_t labels = readCompactNodes(faces, nodesOfFaces(offsets.data(), planned));
+    const std::size_t claimed = nodesOfFaces(offsets.data(), planned);
+    const std::size_t labels = readCompactNodes(faces, claimed, canHold(claimed, sizeof(int)));
     while (*found < planned && nodesOfFaces(offsets.data(), *found + 1) <= labels) {
         const std::size_t first = nodesOfFaces(offsets.data(), *found);
         faces->nodeCounts[*found] = static_cast<std::uint8_t>(nodesOfFaces(offsets.data(), *found + 1) - first);
@@ -445,12 +446,17 @@ bool OFFile::readCompactBinary(FacesData* faces, std::size_t* found)
 /// Reads labels to the start of `nodes`, which grows in steps, and tells how many came.
 ///
 /// One read of many labels in place of one a face, but into memory that was cleared just before and is in the cache.
-std::size_t OFFile::readCompactNodes(FacesData* faces, std::size_t labelCount) const
+/// The memory for all is taken at once if the file has them, as `isCredible` says.
+std::size_t OFFile::readCompactNodes(FacesData* faces, std::size_t labelCount, bool isCredible) const
 {
     std::vector<int>& nodes = faces->nodes;
-    const std::size_t missing = labelCount - std::min(labelCount, nodes.size());
-    const std::size_t finalSize = nodes.size() + (missing + NODES_STEP - 1) / NODES_STEP * NODES_STEP;
-    dvf::reserveLarge(&nodes, finalSize);
+    const auto sizeFor = [size = nodes.size()](std::size_t count) {
+        const std::size_t missing = count - std::min(count, size);
+        return size + (missing + NODES_STEP - 1) / NODES_STEP * NODES_STEP;
+    };
+    if (isCredible) {
+        dvf::reserveLarge(&nodes, sizeFor(labelCount));
+    }
     std::size_t done = 0;
     while (done < labelCount) {
         const std::size_t wanted = std::min(NODES_STEP, labelCount - done);
@@ -461,6 +467,6 @@ std::size_t OFFile::readCompactNodes(FacesData* faces, std::size_t labelCount) c
             break;
         }
     }
-    nodes.resize(finalSize);
+    nodes.resize(sizeFor(done));
     return done;
 }

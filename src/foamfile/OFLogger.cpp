@@ -1,15 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/OFLogger.h"
 
-#include <string>
+#include <algorithm>
 
 namespace {
 
 constexpr int LEVEL_ERROR = 1;
 constexpr int LEVEL_INFO = 3;
 constexpr int LEVEL_DEBUG = 4;
+constexpr std::size_t LONGEST_EXCERPT = 256;
+constexpr int PERCENT_SIGNS = 4;
 
 } // namespace
+
+dvn::Str excerpt(const std::string& text)
+{
+    const std::size_t most = std::min(text.size(), LONGEST_EXCERPT);
+    std::size_t end = 0;
+    for (int signs = 0; end < most; ++end) {
+        signs += text[end] == '%' ? 1 : 0;
+        if (signs > PERCENT_SIGNS) {
+            break;
+        }
+    }
+    return dvn::Str(text.substr(0, end));
+}
 
 OFLogger& OFLogger::get()
 {

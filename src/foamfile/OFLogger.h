@@ -5,6 +5,11 @@
 
 #include <atomic>
 #include <map>
+#include <string>
+
+/// The start of a text of a file, as a message shows it: no more than 256 bytes, and none behind the fourth percent
+/// sign. What is filled into a message is searched for placeholders like the message itself, so texts could multiply.
+dvn::Str excerpt(const std::string& text);
 
 /// Forwards the plug-in's log lines to the one callback that the host provides.
 ///

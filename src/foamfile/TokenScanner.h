@@ -100,7 +100,8 @@ bool endsComponent(char c, char delimiter)
     return isEnd || (END == ComponentEnd::DelimiterBlankOrBracket && (c == ' ' || c == ')'));
 }
 
-/// What `scanComponent` does where `scanPlainReal` does not settle it.
+/// What `scanComponent` does where `scanPlainReal` does not settle it. What is no number by itself costs no search
+/// behind it.
 template <ComponentEnd END>
 bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
 {
@@ -110,23 +111,27 @@ bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
         ++p;
     }
     const std::string_view token(first, static_cast<std::size_t>(p - first));
+    double number = 0.0;
+    const bool isNumber = !token.empty() && dvf::tokenToDouble(token, &number);
     if (*p == '\n') {
-        if (!skipBehind(p, delimiter)) {
+        if (!isNumber) {
             return false;
         }
-    } else {
-        skipStop(p);
+        const bool isEnded = skipBehind(p, delimiter);
+        cursor = p;
+        *value = isEnded ? number : *value;
+        return isEnded;
     }
-    if (token.empty() || !dvf::tokenToDouble(token, value)) {
-        return false;
-    }
-    cursor = p;
-    return true;
+    *value = token.empty() ? *value : number;
+    skipStop(p);
+    cursor = isNumber ? p : cursor;
+    return isNumber;
 }
 
 /// Reads one component of a vector and moves behind the character that ended it.
 ///
-/// A line feed ends the token too, and what stands between it and the next delimiter is passed over.
+/// A line feed ends the token too, and what stands between it and the next delimiter is passed over. Where there is no
+/// delimiter, the scan fails at the end of the text, which nobody has to search through again.
 /// @param end the NUL of the text
 template <ComponentEnd END>
 bool scanComponent(const char*& cursor, const char* end, char delimiter, double* value)

@@ -17,6 +17,9 @@ namespace {
 /// Entries that one task checks: enough to hide the cost of the task.
 constexpr std::size_t CHECK_GRAIN = 65536;
 
+/// Numbers that a byte can tell apart.
+constexpr int BYTE_VALUES = 256;
+
 /// Labels are ints, so more points than that cannot be told apart.
 int largestCount(std::size_t count)
 {
@@ -32,6 +35,19 @@ bool isInside(const FacesData& faces, std::size_t face, int nodesSize)
 {
     const int offset = faces.nodeOffsets[face];
     return offset >= 0 && offset <= nodesSize - faces.nodeCounts[face];
+}
+
+/// Where the labels of a face end that lies inside: at the next face's, and those of the last one with the list, unless
+/// behind them is more than its count, which is a byte, may leave out.
+int endOfFace(const FacesData& faces, std::size_t face, int nodesSize)
+{
+    const int begin = faces.nodeOffsets[face];
+    const int counted = begin + faces.nodeCounts[face];
+    if (face + 1 < faces.nodeOffsets.size()) {
+        const int next = faces.nodeOffsets[face + 1];
+        return next > begin && next <= nodesSize ? next : counted;
+    }
+    return (nodesSize - counted) % BYTE_VALUES == 0 ? nodesSize : counted;
 }
 
 /// True if `isGood` holds for all indices below `count`. No early end: loops without one are several times as fast.
@@ -129,8 +145,7 @@ void dropInconsistentFaces(FacesData* faces, std::size_t nodeCount)
         if (begin < keptEnd || !isInside(*faces, face, nodesSize)) {
             continue;
         }
-        const int next = face + 1 < faceCount ? faces->nodeOffsets[face + 1] : begin;
-        const int end = next > begin && next <= nodesSize ? next : begin + faces->nodeCounts[face];
+        const int end = endOfFace(*faces, face, nodesSize);
         const std::span<const int> labels(faces->nodes.data() + begin, faces->nodes.data() + end);
         if (!labels.empty() &&
             std::ranges::all_of(labels, [labelEnd](int label) { return isLabel(label, labelEnd); })) {

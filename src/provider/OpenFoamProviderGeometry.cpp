@@ -242,6 +242,8 @@ bool OpenFoamProvider::getGeometryForTrisurface(const std::size_t& surfaceIndex,
     const dvn::Timer totalTimer;
     dvn::Timer lapTimer;
     OFSampledSurface& sampled = m_reader.sampledSurface(surfaceIndex);
+    sampled.setNodeCount(0);
+    sampled.setElementCount(0);
     OFTriSurface surface;
     if (!reader.read(sampled.folder(), &surface)) {
         return false;

@@ -148,6 +148,20 @@ TEST_F(OFReaderCase, LeavesByExceptionAtAFieldWithoutClass)
     }
 }
 
+// The class takes part in the line's own placeholders.
+TEST_F(OFReaderCase, TellsOfAForeignClassInALineOfBoundedLength)
+{
+    std::string name;
+    for (int i = 0; i < 1500; ++i) {
+        name += "%1";
+    }
+    m_folder.write("0/x", header(name, "x"));
+    const LogCapture log;
+    EXPECT_EQ(OpenCase(m_folder.path()).results(), "");
+    EXPECT_TRUE(std::ranges::all_of(
+        log.infos(), [&](const std::string& line) { return line.size() < 200 * m_folder.path().string().size(); }));
+}
+
 TEST(ResultNames, AreReadAsPairsAndPairsWithoutASecondSideSkipped)
 {
     dvn::Str text(" U = Speed ; p=;k;T=Heat;T=Warmth;;a=b=c\n");

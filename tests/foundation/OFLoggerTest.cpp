@@ -19,3 +19,10 @@ TEST(OFLogger, EachOperationHasItsLevelAndJoinsGroupAndMessage)
     EXPECT_EQ(log.lines(),
               (std::vector<LogLine>{{1, "OFFile : a"}, {3, "OFFile : b"}, {4, " : w??nde"}, {4, "Group : "}}));
 }
+
+TEST(OFLogger, TextsOfFilesDoNotMultiplyInALine)
+{
+    const std::string texts[] = {std::string(200, 'a') + "%2 100% %1", "%2%2%2%2%2%2%2", std::string(500, 'b')};
+    EXPECT_EQ(excerpt(texts[0]), texts[0]);
+    EXPECT_EQ(dvn::Str("%1").arg(excerpt(texts[1])).arg(excerpt(texts[2])).size(), 4U * 256U);
+}

@@ -98,6 +98,9 @@ TEST(TriSurface, FacesWithoutPointsOrLabelsAreDroppedAndTheOthersKeptAsTheyStand
     const HostGroups delivered = deliver(&surface);
     EXPECT_EQ(delivered.elements.ids, (std::vector<int>{1, 2, 3}));
     EXPECT_EQ(delivered.elements.connectivity, (std::vector<int>{0, 1, 2, 0, 1, 2, 3, 3, 2, 1}));
+    // A face of 256 labels has the count 0 in its byte.
+    surface = surfaceOf({{0, 1, 2}, std::vector<int>(256, 3)});
+    EXPECT_EQ(deliver(&surface).elements.connectivity.size(), 259U);
     OFTriSurface empty;
     EXPECT_EQ(deliver(&empty).elements.calls.operations, std::vector<std::string>{"setUniformElements"});
 }

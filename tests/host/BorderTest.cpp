@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "border/CaseSession.h"
 #include "border/HostLog.h"
-#include "support/TempFolder.h"
+#include "support/CaseFiles.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-/// The provider's description as the fake plug-in gives it, without loading that.
+/// A provider of two settings.
 HostProviderInfo describedProvider()
 {
     HostProviderInfo provider;
@@ -28,16 +28,11 @@ std::pair<ExitCode, std::string> outcomeOf(Work work)
     }
 }
 
-/// An open case of the fake plug-in. The name of the folder says how it behaves.
-struct FakeCase
+/// Lets the faulty library have a fault for as long as this lives.
+struct Fault
 {
-    explicit FakeCase(const std::string& behaviour)
-        : library(FAKE_PLUGIN), session(library, "/nowhere/" + behaviour + "/case.foam", options)
-    {}
-
-    PluginLibrary library;
-    HostOptions options;
-    CaseSession session;
+    explicit Fault(const char* name) { setenv("FAULT", name, 1); }
+    ~Fault() { unsetenv("FAULT"); }
 };
 
 } // namespace
@@ -67,39 +62,46 @@ TEST(HostOptions, TakeTheFormsOfABooleanAndTheLastOfSeveralValues)
 TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
 {
     HostLog::get().clear();
-    const PluginLibrary library(FAKE_PLUGIN);
-    EXPECT_EQ(library.providerName(), "Fake");
-    EXPECT_EQ(library.pluginInfo(), (std::vector<std::pair<std::string, std::string>>{{"name", "FakePlugin"}}));
+    const Fault lines("log lines");
+    const PluginLibrary library(FAULTY_PLUGIN);
+    EXPECT_EQ(library.providerName(), "OpenFoamProvider");
+    EXPECT_EQ(library.pluginInfo().front(), (std::pair<std::string, std::string>("name", "OpenFoamPlugin")));
     EXPECT_EQ(library.providerInfo().fileMask, "case.foam");
-    EXPECT_EQ(library.providerInfo().settings.size(), 2U);
+    EXPECT_EQ(library.providerInfo().settings.size(), 8U);
     EXPECT_EQ(HostLog::get().lines().size(), 3U);
 
-    const PluginLibrary refused(FAKE_PLUGIN, PluginLibrary::Registration::Refuse);
+    const PluginLibrary refused(FAULTY_PLUGIN, PluginLibrary::Registration::Refuse);
     EXPECT_FALSE(refused.hasExitFunction());
-    setenv("FAKE_PLUGIN_VERSION", "6", 1);
-    const auto outcome = outcomeOf([] { const PluginLibrary other(FAKE_PLUGIN); });
-    unsetenv("FAKE_PLUGIN_VERSION");
-    EXPECT_EQ(outcome, std::pair(ExitCode::LibraryRefused,
-                                 std::string("the library speaks version 6 of the interface, this host version 7")));
+    const Fault version("another version of the interface");
+    EXPECT_EQ(outcomeOf([] { const PluginLibrary other(FAULTY_PLUGIN); }),
+              std::pair(ExitCode::LibraryRefused,
+                        std::string("the library speaks version 8 of the interface, this host version 7")));
 }
 
 TEST(CaseSession, NamesTheFaultOfABadLibrary)
 {
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeTwoCubes(folder);
+    writePressure(folder, "1");
     const std::string broken = "the library delivered broken arrays: ";
     const std::pair<const char*, std::string> faults[] = {
         {"throws", "init let an exception out: thrown on purpose"},
-        {"unasked-option", "init: the boolean setting FLAG was read but not given"},
-        {"reserved-row", "getMetaData: a reserved row of DDPMetaData was called"},
-        {"missing-group", broken + "geometry: 0 element groups for 1 declared groups"},
-        {"bad-connectivity", broken + "body: connectivity out of range"},
-        {"group-on-worker", "getGeometry: addNodeGroup was called on a worker thread"},
-        {"short-values", broken + "body: 4 values of result T for 5 items"}};
-    for (const auto& [behaviour, fault] : faults) {
-        const auto outcome = outcomeOf([behaviour = behaviour] {
-            FakeCase fake(behaviour);
-            fake.session.geometry();
-            (void)fake.session.result(fake.session.metaData().results[0], 7);
+        {"reads what is not given", "init: the boolean setting FLAG was read but not given"},
+        {"reserved row", "getMetaData: a reserved row of DDPMetaData was called"},
+        {"lost group", broken + "geometry: 2 element groups for 3 declared groups"},
+        {"node out of range", broken + "default_region: connectivity out of range"},
+        {"group made on a worker", "getGeometry: addNodeGroup was called on a worker thread"},
+        {"lost value", broken + "default_region: 1 values of result Pressure for 2 items"}};
+    PluginLibrary library(FAULTY_PLUGIN);
+    for (const auto& [name, told] : faults) {
+        const Fault fault(name);
+        const auto outcome = outcomeOf([&] {
+            const HostOptions options;
+            CaseSession session(library, folder.path(), options);
+            session.geometry();
+            (void)session.result(session.metaData().results[0], 1);
         });
-        EXPECT_EQ(outcome.second, fault);
+        EXPECT_EQ(outcome.second, told);
     }
 }

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <memory>
+#include <stdexcept>
 
 #include <unistd.h>
 
@@ -113,6 +114,8 @@ public:
         fault("sets the locale") ? void(std::setlocale(LC_ALL, "C.UTF-8")) : void();
         fault("changes the folder") && chdir("/") != 0 ? std::abort() : void();
         fault("asks for more") ? void(options.hasOption(DDPString("MORE"))) : void();
+        fault("reads what is not given") ? void(options.boolOption(DDPString("FLAG"))) : void();
+        fault("throws") ? throw std::runtime_error("thrown on purpose") : void();
         m_open = m_real->init(key, options, error) != 0;
         return m_open ? 1 : 0;
     }
@@ -126,6 +129,7 @@ public:
     bool getMetaData(DDPMetaData* metaData) override
     {
         const DDPString name("Time 99.00000 #0");
+        fault("reserved row") ? metaData->reserved1() : void();
         fault("state before the title") ? metaData->addState(9, name, 99) : void();
         m_real->getMetaData(metaData);
         fault("state of no id") ? metaData->addState(0, name, 99) : void();
@@ -143,7 +147,7 @@ public:
             return false;
         }
         damage(&delivered);
-        for (std::size_t i = 0; i < delivered.elementGroups.size(); ++i) {
+        for (std::size_t i = fault("lost group") ? 1 : 0; i < delivered.elementGroups.size(); ++i) {
             DDPNodeGroup* nodes = nullptr;
             const auto make = [&] { nodes = geometry->addNodeGroup(); };
             fault("group made on a worker") ? std::thread(make).join() : make();
@@ -183,7 +187,11 @@ public:
     {
         HostNotifications delivered;
         m_real->pollForChanges(&delivered);
-        fault("needless notice") ? notifications->removeState(0) : void();
+        if (fault("needless notice")) {
+            notifications->updateState(7, DDPString("Time 0.00000 #0"), 0.0);
+            notifications->addState(9, DDPString("Time 1.00000 #20"), 1.0);
+            notifications->removeState(2);
+        }
         for (const HostNotice& notice : delivered.notices) {
             const DDPString name(notice.name.c_str());
             if (notice.kind == HostNotice::Kind::Update && !fault("lost updates")) {
@@ -239,7 +247,14 @@ initializeDataProviderPlugin(DDPPluginInitRecord* record)
         record->setPluginInfo(key.c_str(), value.c_str());
     }
     ++loads > 1 && fault("another version when loaded again") ? record->setPluginInfo("x", "y") : void();
-    DDPFactoryRegistration registration = {real->apiVersion(), new FaultyFactory, destroyFactory};
+    for (const std::int32_t level : {1, 3, 4}) {
+        fault("log lines") ? record->pluginLogCallback(level, "a line") : void();
+    }
+    const std::int64_t version = real->apiVersion() + (fault("another version of the interface") ? 1 : 0);
+    DDPFactoryRegistration registration = {version, new FaultyFactory, destroyFactory};
     const bool taken = record->registerProviderFactory(real->providerName().c_str(), &registration) != 0;
     return taken || fault("no refusal") ? onExit : nullptr;
 }
+
+/// A symbol that no host asks for, hidden where the library is linked as the real one is.
+extern "C" __attribute__((visibility("default"))) void needlessSymbol() {}

@@ -27,10 +27,10 @@ protected:
     {
         return runProgram(m_folder, arguments, environment, redirection);
     }
-    /// Runs it on a case of the plug-in that behaves as the folder's name says.
-    ProgramRun runFake(const std::string& arguments, const std::string& behaviour)
+    /// Runs it on the case with a library that has a fault.
+    ProgramRun runFaulty(const std::string& arguments, const std::string& fault)
     {
-        return run(arguments + inQuotes("/nowhere/" + behaviour + "/case.foam"), "DDP_PLUGIN='" FAKE_PLUGIN "'");
+        return run(arguments + m_case, "FAULT='" + fault + "' DDP_PLUGIN='" FAULTY_PLUGIN "'");
     }
 
     TempFolder m_folder;
@@ -43,34 +43,34 @@ TEST_F(Program, TellsWhatWentWrongByItsExitCode)
 {
     EXPECT_EQ(run("info --counts" + m_case).code, 0);
     EXPECT_EQ(run("info --help").code + run("--version").code, 0);
-    EXPECT_EQ(runFake("info", "refused").code, 3);
+    EXPECT_EQ(run("info" + inQuotes(m_folder / "system")).code, 3);
     EXPECT_EQ(run("info" + inQuotes(m_folder / "other.file")).code, 3);
     for (const char* const fault :
-         {"throws", "unasked-option", "reserved-row", "crashes", "missing-group", "bad-connectivity"}) {
-        EXPECT_EQ(runFake("info --counts", fault).code, 5) << fault;
+         {"throws", "reads what is not given", "reserved row", "crash", "lost group", "node out of range"}) {
+        EXPECT_EQ(runFaulty("info --counts", fault).code, 5) << fault;
     }
-    EXPECT_EQ(runFake("stats", "short-values").code, 5);
+    EXPECT_EQ(runFaulty("stats", "lost value").code, 5);
+    EXPECT_EQ(runFaulty("info", "another version of the interface").code, 4);
     for (const char* const mistake : {"", "nonsense", "info", "info x --set NODE_AVG_RES=maybe", "info x --set NONE=1",
                                       "info x --set FLAG", "info x --color pink", "sample x --kind round"}) {
         EXPECT_EQ(run(mistake).code, 2) << mistake;
     }
     EXPECT_EQ(run("info x --plugin no/such/library.so").code, 4);
     EXPECT_EQ(run("info x --plugin '" DDPHOST_PROGRAM "'").code, 4);
-    EXPECT_EQ(run("info x --plugin '" FAKE_PLUGIN "'", "FAKE_PLUGIN_VERSION=8").code, 4);
     EXPECT_EQ(run("info" + m_case, "", ">/dev/full").code, 6);
 }
 
 TEST_F(Program, KeepsDataAndLogApart)
 {
-    const std::string error = "error: an error line\n";
-    const std::string info = error + "info: an info line\n";
-    const ProgramRun plain = runFake("info", "sound");
+    const std::string error = "error: a line\n";
+    const std::string info = error + "info: a line\n";
+    const ProgramRun plain = runFaulty("info", "log lines");
     EXPECT_EQ(plain.out.find('\033'), std::string::npos);
-    EXPECT_NE(runFake("info --color always", "sound").out.find('\033'), std::string::npos);
+    EXPECT_NE(run("info --color always" + m_case).out.find('\033'), std::string::npos);
     const std::pair<const char*, std::string> levels[] = {
-        {"info", error}, {"info -q", error}, {"info -v", info}, {"info -vv", info + "debug: a debug line\n"}};
+        {"info", error}, {"info -q", error}, {"info -v", info}, {"info -vv", info + "debug: a line\n"}};
     for (const auto& [command, lines] : levels) {
-        const ProgramRun result = runFake(command, "sound");
+        const ProgramRun result = runFaulty(command, "log lines");
         EXPECT_EQ(result.err, lines);
         EXPECT_EQ(result.out, plain.out);
     }
@@ -93,8 +93,14 @@ TEST_F(Program, InfoGivesTheTreeAsOneDocument)
     EXPECT_EQ(document["states"][1]["value"], 1.0);
     EXPECT_TRUE(document["results"][0]["averageOf"].is_null());
     EXPECT_EQ(document["results"][1]["averageOf"], 1);
-    const json shapes = json::parse(runFake("info --counts --json", "sound").out)["parts"][0]["elementTypes"];
-    EXPECT_EQ(shapes, (json{{"hexahedra", 1}, {"polyhedra", 1}, {"prisms", 1}, {"pyramids", 1}, {"tetrahedra", 1}}));
+    const std::string mixed = inQuotes(m_folder / "mixed");
+    ASSERT_EQ(run("sample --kind mixed --cells 60" + mixed).code, 0);
+    const json shapes = json::parse(run("info --counts --json" + mixed).out)["parts"][0]["elementTypes"];
+    std::string names;
+    for (const auto& [name, count] : shapes.items()) {
+        names += name + (count > 0 ? " " : "? ");
+    }
+    EXPECT_EQ(names, "hexahedra polyhedra prisms pyramids tetrahedra ");
 }
 
 TEST_F(Program, ExportWritesWhatWasSelectedAndReplacesNoFileUnasked)
@@ -163,8 +169,9 @@ TEST_F(Program, TakesMovedPointsOfSeveralPartsThoughTheFirstStateHasThoseOfOne)
 
 TEST_F(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
 {
-    EXPECT_EQ(runFake("watch --interval 0 --count 1", "sound").out, "update state 7 time 0 \"Time 0.00000 #0\"\n"
-                                                                    "add state 9 time 1 \"Time 1.00000 #20\"\n"
-                                                                    "remove position 2\n");
+    EXPECT_EQ(runFaulty("watch --interval 0 --count 1", "needless notice").out,
+              "update state 7 time 0 \"Time 0.00000 #0\"\n"
+              "add state 9 time 1 \"Time 1.00000 #20\"\n"
+              "remove position 2\n");
     EXPECT_EQ(run("watch --interval 60" + m_case, "timeout --preserve-status -s INT 1 env").code, 0);
 }

@@ -46,16 +46,6 @@ TEST(SharedLibrary, IsLoadedUsedUnloadedAndLoadedAgain)
     EXPECT_EQ(joined(BorderFaults::get().take()), "");
 }
 
-TEST(SharedLibrary, GivesNoExitFunctionToAHostThatRefuses)
-{
-    const PluginLibrary library(PLUGIN_FILE, PluginLibrary::Registration::Refuse);
-    EXPECT_FALSE(library.hasExitFunction());
-    EXPECT_EQ(library.pluginInfo().size(), 3U);
-    // The plug-in leaves the refused factory alive, since the host has seen it; this host destroys it.
-    const std::unique_ptr<DDPDataProviderFactory> refused(&library.factory());
-    EXPECT_FALSE(refused->isSupportedByProvider(DDPString("x")));
-}
-
 TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
 {
     const std::string symbols = outputOf(std::string(NM_TOOL) + " -D --defined-only '" PLUGIN_FILE "'");

@@ -134,15 +134,9 @@ GUARDS = [
     dict(place="more elements than the count: compact faces ascii", tests="BadInput.CountsThatLieEnd.*compactFaces",
          note="The same guard, seen by lists of compact faces whose count is too small.", **WALK_FACES),
     dict(place="more elements than the count: compact faces binary, fewer labels than offsets say", file=FACES,
-         old="""    const std::size_t labels = readCompactNodes(faces, nodesOfFaces(offsets.data(), planned));
-    while (*found < planned && nodesOfFaces(offsets.data(), *found + 1) <= labels) {
-""",
-         new="""    static_cast<void>(readCompactNodes(faces, nodesOfFaces(offsets.data(), planned)));
-    while (*found < planned) {
-""",
-         tests="OFFileFaces.RawOffsets",
-         note="Faces whose labels the file lacks count as read, with labels that are zeros. Inside the array, as `nodes` is "
-              "resized to all labels at the end."),
+         old="    while (*found < planned && nodesOfFaces(offsets.data(), *found + 1) <= labels) {",
+         new="    while (*found < planned && labels != MAX_NODES) {", tests="OFFileFaces.RawOffsets",
+         note="Faces whose labels the file lacks count as read, with labels that are not there."),
     dict(place="more elements than the count: cell zones", tests="BadInput.CountsThatLieEnd.*ones|OFFileZones|Fuzz.zones",
          note="The guard of the labels, seen by cell zones.", **WALK_LABELS),
     dict(place="more elements than the count: face zones and flip maps", tests="OFFileZones|Fuzz.zones",

@@ -14,8 +14,9 @@ prefix=$PWD/build/tsan-tbb
 
 install_packages clang-14 cmake ninja-build libstdc++-12-dev libclang-rt-14-dev xz-utils
 say "Building TBB with the thread sanitizer"
-work=$PWD/build/tsan-tbb-work
-rm -rf "$work"
+# Not below this folder: the sources of TBB do not build where a path has a blank in it.
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/sources" "$work/lists/partial"
 
 # The machine's own package sources, asked for source packages, without a change to the machine's settings.
@@ -38,4 +39,3 @@ quietly cmake -G Ninja -S "$work/source" -B "$work/build" -DCMAKE_C_COMPILER=cla
     -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTBB_SANITIZE=thread -DTBB_TEST=OFF -DTBBMALLOC_BUILD=OFF -DTBB_STRICT=OFF \
     -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib || fail "configuring TBB failed"
 quietly cmake --build "$work/build" --target install || fail "building TBB failed"
-rm -rf "$work"

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <locale>
@@ -34,14 +33,6 @@ void expectLikeStream(const std::string& text, bool (*extract)(std::wstring_view
     // Bit by bit: a negative zero is one.
     EXPECT_EQ(std::memcmp(&value, &expected, sizeof(value)), 0) << text << ": " << value << " for " << expected;
 }
-
-template <typename Character>
-struct CommaPunctuation : std::numpunct<Character>
-{
-    Character do_decimal_point() const override { return ','; }
-    Character do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
 
 } // namespace
 
@@ -94,28 +85,4 @@ TEST(Numbers, AWholeTokenIsOneNumberAsTheCLibrarySays)
     EXPECT_FALSE(dvf::tokenToDouble("", &value));
     EXPECT_FALSE(dvf::tokenToDouble(std::string(dvf::MAX_NUMBER_LENGTH + 1, '1'), &value));
     EXPECT_EQ(value, 0.0);
-}
-
-// Hosts set the locale of the user; case files do not follow it.
-TEST(Numbers, TheLocaleOfTheHostPlaysNoPart)
-{
-    const std::locale before = std::locale::global(
-        std::locale(std::locale(std::locale(), new CommaPunctuation<char>), new CommaPunctuation<wchar_t>));
-    // The C library follows where the system has such a locale.
-    for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "de_DE"}) {
-        std::setlocale(LC_ALL, name);
-    }
-    std::ostringstream shown;
-    shown << 1234.5;
-    EXPECT_EQ(shown.str(), "1.234,5") << "the locale is at work";
-    double value = 0.0;
-    for (const char* text : {"1.5", "+1.5"}) {
-        EXPECT_TRUE(dvf::tokenToDouble(text, &value));
-        EXPECT_EQ(value, 1.5) << text;
-    }
-    EXPECT_FALSE(dvf::tokenToDouble("1,5", &value));
-    EXPECT_EQ(dvn::Str("2.5").toDouble(), 2.5);
-    EXPECT_EQ(dvn::Str::number(1234567.5, 'f', 2), "1234567.50");
-    std::locale::global(before);
-    std::setlocale(LC_ALL, "C");
 }

@@ -29,11 +29,6 @@ bool isProcessorFolder(const dvn::Str& name)
     return name.startsWith("processor");
 }
 
-bool hasSubFolder(const dvn::Str& folder, const dvn::Str& name)
-{
-    return std::ranges::count(OFUtilities::subFolders(folder), name) != 0;
-}
-
 bool existsPlainOrZipped(const dvn::Str& file)
 {
     return OFUtilities::fileExists(file) || OFUtilities::fileExists(file + ".gz");
@@ -125,7 +120,7 @@ bool OFReader::addConstantMeshes(const dvn::Str& constantPath, int* nextId)
             if (m_loadGlobalMesh && !addGlobalMesh(path, nextId)) {
                 return false;
             }
-        } else if (m_loadLocalMeshes && hasSubFolder(path, "polyMesh")) {
+        } else if (m_loadLocalMeshes && OFUtilities::hasSubFolder(path, "polyMesh")) {
             if (!addRegion(name, path + "/polyMesh", nextId)) {
                 return false;
             }
@@ -167,7 +162,7 @@ bool OFReader::addRegion(const dvn::Str& name, const dvn::Str& meshPath, int* ne
 bool OFReader::addTimeZeroMesh(int* nextId)
 {
     const dvn::Str timeFolder = m_path + "/0";
-    if (!hasSubFolder(timeFolder, "polyMesh")) {
+    if (!OFUtilities::hasSubFolder(timeFolder, "polyMesh")) {
         return true;
     }
     OFPart part((*nextId)++, DEFAULT_PART_NAME, timeFolder + "/polyMesh");

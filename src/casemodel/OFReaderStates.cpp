@@ -75,8 +75,11 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
 {
     const std::vector<dvn::Str> regions = regionNames();
     const std::map<dvn::Str, dvn::Str> resultNames = buildResultsNamesMap(m_customResultNames);
-    // Listed once and not for each state: both lists grow with the run, and their product would.
-    const std::vector<dvn::Str> surfaceTimes = sortedSubFolders(sampledSurfaceRoot(m_path));
+    // Listed once and not for each state: both lists grow with the run, and their product would. For one state, which
+    // comes while the case is open, it is not listed at all.
+    const dvn::Str surfaceRoot = sampledSurfaceRoot(m_path);
+    const bool isList = folderNames.size() > 1;
+    const std::vector<dvn::Str> surfaceTimes = isList ? sortedSubFolders(surfaceRoot) : std::vector<dvn::Str>();
     int nextId = firstId;
     for (const dvn::Str& name : folderNames) {
         if (isFixedFolder(name)) {
@@ -86,7 +89,8 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
             ++nextId;
         }
         // Also behind a rejected folder: surface values of that name then count for the state before it in the list.
-        if (std::binary_search(surfaceTimes.begin(), surfaceTimes.end(), name)) {
+        if (isList ? std::binary_search(surfaceTimes.begin(), surfaceTimes.end(), name)
+                   : OFUtilities::hasSubFolder(surfaceRoot, name)) {
             addSampledSurfaceResults(name, resultNames);
         }
     }
@@ -188,14 +192,15 @@ int OFReader::writeInterval() const
     if (entry == m_controlDict.end()) {
         return DEFAULT_WRITE_INTERVAL;
     }
-    const std::vector<dvn::Str> words = entry->second.split(" ");
-    const dvn::Str last = words.empty() ? dvn::Str() : words.back();
+    const std::string text = entry->second.toUtf8();
+    const std::string words = text.substr(0, text.find_last_not_of(' ') + 1);
+    const std::string last = words.substr(words.rfind(' ') + 1);
     bool isNumber = false;
-    const int interval = last.toInt(&isNumber);
+    const int interval = dvn::Str(last).toInt(&isNumber);
     if (!isNumber) {
         OFLogger::get().logInfo(
-            LOG_SOURCE,
-            dvn::Str("Failed to convert writeInterval value ( %1 ) from controlDict. Using 1 instead").arg(last));
+            LOG_SOURCE, dvn::Str("Failed to convert writeInterval value ( %1 ) from controlDict. Using 1 instead")
+                            .arg(excerpt(last)));
         return DEFAULT_WRITE_INTERVAL;
     }
     return interval;

@@ -35,13 +35,14 @@ bool OFState::init(const dvn::Str& folder, const dvn::Str& name, const std::vect
     m_folder = folder;
     m_folderName = OFUtilities::folderNameFromPath(folder);
     setName(name);
+    std::set<dvn::Str> seenNames = nativeNames();
     if (m_loadGlobalResult) {
-        addResultsFromFiles(folder, OFUtilities::filesInFolder(folder), resultNames);
+        addResultsFrom(folder, OFUtilities::filesInFolder(folder), seenNames, resultNames);
     }
     if (m_loadLocalResult) {
         for (const dvn::Str& region : regionNames) {
             const dvn::Str regionFolder = folder + "/" + region;
-            addResultsFromFiles(regionFolder, OFUtilities::filesInFolder(regionFolder), resultNames);
+            addResultsFrom(regionFolder, OFUtilities::filesInFolder(regionFolder), seenNames, resultNames);
         }
     }
     const dvn::Str timeFile = folder + "/uniform/time";

@@ -98,8 +98,11 @@ public:
     static dvn::Str makeIdString(const dvn::Str& nativeName);
 
 private:
-    void addResultFromFile(const dvn::Str& folder, const dvn::Str& fileName, std::set<dvn::Str>& seenNames,
-                           const std::map<dvn::Str, dvn::Str>& resultNames);
+    void addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>& files, std::set<dvn::Str>& seenNames,
+                        const std::map<dvn::Str, dvn::Str>& resultNames);
+    std::set<dvn::Str> nativeNames() const;
+    dvn::Str addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& seenNames,
+                               const std::map<dvn::Str, dvn::Str>& resultNames);
     void addFieldResults(const dvn::Str& nativeName, const OFUnit& unit, const OFResultTypeAndMapping& kind,
                          const std::map<dvn::Str, dvn::Str>& resultNames);
 

@@ -34,38 +34,58 @@ bool OFState::addResultsFromFiles(const dvn::Str& folder, const std::vector<dvn:
                                   const std::map<dvn::Str, dvn::Str>& resultNames)
 {
     // The first folder in which a field is found decides its class and unit; later regions add nothing to it.
-    std::set<dvn::Str> seenNames;
-    for (const OFResult& result : m_results) {
-        seenNames.insert(result.nativeName());
-    }
-    findDisplacementResult(folder, seenNames, resultNames);
-    for (const dvn::Str& file : files) {
-        addResultFromFile(folder, OFUtilities::fileBaseName(file), seenNames, resultNames);
-    }
+    std::set<dvn::Str> seenNames = nativeNames();
+    addResultsFrom(folder, files, seenNames, resultNames);
     return true;
 }
 
-void OFState::addResultFromFile(const dvn::Str& folder, const dvn::Str& fileName, std::set<dvn::Str>& seenNames,
-                                const std::map<dvn::Str, dvn::Str>& resultNames)
+std::set<dvn::Str> OFState::nativeNames() const
 {
-    const dvn::Str path = folder + "/" + fileName;
+    std::set<dvn::Str> names;
+    for (const OFResult& result : m_results) {
+        names.insert(result.nativeName());
+    }
+    return names;
+}
+
+/// Adds the results of a folder; `seenNames` are those of all results so far.
+void OFState::addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>& files, std::set<dvn::Str>& seenNames,
+                             const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    findDisplacementResult(folder, seenNames, resultNames);
+    // What is told of each file. Files of one base name stand for one file, which is opened once.
+    std::map<dvn::Str, dvn::Str> told;
+    for (const dvn::Str& file : files) {
+        const auto [entry, isNew] = told.emplace(folder + "/" + OFUtilities::fileBaseName(file), dvn::Str());
+        if (isNew) {
+            entry->second = addResultFromFile(entry->first, seenNames, resultNames);
+        }
+        if (!entry->second.isEmpty()) {
+            OFLogger::get().logInfo("OFState", entry->second);
+        }
+    }
+}
+
+/// Adds the result of a file, and gives what is to be told if its class is not supported.
+dvn::Str OFState::addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& seenNames,
+                                    const std::map<dvn::Str, dvn::Str>& resultNames)
+{
     OFFile file(true);
     if (!file.open(path)) {
-        return;
+        return {};
     }
     const std::string& className = checkedLookup(file.headerMap(), "class");
     const dvn::Str nativeName = checkedLookup(file.headerMap(), "object");
     const auto kind = OFResult::supportedResultClasses().find(className);
     if (kind == OFResult::supportedResultClasses().end()) {
-        OFLogger::get().logInfo("OFState",
-                                dvn::Str("Ignoring class::%1 foung in %2, result not supported in this reader")
-                                    .arg(excerpt(className))
-                                    .arg(path));
-        return;
+        return dvn::Str("Ignoring class::%1 foung in %2, result not supported in this reader")
+            .arg(excerpt(className))
+            .arg(path);
     }
     if (seenNames.insert(nativeName).second) {
         addFieldResults(nativeName, readUnit(file), kind->second, resultNames);
     }
+    return {};
 }
 
 void OFState::addFieldResults(const dvn::Str& nativeName, const OFUnit& unit, const OFResultTypeAndMapping& kind,

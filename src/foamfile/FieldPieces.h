@@ -45,7 +45,9 @@ public:
     /// Reads values from the start of the text, fewer than `room`.
     ///
     /// @param end       the NUL of the text; a damaged file may hold one before
-    /// @param readPiece reads a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`
+    /// @param readPiece reads a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`, and looks
+    /// no
+    ///                  further than to the end of the line that `limit` stands behind
     /// @param[out] count values stored at `target`
     /// @return where the walk goes on
     template <typename ReadPiece>
@@ -65,12 +67,8 @@ public:
         }
         // Each task fills its own piece.
         // The task is one of a part's own: waiting must not take up another part.
-        tbb::this_task_arena::isolate([&] {
-            tbb::parallel_for(std::size_t{0}, PIECES, [&](std::size_t i) {
-                m_pieces[i].count = 0;
-                readPiece(&m_pieces[i], end);
-            });
-        });
+        tbb::this_task_arena::isolate(
+            [&] { tbb::parallel_for(std::size_t{0}, PIECES, [&](std::size_t i) { readPiece(&m_pieces[i], end); }); });
         std::size_t used = 0;
         const char* stop = begin;
         for (; used < PIECES && m_pieces[used].isClean && *count + m_pieces[used].count < room; ++used) {
@@ -123,13 +121,17 @@ private:
         const std::ptrdiff_t length = (end - begin) / static_cast<std::ptrdiff_t>(PIECES);
         const char* next = begin;
         for (std::size_t i = 0; i < PIECES; ++i) {
-            m_pieces[i].begin = next;
+            Piece& piece = m_pieces[i];
+            // Until its task has run: nothing of the chunk before may count.
+            piece.begin = piece.stop = next;
+            piece.count = 0;
+            piece.isClean = false;
             // A long line may reach beyond the next cut; the piece behind it is then an empty one.
             const char* limit = std::max(next, begin + length * static_cast<std::ptrdiff_t>(i + 1));
             if (i + 1 == PIECES || limit >= end || !TokenScanner::skipBehind(limit, '\n')) {
                 limit = end;
             }
-            m_pieces[i].limit = limit;
+            piece.limit = limit;
             next = limit;
         }
     }

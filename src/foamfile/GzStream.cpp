@@ -50,6 +50,12 @@ int openRegularFile(const std::string& path, std::uint64_t* size)
         return -1;
     }
     *size = static_cast<std::uint64_t>(info.st_size);
+    if (descriptor >= 0 && info.st_size == 0) {
+        // Such files may be made up by the system while they are read, without an end. They are taken as the empty ones
+        // that they say they are.
+        close(descriptor);
+        return open("/dev/null", O_RDONLY | O_CLOEXEC);
+    }
     return descriptor;
 }
 

@@ -273,7 +273,7 @@ void OFFile::skipRawList(std::string_view line) const
 /// Passes over a block inside a patch and takes the line behind it; false at the end of the file.
 bool OFFile::skipInnerBlock(const std::string& patchName, std::string_view* line) const
 {
-    logDebug(dvn::Str("Found internal Tree in BC :") + patchName);
+    logDebug(dvn::Str("Found internal Tree in BC :") + excerpt(patchName));
     do {
         if (!takeBoundaryLine(false, line)) {
             return false;
@@ -282,7 +282,7 @@ bool OFFile::skipInnerBlock(const std::string& patchName, std::string_view* line
     if (!takeBoundaryLine(true, line)) {
         return false;
     }
-    logDebug(dvn::Str("Found closing char for internal Tree in BC :") + patchName);
+    logDebug(dvn::Str("Found closing char for internal Tree in BC :") + excerpt(patchName));
     return true;
 }
 

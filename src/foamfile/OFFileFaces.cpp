@@ -33,7 +33,8 @@ constexpr std::size_t MAX_NODES = std::numeric_limits<int>::max();
 
 /// Reads the face at the cursor, hands it to `target` and moves behind it; false if no whole face stands there.
 ///
-/// A target has `int* room(count)`, where the labels go, and `void publish(count)`, called for whole faces alone.
+/// A target has `bool canTake(count)`, `int* room(count)`, where the labels go, and `void publish(count)`, called for
+/// whole faces alone.
 template <FaceTokenEnd END, typename Target>
 bool readFace(const char*& cursor, const char* end, Target* target)
 {
@@ -44,7 +45,8 @@ bool readFace(const char*& cursor, const char* end, Target* target)
     }
     // Each label takes at least one character, so a size that lies makes nothing grow.
     const auto size = static_cast<std::size_t>(count);
-    if (size > static_cast<std::size_t>(end - p) || !TokenScanner::scanFaceLabels<END>(p, size, target->room(size))) {
+    if (size > static_cast<std::size_t>(end - p) || !target->canTake(size) ||
+        !TokenScanner::scanFaceLabels<END>(p, size, target->room(size))) {
         return false;
     }
     target->publish(size);
@@ -65,6 +67,8 @@ struct FaceListThread
     std::size_t faceCount = 0;
     std::size_t nodeCount = 0;
     bool more = true;
+
+    bool canTake(std::size_t count) const { return nodeCount + count <= MAX_NODES; }
 
     int* room(std::size_t count)
     {
@@ -139,6 +143,8 @@ class SequentialFaces
 {
 public:
     explicit SequentialFaces(FacesData* faces) : m_faces(faces) {}
+
+    bool canTake(std::size_t count) const { return m_nodeCount + count <= MAX_NODES; }
 
     int* room(std::size_t count)
     {

@@ -147,18 +147,17 @@ bool convertUniform(const std::vector<dvn::Str>& tokens, std::size_t first, cons
 void readScalarsOfPiece(FieldPieces::Piece* piece, const char* end)
 {
     const char* p = piece->begin;
-    TokenScanner::skipLineFeeds(p);
-    piece->isClean = true;
+    TokenScanner::skipLineFeeds(p, piece->limit);
     while (p < piece->limit && *p != '\0') {
         if (!TokenScanner::scanScalar(p, end, piece->room(1))) {
-            piece->isClean = false;
             return;
         }
         ++piece->count;
         TokenScanner::skipStop(p);
-        TokenScanner::skipLineFeeds(p);
+        TokenScanner::skipLineFeeds(p, piece->limit);
     }
     piece->stop = p;
+    piece->isClean = true;
 }
 
 } // namespace
@@ -422,6 +421,9 @@ bool OFFile::walkScalars(std::vector<double>* values, std::size_t* found) const
             std::size_t ahead = 0;
             p = pieces.read(p, chunk.end, values->size() - *found, values->data() + *found, readScalarsOfPiece, &ahead);
             *found += ahead;
+            if (ahead != 0) {
+                TokenScanner::skipLineFeeds(p);
+            }
         }
         while (*found < values->size() && *p != '\0') {
             if (!TokenScanner::scanScalar(p, chunk.end, values->data() + *found)) {

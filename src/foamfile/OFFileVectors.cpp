@@ -42,25 +42,28 @@ std::size_t scanVector(const char*& p, const char* end, std::size_t limit, doubl
     return done;
 }
 
-/// Reads the vectors that begin in a piece of a field list. One that runs on into the next piece, or is not as it
-/// should be, leaves the piece in doubt.
+/// Reads the vectors of a piece of a field list. One that does not end with its line, or is not as it should be, leaves
+/// the piece in doubt.
 void readVectorsOfPiece(FieldPieces::Piece* piece, const char* end)
 {
     const char* p = piece->begin;
-    const char* vector = p;
-    piece->isClean = true;
-    while (skipToVector(vector) && vector <= piece->limit) {
+    const auto nextVector = [&] {
+        const void* const found = std::memchr(p, '(', static_cast<std::size_t>(piece->limit - p));
+        return static_cast<const char*>(found);
+    };
+    for (const char* bracket = nextVector(); bracket != nullptr; bracket = nextVector()) {
+        const char* vector = bracket + 1;
         vector += std::strspn(vector, " ");
         double* const xyz = piece->room(COMPONENTS);
-        if (scanVector<ComponentEnd::DelimiterBlankOrBracket>(vector, end, COMPONENTS, xyz) < COMPONENTS) {
-            piece->isClean = false;
+        if (scanVector<ComponentEnd::DelimiterBlankOrBracketOfTheLine>(vector, end, COMPONENTS, xyz) < COMPONENTS ||
+            vector > piece->limit) {
             return;
         }
         piece->count += COMPONENTS;
         p = vector;
     }
     piece->stop = p;
-    piece->isClean = p <= piece->limit;
+    piece->isClean = true;
 }
 
 /// What one worker of a pass owns: its chunk and the values read from it, whose place in the list is not known before

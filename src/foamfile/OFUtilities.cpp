@@ -85,6 +85,16 @@ bool OFUtilities::fileExists(const dvn::Str& path)
     return access(path.toUtf8().c_str(), F_OK) == 0;
 }
 
+bool OFUtilities::hasSubFolder(const dvn::Str& folder, const dvn::Str& name)
+{
+    const std::string path = (folder + "/" + name).toUtf8();
+    struct stat info = {};
+    if (lstat(path.c_str(), &info) != 0) {
+        return false;
+    }
+    return S_ISLNK(info.st_mode) ? isLinkToFolder(path) : S_ISDIR(info.st_mode);
+}
+
 bool OFUtilities::isRegularFile(const dvn::Str& path)
 {
     struct stat info = {};

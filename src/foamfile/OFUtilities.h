@@ -23,6 +23,8 @@ public:
 
     /// True for files and folders alike.
     static bool fileExists(const dvn::Str& path);
+    /// Whether `subFolders` would list this name.
+    static bool hasSubFolder(const dvn::Str& folder, const dvn::Str& name);
 
     /// True if the path names a regular file, through links; pipes and devices, which may block, are none.
     static bool isRegularFile(const dvn::Str& path);

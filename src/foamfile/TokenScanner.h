@@ -26,6 +26,14 @@ inline void skipLineFeeds(const char*& cursor)
     }
 }
 
+/// The same no further than to `limit`.
+inline void skipLineFeeds(const char*& cursor, const char* limit)
+{
+    while (cursor < limit && *cursor == '\n') {
+        ++cursor;
+    }
+}
+
 /// Moves behind the next `sought`, or to the NUL and answers false.
 inline bool skipBehind(const char*& cursor, char sought)
 {
@@ -90,14 +98,16 @@ enum class ComponentEnd
     /// Its delimiter: the road of `points`, where a blank in the wrong place is taken as damage.
     Delimiter,
     /// Its delimiter, a blank or ")": the road of field values.
-    DelimiterBlankOrBracket
+    DelimiterBlankOrBracket,
+    /// The same, but a line feed is taken as damage: the road of field values ahead of the one that decides.
+    DelimiterBlankOrBracketOfTheLine
 };
 
 template <ComponentEnd END>
 bool endsComponent(char c, char delimiter)
 {
     const bool isEnd = c == delimiter || c == '\n' || c == '\0';
-    return isEnd || (END == ComponentEnd::DelimiterBlankOrBracket && (c == ' ' || c == ')'));
+    return isEnd || (END != ComponentEnd::Delimiter && (c == ' ' || c == ')'));
 }
 
 /// What `scanComponent` does where `scanPlainReal` does not settle it. What is no number by itself costs no search
@@ -114,7 +124,7 @@ bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
     double number = 0.0;
     const bool isNumber = !token.empty() && dvf::tokenToDouble(token, &number);
     if (*p == '\n') {
-        if (!isNumber) {
+        if (!isNumber || END == ComponentEnd::DelimiterBlankOrBracketOfTheLine) {
             return false;
         }
         const bool isEnded = skipBehind(p, delimiter);

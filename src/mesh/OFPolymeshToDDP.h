@@ -45,7 +45,7 @@ public:
                                DDPElementGroup* elements, std::size_t* elementCount,
                                std::size_t mostFaces = static_cast<std::size_t>(-1)) const;
     /// How many faces each patch can have: in a sound mesh all of its own. Patches that overlap, which could ask for
-    /// the whole mesh each, get no more together than the mesh has, and the first ones come first.
+    /// the whole mesh each, get no more faces and labels together than the mesh has, and the first ones come first.
     std::vector<std::size_t> facesPerPatch(const std::vector<OFBoundary>& boundaries) const;
     /// The same for a face zone, of which labels that name no face are left out. All elements have the id 0.
     bool populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount, DDPElementGroup* elements,

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <iterator>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -31,13 +31,24 @@ FaceRange rangeOfPatch(const OFBoundary& boundary, std::size_t faceCount)
     return {first, end};
 }
 
-/// The faces of a zone that the mesh has.
-std::vector<int> facesOfZone(const OFFaceZone& zone, std::size_t faceCount)
+std::size_t labelsOf(const std::vector<std::uint8_t>& nodeCounts)
+{
+    return std::accumulate(nodeCounts.begin(), nodeCounts.end(), std::size_t{0});
+}
+
+/// The faces of a zone that the mesh has. One that names a face again and again gets no more labels than the mesh has.
+std::vector<int> facesOfZone(const OFFaceZone& zone, const FacesData& mesh)
 {
     std::vector<int> faces;
     faces.reserve(zone.faceCount());
-    std::ranges::copy_if(zone.faceIds(), std::back_inserter(faces),
-                         [faceCount](int face) { return face >= 0 && static_cast<std::size_t>(face) < faceCount; });
+    std::size_t labelsLeft = labelsOf(mesh.nodeCounts);
+    for (const int face : zone.faceIds()) {
+        const auto index = static_cast<std::size_t>(face);
+        if (face >= 0 && index < mesh.faceCount() && mesh.nodeCounts[index] <= labelsLeft) {
+            labelsLeft -= mesh.nodeCounts[index];
+            faces.push_back(face);
+        }
+    }
     return faces;
 }
 
@@ -79,14 +90,21 @@ bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* 
 
 std::vector<std::size_t> OFPolymeshToDDP::facesPerPatch(const std::vector<OFBoundary>& boundaries) const
 {
-    const std::size_t faceCount = m_mesh->faces().faceCount();
-    std::size_t left = faceCount;
+    const std::vector<std::uint8_t>& nodeCounts = m_mesh->faces().nodeCounts;
+    std::size_t facesLeft = nodeCounts.size();
+    std::size_t labelsLeft = labelsOf(nodeCounts);
     std::vector<std::size_t> counts;
     counts.reserve(boundaries.size());
     for (const OFBoundary& boundary : boundaries) {
-        const FaceRange range = rangeOfPatch(boundary, faceCount);
-        counts.push_back(std::min(left, static_cast<std::size_t>(range.end - range.first)));
-        left -= counts.back();
+        const FaceRange range = rangeOfPatch(boundary, nodeCounts.size());
+        const auto first = static_cast<std::size_t>(range.first);
+        const std::size_t most = std::min(facesLeft, static_cast<std::size_t>(range.end - range.first));
+        std::size_t count = 0;
+        for (; count < most && nodeCounts[first + count] <= labelsLeft; ++count) {
+            labelsLeft -= nodeCounts[first + count];
+        }
+        facesLeft -= count;
+        counts.push_back(count);
     }
     return counts;
 }
@@ -94,7 +112,7 @@ std::vector<std::size_t> OFPolymeshToDDP::facesPerPatch(const std::vector<OFBoun
 bool OFPolymeshToDDP::populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount,
                                             DDPElementGroup* elements, std::size_t* elementCount) const
 {
-    const std::vector<int> faces = facesOfZone(zone, m_mesh->faces().faceCount());
+    const std::vector<int> faces = facesOfZone(zone, m_mesh->faces());
     FaceGroup group(*m_mesh, faces);
     *nodeCount = group.nodes().size();
     *elementCount = faces.size();

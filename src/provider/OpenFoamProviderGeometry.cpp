@@ -11,6 +11,7 @@
 #include "mesh/OFTriSurfaceToDDP.h"
 #include "provider/PluginIdentity.h"
 #include "provider/ProviderLog.h"
+#include "provider/TaskFailures.h"
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
@@ -42,17 +43,20 @@ struct OFReadPartMeshFunctor
     const DDPGeometrySpec* spec;
     std::size_t partCount;
     std::size_t surfaceCount;
+    TaskFailures* failures;
 
     void operator()(const Range& range) const
     {
         OFPolymeshReader meshReader;
         OFTriSurfaceReader surfaceReader;
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
-            if (i < partCount) {
-                (void)provider->getGeometryForPart(i, meshReader, (*pairs)[i], *spec);
-            } else {
-                (void)provider->getGeometryForTrisurface(i - partCount, surfaceReader, (*pairs)[i].front(), *spec);
-            }
+            failures->guard(i, [&] {
+                if (i < partCount) {
+                    (void)provider->getGeometryForPart(i, meshReader, (*pairs)[i], *spec);
+                } else {
+                    (void)provider->getGeometryForTrisurface(i - partCount, surfaceReader, (*pairs)[i].front(), *spec);
+                }
+            });
         }
     }
 };
@@ -105,8 +109,11 @@ bool OpenFoamProvider::getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geo
     }
     std::vector<OFGroupPairs> pairs = makePairs(m_reader, geometry);
     const dvn::Timer timer;
-    const OFReadPartMeshFunctor readMesh = {this, &pairs, &spec, m_reader.partCount(), m_reader.sampledSurfaceCount()};
+    TaskFailures failures(pairs.size());
+    const OFReadPartMeshFunctor readMesh = {
+        this, &pairs, &spec, m_reader.partCount(), m_reader.sampledSurfaceCount(), &failures};
     tbb::parallel_for(Range(0, pairs.size(), MESH_GRAIN_SIZE), readMesh, tbb::auto_partitioner());
+    failures.rethrowFirst();
     logInfo(dvn::Str(">>>> Get Geometry [Parallel] done. Total time used : %1").arg(timer.time()));
     OFLogger::get().printTrackedData();
     return true;

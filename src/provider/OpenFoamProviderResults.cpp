@@ -9,6 +9,7 @@
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 #include "provider/PluginIdentity.h"
+#include "provider/TaskFailures.h"
 #include "provider/ValueArrays.h"
 
 #include <tbb/blocked_range.h>
@@ -37,17 +38,20 @@ struct OFReadResultsFunctor
     const dvn::Str& className;
     std::size_t partCount;
     std::size_t surfaceCount;
+    TaskFailures* failures;
 
     void operator()(const Range& range) const
     {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
-            if (i < partCount) {
-                (void)provider->getResultForPart(static_cast<int>(i), state, result, (*groups)[i], nativeName,
-                                                 className);
-            } else {
-                (void)provider->getResultForTrisurface(static_cast<int>(i - partCount), state, result,
-                                                       (*groups)[i].front(), nativeName, className);
-            }
+            failures->guard(i, [&] {
+                if (i < partCount) {
+                    (void)provider->getResultForPart(static_cast<int>(i), state, result, (*groups)[i], nativeName,
+                                                     className);
+                } else {
+                    (void)provider->getResultForTrisurface(static_cast<int>(i - partCount), state, result,
+                                                           (*groups)[i].front(), nativeName, className);
+                }
+            });
         }
     }
 };
@@ -143,9 +147,12 @@ bool OpenFoamProvider::buildDataResults(const OFState* state, const OFResult* re
 {
     std::vector<OFValueGroups> groups = makeValueGroups(m_reader, dataResult);
     const dvn::Timer timer;
+    TaskFailures failures(groups.size());
     const OFReadResultsFunctor readResults = {
-        this, state, result, &groups, nativeName, className, m_reader.partCount(), m_reader.sampledSurfaceCount()};
+        this,     state, result, &groups, nativeName, className, m_reader.partCount(), m_reader.sampledSurfaceCount(),
+        &failures};
     tbb::parallel_for(Range(0, groups.size(), FIELD_GRAIN_SIZE), readResults, tbb::auto_partitioner());
+    failures.rethrowFirst();
     OFLogger::get().logInfo(PROVIDER_NAME, dvn::Str("getResult [Parallel] in %1 seconds").arg(timer.time()));
     return true;
 }

@@ -148,6 +148,30 @@ TEST_F(OFReaderCase, LeavesByExceptionAtAFieldWithoutClass)
     }
 }
 
+// Any number of files could share a base name with a large one.
+TEST_F(OFReaderCase, OpensTheFileOfABaseNameOnce)
+{
+    m_folder.write("0/a.gz", gzipped(header("volScalarField", "a")).substr(0, 40));
+    for (const char* const file : {"0/a.1", "0/a.2", "0/a.3"}) {
+        m_folder.write(file, "");
+    }
+    const LogCapture log;
+    EXPECT_EQ(OpenCase(m_folder.path()).results(), "");
+    EXPECT_EQ(std::ranges::count_if(log.infos(), [](const std::string& line) { return line.find("damaged") < 99; }), 1);
+}
+
+TEST_F(OFReaderCase, FindsSurfaceValuesOfATimeThatComesLater)
+{
+    std::filesystem::create_directory(m_folder / "0");
+    OFReader reader;
+    ASSERT_TRUE(reader.init(m_folder.str()));
+    m_folder.write("postProcessing/sampleSurface/1/cut/scalarField/p", "");
+    std::filesystem::create_directory(m_folder / "1");
+    const OFState* const added = reader.stateById(reader.addState("1"));
+    ASSERT_TRUE(added != nullptr && added->resultCount() == 1);
+    EXPECT_EQ(added->result(0).idString(), "PRESSURE_N*");
+}
+
 // The class takes part in the line's own placeholders.
 TEST_F(OFReaderCase, TellsOfAForeignClassInALineOfBoundedLength)
 {

@@ -96,6 +96,8 @@ std::vector<Sample> hugeTexts()
     const std::string field = header(FIELD, "file") + "internalField ";
     const std::string section = header("volVectorField", "file") + "internalField uniform (0 0 0);\nboundaryField\n{\n";
     const std::string patch = "p\n{\nvalue nonuniform List<vector>\n";
+    std::string shortLines = "y\n";
+    shortLines.resize(150000, '\n');
     const std::string labelCount = header("labelList", "file", "ascii", note(3)) + "400000000\n(\n1\n";
     const std::string offsets = header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 250000000});
     return {
@@ -114,6 +116,7 @@ std::vector<Sample> hugeTexts()
          16000000},
         {"ALongLineBehindManyVectorsWithoutEnd", section, {11}, patch + "((1 2 3\n", 5000, "", 16000000},
         {"ALongLineBehindManyShortListsOfLargePatches", section, {12}, patch + "1(;\n", 1500, "", 16000000},
+        {"ALongLineBehindManyVectorsThatAreNone", section, {12}, patch + "((x\n", 1500, shortLines, 16000000},
         {"WordsWithoutEnd", field + "uniform", {6}, " 1", 4000000, ";\n"},
         {"ACompressedCountThatDataDoNotLiveUpTo", labelCount, {0}, "", 0, "", 0, 500000},
         {"CompressedOffsetsThatDataDoNotLiveUpTo", offsets + "\n1\n(", {4}, "", 0, "", 0, 1000000},

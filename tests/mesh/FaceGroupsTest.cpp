@@ -57,6 +57,10 @@ TEST(BoundaryGroup, PatchesThatOverlapShareTheFacesOfTheMesh)
     const OFPolymeshToDDP converter(&mesh);
     EXPECT_EQ(converter.facesPerPatch({patch(1, 4), patch(5, 1)}), (std::vector<std::size_t>{4, 1}));
     EXPECT_EQ(converter.facesPerPatch({patch(2, 99), patch(-1, 4), patch(0, 6)}), (std::vector<std::size_t>{4, 2, 0}));
+    OFPolymesh uneven = meshOfFaces(Faces(6, {0, 1, 2}), 3);
+    uneven.faces() = foamtext::packed({{0, 1, 2, 0, 1, 2, 0, 1, 2}, {0, 1, 2}, {0, 1, 2}, {0, 1, 2}});
+    EXPECT_EQ(OFPolymeshToDDP(&uneven).facesPerPatch({patch(0, 1), patch(0, 1), patch(1, 3)}),
+              (std::vector<std::size_t>{1, 1, 0}));
     OFBoundary boundary = patch(1, 4);
     HostGroups got;
     EXPECT_TRUE(
@@ -128,6 +132,10 @@ TEST(FaceZoneGroup, FacesComeInTheOrderOfTheZoneAllWithIdZero)
     EXPECT_EQ(got.elements.types, (Ints{DDP_TRIANGLE, DDP_QUADRILATERAL, DDP_TRIANGLE}));
     EXPECT_EQ(got.elements.connectivity, (Ints{0, 4, 2, 0, 1, 2, 3, 2, 3, 4}));
     EXPECT_EQ(got.elements.ids, (Ints{0, 0, 0}));
+    zone.faceIds() = Ints(100, 0);
+    EXPECT_TRUE(OFPolymeshToDDP(&mesh).populateFaceZoneGroup(zone, &got.nodes, &got.nodeCount, &got.elements,
+                                                             &got.elementCount));
+    EXPECT_EQ(got.elementCount, 3U) << "14 labels are all that the mesh has";
 }
 
 // Nodes close together and far apart are numbered in different ways, and few are sorted in another way than many; the

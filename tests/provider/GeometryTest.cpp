@@ -73,6 +73,24 @@ TEST(Geometry, IsWholeAgainWhenTheMeshIs)
     }
 }
 
+// An exception cancels the loops that run beside it, and arrays would go out half made.
+TEST(Geometry, OfAPartIsWholeThoughAnotherPartThrows)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeMesh(folder, "constant/large/polyMesh", asciiFiles(hexahedronMesh(40, 40, 40)));
+    folder.write("constant/broken/polyMesh/owner", "FoamFile\n{\n    object owner;\n}\n");
+    OpenCase openCase(folder.path());
+    HostGeometry geometry;
+    openCase.metaData();
+    EXPECT_THROW((void)openCase.provider.getGeometry(HostGeometrySpec(), &geometry), std::out_of_range);
+    std::ptrdiff_t solids = 0;
+    for (const HostElementGroup& group : geometry.elementGroups) {
+        solids += std::ranges::count(group.types, DDP_HEXAHEDRON);
+    }
+    EXPECT_EQ(solids, 40 * 40 * 40);
+}
+
 // Real cases, held against the figures of the solvers' own mesh checker and against the host's checks.
 TEST(Geometry, AgreesWithTheCellCountsOfRealCases)
 {

@@ -46,8 +46,6 @@ public:
     /// Passes over `size` bytes, or all that are left.
     void skip(std::uint64_t size);
 
-    /// More bytes than the file can hold when inflated, from its size on disk.
-    std::uint64_t contentLimit() const;
     /// Whether the file can hold so many bytes when inflated. A claim that few files live up to is not believed but
     /// held against all that there is, which takes as long as reading the file.
     bool canHold(std::uint64_t bytes);
@@ -62,6 +60,8 @@ private:
 
     GzStream(Handle handle, int descriptor, dvn::Str path, std::uint64_t sizeOnDisk);
     std::size_t readShared(char* target, std::size_t size);
+    /// More bytes than the file can hold when inflated, from its size on disk.
+    std::uint64_t contentLimit() const;
     std::uint64_t inflatedSize() const;
     void noteEnd();
 

@@ -185,15 +185,10 @@ std::size_t nodesOfFaces(const int* offsets, std::size_t faceCount)
     return static_cast<std::size_t>(static_cast<std::int64_t>(offsets[faceCount]) - offsets[0]);
 }
 
-/// How many faces there are in front of the first offset that falls or asks for more labels than there can be.
-std::size_t risingFaces(const int* offsets, std::size_t faceCount, std::uint64_t labelLimit)
+/// How many faces there are in front of the first offset that falls.
+std::size_t risingFaces(const int* offsets, std::size_t faceCount)
 {
-    std::size_t rising = 0;
-    while (rising < faceCount && offsets[rising + 1] >= offsets[rising] &&
-           nodesOfFaces(offsets, rising + 1) <= labelLimit) {
-        ++rising;
-    }
-    return rising;
+    return static_cast<std::size_t>(std::is_sorted_until(offsets, offsets + faceCount + 1) - offsets) - 1;
 }
 
 } // namespace
@@ -437,7 +432,7 @@ bool OFFile::readCompactBinary(FacesData* faces, std::size_t* found)
     if (!readNextIntLine(&labelCount) || !skipToList()) {
         return false;
     }
-    const std::size_t planned = risingFaces(offsets.data(), faces->faceCount(), m_stream->contentLimit() / sizeof(int));
+    const std::size_t planned = risingFaces(offsets.data(), faces->faceCount());
     const std::size_t claimed = nodesOfFaces(offsets.data(), planned);
     const std::size_t labels = readCompactNodes(faces, claimed, canHold(claimed, sizeof(int)));
     while (*found < planned && nodesOfFaces(offsets.data(), *found + 1) <= labels) {

@@ -45,9 +45,8 @@ public:
     /// Reads values from the start of the text, fewer than `room`.
     ///
     /// @param end       the NUL of the text; a damaged file may hold one before
-    /// @param readPiece reads a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`, and looks
-    /// no
-    ///                  further than to the end of the line that `limit` stands behind
+    /// @param readPiece reads a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`. It looks at
+    ///                  no line behind the piece.
     /// @param[out] count values stored at `target`
     /// @return where the walk goes on
     template <typename ReadPiece>

@@ -23,7 +23,7 @@ public:
 
     /// True for files and folders alike.
     static bool fileExists(const dvn::Str& path);
-    /// Whether `subFolders` would list this name.
+    /// Whether a folder has a sub-folder of this name, as a folder or as a link that `subFolders` takes for one.
     static bool hasSubFolder(const dvn::Str& folder, const dvn::Str& name);
 
     /// True if the path names a regular file, through links; pipes and devices, which may block, are none.

@@ -47,7 +47,9 @@ int endOfFace(const FacesData& faces, std::size_t face, int nodesSize)
         const int next = faces.nodeOffsets[face + 1];
         return next > begin && next <= nodesSize ? next : counted;
     }
-    return (nodesSize - counted) % BYTE_VALUES == 0 ? nodesSize : counted;
+    // Faces that a short file lacks begin at 0.
+    const bool isFilled = begin != 0 || face == 0;
+    return isFilled && (nodesSize - counted) % BYTE_VALUES == 0 ? nodesSize : counted;
 }
 
 /// True if `isGood` holds for all indices below `count`. No early end: loops without one are several times as fast.

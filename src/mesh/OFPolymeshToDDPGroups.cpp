@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -41,7 +42,9 @@ std::vector<int> facesOfZone(const OFFaceZone& zone, const FacesData& mesh)
 {
     std::vector<int> faces;
     faces.reserve(zone.faceCount());
-    std::size_t labelsLeft = labelsOf(mesh.nodeCounts);
+    // So few faces that they cannot have more are not worth a look at all faces of the mesh.
+    const std::size_t mostLabels = zone.faceIds().size() * std::numeric_limits<std::uint8_t>::max();
+    std::size_t labelsLeft = mostLabels <= mesh.faceCount() ? mostLabels : labelsOf(mesh.nodeCounts);
     for (const int face : zone.faceIds()) {
         const auto index = static_cast<std::size_t>(face);
         if (face >= 0 && index < mesh.faceCount() && mesh.nodeCounts[index] <= labelsLeft) {

@@ -106,13 +106,7 @@ public:
                                 DDPResultValueGroup* group, const dvn::Str& nativeName, const dvn::Str& className);
     /// Delivers the positions of all nodes in this state: coordinates, not differences. Surfaces have none.
     bool getDisplacements(int stateId, DDPResult* result);
-    struct ReadPoints
-    {
-        dvn::Str folder;
-        std::vector<double> points;
-    };
-    /// @param read the points that were read last and their folder: parts that share one have it read once
-    bool updatePointsForPart(int partIndex, int stateId, OFValueGroups& groups, ReadPoints* read);
+    bool updatePointsForPart(int partIndex, int stateId, OFValueGroups& groups);
     /// Fills item i of `target` with item `mapping[i]` of `source`; items that the source does not have stay as they
     /// are.
     bool applyNodalDataInFace(const std::vector<double>& source, std::vector<double>& target, int dimension,

@@ -21,16 +21,15 @@ bool OpenFoamProvider::getDisplacements(int stateId, DDPResult* result)
         groups[i].resize(1 + m_reader.part(i).boundaries().size());
         std::ranges::generate(groups[i], [&] { return result->addValueGroup(); });
     }
-    ReadPoints read;
     for (std::size_t i = 0; i < groups.size(); ++i) {
-        if (!updatePointsForPart(static_cast<int>(i), stateId, groups[i], &read)) {
+        if (!updatePointsForPart(static_cast<int>(i), stateId, groups[i])) {
             return false;
         }
     }
     return true;
 }
 
-bool OpenFoamProvider::updatePointsForPart(int partIndex, int stateId, OFValueGroups& groups, ReadPoints* read)
+bool OpenFoamProvider::updatePointsForPart(int partIndex, int stateId, OFValueGroups& groups)
 {
     const auto index = static_cast<std::size_t>(partIndex);
     const OFState* const state = m_reader.stateById(stateId);
@@ -45,18 +44,16 @@ bool OpenFoamProvider::updatePointsForPart(int partIndex, int stateId, OFValueGr
     // shows the points of the part that was read last. Hosts know it so.
     const dvn::Str partFolder = part.isDefaultRegion() ? state->folder() : state->folder() + "/" + part.name();
     const dvn::Str folder = stateId == FIRST_STATE_ID ? m_polyMeshFolder.get() : partFolder + "/polyMesh";
-    if (folder.isEmpty() || folder != read->folder) {
-        if (!OFPolymeshReader().readPoints(folder, &read->points)) {
-            return false;
-        }
-        read->folder = folder;
+    std::vector<double> points;
+    if (!OFPolymeshReader().readPoints(folder, &points)) {
+        return false;
     }
-    deliver(read->points, POINT_DIMENSION, groups.front());
+    deliver(points, POINT_DIMENSION, groups.front());
     for (std::size_t i = 0; i < part.boundaries().size(); ++i) {
         const OFBoundary& boundary = part.boundaries()[i];
         // Nodes beyond the points of a later, smaller mesh stay undefined.
         std::vector<double> values = undefinedItems(boundary.nodeCount(), POINT_DIMENSION);
-        applyNodalDataInFace(read->points, values, POINT_DIMENSION, boundary.faceNodeToNodeMapping());
+        applyNodalDataInFace(points, values, POINT_DIMENSION, boundary.faceNodeToNodeMapping());
         deliverAndRelease(values, POINT_DIMENSION, groups[i + 1]);
     }
     return true;

@@ -75,11 +75,8 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
 {
     const std::vector<dvn::Str> regions = regionNames();
     const std::map<dvn::Str, dvn::Str> resultNames = buildResultsNamesMap(m_customResultNames);
-    // Listed once and not for each state: both lists grow with the run, and their product would. For one state, which
-    // comes while the case is open, it is not listed at all.
+    // Asked for by name and never listed: both lists grow with the run, and their product would.
     const dvn::Str surfaceRoot = sampledSurfaceRoot(m_path);
-    const bool isList = folderNames.size() > 1;
-    const std::vector<dvn::Str> surfaceTimes = isList ? sortedSubFolders(surfaceRoot) : std::vector<dvn::Str>();
     int nextId = firstId;
     for (const dvn::Str& name : folderNames) {
         if (isFixedFolder(name)) {
@@ -89,8 +86,7 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
             ++nextId;
         }
         // Also behind a rejected folder: surface values of that name then count for the state before it in the list.
-        if (isList ? std::binary_search(surfaceTimes.begin(), surfaceTimes.end(), name)
-                   : OFUtilities::hasSubFolder(surfaceRoot, name)) {
+        if (OFUtilities::hasSubFolder(surfaceRoot, name)) {
             addSampledSurfaceResults(name, resultNames);
         }
     }

@@ -121,8 +121,11 @@ bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
         ++p;
     }
     const std::string_view token(first, static_cast<std::size_t>(p - first));
+    if (token.empty()) {
+        return false;
+    }
     double number = 0.0;
-    const bool isNumber = !token.empty() && dvf::tokenToDouble(token, &number);
+    const bool isNumber = dvf::tokenToDouble(token, &number);
     if (*p == '\n') {
         if (!isNumber || END == ComponentEnd::DelimiterBlankOrBracketOfTheLine) {
             return false;
@@ -132,7 +135,7 @@ bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
         *value = isEnded ? number : *value;
         return isEnded;
     }
-    *value = token.empty() ? *value : number;
+    *value = number;
     skipStop(p);
     cursor = isNumber ? p : cursor;
     return isNumber;

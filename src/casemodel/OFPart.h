@@ -2,9 +2,9 @@
 #pragma once
 
 #include "DvnCore/Str.h"
-#include "casemodel/OFBoundary.h"
-#include "casemodel/OFCellZone.h"
-#include "casemodel/OFFaceZone.h"
+#include "records/OFBoundary.h"
+#include "records/OFCellZone.h"
+#include "records/OFFaceZone.h"
 
 #include <cstddef>
 #include <cstdint>

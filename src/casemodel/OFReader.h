@@ -3,10 +3,10 @@
 
 #include "DvnCore/Str.h"
 #include "casemodel/OFPart.h"
-#include "casemodel/OFResult.h"
 #include "casemodel/OFSampledSurface.h"
 #include "casemodel/OFState.h"
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
+#include "records/OFResult.h"
 
 #include <cstddef>
 #include <map>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
-#include "casemodel/OFBoundary.h"
+#include "records/OFBoundary.h"
 
 #include <vector>
 

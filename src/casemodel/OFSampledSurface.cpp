@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "casemodel/OFSampledSurface.h"
 
-#include "casemodel/GroupInfo.h"
+#include "records/GroupInfo.h"
 
 OFSampledSurface::OFSampledSurface(int id, const dvn::Str& name, const dvn::Str& folder)
     : m_name(name), m_userName(name + "[Surf]"), m_id(id), m_folder(folder)

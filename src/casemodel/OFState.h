@@ -4,7 +4,7 @@
 #include "DvnCore/Str.h"
 #include "DvnCore/Undefined.h"
 #include "casemodel/OFPart.h"
-#include "casemodel/OFResult.h"
+#include "records/OFResult.h"
 
 #include <cstddef>
 #include <map>

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "casemodel/OFState.h"
+
+#include "casemodel/ResultIdStrings.h"
 #include "foamfile/CheckedLookup.h"
 #include "foamfile/OFFile.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
-#include "provider/OFInitOptions.h"
 
 #include <algorithm>
 #include <string>

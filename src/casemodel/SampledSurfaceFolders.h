@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
-#include "casemodel/OFResult.h"
+#include "records/OFResult.h"
 
 /// The folder under which a case keeps its sampled surfaces, one sub-folder a time and therein one a surface.
 dvn::Str sampledSurfaceRoot(const dvn::Str& casePath);

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "DvnCore/Str.h"
-#include "casemodel/OFBoundary.h"
-#include "casemodel/OFCellZone.h"
-#include "casemodel/OFFaceZone.h"
 #include "foamfile/FacesData.h"
 #include "foamfile/GrowingBuffer.h"
+#include "records/OFBoundary.h"
+#include "records/OFCellZone.h"
+#include "records/OFFaceZone.h"
 
 #include <tbb/concurrent_vector.h>
 

@@ -3,11 +3,11 @@
 
 #include "DvnCore/Undefined.h"
 #include "LibCore/Numbers.h"
-#include "casemodel/OFResult.h"
 #include "foamfile/CheckedLookup.h"
 #include "foamfile/FieldPieces.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TokenScanner.h"
+#include "records/OFResult.h"
 
 #include <algorithm>
 #include <array>

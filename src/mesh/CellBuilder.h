@@ -2,9 +2,9 @@
 #pragma once
 
 #include "foamfile/FacesData.h"
+#include "interface/DataProviderInterface.h"
 #include "mesh/CellKernel.h"
 #include "mesh/NodeSet.h"
-#include "provider/DataProviderInterface.h"
 
 #include <array>
 #include <cstddef>

@@ -6,7 +6,7 @@
 // road. They hold for any cell that faces can form, however degenerate, and read nothing beyond the given faces.
 #pragma once
 
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 #include <cstddef>
 #include <cstdint>

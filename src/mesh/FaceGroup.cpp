@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/FaceGroup.h"
 
-#include "casemodel/OFBoundary.h"
+#include "records/OFBoundary.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "interface/DataProviderInterface.h"
 #include "mesh/LocalNumbering.h"
 #include "mesh/MeshArrays.h"
 #include "mesh/OFPolymesh.h"
-#include "provider/DataProviderInterface.h"
 
 #include <cstddef>
 #include <cstdint>

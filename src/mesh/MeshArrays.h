@@ -3,7 +3,7 @@
 // The arrays that reach the host, and the small operations that all makers of them share.
 #pragma once
 
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 #include <cstddef>
 #include <cstdint>

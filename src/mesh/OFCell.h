@@ -2,7 +2,7 @@
 #pragma once
 
 #include "foamfile/FacesData.h"
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 #include <tbb/cache_aligned_allocator.h>
 #include <tbb/concurrent_vector.h>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "casemodel/OFBoundary.h"
-#include "casemodel/OFFaceZone.h"
+#include "interface/DataProviderInterface.h"
 #include "mesh/MeshArrays.h"
 #include "mesh/OFCell.h"
 #include "mesh/OFPolymesh.h"
-#include "provider/DataProviderInterface.h"
+#include "records/OFBoundary.h"
+#include "records/OFFaceZone.h"
 
 #include <tbb/blocked_range.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "interface/DataProviderInterface.h"
 #include "mesh/OFTriSurface.h"
-#include "provider/DataProviderInterface.h"
 
 #include <cstddef>
 

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "DvnCore/Str.h"
-#include "provider/DataProviderInterface.h"
-
-#include <map>
+#include "casemodel/ResultIdStrings.h" // OPENFOAM_IDSTRINGS_MAP, the fixed part of the settings
+#include "interface/DataProviderInterface.h"
 
 /// One boolean user setting: the key that the host passes, the label that it shows, and the value if it passes none.
 /// The texts are copied as they are.
@@ -55,9 +53,4 @@ inline const OFInitOption OF_HIDE_PARALLEL_INTERFACES("HIDE_PARALLEL_INTERFACES"
 /// Shown names of fields, as pairs NAME=SHOWN separated by semicolons.
 inline const OFInitOptionString OF_RESULTS_NAMES_MAPPING("RESULTS_NAMES_MAPPING", "Result names mapping",
                                                          "U=Velocity;p=Pressure;rho=Density;T=Temperature;g=Gravity");
-
-/// Field names with a word of their own in the id of their results, whatever names the user shows; hosts keep views by
-/// these ids. "g" has a shown name in the default setting above but no word here, and so it stays.
-inline const std::map<dvn::Str, dvn::Str> OPENFOAM_IDSTRINGS_MAP = {
-    {"U", "VELOCITY"}, {"p", "PRESSURE"}, {"rho", "DENSITY"}, {"T", "TEMPERATURE"}};
 // NOLINTEND(cert-err58-cpp)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 #include "provider/PluginRegistration.h"
 
 /// The one function that the library exports.

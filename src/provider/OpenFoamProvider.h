@@ -3,7 +3,7 @@
 
 #include "DvnCore/Str.h"
 #include "casemodel/OFReader.h"
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 #include "provider/OFInitOptions.h"
 #include "provider/SharedFolder.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 /// Answers a host's questions about the reader before a case is open, and makes the providers. Holds no data.
 class OpenFoamProviderFactory final : public DDPDataProviderFactory

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 /// The whole work of the library's entry: installs the host's log callback, tells the host what the plug-in is and
 /// registers the one factory. The host calls it once, on one thread.

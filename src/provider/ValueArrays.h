@@ -2,9 +2,9 @@
 #pragma once
 
 #include "casemodel/OFPart.h"
-#include "casemodel/OFResult.h"
 #include "casemodel/OFSampledSurface.h"
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
+#include "records/OFResult.h"
 
 #include <cstddef>
 #include <vector>

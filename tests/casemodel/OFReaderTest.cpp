@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "casemodel/OFReader.h"
-#include "casemodel/OFUnit.h"
+#include "records/OFUnit.h"
 #include "support/LogCapture.h"
 #include "support/OpenCase.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/OFBoundary.h"
 #include "foamfile/OFFile.h"
+#include "records/OFBoundary.h"
 #include "support/FoamText.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"

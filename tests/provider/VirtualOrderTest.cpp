@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Hosts are compiled against their own header and call a row of a table by its number. Here stands the order of theirs,
 // apart from the order of our header: a row out of place would call a wrong function.
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 #include <gtest/gtest.h>
 

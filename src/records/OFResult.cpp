@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/OFResult.h"
+#include "records/OFResult.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/OFFaceZone.h"
+#include "records/OFFaceZone.h"
 
-#include "casemodel/GroupInfo.h"
+#include "records/GroupInfo.h"
 
 void OFFaceZone::addFaceZoneInfo(int offset, DDPElementGroupInfo* info)
 {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 /// What the host is told of one boundary, zone or sampled surface.
 struct GroupInfo

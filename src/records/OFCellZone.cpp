@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/OFCellZone.h"
+#include "records/OFCellZone.h"
 
-#include "casemodel/GroupInfo.h"
+#include "records/GroupInfo.h"
 
 void OFCellZone::addCellZoneInfo(int offset, DDPElementGroupInfo* info)
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/GroupInfo.h"
+#include "records/GroupInfo.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
-#include "casemodel/OFUnit.h"
+#include "records/OFUnit.h"
 
 #include <cstddef>
 #include <map>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
-#include "provider/DataProviderInterface.h"
+#include "interface/DataProviderInterface.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/OFBoundary.h"
+#include "records/OFBoundary.h"
 
-#include "casemodel/GroupInfo.h"
+#include "records/GroupInfo.h"
 
 void OFBoundary::addBoundaryInfo(int offset, DDPElementGroupInfo* info)
 {

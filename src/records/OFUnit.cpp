@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "casemodel/OFUnit.h"
+#include "records/OFUnit.h"
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# What lands where: the plug-in in a folder of its own, since hosts open it by path and no linker should find it; the
-# interface header as the CMake target DataProviderInterface::DataProviderInterface; host, example and documents.
+# What is installed where: the plug-in in a separate folder, since hosts open it by path and no linker should find it;
+# the interface header as the CMake target DataProviderInterface::DataProviderInterface; host, example and documents.
 include(CMakePackageConfigHelpers)
 
 set(OFP_PACKAGE_NAME "openfoam-data-provider")

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Builds TBB with the thread sanitizer from Debian's source package, once, into build/tsan-tbb.
 #
-# Debian's TBB does not tell the sanitizer how it passes work between threads, which shows up as hundreds of false races;
-# suppressing those would hide real ones.
+# Debian's TBB does not tell the sanitizer how it passes work between threads, which shows up as hundreds of false
+# races; suppressing those would hide real ones.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."

@@ -2,7 +2,7 @@
 //
 // The binary interface between a post-processing host and a data-provider plug-in, version 7.0.
 //
-// A host includes this header alone; it needs nothing but the C++ standard library. The host loads the plug-in, looks
+// A host includes only this header, which needs nothing but the C++ standard library. The host loads the plug-in, looks
 // up `initializeDataProviderPlugin`, calls it once with a filled `DDPPluginInitRecord`, and gets a factory through
 // `registerProviderFactory`. From then on both sides speak through the abstract classes below.
 //
@@ -341,7 +341,7 @@ public:
                                   const std::int32_t* elementIds) = 0;
     /// The general elements of the group in element order, packed as face tables without gaps.
     ///
-    /// A cube with the nodes of a hexahedron above, alone in its group, is
+    /// A cube with the nodes of the hexahedron drawn above, as the only element of its group, is
     ///
     ///     nodesPerPolyhedron   8
     ///     facesPerPolyhedron   6

@@ -48,7 +48,7 @@ public:
     void close();
 
     /// Tells how the case is laid out (decomposed, else one mesh or several regions) and registers its meshes and its
-    /// sampled surfaces. A case without a mesh has no parts, which is no failure.
+    /// sampled surfaces. A case without a mesh has no parts, which is not an error.
     bool initGeometry();
     /// Registers each processor folder that holds a mesh as a part of its name, in the order of the list; always true.
     bool initParallelGeometry(std::vector<dvn::Str>& caseSubFolders);
@@ -68,9 +68,17 @@ public:
 
     // --- the states (OFReaderStates.cpp)
 
-    /// Appends a state for each time folder, with ids from 1 in the text order of the folders' names; always true.
+    /// Lists the sub-folders of the case, sorted; states come and go with them.
+    ///
+    /// @return false, with the reason in the log, if the case folder cannot be listed, or does not exist any more
+    /// though
+    ///         sub-folders of it are known. A network disk that is gone for a moment looks like that, so the caller
+    ///         must not take the states for removed.
+    bool listCaseFolders(std::vector<dvn::Str>* names) const;
+    /// Appends a state for each time folder, with ids from 1 in the text order of the folders' names.
+    /// @return false, with no states, if the case folder cannot be listed
     bool initStates();
-    /// The same after all states were dropped.
+    /// The same after dropping all states, which stay if the case folder cannot be listed.
     bool updateStates();
     /// Appends a state for each of these folders that is a time folder, then sorts and names all states; always true.
     bool populateStates(const std::vector<dvn::Str>& folderNames, int firstId);

@@ -48,7 +48,11 @@ bool dropBrokenList(std::vector<Piece>& pieces, const char* message, const dvn::
 bool OFReader::initGeometry()
 {
     m_simulationTitle = OFUtilities::fileNameFromPath(m_path);
-    std::vector<dvn::Str> caseSubFolders = OFUtilities::subFolders(m_path);
+    std::vector<dvn::Str> caseSubFolders;
+    if (!OFUtilities::listSubFolders(m_path, &caseSubFolders)) {
+        // Without the listing a decomposed case would open as one without a mesh, which no poll mends.
+        return false;
+    }
     if (std::ranges::any_of(caseSubFolders, isProcessorFolder)) {
         // Always true; a processor folder that cannot be read costs its own pieces alone.
         (void)initParallelGeometry(caseSubFolders);
@@ -114,7 +118,11 @@ bool OFReader::initSerialGeometry(const std::vector<dvn::Str>& caseSubFolders)
 
 bool OFReader::addConstantMeshes(const dvn::Str& constantPath, int* nextId)
 {
-    for (const dvn::Str& name : OFUtilities::subFolders(constantPath)) {
+    std::vector<dvn::Str> names;
+    if (!OFUtilities::listSubFolders(constantPath, &names)) {
+        return false;
+    }
+    for (const dvn::Str& name : names) {
         const dvn::Str path = constantPath + "/" + name;
         if (name == dvn::Str("polyMesh")) {
             if (m_loadGlobalMesh && !addGlobalMesh(path, nextId)) {

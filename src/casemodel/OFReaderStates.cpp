@@ -14,13 +14,6 @@ namespace {
 constexpr int FIRST_RENEWED_ID = 1001;
 constexpr int DEFAULT_WRITE_INTERVAL = 1;
 
-std::vector<dvn::Str> sortedSubFolders(const dvn::Str& folder)
-{
-    std::vector<dvn::Str> names = OFUtilities::subFolders(folder);
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 /// The folders of every case that hold no time; they are passed over without a word.
 bool isFixedFolder(const dvn::Str& name)
 {
@@ -56,15 +49,34 @@ OFResult surfaceResult(const dvn::Str& fieldName, OFResultType type, const std::
 
 } // namespace
 
+bool OFReader::listCaseFolders(std::vector<dvn::Str>* names) const
+{
+    if (!OFUtilities::listSubFolders(m_path, names)) {
+        return false;
+    }
+    if (names->empty() && !m_statesFolder.empty() && !OFUtilities::fileExists(m_path)) {
+        return OFLogger::get().logError(LOG_SOURCE, dvn::Str("Case folder %1 does not exist.").arg(m_path));
+    }
+    std::sort(names->begin(), names->end());
+    return true;
+}
+
 bool OFReader::initStates()
 {
-    m_statesFolder = sortedSubFolders(m_path);
+    std::vector<dvn::Str> folders;
+    if (!listCaseFolders(&folders)) {
+        return false;
+    }
+    m_statesFolder = std::move(folders);
     return populateStates(m_statesFolder, 1);
 }
 
 bool OFReader::updateStates()
 {
-    std::vector<dvn::Str> folders = sortedSubFolders(m_path);
+    std::vector<dvn::Str> folders;
+    if (!listCaseFolders(&folders)) {
+        return false;
+    }
     m_states.clear();
     populateStates(folders, 1);
     m_statesFolder = std::move(folders);

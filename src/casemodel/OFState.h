@@ -27,8 +27,10 @@ public:
     void setid(int id) { m_id = id; }
     /// Full path of the time folder.
     const dvn::Str& folder() const { return m_folder; }
-    /// Its last piece, by which the list finds a state.
+    /// Its last component, by which the list finds a state.
     const dvn::Str& folderName() const { return m_folderName; }
+    /// The folder in which a part keeps its files of this state: the time folder itself or its region's sub-folder.
+    dvn::Str folderOf(const OFPart& part) const;
     /// The bare folder name while the list is built, the shown name ever after: "Time 0.10000 #20". That is put
     /// together when it is asked for, as each change of the list renames all states.
     dvn::Str name() const;
@@ -88,8 +90,7 @@ public:
     bool registerVolumeResultSourceOfAverageNodeResult(int nodeResultId, int volumeResultId);
     /// The result that a node average is computed from, or null if none of its shape and name is registered.
     const OFResult* sourceVolumefromAverageNodeResult(const OFResult* result) const;
-    /// Whether the part has a file for this result; looks at the disk each time, so that files which vanish are no
-    /// harm.
+    /// Whether the part has a file for this result. Looks at the disk each time, so a file may come or go at any time.
     bool hasResultForPart(const OFResult* result, const OFPart* part) const;
 
     /// The shown name of a field: the user's, else the field's own.

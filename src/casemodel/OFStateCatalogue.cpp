@@ -7,7 +7,6 @@
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 
-#include <algorithm>
 #include <string>
 
 namespace {
@@ -141,11 +140,8 @@ bool OFState::hasResultForPart(const OFResult* result, const OFPart* part) const
     if (read == nullptr) {
         return false;
     }
-    const dvn::Str folder = part->isDefaultRegion() ? m_folder : m_folder + "/" + part->name();
-    // The name is the one in the file's header: a field whose file bears another name is listed, but found in no part.
-    return std::ranges::any_of(OFUtilities::filesInFolder(folder), [&](const dvn::Str& file) {
-        return OFUtilities::fileBaseName(file) == read->nativeName();
-    });
+    // Compatibility (docs/compatibility.md, "field named otherwise"): the name is the one in the file's header.
+    return OFUtilities::hasFileOfBaseName(folderOf(*part), read->nativeName());
 }
 
 dvn::Str OFState::makeCustomName(const dvn::Str& nativeName, const std::map<dvn::Str, dvn::Str>& resultNames)

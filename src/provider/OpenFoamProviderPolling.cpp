@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "provider/OpenFoamProvider.h"
 
-#include "foamfile/OFUtilities.h"
-
 #include <algorithm>
 #include <iterator>
 
@@ -46,8 +44,11 @@ void OpenFoamProvider::pollForChanges(DDPChangeNotifications* notifications)
         runVerificationForChanges(notifications);
         return;
     }
-    std::vector<dvn::Str> currentFolders = OFUtilities::subFolders(m_reader.path());
-    std::sort(currentFolders.begin(), currentFolders.end());
+    std::vector<dvn::Str> currentFolders;
+    if (!m_reader.listCaseFolders(&currentFolders)) {
+        // Not a change but a failure: the host keeps its states, and the next poll that can list the folder goes on.
+        return;
+    }
     // A copy, as the handlers change the reader's list.
     const std::vector<dvn::Str> knownFolders = m_reader.statesFolder();
     handleRemovedStates(notifications, currentFolders, knownFolders);

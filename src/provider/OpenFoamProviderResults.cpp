@@ -68,12 +68,6 @@ std::vector<OFValueGroups> makeValueGroups(const OFReader& reader, DDPResult* da
     return groups;
 }
 
-/// The folder in which a part keeps the field files of a state.
-dvn::Str fieldFolder(const OFState& state, const OFPart& part)
-{
-    return part.isDefaultRegion() ? state.folder() : state.folder() + "/" + part.name();
-}
-
 /// True if a file was read and holds a value: one of another class counts as read but gives undefined values alone.
 bool holdsValues(const std::vector<double>& values)
 {
@@ -174,7 +168,7 @@ bool OpenFoamProvider::getResultForPart(int partIndex, const OFState* state, con
     if (result->mapping() == OFResultNodeAverage) {
         return getAverageForPart(part, state, result, values, groups);
     }
-    const dvn::Str folder = fieldFolder(*state, part);
+    const dvn::Str folder = state->folderOf(part);
     OFResultReader reader;
     if (m_loadBoundaries) {
         getResultsWithBoundaries(part.boundaries(), dimension, reader, folder, nativeName, className, values, groups);
@@ -194,7 +188,7 @@ bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* stat
     if (source == nullptr) {
         return false;
     }
-    const dvn::Str folder = fieldFolder(*state, part);
+    const dvn::Str folder = state->folderOf(part);
     const int dimension = source->dimension();
     std::vector<double> cellValues = dvf::filledLarge(valueCount(*source, part), 0.0);
     if (!m_loadBoundaries) {
@@ -264,9 +258,7 @@ bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* s
                             sampledFieldFolder(result->type());
     std::vector<double> values = undefinedValues(*result, surface);
     if (result->mapping() == OFResultOnNode) {
-        const std::vector<dvn::Str> files = OFUtilities::filesInFolder(folder);
-        const bool hasFile = std::ranges::any_of(
-            files, [&](const dvn::Str& file) { return OFUtilities::fileBaseName(file) == nativeName; });
+        const bool hasFile = OFUtilities::hasFileOfBaseName(folder, nativeName);
         bool isRead = true;
         if (hasFile && !OFResultReader().readNonHeaderValues(folder, nativeName, className, &values, &isRead)) {
             return false;

@@ -2,6 +2,7 @@
 #include "sweeps/FailingCalls.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <new>
 
@@ -135,12 +136,20 @@ int __wrap_gzgetc(gzFile file)
 
 DIR* __wrap_opendir(const char* path)
 {
-    return mustFail(FailingCall::OpenFolder) ? nullptr : __real_opendir(path);
+    if (mustFail(FailingCall::OpenFolder)) {
+        errno = EMFILE;
+        return nullptr;
+    }
+    return __real_opendir(path);
 }
 
 dirent* __wrap_readdir(DIR* folder)
 {
-    return mustFail(FailingCall::ReadFolder) ? nullptr : __real_readdir(folder);
+    if (mustFail(FailingCall::ReadFolder)) {
+        errno = EIO;
+        return nullptr;
+    }
+    return __real_readdir(folder);
 }
 
 int __wrap_stat(const char* path, struct stat* status)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sweeps/FailingCalls.h"
+#include "support/LogCapture.h"
 #include "support/OpenCase.h"
 #include "sweeps/UseCase.h"
 
@@ -8,6 +9,7 @@
 
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -83,5 +85,35 @@ constexpr int FIRST_KIND = static_cast<int>(FailingCall::Allocation) + 1;
 #endif
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCalls, testing::Range(FIRST_KIND, FAILING_CALL_KINDS));
+
+// Too many open files, or a disk that does not answer: the folder is not empty, and nothing has come or gone.
+TEST(UnlistedFolder, IsReportedAndChangesNothingThatTheHostKnows)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeTwoCubes(folder);
+    writePressure(folder, "0");
+    OpenCase openCase(folder.path());
+    openCase.metaData();
+    writePressure(folder, "1");
+    const std::string line = "OFUtilities : Cannot list folder " + folder.path().string();
+    LogCapture log;
+    for (const auto& [call, which] :
+         {std::pair(FailingCall::OpenFolder, 0U), {FailingCall::ReadFolder, 0U}, {FailingCall::ReadFolder, 3U}}) {
+        log.clear();
+        const FailingCallScope scope(call, which);
+        EXPECT_EQ(openCase.poll(), "");
+        EXPECT_TRUE(scope.hasFailed());
+        EXPECT_EQ(joined(log.errors()), line);
+    }
+    log.clear();
+    {
+        OpenFoamProvider provider;
+        const FailingCallScope scope(FailingCall::OpenFolder, 0);
+        EXPECT_EQ(provider.init(DDPString((folder / "case.foam").c_str()), HostOptions(), nullptr), 0);
+        EXPECT_EQ(joined(log.errors()), line);
+    }
+    EXPECT_EQ(openCase.poll(), "add 1002 Time 1.00000 #1");
+}
 
 } // namespace

@@ -88,11 +88,13 @@ void makeConsistent(FacesData* faces, std::size_t pointCount)
     }
 }
 
-/// A cell without a face has nothing to show, so honest meshes stay far below the bound.
+/// A cell without a face has nothing to show, so honest meshes stay far below the bound. Faces count by themselves too:
+/// a mesh of one cell may write its owners in a form that is not read, such as "6{0}", and keeps its cell.
 void limitCellCount(OFPolymesh* mesh)
 {
     const auto claimed = static_cast<int>(mesh->cellCount());
-    const int bound = largestCount(mesh->owners().size() + mesh->neighbors().size());
+    const int bound =
+        largestCount(std::max(mesh->owners().size() + mesh->neighbors().size(), mesh->faces().faceCount()));
     if (claimed < 0) {
         mesh->setCellCount(0);
     } else if (claimed > bound) {

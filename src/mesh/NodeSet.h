@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "LibCore/Limits.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -19,7 +21,7 @@ public:
     void insert(int node)
     {
         std::size_t slot = firstSlot(node);
-        for (std::size_t probes = 0; probes < MOST_PROBES; ++probes, slot = (slot + 1) & m_mask) {
+        for (std::size_t probes = 0; probes < dvf::limits::NODE_SET_PROBES; ++probes, slot = (slot + 1) & m_mask) {
             Entry& entry = m_entries[slot];
             if (entry.stamp != m_stamp) {
                 entry = {node, m_stamp};
@@ -39,8 +41,6 @@ public:
     std::span<const int> sorted();
 
 private:
-    static constexpr std::size_t MOST_PROBES = 256;
-
     struct Entry
     {
         int node = 0;

@@ -44,8 +44,11 @@ public:
     bool populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* nodes, std::size_t* nodeCount,
                                DDPElementGroup* elements, std::size_t* elementCount,
                                std::size_t mostFaces = static_cast<std::size_t>(-1)) const;
-    /// How many faces each patch can have: in a sound mesh all of its own. Patches that overlap, which could ask for
-    /// the whole mesh each, get no more faces and labels together than the mesh has, and the first ones come first.
+    /// How many faces each patch gets: in a sound mesh all that it claims.
+    ///
+    /// Each of many patches could claim the whole mesh, so all together they get no more than twice the faces and node
+    /// labels of the mesh. Shorter patches are served first: a patch that claims too much takes nothing from the
+    /// others.
     std::vector<std::size_t> facesPerPatch(const std::vector<OFBoundary>& boundaries) const;
     /// The same for a face zone, of which labels that name no face are left out. All elements have the id 0.
     bool populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount, DDPElementGroup* elements,

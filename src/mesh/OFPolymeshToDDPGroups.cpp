@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFPolymeshToDDP.h"
 
+#include "LibCore/Limits.h"
 #include "mesh/FaceGroup.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -16,6 +18,8 @@ struct FaceRange
 {
     std::int64_t first;
     std::int64_t end;
+
+    std::size_t size() const { return static_cast<std::size_t>(end - first); }
 };
 
 /// The faces of a patch that the mesh has: a patch may claim more, and what it claims stays in its record, since a
@@ -30,6 +34,15 @@ FaceRange rangeOfPatch(const OFBoundary& boundary, std::size_t faceCount)
     const std::int64_t first = std::clamp<std::int64_t>(start, 0, meshEnd);
     const std::int64_t end = std::clamp<std::int64_t>(start + claimed, first, meshEnd);
     return {first, end};
+}
+
+/// The positions of the ranges in ascending order of size; equal ones keep their order.
+std::vector<std::size_t> shortestFirst(const std::vector<FaceRange>& ranges)
+{
+    std::vector<std::size_t> order(ranges.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, std::less<>(), [&ranges](std::size_t i) { return ranges[i].size(); });
+    return order;
 }
 
 std::size_t labelsOf(const std::vector<std::uint8_t>& nodeCounts)
@@ -80,7 +93,7 @@ bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* 
                                             std::size_t mostFaces) const
 {
     const FaceRange range = rangeOfPatch(boundary, m_mesh->faces().faceCount());
-    const std::size_t count = std::min(static_cast<std::size_t>(range.end - range.first), mostFaces);
+    const std::size_t count = std::min(range.size(), mostFaces);
     const std::vector<int> faces = numbersFrom(static_cast<int>(range.first), count);
     FaceGroup group(*m_mesh, faces);
     *nodeCount = group.nodes().size();
@@ -94,20 +107,23 @@ bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* 
 std::vector<std::size_t> OFPolymeshToDDP::facesPerPatch(const std::vector<OFBoundary>& boundaries) const
 {
     const std::vector<std::uint8_t>& nodeCounts = m_mesh->faces().nodeCounts;
-    std::size_t facesLeft = nodeCounts.size();
-    std::size_t labelsLeft = labelsOf(nodeCounts);
-    std::vector<std::size_t> counts;
-    counts.reserve(boundaries.size());
+    std::vector<FaceRange> ranges;
+    ranges.reserve(boundaries.size());
     for (const OFBoundary& boundary : boundaries) {
-        const FaceRange range = rangeOfPatch(boundary, nodeCounts.size());
-        const auto first = static_cast<std::size_t>(range.first);
-        const std::size_t most = std::min(facesLeft, static_cast<std::size_t>(range.end - range.first));
-        std::size_t count = 0;
+        ranges.push_back(rangeOfPatch(boundary, nodeCounts.size()));
+    }
+    std::size_t facesLeft = dvf::limits::SHARE_OF_PATCHES * nodeCounts.size();
+    std::size_t labelsLeft = dvf::limits::SHARE_OF_PATCHES * labelsOf(nodeCounts);
+    std::vector<std::size_t> counts(boundaries.size());
+    // The shortest come first: the one patch that claims too much is served last, from what the others leave.
+    for (const std::size_t patch : shortestFirst(ranges)) {
+        const auto first = static_cast<std::size_t>(ranges[patch].first);
+        const std::size_t most = std::min(facesLeft, ranges[patch].size());
+        std::size_t& count = counts[patch];
         for (; count < most && nodeCounts[first + count] <= labelsLeft; ++count) {
             labelsLeft -= nodeCounts[first + count];
         }
         facesLeft -= count;
-        counts.push_back(count);
     }
     return counts;
 }

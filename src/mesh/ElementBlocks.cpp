@@ -2,9 +2,7 @@
 #include "mesh/ElementBlocks.h"
 
 #include "LibCore/LargePages.h"
-
-#include <tbb/parallel_for.h>
-#include <tbb/parallel_invoke.h>
+#include "LibCore/Parallel.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -62,9 +60,8 @@ void ElementBlocks::build(std::size_t firstCell, std::size_t endCell)
     // Memory that is new to the process is several times as slow as memory that was used before, so the arrays grow
     // while the cells are built, by what the cells so far suggest. A task writes its own blocks and the entries of
     // their cells, none of which are in those arrays.
-    tbb::parallel_invoke(
-        [this, endCell] { growArrays(expectedEnd(endCell), endCell); },
-        [this] { tbb::parallel_for(std::size_t{0}, m_usedBlocks, [this](std::size_t i) { build(&m_blocks[i]); }); });
+    dvf::invokeAll([this, endCell] { growArrays(expectedEnd(endCell), endCell); },
+                   [this] { dvf::forEachIndex(m_usedBlocks, [this](std::size_t i) { build(&m_blocks[i]); }); });
 }
 
 ElementBlocks::Extent ElementBlocks::expectedEnd(std::size_t endCell) const
@@ -104,7 +101,7 @@ void ElementBlocks::store()
     }
     growArrays(m_stored, m_storedCells);
     // The parts of the blocks follow each other without overlap.
-    tbb::parallel_for(std::size_t{0}, m_usedBlocks, [this](std::size_t i) { store(&m_blocks[i]); });
+    dvf::forEachIndex(m_usedBlocks, [this](std::size_t i) { store(&m_blocks[i]); });
     m_usedBlocks = 0;
 }
 

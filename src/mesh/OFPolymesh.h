@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foamfile/FacesData.h"
+#include "records/Components.h"
 
 #include <cstddef>
 #include <vector>
@@ -26,7 +27,7 @@ public:
     std::vector<int>& owners() { return m_owners; }
     const std::vector<int>& owners() const { return m_owners; }
 
-    std::size_t nodeCount() const { return m_points.size() / 3; }
+    std::size_t nodeCount() const { return m_points.size() / VECTOR_COMPONENTS; }
     /// The count that the header of the `owner` file claims; it is not derived from the lists.
     std::size_t cellCount() const { return static_cast<std::size_t>(m_cellCount); }
     void setCellCount(int count) { m_cellCount = count; }

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFPolymeshReader.h"
 
+#include "LibCore/Parallel.h"
 #include "foamfile/OFFile.h"
 #include "mesh/ListFile.h"
-
-#include <tbb/parallel_invoke.h>
-#include <tbb/task_group.h>
 
 #include <stdexcept>
 
@@ -44,9 +42,8 @@ bool OFPolymeshReader::readPolymeshPar(const dvn::Str& folder, OFPolymesh* mesh)
         return OFPolymeshReadFunctor{this,           kind,           folder, &mesh->points(), &mesh->neighbors(),
                                      &mesh->faces(), &mesh->owners()};
     };
-    tbb::task_group_context context;
-    tbb::parallel_invoke(task(OFPolymeshReadFunctor::POINTS), task(OFPolymeshReadFunctor::NEIGHBORS),
-                         task(OFPolymeshReadFunctor::FACES), task(OFPolymeshReadFunctor::OWNERS), context);
+    dvf::invokeAll(task(OFPolymeshReadFunctor::POINTS), task(OFPolymeshReadFunctor::NEIGHBORS),
+                   task(OFPolymeshReadFunctor::FACES), task(OFPolymeshReadFunctor::OWNERS));
     mesh->setCellCount(m_cellCount);
     const double seconds = timer.time();
     OFLogger::get().logDebug(MESH_LOG_GROUP,

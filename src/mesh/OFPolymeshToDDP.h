@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "LibCore/Parallel.h"
 #include "interface/DataProviderInterface.h"
 #include "mesh/MeshArrays.h"
 #include "mesh/OFCell.h"
 #include "mesh/OFPolymesh.h"
 #include "records/OFBoundary.h"
 #include "records/OFFaceZone.h"
-
-#include <tbb/blocked_range.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -114,7 +113,7 @@ public:
     int endCell;
 
     /// Files each face with those of its owner and its neighbour that are cells of the chunk.
-    void operator()(const tbb::blocked_range<std::size_t>& faces) const;
+    void operator()(const dvf::IndexRange& faces) const;
 
 private:
     void insertSide(int cell, std::size_t face, bool isOwner) const;
@@ -130,5 +129,5 @@ public:
     PolyDataVector* polys;
     DDPElementType* types; ///< of the chunk's first cell
 
-    void operator()(const tbb::blocked_range<std::size_t>& range) const;
+    void operator()(const dvf::IndexRange& range) const;
 };

@@ -2,9 +2,7 @@
 #include "mesh/OFPolymeshToDDP.h"
 
 #include "DvnCore/Timer.h"
-
-#include <tbb/parallel_for.h>
-#include <tbb/parallel_sort.h>
+#include "LibCore/Parallel.h"
 
 #include <algorithm>
 #include <cassert>
@@ -13,17 +11,10 @@ namespace {
 
 /// Eight chunks bound the number of cell objects, whatever the size of the mesh or the number of processors.
 constexpr std::size_t CHUNK_COUNT = 8;
-/// Records below which starting tasks for a sort costs more than it gains.
-constexpr std::size_t PARALLEL_SORT_SIZE = 500;
 
 void sortByCell(PolyDataVector* polys)
 {
-    const auto byCell = [](const PolyData& a, const PolyData& b) { return a.cellIndex < b.cellIndex; };
-    if (polys->size() < PARALLEL_SORT_SIZE) {
-        std::sort(polys->begin(), polys->end(), byCell);
-    } else {
-        tbb::parallel_sort(polys->begin(), polys->end(), byCell);
-    }
+    dvf::sortPar(polys, [](const PolyData& a, const PolyData& b) { return a.cellIndex < b.cellIndex; });
 }
 
 } // namespace
@@ -77,7 +68,7 @@ bool OFPolymeshToDDP::assignCellFacesPar(int first, int last)
     assert(static_cast<std::size_t>(last - first) <= m_cells.size());
     const OFInsertCellFacesDataFunctor insert = {
         &m_cells, &m_mesh->owners(), &m_mesh->neighbors(), m_mesh->neighbors().size(), first, last};
-    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, m_mesh->owners().size()), insert);
+    dvf::forEachRange(m_mesh->owners().size(), insert);
     return true;
 }
 
@@ -86,11 +77,11 @@ bool OFPolymeshToDDP::assignCellFacesSeq(int first, int last)
     assert(static_cast<std::size_t>(last - first) <= m_cells.size());
     const OFInsertCellFacesDataFunctor insert = {
         &m_cells, &m_mesh->owners(), &m_mesh->neighbors(), m_mesh->neighbors().size(), first, last};
-    insert(tbb::blocked_range<std::size_t>(0, m_mesh->owners().size()));
+    insert(dvf::IndexRange(0, m_mesh->owners().size()));
     return true;
 }
 
-void OFInsertCellFacesDataFunctor::operator()(const tbb::blocked_range<std::size_t>& faces) const
+void OFInsertCellFacesDataFunctor::operator()(const dvf::IndexRange& faces) const
 {
     for (std::size_t face = faces.begin(); face != faces.end(); ++face) {
         insertSide((*owners)[face], face, true);
@@ -116,7 +107,7 @@ bool OFPolymeshToDDP::buildElementData(std::size_t firstCell)
 bool OFPolymeshToDDP::buildElementDataPar(std::size_t firstCell)
 {
     const OFBuildElementDataFunctor build = {&m_cells, &m_mesh->faces(), &m_polys, typesFrom(firstCell)};
-    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, m_cells.size()), build);
+    dvf::forEachRange(m_cells.size(), build);
     sortByCell(&m_polys);
     return true;
 }
@@ -124,7 +115,7 @@ bool OFPolymeshToDDP::buildElementDataPar(std::size_t firstCell)
 bool OFPolymeshToDDP::buildElementDataSeq(std::size_t firstCell)
 {
     const OFBuildElementDataFunctor build = {&m_cells, &m_mesh->faces(), &m_polys, typesFrom(firstCell)};
-    build(tbb::blocked_range<std::size_t>(0, m_cells.size()));
+    build(dvf::IndexRange(0, m_cells.size()));
     return true;
 }
 
@@ -135,7 +126,7 @@ DDPElementType* OFPolymeshToDDP::typesFrom(std::size_t firstCell)
     return m_elements.types.data() + firstCell;
 }
 
-void OFBuildElementDataFunctor::operator()(const tbb::blocked_range<std::size_t>& range) const
+void OFBuildElementDataFunctor::operator()(const dvf::IndexRange& range) const
 {
     for (std::size_t i = range.begin(); i != range.end(); ++i) {
         // A cell that is not the solid that its faces suggest goes on as it is.
@@ -151,14 +142,14 @@ bool OFPolymeshToDDP::buildDDPMeshData(std::size_t firstCell, std::size_t nodeBa
     }
     m_elements.nodeCounts.resize(firstCell + count);
     std::uint8_t* const nodeCounts = m_elements.nodeCounts.data() + firstCell;
-    tbb::parallel_for(std::size_t{0}, count, [this, nodeCounts](std::size_t i) {
+    dvf::forEachIndex(count, [this, nodeCounts](std::size_t i) {
         nodeCounts[i] = static_cast<std::uint8_t>(m_cells[i].elementNodes().size());
     });
     std::vector<int> offsets(count);
     m_elements.connectivities.resize(
         dvn_exclusive_partial_sum(nodeCounts, count, static_cast<int>(nodeBase), offsets.data()));
     // A cell of more than 255 nodes has a slot for the low byte of that count, and keeps to it.
-    tbb::parallel_for(std::size_t{0}, count, [this, nodeCounts, &offsets](std::size_t i) {
+    dvf::forEachIndex(count, [this, nodeCounts, &offsets](std::size_t i) {
         std::copy_n(m_cells[i].elementNodes().begin(), nodeCounts[i], m_elements.connectivities.begin() + offsets[i]);
         m_cells[i].clear();
     });
@@ -176,7 +167,7 @@ bool OFPolymeshToDDP::BuildDDPMeshForPolys(std::size_t firstCell, std::size_t po
     m_polyhedra.faceCounts.resize(polyBase + count);
     std::vector<std::uint8_t> faceNodeCounts(count);
     std::uint8_t* const faceCounts = m_polyhedra.faceCounts.data() + polyBase;
-    tbb::parallel_for(std::size_t{0}, count, [&, faceCounts](std::size_t i) {
+    dvf::forEachIndex(count, [&, faceCounts](std::size_t i) {
         const PolyData& poly = m_polys[i];
         faceNodeCounts[i] = static_cast<std::uint8_t>(poly.nodeCount);
         faceCounts[i] = static_cast<std::uint8_t>(poly.faceCount);
@@ -190,7 +181,7 @@ bool OFPolymeshToDDP::BuildDDPMeshForPolys(std::size_t firstCell, std::size_t po
     m_polyhedra.faceNodes.resize(
         dvn_exclusive_partial_sum(faceNodeCounts.data(), count, static_cast<int>(nodeBase), nodeOffsets.data()));
     // As with the nodes, the slots have the low bytes of the sizes.
-    tbb::parallel_for(std::size_t{0}, count, [&, faceCounts](std::size_t i) {
+    dvf::forEachIndex(count, [&, faceCounts](std::size_t i) {
         const PolyData& poly = m_polys[i];
         std::copy_n(poly.nodeCountPerFace.begin(), faceCounts[i],
                     m_polyhedra.nodeCountPerFace.begin() + faceOffsets[i]);

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFTriSurfaceReader.h"
 
+#include "LibCore/Parallel.h"
 #include "foamfile/OFFile.h"
 #include "mesh/ListFile.h"
-
-#include <tbb/parallel_invoke.h>
-#include <tbb/task_group.h>
 
 namespace {
 
@@ -32,10 +30,9 @@ bool OFTriSurfaceReader::readTriSurfacePar(const dvn::Str& folder, OFTriSurface*
     bool hasPoints = false;
     bool hasCenters = false;
     bool hasFaces = false;
-    tbb::task_group_context context;
-    tbb::parallel_invoke([&] { hasPoints = readPoints(folder, &surface->points()); },
-                         [&] { hasCenters = readFaceCenters(folder, &surface->facecenters()); },
-                         [&] { hasFaces = readFaces(folder, &surface->faces()); }, context);
+    dvf::invokeAll([&] { hasPoints = readPoints(folder, &surface->points()); },
+                   [&] { hasCenters = readFaceCenters(folder, &surface->facecenters()); },
+                   [&] { hasFaces = readFaces(folder, &surface->faces()); });
     return hasPoints && hasCenters && hasFaces;
 }
 

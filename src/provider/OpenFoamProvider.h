@@ -13,8 +13,8 @@
 
 class OFPolymeshReader;
 class OFPolymeshToDDP;
-class OFResultReader;
 class OFTriSurfaceReader;
+struct OFFieldFile;
 
 /// The two host objects that take one group of the geometry; borrowed for the length of one call.
 struct OFGroupPair
@@ -94,16 +94,13 @@ public:
     ///
     /// @return false if the state or the result is unknown, or displaced points cannot be read
     bool getResult(const DDPResultSpec& spec, DDPResult* result) override;
-    bool buildDataResults(const OFState* state, const OFResult* result, DDPResult* dataResult,
-                          const dvn::Str& nativeName, const dvn::Str& className);
-    bool getResultForPart(int partIndex, const OFState* state, const OFResult* result, OFValueGroups& groups,
-                          const dvn::Str& nativeName, const dvn::Str& className);
+    bool buildDataResults(const OFState* state, const OFResult* result, DDPResult* dataResult);
+    bool getResultForPart(int partIndex, const OFState* state, const OFResult* result, OFValueGroups& groups);
     /// Reads a field with its patches and delivers what was read; `values` is used up.
-    void getResultsWithBoundaries(const std::vector<OFBoundary>& boundaries, int dimension, OFResultReader& reader,
-                                  const dvn::Str& folder, const dvn::Str& nativeName, const dvn::Str& className,
+    void getResultsWithBoundaries(const OFFieldFile& field, const std::vector<OFBoundary>& boundaries,
                                   std::vector<double>& values, OFValueGroups& groups);
     bool getResultForTrisurface(int surfaceIndex, const OFState* state, const OFResult* result,
-                                DDPResultValueGroup* group, const dvn::Str& nativeName, const dvn::Str& className);
+                                DDPResultValueGroup* group);
     /// Delivers the positions of all nodes in this state: coordinates, not differences. Surfaces have none.
     bool getDisplacements(int stateId, DDPResult* result);
     bool updatePointsForPart(int partIndex, int stateId, OFValueGroups& groups);

@@ -3,12 +3,13 @@
 
 #include "mesh/OFPolymeshReader.h"
 #include "provider/ValueArrays.h"
+#include "records/Components.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr int POINT_DIMENSION = 3;
+constexpr int POINT_DIMENSION = static_cast<int>(VECTOR_COMPONENTS);
 /// The first state of a case as it was opened, whose points are those of the mesh itself.
 constexpr int FIRST_STATE_ID = 1;
 

@@ -2,6 +2,7 @@
 #include "provider/OpenFoamProvider.h"
 
 #include "DvnCore/Timer.h"
+#include "LibCore/Parallel.h"
 #include "foamfile/OFLogger.h"
 #include "mesh/OFPolymesh.h"
 #include "mesh/OFPolymeshReader.h"
@@ -11,20 +12,11 @@
 #include "mesh/OFTriSurfaceToDDP.h"
 #include "provider/PluginIdentity.h"
 #include "provider/ProviderLog.h"
-#include "provider/TaskFailures.h"
-
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_for.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace {
-
-using Range = tbb::blocked_range<std::size_t>;
-
-/// One index is a whole mesh or patch, so no range is too small to be split.
-constexpr std::size_t MESH_GRAIN_SIZE = 1;
 
 /// Logs how long one step took for the part or surface of this index.
 void logStep(const char* message, std::size_t index, double seconds)
@@ -42,10 +34,9 @@ struct OFReadPartMeshFunctor
     std::vector<OFGroupPairs>* pairs;
     const DDPGeometrySpec* spec;
     std::size_t partCount;
-    std::size_t surfaceCount;
-    TaskFailures* failures;
+    dvf::Failures* failures;
 
-    void operator()(const Range& range) const
+    void operator()(const dvf::IndexRange& range) const
     {
         OFPolymeshReader meshReader;
         OFTriSurfaceReader surfaceReader;
@@ -109,10 +100,9 @@ bool OpenFoamProvider::getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geo
     }
     std::vector<OFGroupPairs> pairs = makePairs(m_reader, geometry);
     const dvn::Timer timer;
-    TaskFailures failures(pairs.size());
-    const OFReadPartMeshFunctor readMesh = {
-        this, &pairs, &spec, m_reader.partCount(), m_reader.sampledSurfaceCount(), &failures};
-    tbb::parallel_for(Range(0, pairs.size(), MESH_GRAIN_SIZE), readMesh, tbb::auto_partitioner());
+    dvf::Failures failures(pairs.size());
+    const OFReadPartMeshFunctor readMesh = {this, &pairs, &spec, m_reader.partCount(), &failures};
+    dvf::forLargeItems(pairs.size(), readMesh);
     failures.rethrowFirst();
     logInfo(dvn::Str(">>>> Get Geometry [Parallel] done. Total time used : %1").arg(timer.time()));
     OFLogger::get().printTrackedData();
@@ -186,7 +176,7 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
     }
     const std::vector<std::size_t> faceCounts = converter.facesPerPatch(boundaries);
     // Each index writes to its own patch and its own pair; the mesh is read only.
-    const auto deliverPatches = [&](const Range& range) {
+    const auto deliverPatches = [&](const dvf::IndexRange& range) {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             OFBoundary& boundary = boundaries[i];
             const OFGroupPair& pair = pairs[i + 1];
@@ -200,7 +190,7 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
             showElementsIn(boundary.geometryGlobalPartId(), elementCount, pair.elements);
         }
     };
-    tbb::parallel_for(Range(0, boundaries.size(), MESH_GRAIN_SIZE), deliverPatches, tbb::auto_partitioner());
+    dvf::forLargeItems(boundaries.size(), deliverPatches);
     return true;
 }
 
@@ -212,7 +202,7 @@ bool OpenFoamProvider::generateFaceZones(std::vector<OFFaceZone>& faceZones, OFG
     }
     const std::size_t firstPair = boundaries.size() + 1;
     // Each index writes to its own pair; zones and mesh are read only.
-    const auto deliverZones = [&](const Range& range) {
+    const auto deliverZones = [&](const dvf::IndexRange& range) {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             OFFaceZone& zone = faceZones[i];
             const OFGroupPair& pair = pairs[firstPair + i];
@@ -224,7 +214,7 @@ bool OpenFoamProvider::generateFaceZones(std::vector<OFFaceZone>& faceZones, OFG
             showElementsIn(zone.geometryGlobalPartId(), elementCount, pair.elements);
         }
     };
-    tbb::parallel_for(Range(0, faceZones.size(), MESH_GRAIN_SIZE), deliverZones, tbb::auto_partitioner());
+    dvf::forLargeItems(faceZones.size(), deliverZones);
     return true;
 }
 

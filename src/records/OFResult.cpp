@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "records/OFResult.h"
 
+#include "records/Components.h"
+
 namespace {
 
 constexpr std::size_t NO_COUNT = static_cast<std::size_t>(-1);
@@ -31,9 +33,9 @@ int OFResult::dimension() const
     case OFResultScalar:
         return 1;
     case OFResultVector:
-        return 3;
+        return static_cast<int>(VECTOR_COMPONENTS);
     case OFResultTensor:
-        return 6;
+        return static_cast<int>(TENSOR_COMPONENTS);
     default:
         return -1;
     }

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <type_traits>
 
-// The list of states is sorted and grows; copies of whole catalogues would cost more than reading them.
+// The list of states grows and is sorted. Copying whole catalogues would cost more than reading them.
 static_assert(std::is_nothrow_move_constructible_v<OFState> && std::is_nothrow_move_assignable_v<OFState>);
 
 namespace {
@@ -29,8 +29,8 @@ std::size_t readStepIndex(const dvn::Str& timeFile)
 
 /// The regions that a time folder has an entry for, in their own order.
 ///
-/// They are found in the listing of the time folder and not asked for one by one: each processor folder of a decomposed
-/// case is also looked at as a time folder in which every other could be a region.
+/// They are taken from the listing of the time folder and not looked for one by one: each processor folder of a
+/// decomposed case is also a candidate for a time folder, in which every other could be a region.
 std::vector<dvn::Str> regionsIn(const dvn::Str& folder, const std::vector<dvn::Str>& files,
                                 const std::vector<dvn::Str>& regionNames)
 {

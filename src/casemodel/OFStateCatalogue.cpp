@@ -23,7 +23,7 @@ const dvn::Str& valueOr(const std::map<dvn::Str, dvn::Str>& map, const dvn::Str&
 OFUnit readUnit(OFFile& file)
 {
     std::vector<dvn::Str> tokens;
-    // A line of another form has another number of tokens, which makes the unit dimensionless.
+    // A line of another form has a different number of tokens, which makes the unit dimensionless.
     (void)file.readDimensions(&tokens);
     return OFUnit::fromString(tokens);
 }
@@ -33,7 +33,7 @@ OFUnit readUnit(OFFile& file)
 bool OFState::addResultsFromFiles(const dvn::Str& folder, const std::vector<dvn::Str>& files,
                                   const std::map<dvn::Str, dvn::Str>& resultNames)
 {
-    // The first folder in which a field is found decides its class and unit; later regions add nothing to it.
+    // The first folder that has a field decides its class and unit; later regions add nothing.
     std::set<dvn::Str> seenNames = nativeNames();
     addResultsFrom(folder, files, seenNames, resultNames);
     return true;
@@ -53,10 +53,10 @@ void OFState::addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>
                              const std::map<dvn::Str, dvn::Str>& resultNames)
 {
     findDisplacementResult(folder, seenNames, resultNames);
-    // What is told of each file. Files of one base name stand for one file, which is opened once.
-    std::map<dvn::Str, dvn::Str> told;
+    // The log line for each file. Files of the same base name count as one file, which is opened once.
+    std::map<dvn::Str, dvn::Str> lines;
     for (const dvn::Str& file : files) {
-        const auto [entry, isNew] = told.emplace(folder + "/" + OFUtilities::fileBaseName(file), dvn::Str());
+        const auto [entry, isNew] = lines.emplace(folder + "/" + OFUtilities::fileBaseName(file), dvn::Str());
         if (isNew) {
             entry->second = addResultFromFile(entry->first, seenNames, resultNames);
         }
@@ -66,7 +66,7 @@ void OFState::addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>
     }
 }
 
-/// Adds the result of a file, and gives what is to be told if its class is not supported.
+/// Adds the result of a file. Returns the log line if its class is not supported.
 dvn::Str OFState::addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& seenNames,
                                     const std::map<dvn::Str, dvn::Str>& resultNames)
 {

@@ -11,13 +11,13 @@
 
 namespace {
 
-/// Entries that one task checks: enough to hide the cost of the task.
+/// Entries per task: enough to hide the cost of the task.
 constexpr std::size_t CHECK_GRAIN = 65536;
 
-/// Numbers that a byte can tell apart.
+/// Number of values of a byte.
 constexpr int BYTE_VALUES = 256;
 
-/// Labels are ints, so more points than that cannot be told apart.
+/// Labels are ints, so points beyond that cannot be named.
 int largestCount(std::size_t count)
 {
     return static_cast<int>(std::min<std::size_t>(count, std::numeric_limits<int>::max()));
@@ -34,8 +34,8 @@ bool isInside(const FacesData& faces, std::size_t face, int nodesSize)
     return offset >= 0 && offset <= nodesSize - faces.nodeCounts[face];
 }
 
-/// Where the labels of a face end that lies inside: at the next face's, and those of the last one with the list, unless
-/// behind them is more than its count, which is a byte, may leave out.
+/// Where the labels of a face that lies inside end: where those of the next face begin. Those of the last face end with
+/// the list, provided that the labels beyond its count, which is a byte, are a multiple of 256.
 int endOfFace(const FacesData& faces, std::size_t face, int nodesSize)
 {
     const int begin = faces.nodeOffsets[face];
@@ -44,7 +44,7 @@ int endOfFace(const FacesData& faces, std::size_t face, int nodesSize)
         const int next = faces.nodeOffsets[face + 1];
         return next > begin && next <= nodesSize ? next : counted;
     }
-    // Faces that a short file lacks begin at 0.
+    // Faces missing from a short file begin at 0.
     const bool isFilled = begin != 0 || face == 0;
     return isFilled && (nodesSize - counted) % BYTE_VALUES == 0 ? nodesSize : counted;
 }
@@ -75,8 +75,8 @@ void makeConsistent(FacesData* faces, std::size_t pointCount)
             faces->nodeOffsets[face] = 0;
             faces->nodeCounts[face] = 0;
         }
-        // What is kept moves to the front of the face's own place. Should damaged faces overlap, then only labels that
-        // are good already are written over.
+        // The labels kept move to the front of the face's own range. If damaged faces overlap, only labels that are
+        // already good are overwritten.
         int* const nodes = faces->nodes.data() + faces->nodeOffsets[face];
         const int* const end = std::remove_if(nodes, nodes + faces->nodeCounts[face],
                                               [nodeCount](int label) { return !isLabel(label, nodeCount); });
@@ -84,8 +84,8 @@ void makeConsistent(FacesData* faces, std::size_t pointCount)
     }
 }
 
-/// A cell without a face has nothing to show, so honest meshes stay far below the bound. Faces count by themselves too:
-/// a mesh of one cell may write its owners in a form that is not read, such as "6{0}", and keeps its cell.
+/// Every cell of a sound mesh has several faces, so sound meshes stay far below the bound. The number of faces counts
+/// too, because a mesh of one cell may write its owners in a form that is not read, such as "6{0}".
 void limitCellCount(OFPolymesh* mesh)
 {
     const auto claimed = static_cast<int>(mesh->cellCount());
@@ -139,7 +139,7 @@ void dropInconsistentFaces(FacesData* faces, std::size_t nodeCount)
     const int nodesSize = largestCount(faces->nodes.size());
     const std::size_t faceCount = std::min(faces->nodeCounts.size(), faces->nodeOffsets.size());
     FacesData kept;
-    int keptEnd = 0; // what damaged faces share goes to the first of them
+    int keptEnd = 0; // labels shared by damaged faces go to the first of them
     for (std::size_t face = 0; face < faceCount; ++face) {
         const int begin = faces->nodeOffsets[face];
         if (begin < keptEnd || !isInside(*faces, face, nodesSize)) {

@@ -8,10 +8,10 @@
 #include <span>
 #include <vector>
 
-/// A set of node labels that is filled anew for each cell and keeps its storage.
+/// A set of node labels that is refilled for each cell and keeps its storage.
 ///
-/// A hash table in which a stamp tells the entries of this filling from older ones, so that starting anew costs
-/// nothing. A polyhedron lists each node about three times: finding the repeats before the sort saves most of the sort.
+/// A hash table in which a stamp marks the entries of the current cell, so that clearing it costs nothing. A polyhedron
+/// lists each node about three times; finding the repeats first saves most of the sort.
 class NodeSet
 {
 public:
@@ -32,7 +32,7 @@ public:
                 return;
             }
         }
-        // Labels can be chosen that all fall into one place. The sort finds those of them that repeat.
+        // Labels can be chosen that all hash to one place. The sort removes the repeats among them.
         m_nodes[m_count++] = node;
         m_isCrowded = true;
     }

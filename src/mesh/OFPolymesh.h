@@ -7,10 +7,10 @@
 #include <cstddef>
 #include <vector>
 
-/// The raw, face-based mesh of one `polyMesh` folder. No cell exists in it as an object.
+/// The raw, face-based mesh of one `polyMesh` folder. It has no objects for cells.
 ///
-/// After a good read there is one owner a face, and the first `neighbors().size()` faces are the internal ones; all
-/// others are boundary faces with an owner only. A failed read leaves what it got, so nothing here is checked.
+/// After a good read there is one owner per face, and the first `neighbors().size()` faces are the internal ones; all
+/// others are boundary faces, which have only an owner. A failed read leaves what it got, and nothing is checked here.
 class OFPolymesh
 {
 public:

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-/// One sampled surface as its folder has it. Every face is taken to be a triangle.
+/// One sampled surface as it is in its folder. Every face counts as a triangle.
 class OFTriSurface
 {
 public:

@@ -17,8 +17,8 @@ OFTriSurfaceToDDP::OFTriSurfaceToDDP(OFTriSurface* surface) : m_surface(surface)
 {
     FacesData& faces = m_surface->faces();
     dropInconsistentFaces(&faces, m_surface->nodeCount());
-    // The labels go to the host as they stand. One that takes three for each triangle, though a face has less, is to
-    // find the first point behind them and not what lies behind the array.
+    // The labels go to the host unchanged. A host that takes three per triangle, though a face has fewer, finds zeros
+    // after them and does not read past the array.
     const std::size_t sent = faces.nodes.size();
     faces.nodes.resize(std::max(sent, TRIANGLE_NODES * faces.faceCount()));
     faces.nodes.resize(sent);
@@ -27,7 +27,7 @@ OFTriSurfaceToDDP::OFTriSurfaceToDDP(OFTriSurface* surface) : m_surface(surface)
 bool OFTriSurfaceToDDP::populateNodeAndElementGroup(DDPNodeGroup* nodes, DDPElementGroup* elements,
                                                     std::size_t* nodeCount, std::size_t* elementCount) const
 {
-    // Separate objects, since tasks that end together must not write to one word. They tell that a task has run.
+    // Separate objects: tasks that end together must not write to one word. They show that a task has run.
     bool nodesDone = false;
     bool elementsDone = false;
     dvf::invokeAll(

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int POINT_DIMENSION = static_cast<int>(VECTOR_COMPONENTS);
-/// The first state of a case as it was opened, whose points are those of the mesh itself.
+/// The first state of a newly opened case, whose points are those of the mesh itself.
 constexpr int FIRST_STATE_ID = 1;
 
 } // namespace

@@ -26,8 +26,8 @@ void logStep(const char* message, std::size_t index, double seconds)
 
 /// Reads and delivers parts, then sampled surfaces: indices from the part count on are surfaces.
 ///
-/// Each index writes to its own pairs and its own part or surface alone; the readers belong to one block. A part that
-/// fails has logged why and leaves its groups empty, so its result counts for nothing.
+/// Each index writes only to its own pairs and its own part or surface; the readers belong to one sub-range. A part
+/// that fails has logged why and leaves its groups empty, so its return value is ignored.
 struct OFReadPartMeshFunctor
 {
     OpenFoamProvider* provider;
@@ -82,7 +82,7 @@ void showElementsIn(int globalPartId, std::size_t elementCount, DDPElementGroup*
     group->setElementPartIds(partIds.data(), partIds.size());
 }
 
-/// The cells of a zone that its part has; before the mesh is built all that the file names.
+/// The cells of a zone that its part has; before the mesh is built, all cells in the file.
 std::vector<int> cellsOfZone(const OFCellZone& zone, std::size_t elementCount)
 {
     std::vector<int> cells = zone.cellIds();
@@ -116,7 +116,7 @@ bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolyme
     dvn::Timer lapTimer;
     OFPart& part = m_reader.part(partIndex);
     const dvn::Str folder = part.folder();
-    // A mesh that cannot be read this time leaves no counts of an earlier one, which its empty groups would not fit.
+    // If the mesh cannot be read this time, counts of an earlier one would not fit its empty groups.
     part.setNodeCount(OFPart::UNKNOWN_COUNT);
     part.setElementCount(OFPart::UNKNOWN_COUNT);
     OFPolymesh polyMesh;
@@ -126,7 +126,7 @@ bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolyme
     logStep(" Get Part %1. polyReader.read() time [1] : %2 seconds", partIndex, lapTimer.lapTime());
     m_polyMeshFolder.set(reader.polyMeshFolder());
 
-    // Patches and face zones come first: making the cells uses up the mesh's faces.
+    // Patches and face zones come first: building the cells frees the faces of the mesh.
     OFPolymeshToDDP converter(&polyMesh);
     const dvn::Timer boundaryTimer;
     (void)generateBoundaryParts(part.boundaries(), pairs, converter);
@@ -175,7 +175,7 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
         return true;
     }
     const std::vector<std::size_t> faceCounts = converter.facesPerPatch(boundaries);
-    // Each index writes to its own patch and its own pair; the mesh is read only.
+    // Each index writes only to its own patch and pair; the mesh is only read.
     const auto deliverPatches = [&](const dvf::IndexRange& range) {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             OFBoundary& boundary = boundaries[i];
@@ -201,7 +201,7 @@ bool OpenFoamProvider::generateFaceZones(std::vector<OFFaceZone>& faceZones, OFG
         return true;
     }
     const std::size_t firstPair = boundaries.size() + 1;
-    // Each index writes to its own pair; zones and mesh are read only.
+    // Each index writes only to its own pair; zones and mesh are only read.
     const auto deliverZones = [&](const dvf::IndexRange& range) {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             OFFaceZone& zone = faceZones[i];
@@ -223,7 +223,7 @@ void OpenFoamProvider::generateCellZoneParts(OFPart* part, const std::size_t& el
     if (part->cellZones().empty()) {
         return;
     }
-    // Cells in no zone show in the part itself, cells in several zones in the last of them.
+    // Cells in no zone belong to the part itself, cells in several zones to the last of them.
     std::vector<int> partIds(elementCount, part->id());
     for (const OFCellZone& zone : part->cellZones()) {
         for (const int cell : cellsOfZone(zone, elementCount)) {
@@ -269,7 +269,7 @@ bool OpenFoamProvider::getSet(std::int32_t setId, DDPSet* set)
 {
     for (std::size_t i = 0; i < m_reader.partCount(); ++i) {
         const std::vector<OFCellZone>& zones = m_reader.part(i).cellZones();
-        // Zones count from 1 in each part, so the first part that has the number wins.
+        // Compatibility (docs/compatibility.md, "zone ids per part"): the first part that has the number wins.
         const auto zone = std::ranges::find(zones, setId, &OFCellZone::id);
         if (zone != zones.end()) {
             const std::vector<int> cells = cellsOfZone(*zone, m_reader.part(i).elementCount());

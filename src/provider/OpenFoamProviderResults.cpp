@@ -18,8 +18,8 @@ namespace {
 
 /// Reads and delivers one result for parts, then for sampled surfaces: indices from the part count on are surfaces.
 ///
-/// Each index writes to its own value groups and to arrays of its own; state, result and parts are read only. A part
-/// that fails has logged why and keeps its undefined values, so its result counts for nothing.
+/// Each index writes only to its own value groups and arrays; state, result and parts are only read. A part that fails
+/// has logged why and keeps its undefined values, so its return value is ignored.
 struct OFReadResultsFunctor
 {
     OpenFoamProvider* provider;
@@ -56,13 +56,13 @@ std::vector<OFValueGroups> makeValueGroups(const OFReader& reader, DDPResult* da
     return groups;
 }
 
-/// True if a file was read and holds a value: one of another class counts as read but gives undefined values alone.
+/// True if there is any value: a file of another class counts as read but gives only undefined values.
 bool holdsValues(const std::vector<double>& values)
 {
     return std::ranges::any_of(values, [](double value) { return value != dvn::UNDEFINED_DOUBLE; });
 }
 
-/// Reads a field on cells with its patches; true if there are values to average, with or without those of patches.
+/// Reads a field on cells with its patches; true if there are cell values to average, even without those of patches.
 bool readForAverage(const OFFieldFile& field, const std::vector<OFBoundary>& boundaries,
                     std::vector<double>* cellValues, std::vector<std::vector<double>>* faceValues)
 {
@@ -90,7 +90,7 @@ bool OpenFoamProvider::getResult(const DDPResultSpec& spec, DDPResult* result)
     const int stateId = spec.stateId();
     const int resultId = spec.resultId();
     if (resultId < 0) {
-        // Neither the id that stands for no displacement nor that of results which have none yet names a result.
+        // -1 stands for "no displacement" and for results without an id yet; neither is a result.
         return false;
     }
     if (resultId == m_displacementResultId) {
@@ -111,7 +111,8 @@ bool OpenFoamProvider::getResult(const DDPResultSpec& spec, DDPResult* result)
     return !sought->className().isEmpty() && buildDataResults(state, sought, result);
 }
 
-/// Answers for a result that the case has, but not in this state. Surfaces get no group here, and hosts know that.
+/// Answers for a result that the case has, but not in this state.
+/// Compatibility (docs/compatibility.md, "undefined without surfaces"): surfaces get no group here.
 void OpenFoamProvider::deliverUndefined(const OFResult& result, DDPResult* dataResult) const
 {
     for (std::size_t i = 0; i < m_reader.partCount(); ++i) {
@@ -140,7 +141,7 @@ bool OpenFoamProvider::getResultForPart(int partIndex, const OFState* state, con
 {
     const OFPart& part = m_reader.part(static_cast<std::size_t>(partIndex));
     const int dimension = result->dimension();
-    // The groups hold a complete answer from here on; what is read replaces it.
+    // From here on the groups hold a complete answer; values that are read replace it.
     std::vector<double> values = undefinedValues(*result, part);
     deliver(values, dimension, groups.front());
     for (std::size_t i = 0; i < part.boundaries().size(); ++i) {

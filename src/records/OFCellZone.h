@@ -30,7 +30,7 @@ public:
     const std::vector<int>& cellIds() const { return m_cellIds; }
     std::vector<int>& cellIds() { return m_cellIds; }
 
-    /// Declares the zone to the host under the id `offset` + `id`, which is stored, and hangs it under its part.
+    /// Declares the zone to the host under its part, with the id `offset` + `id`, which is stored.
     void addCellZoneInfo(int offset, DDPElementGroupInfo* info);
 
 private:

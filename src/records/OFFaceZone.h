@@ -29,11 +29,11 @@ public:
     /// 0-based face labels in file order, which need be neither ascending nor contiguous.
     const std::vector<int>& faceIds() const { return m_faceIds; }
     std::vector<int>& faceIds() { return m_faceIds; }
-    /// The flip entries as the file has them.
+    /// The flip entries as in the file.
     const std::vector<int>& flipMap() const { return m_flipMap; }
     std::vector<int>& flipMap() { return m_flipMap; }
 
-    /// Declares the zone to the host as its name + " [FZ]" under the id `offset` + `id`, which is stored.
+    /// Declares the zone to the host as its name + " [FZ]", with the id `offset` + `id`, which is stored.
     void addFaceZoneInfo(int offset, DDPElementGroupInfo* info);
 
 private:

@@ -43,7 +43,7 @@ int OFResult::dimension() const
 
 std::size_t OFResult::expectedValueCount(std::size_t nodeCount, std::size_t elementCount) const
 {
-    // Of -1 all bits set, and the product wraps: whoever sizes an array asks for the dimension first.
+    // A dimension of -1 becomes a huge number and the product wraps: callers that size an array check the dimension.
     const auto components = static_cast<std::size_t>(dimension());
     switch (m_mapping) {
     case OFResultOnCell:

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+//
+// The reference conversion: serves tests as a second path. Hosts get `createMesh`.
 #include "mesh/OFPolymeshToDDP.h"
 
 #include "DvnCore/Timer.h"
@@ -9,7 +11,7 @@
 
 namespace {
 
-/// Eight chunks bound the number of cell objects, whatever the size of the mesh or the number of processors.
+/// Eight chunks: cell objects for an eighth of the mesh exist at a time.
 constexpr std::size_t CHUNK_COUNT = 8;
 
 void sortByCell(PolyDataVector* polys)
@@ -27,7 +29,7 @@ bool OFPolymeshToDDP::createMeshInChunks()
     std::size_t firstCell = 0;
     for (const std::size_t chunk : createCellsChunks(m_mesh->cellCount())) {
         (void)allocateCells(chunk); // these steps cannot fail
-        // The sequential form, so that every run gives the same rotation of each cell.
+        // The sequential form, so that each cell comes out the same on every run.
         (void)assignCellFacesSeq(static_cast<int>(firstCell), static_cast<int>(firstCell + chunk));
         (void)buildElementData(firstCell);
         buildTime += timer.lapTime();
@@ -129,7 +131,7 @@ DDPElementType* OFPolymeshToDDP::typesFrom(std::size_t firstCell)
 void OFBuildElementDataFunctor::operator()(const dvf::IndexRange& range) const
 {
     for (std::size_t i = range.begin(); i != range.end(); ++i) {
-        // A cell that is not the solid that its faces suggest goes on as it is.
+        // A cell that is not the solid its faces suggest is kept as it is.
         (void)(*cells)[i].buildElementData(static_cast<int>(i), types, polys, faces);
     }
 }
@@ -148,7 +150,8 @@ bool OFPolymeshToDDP::buildDDPMeshData(std::size_t firstCell, std::size_t nodeBa
     std::vector<int> offsets(count);
     m_elements.connectivities.resize(
         dvn_exclusive_partial_sum(nodeCounts, count, static_cast<int>(nodeBase), offsets.data()));
-    // A cell of more than 255 nodes has a slot for the low byte of that count, and keeps to it.
+    // Compatibility (docs/compatibility.md, "byte tables"): the slot of a cell has the size of the low byte of its
+    // count.
     dvf::forEachIndex(count, [this, nodeCounts, &offsets](std::size_t i) {
         std::copy_n(m_cells[i].elementNodes().begin(), nodeCounts[i], m_elements.connectivities.begin() + offsets[i]);
         m_cells[i].clear();
@@ -180,7 +183,7 @@ bool OFPolymeshToDDP::BuildDDPMeshForPolys(std::size_t firstCell, std::size_t po
         dvn_exclusive_partial_sum(faceCounts, count, static_cast<int>(faceBase), faceOffsets.data()));
     m_polyhedra.faceNodes.resize(
         dvn_exclusive_partial_sum(faceNodeCounts.data(), count, static_cast<int>(nodeBase), nodeOffsets.data()));
-    // As with the nodes, the slots have the low bytes of the sizes.
+    // As with the nodes, slots have the size of the low byte.
     dvf::forEachIndex(count, [&, faceCounts](std::size_t i) {
         const PolyData& poly = m_polys[i];
         std::copy_n(poly.nodeCountPerFace.begin(), faceCounts[i],

@@ -164,11 +164,11 @@ int OFReader::addState(const dvn::Str& folderName)
 
 int OFReader::deleteState(const dvn::Str& folderName)
 {
-    const auto doomed = std::ranges::find(m_states, folderName, &OFState::folderName);
-    if (doomed == m_states.end()) {
+    const auto removed = std::ranges::find(m_states, folderName, &OFState::folderName);
+    if (removed == m_states.end()) {
         return -1;
     }
-    const auto position = static_cast<std::size_t>(doomed - m_states.begin());
+    const auto position = static_cast<std::size_t>(removed - m_states.begin());
     removeUnordered(m_states, position);
     // Compatibility (docs/compatibility.md, "the folder that is forgotten"): the same position in a list of another
     // order and length, so usually another name goes.

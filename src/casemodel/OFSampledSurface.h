@@ -20,7 +20,7 @@ public:
     /// The name shown: the folder name followed by "[Surf]".
     const dvn::Str& userName() const { return m_userName; }
     const dvn::Str& folder() const { return m_folder; }
-    /// The group id told to the host; -1 until the metadata is published.
+    /// The group id given to the host; -1 until the metadata is published.
     int globalPartId() const { return m_globalPartId; }
 
     /// Counts of the read surface; 0 before.

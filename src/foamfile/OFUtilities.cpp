@@ -63,7 +63,7 @@ bool visitEntries(const dvn::Str& folder, const Visitor& visit)
         return errno == ENOENT || errno == ENOTDIR || logUnlisted(folder);
     }
     for (;;) {
-        // Only errno tells the end of a folder from a failure.
+        // Only errno distinguishes the end of a folder from a failure.
         errno = 0;
         const dirent* const entry = readdir(stream.get());
         if (entry == nullptr) {

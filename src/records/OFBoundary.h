@@ -38,7 +38,7 @@ public:
     /// Number of distinct nodes of the patch; 0 until its mesh is built.
     std::size_t nodeCount() const { return m_nodeCount; }
     void setNodeCount(std::size_t count) { m_nodeCount = count; }
-    /// The group id told to the host; 0 until the metadata is published.
+    /// The group id given to the host; 0 until the metadata is published.
     int geometryGlobalPartId() const { return m_geometryGlobalPartId; }
 
     /// Sizes the mapping from the patch's faces to their owner cells; new entries are 0.

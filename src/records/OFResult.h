@@ -43,7 +43,7 @@ public:
     OFResult(const dvn::Str& nativeName, const dvn::Str& name, const dvn::Str& idString, const OFUnit& unit,
              OFResultType type, OFResultMapping mapping);
 
-    /// The id told to the host; -1 until the metadata is published.
+    /// The id given to the host; -1 until the metadata is published.
     int id() const { return m_id; }
     void setId(int id) { m_id = id; }
     const dvn::Str& name() const { return m_name; }

@@ -29,7 +29,7 @@ bool mustFail(FailingCall kind)
 
 } // namespace
 
-FailingCallScope::FailingCallScope(FailingCall kind, std::size_t which)
+FailingCallScope::FailingCallScope(FailingCall kind, std::size_t which) : m_which(which)
 {
     failed = false;
     callsLeft = which;
@@ -44,6 +44,12 @@ FailingCallScope::~FailingCallScope()
 bool FailingCallScope::hasFailed() const
 {
     return failed;
+}
+
+std::size_t FailingCallScope::callCount() const
+{
+    // Wraps to the right number if the calls have run past the one that failed.
+    return m_which - callsLeft.load();
 }
 
 #ifdef HAS_FAILING_ALLOCATIONS

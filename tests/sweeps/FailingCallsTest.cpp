@@ -116,4 +116,43 @@ TEST(UnlistedFolder, IsReportedAndChangesNothingThatTheHostKnows)
     EXPECT_EQ(openCase.poll(), "add 1002 Time 1.00000 #1");
 }
 
+/// Folders listed while a case of this many processor folders, each with one time, is opened.
+std::size_t listingsOfOpening(int processorCount)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    for (int i = 0; i < processorCount; ++i) {
+        const std::string processor = "processor" + std::to_string(i);
+        std::filesystem::create_directories(folder / (processor + "/constant/polyMesh"));
+        std::filesystem::create_directories(folder / (processor + "/0"));
+    }
+    const FailingCallScope count(FailingCall::OpenFolder, 1000000);
+    const OpenCase openCase(folder.path());
+    return count.callCount();
+}
+
+// Each processor folder is a candidate for a time folder, too, and each part could have files in each time folder.
+TEST(FolderListings, GrowWithTheNumberOfProcessorsAndNotWithItsSquare)
+{
+    const std::size_t few = listingsOfOpening(10);
+    EXPECT_GE(few, 10U);
+    EXPECT_LE(listingsOfOpening(40), 4 * few);
+}
+
+// A case may have thousands of fields, and a listing takes time for each.
+TEST(FolderListings, AreNotNeededForAFieldWithAUsualName)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeTwoCubes(folder);
+    writePressure(folder, "0");
+    folder.writeGz("1/p.gz", fieldFile("volScalarField", "p", "uniform 5"));
+    OpenCase openCase(folder.path());
+    openCase.geometry();
+    const FailingCallScope count(FailingCall::OpenFolder, 1000000);
+    EXPECT_EQ(openCase.values("PRESSURE_E", 1).at(0), (std::vector<double>{1, 3}));
+    EXPECT_EQ(openCase.values("PRESSURE_E", 2).at(0), (std::vector<double>{5, 5}));
+    EXPECT_EQ(count.callCount(), 0U);
+}
+
 } // namespace

@@ -80,8 +80,8 @@ TEST(OFUtilities, PathsAreSplitAtBothSlashes)
     }
 }
 
-// Asked for directly where that is enough; the answer must be that of the listing.
-TEST(OFUtilities, AFileIsFoundByItsBaseNameAsInTheListing)
+// Most names are looked up directly, and the answer must be that of the listing.
+TEST(OFUtilities, FindsABaseNameExactlyIfTheListingHasIt)
 {
     const TempFolder folder;
     const std::vector<std::string> files = {"p",     "U.gz",         "k.orig", "alpha.water", "beta.water.gz",

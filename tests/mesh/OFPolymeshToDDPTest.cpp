@@ -290,8 +290,8 @@ TEST(DamagedMesh, CellCountStaysWithinWhatFacesCanForm)
     EXPECT_EQ(deliver(mesh).elements.types, (std::vector<int>{DDP_POLY, DDP_POLY}));
 }
 
-// "6{0}" is a sound list of owners that is not read; the values of the cell come all the same and need it.
-TEST(DamagedMesh, TheOnlyCellStaysWhenItsOwnersAreMissing)
+// "6{0}" is a valid list of owners, but it is not read. Fields still have a value for the cell.
+TEST(DamagedMesh, KeepsTheOnlyCellIfItsOwnersAreMissing)
 {
     const LogCapture log;
     OFPolymesh mesh = hexahedronMesh(1, 1, 1);

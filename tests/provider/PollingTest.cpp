@@ -68,8 +68,8 @@ TEST(Polling, TellsTheChangesOfTheTimeFolders)
     }
 }
 
-// A network disk may be gone for a moment: that is no reason to tell the host that its states are.
-TEST(Polling, KeepsTheStatesOfAFolderThatVanishes)
+// A network disk may be gone for a moment, which does not mean that the states are gone.
+TEST(Polling, KeepsTheStatesIfTheCaseFolderVanishes)
 {
     const TempFolder folder;
     writeControlDict(folder);

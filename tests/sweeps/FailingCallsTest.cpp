@@ -86,8 +86,8 @@ constexpr int FIRST_KIND = static_cast<int>(FailingCall::Allocation) + 1;
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCalls, testing::Range(FIRST_KIND, FAILING_CALL_KINDS));
 
-// Too many open files, or a disk that does not answer: the folder is not empty, and nothing has come or gone.
-TEST(UnlistedFolder, IsReportedAndChangesNothingThatTheHostKnows)
+// With too many open files or an unresponsive disk, a folder only looks empty.
+TEST(UnlistedFolder, IsReportedAndChangesNothing)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -131,16 +131,16 @@ std::size_t listingsOfOpening(int processorCount)
     return count.callCount();
 }
 
-// Each processor folder is a candidate for a time folder, too, and each part could have files in each time folder.
-TEST(FolderListings, GrowWithTheNumberOfProcessorsAndNotWithItsSquare)
+// Each processor folder is also a candidate for a time folder, in which every part could have files.
+TEST(FolderListings, GrowLinearlyWithTheNumberOfProcessors)
 {
     const std::size_t few = listingsOfOpening(10);
     EXPECT_GE(few, 10U);
     EXPECT_LE(listingsOfOpening(40), 4 * few);
 }
 
-// A case may have thousands of fields, and a listing takes time for each.
-TEST(FolderListings, AreNotNeededForAFieldWithAUsualName)
+// A case may have thousands of fields; listing all of them to find one would be slow.
+TEST(FolderListings, AreNotNeededToFindAField)
 {
     const TempFolder folder;
     writeControlDict(folder);

@@ -289,3 +289,15 @@ TEST(DamagedMesh, CellCountStaysWithinWhatFacesCanForm)
     mesh.points().clear();
     EXPECT_EQ(deliver(mesh).elements.types, (std::vector<int>{DDP_POLY, DDP_POLY}));
 }
+
+// "6{0}" is a valid list of owners, but it is not read. Fields still have a value for the cell.
+TEST(DamagedMesh, KeepsTheOnlyCellIfItsOwnersAreMissing)
+{
+    const LogCapture log;
+    OFPolymesh mesh = hexahedronMesh(1, 1, 1);
+    mesh.owners().clear();
+    EXPECT_EQ(deliver(mesh).elements.types, std::vector<int>{DDP_POLY});
+    EXPECT_TRUE(log.infos().empty());
+    mesh.setCellCount(7);
+    EXPECT_EQ(deliver(mesh).elements.types.size(), 6U) << "no more cells than faces";
+}

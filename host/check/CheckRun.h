@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "border/CaseSession.h"
+#include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
 
 #include <filesystem>
@@ -28,7 +28,7 @@ struct CheckSkipped
 
 /// A loaded library with one open case, for checks.
 ///
-/// Unlike `CaseSession` it hands deliveries on as they come, with every fault in them: what is wrong there is for the
+/// Unlike `OpenedCase` it hands deliveries on as they come, with every fault in them: what is wrong there is for the
 /// one check to tell that claims it. Faults of the calls themselves still end the check by a `HostError`.
 class CheckedCase
 {
@@ -36,7 +36,7 @@ public:
     CheckedCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath, HostOptions options);
 
     const HostOptions& options() const { return m_options; }
-    DDPDataProvider& provider() { return m_session.provider(); }
+    DDPDataProvider& provider() { return m_opened.provider(); }
 
     /// Asks anew each time, as all the following do.
     std::unique_ptr<HostMetaData> metaData();
@@ -48,7 +48,7 @@ public:
 private:
     std::shared_ptr<PluginLibrary> m_library;
     HostOptions m_options;
-    CaseSession m_session;
+    OpenedCase m_opened;
 };
 
 /// The metadata and the geometry of a case, with arrays that can be walked by their counts.

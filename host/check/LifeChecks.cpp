@@ -91,7 +91,7 @@ void checkOddCallOrders(CheckRun& run)
     const std::shared_ptr<PluginLibrary> library = run.load();
     DDPDataProviderFactory& factory = library->factory();
     const HostOptions options = run.options(*library);
-    const DDPString path(CaseSession::tokenFile(run.task().casePath).c_str());
+    const DDPString path(OpenedCase::tokenFile(run.task().casePath).c_str());
     callLibrary("destroyProviderInstance of nothing", [&] { factory.destroyProviderInstance(nullptr); });
     callLibrary("a provider that opens nothing",
                 [&] { factory.destroyProviderInstance(factory.createProviderInstance()); });

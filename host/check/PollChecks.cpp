@@ -61,7 +61,7 @@ class PolledCase
 public:
     explicit PolledCase(CheckRun& run) : m_run(run)
     {
-        const fs::path source = CaseSession::tokenFile(run.task().casePath).parent_path();
+        const fs::path source = OpenedCase::tokenFile(run.task().casePath).parent_path();
         if (const std::uintmax_t bytes = bytesIn(source); bytes > MOST_COPIED_BYTES) {
             throw CheckSkipped{fmt::format("the case has {} MB, and at most {} are copied", bytes / 1'000'000,
                                            MOST_COPIED_BYTES / 1'000'000)};

@@ -111,7 +111,7 @@ void checkSilentOutput(CheckRun& run)
 
 void checkFilesUntouched(CheckRun& run)
 {
-    const fs::path caseFolder = fs::absolute(CaseSession::tokenFile(run.task().casePath).parent_path());
+    const fs::path caseFolder = fs::absolute(OpenedCase::tokenFile(run.task().casePath).parent_path());
     // A library that writes without being told where does it in one of these.
     const fs::path folder = run.task().workFolder / "empty";
     fs::create_directory(folder);

@@ -40,28 +40,28 @@ class CaseBench
 public:
     CaseBench(HostContext& context, const std::string& casePath) : m_context(context) { m_case.casePath = casePath; }
 
-    /// One full life of a case. A new session each time, because a provider keeps what it has read about a case.
+    /// One full life of a case. Opened anew each time, because a provider keeps what it has read about a case.
     void runOnce()
     {
         m_phase = 0;
-        std::unique_ptr<CaseSession> session;
+        std::unique_ptr<OpenedCase> opened;
         record("init", [&] {
-            session = m_context.open(m_case.casePath);
+            opened = m_context.open(m_case.casePath);
             return std::size_t{0};
         });
         const HostMetaData* metaData = nullptr;
         record("metadata", [&] {
-            metaData = &session->metaData();
+            metaData = &opened->metaData();
             return std::size_t{0};
         });
-        record("geometry", [&] { return session->geometry().byteCount(); });
+        record("geometry", [&] { return opened->geometry().byteCount(); });
         // The last state, because the first one of a run has uniform fields more often than not.
         for (const HostState* const state : selectStates(*metaData, "last")) {
             for (const HostResultInfo& info : metaData->results) {
                 // Outlives the measurement: to let go of a result is no part of getting it.
                 std::unique_ptr<HostResult> result;
                 record(info.name, [&] {
-                    result = session->result(info, state->id);
+                    result = opened->result(info, state->id);
                     return result == nullptr ? 0 : result->byteCount();
                 });
             }

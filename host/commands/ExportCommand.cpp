@@ -70,8 +70,8 @@ class Exporter
 {
 public:
     Exporter(HostContext& context, const ExportOptions& options)
-        : m_context(context), m_options(options), m_session(context.open(options.casePath)),
-          m_metaData(m_session->metaData()), m_geometry(m_session->geometry())
+        : m_context(context), m_options(options), m_opened(context.open(options.casePath)),
+          m_metaData(m_opened->metaData()), m_geometry(m_opened->geometry())
     {}
 
     void run()
@@ -161,7 +161,7 @@ private:
         StateResults results;
         for (const HostResultInfo* const info : m_results) {
             const bool isOwn = belongsToItsGroups(m_metaData, *info, state.state->id);
-            results.push_back(isOwn ? m_session->result(*info, state.state->id) : nullptr);
+            results.push_back(isOwn ? m_opened->result(*info, state.state->id) : nullptr);
         }
         return results;
     }
@@ -231,7 +231,7 @@ private:
 
     HostContext& m_context;
     const ExportOptions& m_options;
-    std::unique_ptr<CaseSession> m_session;
+    std::unique_ptr<OpenedCase> m_opened;
     const HostMetaData& m_metaData;
     const HostGeometry& m_geometry;
     std::vector<ExportedGroup> m_groups;

@@ -37,13 +37,13 @@ PluginLibrary& HostContext::library()
     return *m_library;
 }
 
-std::unique_ptr<CaseSession> HostContext::open(const std::string& casePath)
+std::unique_ptr<OpenedCase> HostContext::open(const std::string& casePath)
 {
     PluginLibrary& loaded = library();
     if (!m_settings) {
         m_settings = std::make_unique<HostOptions>(HostOptions::parse(options.settings, loaded.providerInfo()));
     }
-    return std::make_unique<CaseSession>(loaded, casePath, *m_settings);
+    return std::make_unique<OpenedCase>(loaded, casePath, *m_settings);
 }
 
 bool HostContext::showsProgress() const

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "border/CaseSession.h"
 #include "border/HostError.h"
+#include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
 #include "output/Terminal.h"
 
@@ -51,8 +51,8 @@ public:
     /// The library, loaded at the first call.
     PluginLibrary& library();
 
-    /// A new session on the case with the user's settings; the context must outlive it.
-    std::unique_ptr<CaseSession> open(const std::string& casePath);
+    /// Opens the case with the user's settings; the context must outlive it.
+    std::unique_ptr<OpenedCase> open(const std::string& casePath);
 
     /// How text on stdout is to look.
     TextStyle style() const { return TextStyle(options.color); }

@@ -235,9 +235,9 @@ std::string infoTree(const HostMetaData& metaData, const CountsById& counts, con
 
 ExitCode runInfo(HostContext& context, const InfoOptions& options)
 {
-    const std::unique_ptr<CaseSession> session = context.open(options.casePath);
-    const HostMetaData& metaData = session->metaData();
-    const CountsById counts = options.counts ? countAll(metaData, session->geometry()) : CountsById();
+    const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
+    const HostMetaData& metaData = opened->metaData();
+    const CountsById counts = options.counts ? countAll(metaData, opened->geometry()) : CountsById();
     if (context.options.json) {
         writeDocument(infoDocument(context, metaData, counts));
     } else {

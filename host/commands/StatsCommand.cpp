@@ -39,15 +39,15 @@ std::vector<std::string> columnNames()
 
 /// Holds one result at a time: a case may have many more values than memory. A result that a group or a state lacks
 /// makes no row.
-std::vector<StatsRow> collectRows(CaseSession& session, const StatsOptions& options)
+std::vector<StatsRow> collectRows(OpenedCase& opened, const StatsOptions& options)
 {
-    const HostMetaData& metaData = session.metaData();
+    const HostMetaData& metaData = opened.metaData();
     const std::vector<const HostGroup*> groups = metaData.geometryGroups();
     const std::vector<std::size_t> selectedGroups = selectGroups(metaData, options.partPattern);
     std::vector<StatsRow> rows;
     for (const HostResultInfo* const info : selectResults(metaData, options.resultPattern)) {
         for (const HostState* const state : selectStates(metaData, options.state)) {
-            const std::unique_ptr<HostResult> result = session.result(*info, state->id);
+            const std::unique_ptr<HostResult> result = opened.result(*info, state->id);
             for (const std::size_t index : selectedGroups) {
                 const HostValueGroup* const values =
                     result == nullptr ? nullptr : valuesOfGroup(metaData, *result, index);
@@ -160,8 +160,8 @@ nlohmann::ordered_json statsDocument(const std::vector<StatsRow>& rows)
 
 ExitCode runStats(HostContext& context, const StatsOptions& options)
 {
-    const std::unique_ptr<CaseSession> session = context.open(options.casePath);
-    const std::vector<StatsRow> rows = collectRows(*session, options);
+    const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
+    const std::vector<StatsRow> rows = collectRows(*opened, options);
     if (context.options.json) {
         writeDocument(statsDocument(rows));
     } else {

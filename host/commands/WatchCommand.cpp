@@ -52,15 +52,15 @@ std::string noticeLine(const HostNotice& notice, bool json)
 ExitCode runWatch(HostContext& context, const WatchOptions& options)
 {
     const InterruptWait interrupt;
-    const std::unique_ptr<CaseSession> session = context.open(options.casePath);
+    const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
     // Settles the ids that the notices are about.
-    session->metaData();
+    opened->metaData();
     for (int polls = 0; options.count == 0 || polls < options.count; ++polls) {
         if (interrupt.waitFor(options.interval)) {
             break;
         }
         HostNotifications notifications;
-        session->poll(&notifications);
+        opened->poll(&notifications);
         for (const HostNotice& notice : notifications.notices) {
             writeToStdout(noticeLine(notice, context.options.json));
         }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "border/CaseSession.h"
 #include "border/HostLog.h"
+#include "border/OpenedCase.h"
 #include "support/CaseFiles.h"
 
 #include <gtest/gtest.h>
@@ -78,7 +78,7 @@ TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
                         std::string("the library speaks version 8 of the interface, this host version 7")));
 }
 
-TEST(CaseSession, NamesTheFaultOfABadLibrary)
+TEST(OpenedCase, NamesTheFaultOfABadLibrary)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -98,9 +98,9 @@ TEST(CaseSession, NamesTheFaultOfABadLibrary)
         const Fault fault(name);
         const auto outcome = outcomeOf([&] {
             const HostOptions options;
-            CaseSession session(library, folder.path(), options);
-            session.geometry();
-            (void)session.result(session.metaData().results[0], 1);
+            OpenedCase opened(library, folder.path(), options);
+            opened.geometry();
+            (void)opened.result(opened.metaData().results[0], 1);
         });
         EXPECT_EQ(outcome.second, told);
     }

@@ -17,7 +17,7 @@
 /// Keeps the interface's calling order by itself: what is asked for brings what must stand before it. Every call is
 /// guarded and every delivery checked before it is handed on. All members throw `HostError` as `callLibrary` and the
 /// checks do. One thread uses an object; the library must outlive it.
-class CaseSession
+class OpenedCase
 {
 public:
     /// The path that a provider opens: a folder is completed by the name of its token file, and the result is absolute,
@@ -26,13 +26,13 @@ public:
 
     /// Makes a provider and opens the case; `options` must live as long as the object.
     /// @throws HostError of `CaseRefused` when the provider does not take the path or cannot open the case
-    CaseSession(PluginLibrary& library, const std::filesystem::path& casePath, const HostOptions& options);
+    OpenedCase(PluginLibrary& library, const std::filesystem::path& casePath, const HostOptions& options);
 
     /// Closes the case and gives the provider back; a fault is dropped, since a destructor cannot tell it.
-    ~CaseSession();
+    ~OpenedCase();
 
-    CaseSession(const CaseSession&) = delete;
-    CaseSession& operator=(const CaseSession&) = delete;
+    OpenedCase(const OpenedCase&) = delete;
+    OpenedCase& operator=(const OpenedCase&) = delete;
 
     /// The description of the case, asked for once.
     const HostMetaData& metaData();

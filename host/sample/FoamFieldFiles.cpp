@@ -194,10 +194,12 @@ void writeFields(const FoamPlace& place, const SampleMesh& mesh, const SampleMea
                  const FoamFormat& format)
 {
     const auto temperature = [time](const SamplePoint& at) { return SamplePoint{sampleTemperature(at, time), 0, 0}; };
+    const auto pressure = [time](const SamplePoint& at) { return SamplePoint{samplePressure(at, time), 0, 0}; };
     const auto velocity = [time](const SamplePoint& at) { return sampleVelocity(at, time); };
     makeFolder(place.caseFolder / place.location);
     writeCellField(place, {"T", "volScalarField", "0 0 0 1 0 0 0", "scalar", 1, temperature}, mesh, measures, format);
     writeCellField(place, {"U", "volVectorField", "0 1 -1 0 0 0 0", "vector", 3, velocity}, mesh, measures, format);
+    writeCellField(place, {"p", "volScalarField", "0 2 -2 0 0 0 0", "scalar", 1, pressure}, mesh, measures, format);
     writePointField(place, {"pointT", "pointScalarField", "0 0 0 1 0 0 0", "scalar", 1, temperature}, mesh, format);
 }
 

@@ -7,7 +7,7 @@
 
 #include <string>
 
-/// Writes the fields of one mesh at one time: T and U at cells, pointT at points.
+/// Writes the fields of one mesh at one time: T, U and p at cells, pointT at points.
 ///
 /// The boundary entries are of several types, so that a reader meets those with values, in a list and uniform, those
 /// that take the value of the cell, and those with neither.

@@ -19,7 +19,7 @@
 
 namespace {
 
-/// A block of hexahedra with fields at one time, open in the library that ships, its geometry delivered.
+/// A block of hexahedra with fields at one time, open in the library that ships, with its geometry delivered.
 class FieldCase
 {
 public:
@@ -52,7 +52,7 @@ private:
     std::unique_ptr<OpenedCase> m_opened;
 };
 
-/// The case of a form and size. Only the last one is kept: benchmarks that share a case are registered in a row.
+/// The case of this form and size. Only the last one is kept, so benchmarks that share a case are registered in a row.
 FieldCase& fieldCase(const std::string& form, std::int64_t cells)
 {
     static std::pair<std::string, std::int64_t> present;
@@ -65,7 +65,8 @@ FieldCase& fieldCase(const std::string& form, std::int64_t cells)
     return *kept;
 }
 
-/// What a user waits for who picks these results: reading, the way across the interface, the host's copies and checks.
+/// What a user waits for after selecting these results: reading, the calls across the interface, the host's copies and
+/// checks.
 void getFields(benchmark::State& state, const std::string& form, const std::vector<std::string>& keys)
 {
     FieldCase& opened = fieldCase(form, state.range(0));
@@ -123,7 +124,7 @@ NumberText numbersOf(const std::string& field, int cells)
     return numbers;
 }
 
-/// Conversion only: the borders of the tokens are known and nothing is stored.
+/// Conversion only: the limits of the tokens are known and nothing is stored.
 void convertNumbers(benchmark::State& state, const std::string& field)
 {
     const NumberText numbers = numbersOf(field, static_cast<int>(state.range(0)));

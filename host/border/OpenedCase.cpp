@@ -40,7 +40,7 @@ void OpenedCase::open()
     }
     m_provider = callLibrary("createProviderInstance", [&] { return factory.createProviderInstance(); });
     if (m_provider == nullptr) {
-        throw HostError(ExitCode::Misbehaved, "createProviderInstance gave no provider");
+        throw HostError(ExitCode::Misbehaved, "createProviderInstance returned no provider");
     }
     m_open = callLibrary("init", [&] { return m_provider->init(path, m_options, nullptr); }) != 0;
     if (!m_open) {
@@ -61,7 +61,7 @@ void OpenedCase::release()
             m_library.factory().destroyProviderInstance(m_provider);
         });
     } catch (const HostError&) {
-        // The object goes away, and what is wrong with it goes along.
+        // The object is on its way out, so a fault no longer matters.
     }
     m_provider = nullptr;
 }

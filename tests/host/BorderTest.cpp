@@ -75,7 +75,7 @@ TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
     const Fault version("another version of the interface");
     EXPECT_EQ(outcomeOf([] { const PluginLibrary other(FAULTY_PLUGIN); }),
               std::pair(ExitCode::LibraryRefused,
-                        std::string("the library speaks version 8 of the interface, this host version 7")));
+                        std::string("the library uses version 8 of the interface, this host version 7")));
 }
 
 TEST(OpenedCase, NamesTheFaultOfABadLibrary)
@@ -86,7 +86,7 @@ TEST(OpenedCase, NamesTheFaultOfABadLibrary)
     writePressure(folder, "1");
     const std::string broken = "the library delivered broken arrays: ";
     const std::pair<const char*, std::string> faults[] = {
-        {"throws", "init let an exception out: thrown on purpose"},
+        {"throws", "init threw: thrown on purpose"},
         {"reads what is not given", "init: the boolean setting FLAG was read but not given"},
         {"reserved row", "getMetaData: a reserved row of DDPMetaData was called"},
         {"lost group", broken + "geometry: 2 element groups for 3 declared groups"},

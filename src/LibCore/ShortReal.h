@@ -24,9 +24,9 @@ inline const char* scanShortReal(const char* first, double* value)
     constexpr std::ptrdiff_t MOST_DIGITS = 19;
     constexpr std::uint64_t LARGEST_EXACT = std::uint64_t{1} << 53U;
     constexpr int LARGEST_POWER = 22;
-    constexpr std::array<double, LARGEST_POWER + 1> POWERS_OF_TEN = {
-        1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-        1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr std::array<double, LARGEST_POWER + 1> POWERS_OF_TEN = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                                     1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                                     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
     const auto digitOf = [](char c) { return static_cast<unsigned>(static_cast<unsigned char>(c)) - unsigned{'0'}; };
 
     const char* p = first;

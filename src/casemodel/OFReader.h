@@ -57,7 +57,7 @@ public:
     /// @param file the plain name; a file of this name with ".gz" will do
     /// @return false if the file exists but cannot be read; the part then has no patches
     bool addBoundaries(OFPart& part, const dvn::Str& file, int* nextId);
-    /// The same for face zones.
+    /// The same for face zones; of a file that breaks off, the part keeps the zones before that place.
     bool addFaceZones(OFPart& part, const dvn::Str& file, int* nextId);
     /// The same for cell zones.
     bool addCellZones(OFPart& part, const dvn::Str& file, int* nextId);

@@ -34,15 +34,6 @@ bool existsPlainOrZipped(const dvn::Str& file)
     return OFUtilities::fileExists(file) || OFUtilities::fileExists(file + ".gz");
 }
 
-/// Drops what was read of a list that broke off. Its entries have no ids yet, and ids that the counter does not include
-/// would be given to the host twice.
-template <typename Piece>
-bool dropBrokenList(std::vector<Piece>& pieces, const char* message, const dvn::Str& file)
-{
-    pieces.clear();
-    return logProblem(message, file);
-}
-
 } // namespace
 
 bool OFReader::initGeometry()
@@ -217,7 +208,9 @@ bool OFReader::addBoundaries(OFPart& part, const dvn::Str& file, int* nextId)
     }
     std::vector<OFBoundary>& boundaries = part.boundaries();
     if (!OFFile(true).readBoundary(file, "boundary", boundaries, static_cast<std::size_t>(part.id()))) {
-        return dropBrokenList(boundaries, "Cannot init geometry. Boundary File/Folder %1 does not exist.", file);
+        // A list that is half read has no ids.
+        boundaries.clear();
+        return logProblem("Cannot init geometry. Boundary File/Folder %1 does not exist.", file);
     }
     filterBoundariesPartByName(part);
     filterBoundariesWithZeroFaceCount(part);
@@ -234,11 +227,11 @@ bool OFReader::addFaceZones(OFPart& part, const dvn::Str& file, int* nextId)
     if (!m_loadFaceZones || !existsPlainOrZipped(file)) {
         return true;
     }
-    if (!OFFile(true).readFaceZones(file, "faceZones", part.faceZones(), static_cast<std::size_t>(part.id()))) {
-        return dropBrokenList(part.faceZones(), "Cannot init geometry. faceZones File/Folder %1 does not exist.", file);
-    }
+    const bool isRead =
+        OFFile(true).readFaceZones(file, "faceZones", part.faceZones(), static_cast<std::size_t>(part.id()));
+    // Zones read before the file broke off stay, so their ids are taken either way.
     *nextId += static_cast<int>(part.faceZones().size());
-    return true;
+    return isRead || logProblem("Cannot init geometry. faceZones File/Folder %1 does not exist.", file);
 }
 
 bool OFReader::addCellZones(OFPart& part, const dvn::Str& file, int* nextId)
@@ -246,11 +239,11 @@ bool OFReader::addCellZones(OFPart& part, const dvn::Str& file, int* nextId)
     if (!m_loadCellZones || !existsPlainOrZipped(file)) {
         return true;
     }
-    if (!OFFile(true).readCellZones(file, "cellZones", part.cellZones(), static_cast<std::size_t>(part.id()))) {
-        return dropBrokenList(part.cellZones(), "Cannot init geometry. CellZones File/Folder %1 does not exist.", file);
-    }
+    const bool isRead =
+        OFFile(true).readCellZones(file, "cellZones", part.cellZones(), static_cast<std::size_t>(part.id()));
+    // Zones read before the file broke off stay, so their ids are taken either way.
     *nextId += static_cast<int>(part.cellZones().size());
-    return true;
+    return isRead || logProblem("Cannot init geometry. CellZones File/Folder %1 does not exist.", file);
 }
 
 bool OFReader::filterBoundariesPartByName(OFPart& part)

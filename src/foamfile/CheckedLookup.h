@@ -5,8 +5,8 @@
 
 /// The value of a key that must be there.
 ///
-/// Hosts know a file without its "object", "class" or "note" by the text of this exception, which is not that of the
-/// standard library, so every checked look-up goes through here.
+/// Compatibility (docs/compatibility.md, "the exception text"): not the text of the standard library, so every checked
+/// look-up goes through here.
 ///
 /// @throws std::out_of_range with "map::at:  key not found"
 template <typename Map, typename Key>

@@ -17,8 +17,8 @@ namespace {
 
 using Range = tbb::blocked_range<std::size_t>;
 
-/// The number at the start of a text. What ends it is cut off first, so that the conversion never runs on to the lines
-/// behind, which other workers read.
+/// The number at the start of a text. What ends it is cut off first, so the conversion never runs on into the lines
+/// after it, which other workers read.
 double leadingNumber(const char* text)
 {
     const char* const first = text + std::strspn(text, " \t\n\v\f\r");
@@ -27,8 +27,8 @@ double leadingNumber(const char* text)
     return value;
 }
 
-/// Marks the line starts of a range of positions. Pushes may come from all workers at once; their order is free,
-/// because the offsets are sorted behind the loop.
+/// Marks the line starts of a range of positions. Pushes may come from all workers at once, in any order, because the
+/// offsets are sorted after the loop.
 struct MarkLinesFunctor
 {
     const char* chunk;
@@ -48,7 +48,7 @@ struct MarkLinesFunctor
     }
 };
 
-/// Converts lines. Line i writes the `COMPONENTS` values of place i alone.
+/// Converts lines. Line i writes only the `COMPONENTS` values of place i.
 template <std::size_t COMPONENTS>
 struct ReadLinesFunctor
 {

@@ -6,6 +6,7 @@
 #include "LibCore/Numbers.h"
 #include "foamfile/FieldList.h"
 #include "foamfile/OFLogger.h"
+#include "records/Components.h"
 
 #include <algorithm>
 #include <array>
@@ -22,9 +23,6 @@ constexpr const char* BAD_COUNT = "Invalid number of items in result file. File 
 constexpr const char* UNKNOWN_CLASS = "Invalid resultClassName in open foam file. We do not recognize:  %1";
 constexpr const char* TENSOR_LIST =
     "Error reading result, tensor results are currently not supported. File basename is %1";
-/// Components of a tensor in an array.
-constexpr int STORED_TENSOR_SIZE = 6;
-constexpr int VECTOR_SIZE = 3;
 /// Length of what ends a list on one line: the bracket, the semicolon and the line feed.
 constexpr std::size_t LIST_TAIL = 3;
 
@@ -41,9 +39,9 @@ int storedSize(OFResultType type)
         return 1;
     case OFResultVector:
     case OFResultDisplacement:
-        return VECTOR_SIZE;
+        return static_cast<int>(VECTOR_COMPONENTS);
     case OFResultTensor:
-        return STORED_TENSOR_SIZE;
+        return static_cast<int>(TENSOR_COMPONENTS);
     }
     return -1;
 }
@@ -154,7 +152,7 @@ bool fillUniform(const std::vector<dvn::Str>& tokens, const Request& request, st
                             .arg(request.path));
     }
     const auto width = static_cast<std::size_t>(size);
-    std::array<double, STORED_TENSOR_SIZE> numbers = {};
+    std::array<double, TENSOR_COMPONENTS> numbers = {};
     if (!convertUniform(tokens, first, request.path, numbers.data(), width)) {
         return false;
     }
@@ -332,10 +330,10 @@ void FieldInterior::vectorsFromLine(const dvn::Str& line, std::vector<double>* v
     Words words(line.toStdWString());
     for (std::size_t i = 0; i < values->size(); ++i) {
         std::wstring_view word = words.next();
-        const std::size_t component = i % VECTOR_SIZE;
+        const std::size_t component = i % VECTOR_COMPONENTS;
         if (component == 0 && !word.empty()) {
             word.remove_prefix(1);
-        } else if (component + 1 == VECTOR_SIZE && !word.empty()) {
+        } else if (component + 1 == VECTOR_COMPONENTS && !word.empty()) {
             word.remove_suffix(1);
         }
         (*values)[i] = leadingNumber(word);

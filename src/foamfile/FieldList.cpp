@@ -4,6 +4,7 @@
 #include "foamfile/FieldPieces.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TokenScanner.h"
+#include "records/Components.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,7 +14,6 @@ namespace {
 
 using TokenScanner::ComponentEnd;
 
-constexpr std::size_t COMPONENTS = 3;
 /// Text that is parsed at once: with its values it fits the cache of a core.
 constexpr std::size_t WINDOW_SIZE = 1048576;
 
@@ -33,13 +33,13 @@ void readVectorsOfPiece(FieldPieces::Piece* piece, const char* end)
         while (*vector == ' ') {
             ++vector;
         }
-        double* const xyz = piece->room(COMPONENTS);
-        if (TokenScanner::scanVector<ComponentEnd::DelimiterBlankOrBracketOfTheLine>(vector, end, COMPONENTS, xyz) <
-                COMPONENTS ||
+        double* const xyz = piece->room(VECTOR_COMPONENTS);
+        if (TokenScanner::scanVector<ComponentEnd::DelimiterBlankOrBracketOfTheLine>(vector, end, VECTOR_COMPONENTS,
+                                                                                     xyz) < VECTOR_COMPONENTS ||
             vector > piece->limit) {
             return;
         }
-        piece->count += COMPONENTS;
+        piece->count += VECTOR_COMPONENTS;
         piece->stop = vector;
         p = vector;
         TokenScanner::skipLineFeeds(p, piece->limit);
@@ -217,7 +217,7 @@ bool FieldList::walkVectors(TextSource& text, std::vector<double>* values, std::
         // guard: vectors-sequential
         while (*found < values->size() && TokenScanner::skipPast(p, '(')) {
             p += std::strspn(p, " ");
-            const std::size_t wanted = std::min(COMPONENTS, values->size() - *found);
+            const std::size_t wanted = std::min(VECTOR_COMPONENTS, values->size() - *found);
             const std::size_t came = TokenScanner::scanVector<ComponentEnd::DelimiterBlankOrBracket>(
                 p, chunk.end, wanted, values->data() + *found);
             *found += came;

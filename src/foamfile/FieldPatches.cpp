@@ -8,6 +8,7 @@
 #include "foamfile/FieldList.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TextLines.h"
+#include "records/Components.h"
 
 #include <algorithm>
 #include <array>
@@ -391,11 +392,10 @@ void FieldPatches::copyMeshItems(const std::vector<double>& meshValues, const st
 int resultSizeFromName(const dvn::Str& resultClass)
 {
     constexpr int TENSOR_SIZE = 9;
-    constexpr int VECTOR_SIZE = 3;
     const std::optional<OFResultType> type = FieldInterior::typeOfClass(resultClass);
     if (!type) {
         OFLogger::get().logError("OFFile", dvn::Str("Unexpected result class name. Not supported %1").arg(resultClass));
         return 1;
     }
-    return *type == OFResultTensor ? TENSOR_SIZE : *type == OFResultVector ? VECTOR_SIZE : 1;
+    return *type == OFResultTensor ? TENSOR_SIZE : *type == OFResultVector ? static_cast<int>(VECTOR_COMPONENTS) : 1;
 }

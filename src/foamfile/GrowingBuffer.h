@@ -9,15 +9,15 @@
 #include <type_traits>
 #include <utility>
 
-/// An array of plain values that can grow and is never cleared: clearing touches every page once more, which for the
-/// buffers of the list readers costs as much as parsing does.
+/// An array of plain values that can grow and is never cleared: clearing would touch every page once more, which for
+/// the buffers of the list readers costs as much as parsing.
 template <typename T>
 class GrowingBuffer
 {
     static_assert(std::is_trivially_copyable_v<T>);
 
 public:
-    /// The values; null until room was made.
+    /// The values; null until there is room.
     T* data() { return m_values.get(); }
     const T* data() const { return m_values.get(); }
     std::size_t capacity() const { return m_capacity; }
@@ -38,14 +38,14 @@ public:
         m_capacity = roomy;
     }
 
-    /// Gives the memory back.
+    /// Frees the memory.
     void release()
     {
         m_values.reset();
         m_capacity = 0;
     }
 
-    /// True if `place` lies within the array.
+    /// True if `place` is within the array.
     bool contains(const T* place) const
     {
         const std::less<> before;

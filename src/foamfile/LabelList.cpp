@@ -40,8 +40,7 @@ bool LabelList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& o
     }
     // Only `owner` and `neighbour` carry the note, so other label lists leave here, by exception or with the message.
     if (!cellCountFromNote(file.header.at("note"), cellCount)) {
-        return file.text.reportError("Failed to read number of cells in file. This info should be available as 'note' "
-                                     "in the header of File: %1");
+        return file.text.reportError(NO_CELL_COUNT);
     }
     int count = 0;
     if (!ListHeader::readCount(file, dvf::limits::BYTES_PER_NUMBER, dvf::limits::LIST_COUNT, MESSAGES, &count)) {

@@ -12,6 +12,10 @@
 /// labels in the byte order of the machine, in one read. What follows the labels stays to be read, the ")" included.
 namespace LabelList {
 
+/// What is reported of a header whose note does not give the number of cells; %1 is the path.
+inline constexpr const char* NO_CELL_COUNT =
+    "Failed to read number of cells in file. This info should be available as 'note' in the header of File: %1";
+
 /// Reads a whole `owner` or `neighbour` file. See `OFFile::readLabelList`.
 bool readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, std::vector<int>* labels,
               int* cellCount);

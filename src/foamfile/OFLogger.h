@@ -7,21 +7,21 @@
 #include <map>
 #include <string>
 
-/// The start of a text of a file, as a message shows it: no more than 256 bytes, and none behind the fourth percent
-/// sign. What is filled into a message is searched for placeholders like the message itself, so texts could multiply.
+/// The start of a text from a file, as a message shows it: at most 256 bytes, and none after the fourth percent sign.
+/// Text that is filled into a message is searched for placeholders like the message itself, so texts could multiply.
 dvn::Str excerpt(const std::string& text);
 
 /// Forwards the plug-in's log lines to the one callback that the host provides.
 ///
 /// There is no log file and no level filter here: the host decides what becomes of a line. The operations take no lock
 /// and run on many worker threads at once, so the callback must accept concurrent calls. Text handed to it is valid
-/// during the call alone.
+/// only during the call.
 class OFLogger
 {
 public:
     using Callback = void (*)(int level, const char* text);
 
-    /// The one instance, made at the first call from any thread and destroyed at exit.
+    /// The one instance, created at the first call from any thread and destroyed at exit.
     static OFLogger& get();
 
     /// Installs the host's callback in place of an earlier one; null drops all lines. It is never cleared.
@@ -34,10 +34,10 @@ public:
     void logInfo(const dvn::Str& group, const dvn::Str& message) const;
     /// Level 4.
     void logDebug(const dvn::Str& group, const dvn::Str& message) const;
-    /// Level 4 as well: hosts know no finer level.
+    /// Level 4 as well. Compatibility (docs/compatibility.md, "log levels").
     void logDeveloper(const dvn::Str& group, const dvn::Str& message) const;
 
-    /// Does nothing: callers mark where time goes, and a build that measures can store it here.
+    /// Does nothing: callers mark where time goes, and a build for measurements can store it here.
     void track(const dvn::Str& label, double value);
     /// Does nothing, as nothing is tracked.
     void printTrackedData() const;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-/// The text in front of its trailing carriage returns and line feeds.
+/// The text without its trailing carriage returns and line feeds.
 inline std::string_view withoutLineEnd(std::string_view line)
 {
     const std::size_t last = line.find_last_not_of("\r\n");
@@ -20,7 +20,7 @@ inline std::string_view trimmed(std::string_view text)
                                            : text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
 }
 
-/// The text from its first character on that is not a space.
+/// The text from its first character that is not a space.
 inline std::string_view fromFirstWord(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(' ');
@@ -34,7 +34,7 @@ struct KeyAndValue
     std::string_view value;
 };
 
-/// Cuts an entry behind its first word; only the space ends a word.
+/// Cuts an entry after its first word; only the space ends a word.
 ///
 /// A key counts only if a space follows it: "foo " has the key "foo" with an empty value, "foo" has the empty key.
 inline KeyAndValue splitKeyAndValue(std::string_view entry)

@@ -5,13 +5,13 @@
 #include "LibCore/Limits.h"
 #include "foamfile/ChunkPasses.h"
 #include "foamfile/TokenScanner.h"
+#include "records/Components.h"
 
 #include <algorithm>
 
 namespace {
 
 using TokenScanner::ComponentEnd;
-using VectorList::COMPONENTS;
 
 /// Doubles by which the values of a slot grow: more than the usual chunk holds.
 constexpr std::size_t VALUES_STEP = 72000;
@@ -32,14 +32,14 @@ struct VectorSlot : ChunkSlot
         }
         const char* p = begin;
         while (TokenScanner::skipPast(p, '(')) {
-            if (count + COMPONENTS > values.capacity()) {
+            if (count + VECTOR_COMPONENTS > values.capacity()) {
                 values.grow(count + VALUES_STEP, count);
             }
-            if (TokenScanner::scanVector<ComponentEnd::Delimiter>(p, end, COMPONENTS, values.data() + count) <
-                COMPONENTS) {
+            if (TokenScanner::scanVector<ComponentEnd::Delimiter>(p, end, VECTOR_COMPONENTS, values.data() + count) <
+                VECTOR_COMPONENTS) {
                 return;
             }
-            count += COMPONENTS;
+            count += VECTOR_COMPONENTS;
         }
     }
 };
@@ -94,13 +94,13 @@ bool VectorList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& 
         return false;
     }
     int count = 0;
-    if (!ListHeader::readCount(file, COMPONENTS * dvf::limits::BYTES_PER_NUMBER, dvf::limits::LIST_COUNT, MESSAGES,
-                               &count)) {
+    if (!ListHeader::readCount(file, VECTOR_COMPONENTS * dvf::limits::BYTES_PER_NUMBER, dvf::limits::LIST_COUNT,
+                               MESSAGES, &count)) {
         return false;
     }
     TextSource& text = file.text;
-    dvf::reserveLarge(values, COMPONENTS * static_cast<std::size_t>(count));
-    values->resize(COMPONENTS * static_cast<std::size_t>(count));
+    dvf::reserveLarge(values, VECTOR_COMPONENTS * static_cast<std::size_t>(count));
+    values->resize(VECTOR_COMPONENTS * static_cast<std::size_t>(count));
     if (count == 0) {
         text.close();
         return true;
@@ -113,7 +113,7 @@ bool VectorList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& 
         text.isBinary() ? text.readRaw(values->data(), sizeof(double), values->size()) : readPar(text, values);
     const bool isWhole = found == values->size();
     if (!isWhole) {
-        text.reportShortList(static_cast<std::size_t>(count), found / COMPONENTS);
+        text.reportShortList(static_cast<std::size_t>(count), found / VECTOR_COMPONENTS);
     }
     text.close();
     return isWhole || !text.isBinary();

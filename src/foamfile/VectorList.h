@@ -11,9 +11,6 @@
 /// The vectors of fields are read by `FieldList`, which is stricter about what comes between and after them.
 namespace VectorList {
 
-/// Components of a vector.
-inline constexpr std::size_t COMPONENTS = 3;
-
 /// Reads a whole `vectorField` file. See `OFFile::readVectorField`.
 bool readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, std::vector<double>* values);
 

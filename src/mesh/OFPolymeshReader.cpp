@@ -2,6 +2,7 @@
 #include "mesh/OFPolymeshReader.h"
 
 #include "LibCore/Parallel.h"
+#include "foamfile/LabelList.h"
 #include "foamfile/OFFile.h"
 #include "mesh/ListFile.h"
 
@@ -139,8 +140,6 @@ void OFPolymeshReadFunctor::readLabels(const dvn::Str& path,
         if (!lacksOnlyNote(path)) {
             throw;
         }
-        (void)OFLogger::get().logError("OFFile", dvn::Str("Failed to read number of cells in file. This info should be "
-                                                          "available as 'note' in the header of File: %1")
-                                                     .arg(path));
+        (void)OFLogger::get().logError("OFFile", dvn::Str(LabelList::NO_CELL_COUNT).arg(path));
     }
 }

@@ -33,7 +33,7 @@ Values aware(const OFPart& part, const Values& cells, const Patches& patches)
     return nodes;
 }
 
-TEST(NodeAveraging, SharesNodesBetweenTheCellsAroundThem)
+TEST(NodeAveraging, AveragesTheCellsAroundEachNode)
 {
     EXPECT_EQ(aware(twoElements(), {1, 3}, {}), (Values{1, 1, 2, 2, 3, 3}));
     Values vectors(18, 0.0);
@@ -42,7 +42,7 @@ TEST(NodeAveraging, SharesNodesBetweenTheCellsAroundThem)
 }
 
 // The first entry alone tells whether a patch has values; a node on two patches takes all their faces and no cell.
-TEST(NodeAveraging, LetsPatchesWithValuesOfTheirOwnStandInPlaceOfCells)
+TEST(NodeAveraging, PrefersPatchesWithValuesToCells)
 {
     OFPart part = twoElements();
     part.boundaries()[0].faceConnectivity() = {0, 3, 0, 5};

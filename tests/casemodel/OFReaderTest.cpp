@@ -43,7 +43,7 @@ protected:
 } // namespace
 
 // Interfaces are hidden, and a broken file costs the part its patches; ids move on as if it had none.
-TEST_F(OFReaderCase, TakesProcessorFoldersBeforeAllElse)
+TEST_F(OFReaderCase, PrefersProcessorFolders)
 {
     writeGroups("constant/polyMesh");
     writeGroups("processorData/constant/polyMesh");
@@ -74,7 +74,7 @@ TEST_F(OFReaderCase, FallsBackToTheMeshOfTimeZeroWithoutItsGroups)
                                                       (m_folder / "0/polyMesh/cellZones").string() + ".");
 }
 
-TEST_F(OFReaderCase, TellsWhyItDoesNotOpen)
+TEST_F(OFReaderCase, ReportsWhyItDoesNotOpen)
 {
     const auto path = [&](const char* relative) { return (m_folder / relative).string(); };
     EXPECT_EQ(lastErrorOfOpening("no\\such"), "OFReader : Failed to open case no/such - file does not exist");
@@ -119,7 +119,7 @@ TEST_F(OFReaderCase, TakesStepIndicesFromTheFoldersOrFromTheInterval)
 }
 
 // "+" sorts before every digit: that folder is no time and comes when there is no state yet to take its values.
-TEST_F(OFReaderCase, TakesSurfaceValuesOfTheStatesNameAndThoseOfRejectedFoldersBehindThem)
+TEST_F(OFReaderCase, AddsSurfaceValuesOfRejectedFoldersToTheStateBefore)
 {
     for (const char* const file : {"1/cut/scalarField/p", "1/cut/vectorField/U.gz", "1/rim/scalarField/p",
                                    "abc/cut/scalarField/q", "+a/cut/scalarField/lost"}) {
@@ -137,7 +137,7 @@ TEST_F(OFReaderCase, TakesSurfaceValuesOfTheStatesNameAndThoseOfRejectedFoldersB
     EXPECT_EQ(joined(keys), "PRESSURE_N* 00, Q_N* 00, VELOCITY_N* 10");
 }
 
-TEST_F(OFReaderCase, LeavesByExceptionAtAFieldWithoutClass)
+TEST_F(OFReaderCase, ThrowsForAFieldWithoutClass)
 {
     m_folder.write("0.5/p", "FoamFile\n{\n    object p;\n}\n");
     try {
@@ -149,7 +149,7 @@ TEST_F(OFReaderCase, LeavesByExceptionAtAFieldWithoutClass)
 }
 
 // Any number of files could share a base name with a large one.
-TEST_F(OFReaderCase, OpensTheFileOfABaseNameOnce)
+TEST_F(OFReaderCase, OpensOneFilePerBaseName)
 {
     m_folder.write("0/a.gz", gzipped(header("volScalarField", "a")).substr(0, 40));
     for (const char* const file : {"0/a.1", "0/a.2", "0/a.3"}) {
@@ -160,7 +160,7 @@ TEST_F(OFReaderCase, OpensTheFileOfABaseNameOnce)
     EXPECT_EQ(std::ranges::count_if(log.infos(), [](const std::string& line) { return line.find("damaged") < 99; }), 1);
 }
 
-TEST_F(OFReaderCase, FindsSurfaceValuesOfATimeThatComesLater)
+TEST_F(OFReaderCase, FindsSurfaceValuesOfALaterTime)
 {
     std::filesystem::create_directory(m_folder / "0");
     OFReader reader;
@@ -173,7 +173,7 @@ TEST_F(OFReaderCase, FindsSurfaceValuesOfATimeThatComesLater)
 }
 
 // The class takes part in the line's own placeholders.
-TEST_F(OFReaderCase, TellsOfAForeignClassInALineOfBoundedLength)
+TEST_F(OFReaderCase, ReportsAForeignClassInABoundedLine)
 {
     std::string name;
     for (int i = 0; i < 1500; ++i) {
@@ -186,7 +186,7 @@ TEST_F(OFReaderCase, TellsOfAForeignClassInALineOfBoundedLength)
         log.infos(), [&](const std::string& line) { return line.size() < 200 * m_folder.path().string().size(); }));
 }
 
-TEST(ResultNames, AreReadAsPairsAndPairsWithoutASecondSideSkipped)
+TEST(ResultNames, AreReadAsPairsSkippingIncompleteOnes)
 {
     dvn::Str text(" U = Speed ; p=;k;T=Heat;T=Warmth;;a=b=c\n");
     EXPECT_EQ(OFReader().buildResultsNamesMap(text),

@@ -94,7 +94,7 @@ protected:
 
 } // namespace
 
-TEST_P(FieldPieces, AWholeListComesInFileOrder)
+TEST_P(FieldPieces, ReadsAListInFileOrder)
 {
     const Outcome outcome = read(itemLines(GetParam()), 4);
     ASSERT_TRUE(outcome.isRead);
@@ -106,7 +106,7 @@ TEST_P(FieldPieces, AWholeListComesInFileOrder)
     EXPECT_EQ(outcome.patchValues.front().back(), GetParam() == 1 ? 7.0 : 9.0);
 }
 
-TEST_P(FieldPieces, WhateverStandsInTheListComesOutAsWithOneThread)
+TEST_P(FieldPieces, OddLinesReadAsWithOneThread)
 {
     // What takes the place of a line. Of a "%" comes a NUL, of a "#" much of what follows it.
     std::vector<std::string> oddities = {""};
@@ -131,7 +131,7 @@ TEST_P(FieldPieces, WhateverStandsInTheListComesOutAsWithOneThread)
     }
 }
 
-TEST_P(FieldPieces, AListOfOddLinesOrOfMoreLinesThanItPromisesComesOutAsWithOneThread)
+TEST_P(FieldPieces, OddAndTooLongListsReadAsWithOneThread)
 {
     const std::vector<std::string> usual = itemLines(GetParam());
     std::vector<std::string> twice = usual;

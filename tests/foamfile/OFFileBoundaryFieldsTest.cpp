@@ -72,7 +72,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileBoundaryFields, PatchesGetTheValuesOfTheFileOrOfTheirCells)
+TEST_F(OFFileBoundaryFields, PatchesGetValuesFromTheFileOrFromTheirCells)
 {
     EXPECT_TRUE(
         readField(section({"type            fixedValue;|        value           uniform 300;", "type zeroGradient;",
@@ -89,7 +89,7 @@ TEST_F(OFFileBoundaryFields, PatchesGetTheValuesOfTheFileOrOfTheirCells)
     EXPECT_EQ(values, (Patches{{1, 1}})) << "the value of the point, not of the cell";
 }
 
-TEST_F(OFFileBoundaryFields, ASectionIsEnteredInAFileOfTheRightObjectAndClassOnly)
+TEST_F(OFFileBoundaryFields, EntersTheSectionOnlyForTheRightObjectAndClass)
 {
     EXPECT_TRUE(readField(section({"type slip;"}), {1}));
     OFFile file(true);
@@ -105,7 +105,7 @@ TEST_F(OFFileBoundaryFields, ASectionIsEnteredInAFileOfTheRightObjectAndClassOnl
     EXPECT_EQ(file.findValueKeys({{"type", "a"}}), "");
 }
 
-TEST_F(OFFileBoundaryFields, OnlySomeTypesContinueTheCellValueWhateverTheFileSays)
+TEST_F(OFFileBoundaryFields, SomeTypesTakeTheCellValueWhateverTheFileSays)
 {
     const std::string continuing = "zeroGradient empty uniformFixedValue slip symmetry symmetryPlane";
     for (const dvn::Str& type : dvn::Str(continuing + " noSlip calculated cyclic fixedValue emptyish").split(" ")) {
@@ -115,7 +115,7 @@ TEST_F(OFFileBoundaryFields, OnlySomeTypesContinueTheCellValueWhateverTheFileSay
     }
 }
 
-TEST_F(OFFileBoundaryFields, MixedPatchesAreLookedAtInPairs)
+TEST_F(OFFileBoundaryFields, MixedPatchesTakeTheirValueEntry)
 {
     EXPECT_TRUE(
         readField(section({"refValue uniform 0;|valueFraction uniform 1;|value uniform 2;",
@@ -127,7 +127,7 @@ TEST_F(OFFileBoundaryFields, MixedPatchesAreLookedAtInPairs)
     EXPECT_EQ(values, (Patches{{2}, {3}, {4}, {1, 2}}));
 }
 
-TEST_F(OFFileBoundaryFields, InnerBlocksAndOddLinesPassBy)
+TEST_F(OFFileBoundaryFields, SkipsInnerBlocksAndOddLines)
 {
     names = {"other", "a", "b", "c"};
     const std::string text = section({"type x;|value uniform 9;",
@@ -138,7 +138,7 @@ TEST_F(OFFileBoundaryFields, InnerBlocksAndOddLinesPassBy)
     EXPECT_EQ(values, (Patches{{5}, {0}, {P}}));
 }
 
-TEST_F(OFFileBoundaryFields, PatchesAreFoundInOrderByTheBytesOfTheirNames)
+TEST_F(OFFileBoundaryFields, FindsPatchesInOrderByTheBytesOfTheirNames)
 {
     names = {"w\xc3\xa4nde", "w\xe4nde", "d"};
     const std::string text = section({"value uniform 5;", "value uniform 6;", "value uniform 7;"});
@@ -166,7 +166,7 @@ TEST_F(OFFileBoundaryFields, NoPatchIsLostAtAChunkBorder)
     }
 }
 
-TEST_F(OFFileBoundaryFields, ABinaryCaseShowsWhatItsAsciiTwinShows)
+TEST_F(OFFileBoundaryFields, BinarySectionsReadLikeAscii)
 {
     // Bytes that look like line ends, braces and semicolons.
     std::string nasty = "\n}\n{\n;\n}value uniform 9;\n\n\n;\n(\n";
@@ -192,7 +192,7 @@ TEST_F(OFFileBoundaryFields, ABinaryCaseShowsWhatItsAsciiTwinShows)
     EXPECT_EQ(values, (Patches{{P}, {4, P, P}, {}, {7}}));
 }
 
-TEST_F(OFFileBoundaryFields, ABrokenSectionLeavesTheInteriorAndWhatCouldBeRead)
+TEST_F(OFFileBoundaryFields, BrokenSectionsKeepTheInteriorAndReadableValues)
 {
     EXPECT_FALSE(readField("", {1}));
     EXPECT_TRUE(interiorWasRead);
@@ -204,7 +204,7 @@ TEST_F(OFFileBoundaryFields, ABrokenSectionLeavesTheInteriorAndWhatCouldBeRead)
     EXPECT_EQ(values, (Patches{{0, P}, {5}, {7, 8, P}, {6}}));
 }
 
-TEST_F(OFFileBoundaryFields, TensorsAreWalkedInStepsOfNineWithinTheirArrays)
+TEST_F(OFFileBoundaryFields, TensorsStepByNineWithinTheirArrays)
 {
     EXPECT_TRUE(readField(section({"type x;|value uniform (1 2 3 4 5 6 7 8 9);", "type slip;",
                                    "type x;|value nonuniform List<tensor> |1|(|(1 2 3 4 5 6 7 8 9)|)|;"}),
@@ -218,7 +218,7 @@ TEST_F(OFFileBoundaryFields, TensorsAreWalkedInStepsOfNineWithinTheirArrays)
     EXPECT_EQ(values[0], Values(6, P)) << "nine values do not fit";
 }
 
-TEST_F(OFFileBoundaryFields, ValuesOfAnotherShapeThanTheFieldStayWithinTheirPatch)
+TEST_F(OFFileBoundaryFields, ValuesOfTheWrongShapeStayWithinTheirPatch)
 {
     EXPECT_TRUE(readField(section({"value nonuniform List<vector> |2|(|(1 2 3)|(4 5 6)|)|;", "value ;"}), {4, 1}));
     EXPECT_EQ(values, (Patches{{1, 2, 3, 4}, {P}}));
@@ -226,7 +226,7 @@ TEST_F(OFFileBoundaryFields, ValuesOfAnotherShapeThanTheFieldStayWithinTheirPatc
     EXPECT_EQ(values, (Patches{{0, 1, 2}, {P, P, P}})) << "a bracket alone is no number";
 }
 
-TEST_F(OFFileBoundaryFields, AMappingThatIsTooShortOrWrongTouchesNothing)
+TEST_F(OFFileBoundaryFields, MappingsThatAreShortOrWrongStayInBounds)
 {
     const Values mesh = {1, 2, 3};
     Values items(5, P);

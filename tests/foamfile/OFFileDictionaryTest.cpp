@@ -46,7 +46,7 @@ TEST(OFFileDictionary, EntriesAreTheLinesThatEndInASemicolon)
     EXPECT_EQ(entries, expected);
 }
 
-TEST_F(OFFileBoundary, PatchesComeWithTheirEntries)
+TEST_F(OFFileBoundary, ReadsPatchesWithTheirEntries)
 {
     EXPECT_TRUE(
         readBoundary("2\n(\n    inlet\n    {\n        type            patch;\n        inGroups 1(wall);\n"

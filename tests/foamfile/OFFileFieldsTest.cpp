@@ -37,7 +37,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileFields, EveryFormOfTheInteriorIsRead)
+TEST_F(OFFileFields, ReadsEveryFormOfTheInterior)
 {
     struct Case
     {
@@ -66,7 +66,7 @@ TEST_F(OFFileFields, EveryFormOfTheInteriorIsRead)
     EXPECT_EQ(log.errors().size() + log.infos().size(), 0U);
 }
 
-TEST_F(OFFileFields, FormsThatCannotBeReadAreTold)
+TEST_F(OFFileFields, ReportsFormsThatCannotBeRead)
 {
     const std::string list = "nonuniform List<";
     const std::string last = ", Error reading result";
@@ -140,7 +140,7 @@ TEST_F(OFFileFields, NoScalarIsLostAtAChunkBorder)
     }
 }
 
-TEST_F(OFFileFields, WhatALineLacksIsZeroAndTold)
+TEST_F(OFFileFields, FillsAndReportsValuesMissingFromALine)
 {
     const LogCapture log;
     EXPECT_TRUE(readInterior("Vector", "nonuniform List<vector> 2((1 2 3));\n", 6));

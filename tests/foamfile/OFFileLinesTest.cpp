@@ -42,7 +42,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(PlainAndGzip, OFFileLines, testing::Bool());
 
-TEST_P(OFFileLines, TheStreamKeepsLineFeedsAndTheChunkDropsThem)
+TEST_P(OFFileLines, StreamLinesKeepLineFeedsAndChunkLinesDropThem)
 {
     EXPECT_EQ(all("a\r\n\n b\nlast", &OFFile::getNextLine), (Lines{"a\r\n", "\n", " b\n", "last"}));
     EXPECT_EQ(all("\n\r\na\r\n\n\r\r b\n\nlast", &OFFile::getNextLineUsingChunk), (Lines{"a", " b"}))
@@ -70,7 +70,7 @@ TEST_P(OFFileLines, NoLineIsLostAtAChunkBorder)
     }
 }
 
-TEST_P(OFFileLines, AChunkEndsAtALineEndAndTellsItsLastIndex)
+TEST_P(OFFileLines, ChunksEndAtALineEndAndReportTheirLastIndex)
 {
     const std::string most(OFFile::CHUNK_SIZE, 'a');
     // The last line ends with the chunk, fits the margin of the buffer, fits it no more; the file ends without one.
@@ -92,7 +92,7 @@ TEST_P(OFFileLines, AChunkEndsAtALineEndAndTellsItsLastIndex)
     }
 }
 
-TEST_P(OFFileLines, ALineIsFoundByItsStartHoweverLongItIs)
+TEST_P(OFFileLines, FindsALineByItsStartWhateverItsLength)
 {
     const std::string sought = "internalField " + std::string(9000, '1') + "\n";
     OFFile& file = opened(" internalField no\n" + std::string(4095, 'x') + "internalField no\n" + sought + "end");
@@ -103,7 +103,7 @@ TEST_P(OFFileLines, ALineIsFoundByItsStartHoweverLongItIs)
     EXPECT_TRUE(opened(std::string("a\n\0b\nc d\n", 9)).getNextLineStartingWith("c", line)) << "behind a raw list";
 }
 
-TEST_P(OFFileLines, ACountLeavesItsBracketAndNothingElse)
+TEST_P(OFFileLines, ReadingACountLeavesItsBracket)
 {
     const std::pair<const char*, const char*> cases[] = {{"12(7", "12|(7"}, {"12\r\n7", "12|\n"},  {"12\n(", "12|("},
                                                          {"(7", "none|7"},  {"12 7", "none|7"},    {"-3", "none|3"},
@@ -124,7 +124,7 @@ TEST_P(OFFileLines, ACountLeavesItsBracketAndNothingElse)
     EXPECT_EQ(value, 6) << "here it stands at the start of a line";
 }
 
-TEST_P(OFFileLines, APendingRestIsHandedOutOnce)
+TEST_P(OFFileLines, HandsOutThePendingRestOnce)
 {
     opened("a\nb\nc\n");
     char* line = buffer.data();
@@ -143,7 +143,7 @@ TEST_P(OFFileLines, APendingRestIsHandedOutOnce)
 }
 
 // The cursor must stay in front of the text's end whatever ends a number; "|" shows where it stands behind it.
-TEST_P(OFFileLines, ANumberLeavesTheCursorBehindItsDelimiter)
+TEST_P(OFFileLines, ReadingANumberMovesTheCursorPastItsDelimiter)
 {
     const std::string digits(5000, '1');
     opened("1.5;x;;1e400;" + digits + ";2");
@@ -183,7 +183,7 @@ TEST_P(OFFileLines, ANumberLeavesTheCursorBehindItsDelimiter)
     }
 }
 
-TEST(ChunkTranslator, LinesOfAChunkAreMarkedUpToItsLastTwoBytes)
+TEST(ChunkTranslator, MarksLinesUpToTheLastTwoBytesOfAChunk)
 {
     const std::tuple<std::string, std::size_t, std::vector<int>> cases[] = {
         {"1.0\n2.0\n", 7, {0, 4}}, {"1\n\n", 2, {0}}, {"", 0, {0}}};
@@ -199,7 +199,7 @@ TEST(ChunkTranslator, LinesOfAChunkAreMarkedUpToItsLastTwoBytes)
 }
 
 // A plain walk wrote the text; the lines of each of its chunks are marked first and then translated all at once.
-TEST_P(OFFileLines, AListOverManyChunksIsReadInTwoPassesAndItsRestStaysPending)
+TEST_P(OFFileLines, ReadsAListOverManyChunksInTwoPasses)
 {
     std::string items;
     std::vector<double> expected;

@@ -67,7 +67,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileLists, EachReaderReportsInItsOwnWordsAndOnce)
+TEST_F(OFFileLists, EachReaderReportsOnceInItsOwnWords)
 {
     const std::pair<std::string, std::string> readers[] = {
         {"labelList", "labels file"}, {"vectorField", "vector field file"}, {"faceList", "face list file"}};
@@ -135,7 +135,7 @@ TEST_F(OFFileLists, AsciiBinaryAndGzipGiveTheSame)
 }
 
 // A count that lies must neither write beyond the target nor pass in silence.
-TEST_F(OFFileLists, AListThatDiffersFromItsCountKeepsWhatCame)
+TEST_F(OFFileLists, ShortAndLongListsKeepWhatWasRead)
 {
     using Ints = std::vector<int>;
     using Doubles = std::vector<double>;
@@ -166,7 +166,7 @@ TEST_F(OFFileLists, AListThatDiffersFromItsCountKeepsWhatCame)
     }
 }
 
-TEST_F(OFFileLists, ACountBeyondTheFileSizesNothing)
+TEST_F(OFFileLists, RefusesCountLargerThanFile)
 {
     // A compressed file can hold a thousand times its size, so what it has is counted before a large claim is believed.
     const std::string good = fileOf("labelList", "ascii", "100000\n(\n1\n)\n");
@@ -182,7 +182,7 @@ TEST_F(OFFileLists, ACountBeyondTheFileSizesNothing)
     }
 }
 
-TEST_F(OFFileLists, CellsAreCountedByTheNoteAlone)
+TEST_F(OFFileLists, CellCountComesOnlyFromTheNote)
 {
     const std::string missing = "OFFile : Failed to read number of cells in file. This info should be available as "
                                 "'note' in the header of File: ";
@@ -202,7 +202,7 @@ TEST_F(OFFileLists, CellsAreCountedByTheNoteAlone)
     EXPECT_THROW(read("labelList", header("labelList", "thing") + "1\n(\n0\n)\n"), std::out_of_range);
 }
 
-TEST_F(OFFileLists, ALineFeedAsFirstRawByteIsLost)
+TEST_F(OFFileLists, SkipsALineFeedThatStartsRawData)
 {
     const std::vector<int> written = {10, 1};
     EXPECT_TRUE(read("labelList", fileOf("labelList", "binary", rawList(written))));

@@ -87,7 +87,7 @@ TEST_F(OFFileFaces, NoFaceIsLostOrShiftedAtAChunkBorder)
     }
 }
 
-TEST_F(OFFileFaces, AFaceLargerThanAnyBufferIsRead)
+TEST_F(OFFileFaces, ReadsFacesLargerThanAnyBuffer)
 {
     // More labels than one step of growth, over more than one chunk; its count is cut to a byte.
     const Faces expected = {{1, 2, 3}, someLabels(90000), {4, 5, 6, 7}, someLabels(300)};
@@ -102,7 +102,7 @@ TEST_F(OFFileFaces, AFaceLargerThanAnyBufferIsRead)
     }
 }
 
-TEST_F(OFFileFaces, RawOffsetsThatCannotBeRightLeaveWholeFaces)
+TEST_F(OFFileFaces, WrongRawOffsetsLeaveTheWholeFaces)
 {
     struct Case
     {
@@ -127,7 +127,7 @@ TEST_F(OFFileFaces, RawOffsetsThatCannotBeRightLeaveWholeFaces)
 }
 
 // The second list is found only if the stream stands where the cores have read to.
-TEST_F(OFFileFaces, LongRawListsAreReadByAllCoresAsByOne)
+TEST_F(OFFileFaces, LongRawListsReadAlikeWithOneAndManyThreads)
 {
     constexpr std::size_t FACES = 1200000;
     std::vector<int> offsets(FACES + 1);
@@ -158,7 +158,7 @@ TEST_F(OFFileVectors, NoVectorIsLostAtAChunkBorder)
 }
 
 // The doors differ where a file is not written as it should be: the parallel one takes it as damage.
-TEST_F(OFFileVectors, EachDoorHasItsRulesForOddText)
+TEST_F(OFFileVectors, ParallelAndSequentialReadersKeepTheirRulesForOddText)
 {
     struct Case
     {

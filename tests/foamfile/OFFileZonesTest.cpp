@@ -70,7 +70,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileZones, ListsAreReadInAllTheirFormsAndEmptyCellZonesDropped)
+TEST_F(OFFileZones, ReadsAllFormsOfListsAndDropsEmptyCellZones)
 {
     EXPECT_EQ(read(CELLS, "4\n(\n" + cellZone("none", "0()") + cellZone("long", "List<label> \n3\n(\n4\n5\n6\n)\n") +
                               cellZone("w\xc3\xa4rme", "List<label> 2(16 17)") + cellZone("nil", "List<label> 0()") +
@@ -114,7 +114,7 @@ TEST_F(OFFileZones, NothingIsLostAtAChunkBorder)
     EXPECT_TRUE(read(CELLS, "1\n(\n" + cellZone("a", "List<label> 37430(" + rows + ")") + ")\n") == manyShown);
 }
 
-TEST_F(OFFileZones, BrokenZonesAreRefusedAndTold)
+TEST_F(OFFileZones, RefusesAndReportsBrokenZones)
 {
     const std::string problem = "Problem parsing file ";
     const std::string noCount = "problem reading cell Count in cellZone a in file ";

@@ -37,7 +37,7 @@ struct Fault
 
 } // namespace
 
-TEST(HostOptions, TakeTheFormsOfABooleanAndTheLastOfSeveralValues)
+TEST(HostOptions, AcceptBooleanFormsAndTheLastOfSeveralValues)
 {
     const HostProviderInfo provider = describedProvider();
     for (const std::string text : {"on", "ON", "True", "yes", "1", "off", "Off", "false", "NO", "0"}) {
@@ -59,7 +59,7 @@ TEST(HostOptions, TakeTheFormsOfABooleanAndTheLastOfSeveralValues)
     }
 }
 
-TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
+TEST(PluginLibrary, RunsTheFullStartSequence)
 {
     HostLog::get().clear();
     const Fault lines("log lines");
@@ -78,7 +78,7 @@ TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
                         std::string("the library speaks version 8 of the interface, this host version 7")));
 }
 
-TEST(CaseSession, NamesTheFaultOfABadLibrary)
+TEST(CaseSession, ReportsTheFaultOfABadLibrary)
 {
     const TempFolder folder;
     writeControlDict(folder);

@@ -71,7 +71,7 @@ ProgramRun check(const TempFolder& folder, const std::string& fault, const std::
 
 } // namespace
 
-TEST(Check, FindsEachSeededFaultAndNothingWithoutOne)
+TEST(Check, FindsEverySeededFaultAndNothingElse)
 {
     const TempFolder folder;
     std::set<std::string_view> unseeded = {"load.symbols"};
@@ -98,7 +98,7 @@ TEST(Check, PassesTheRealLibraryOnAllSamples)
     EXPECT_NE(result.out.find(" 0 failed\npassed\n"), std::string::npos) << result.out;
 }
 
-TEST(Check, TellsHowToRepeatAndOutlivesACrashAndAHang)
+TEST(Check, SurvivesCrashesAndHangsAndTellsHowToReproduceThem)
 {
     const TempFolder folder;
     const std::string sample = " --include '^(load.twice|metadata.order@hex|geometry.volumes@hex)$'";
@@ -113,7 +113,7 @@ TEST(Check, TellsHowToRepeatAndOutlivesACrashAndAHang)
                             "3 checks: 2 passed, 0 failed, 1 timed out\nfailed\n");
 }
 
-TEST(Check, IsNoCheckOfWhatIsNotThere)
+TEST(Check, RefusesToCheckWhatIsMissing)
 {
     const TempFolder folder;
     EXPECT_EQ(check(folder, "", "--include nonsense").code, 2);

@@ -8,7 +8,7 @@
 #include <functional>
 
 // One thing is changed in a sound delivery at a time.
-TEST(DeliveryCheck, FindsEveryWayInWhichArraysDisagree)
+TEST(DeliveryCheck, FindsEveryDisagreementBetweenArrays)
 {
     using Groups = HostGroups;
     const std::pair<const char*, std::function<void(Groups&)>> damages[] = {
@@ -39,7 +39,7 @@ TEST(DeliveryCheck, FindsEveryWayInWhichArraysDisagree)
 }
 
 // Readers of binary files grow their lists in steps and hand over the unused rest with uniform elements.
-TEST(DeliveryCheck, TakesSlackBehindUniformElementsButNoShortage)
+TEST(DeliveryCheck, AcceptsSlackAfterUniformElementsButNoShortage)
 {
     HostGroups groups;
     groups.nodes.coordinates.resize(12);

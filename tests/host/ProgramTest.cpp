@@ -39,7 +39,7 @@ protected:
 
 } // namespace
 
-TEST_F(Program, TellsWhatWentWrongByItsExitCode)
+TEST_F(Program, ReportsFailuresByExitCode)
 {
     EXPECT_EQ(run("info --counts" + m_case).code, 0);
     EXPECT_EQ(run("info --help").code + run("--version").code, 0);
@@ -76,7 +76,7 @@ TEST_F(Program, KeepsDataAndLogApart)
     }
 }
 
-TEST_F(Program, InfoGivesTheTreeAsOneDocument)
+TEST_F(Program, InfoPrintsTheTreeAsOneDocument)
 {
     const ProgramRun result = run("info --counts --json --set LOAD_FACE_ZONES=on" + m_case);
     ASSERT_EQ(result.code, 0) << result.err;
@@ -103,7 +103,7 @@ TEST_F(Program, InfoGivesTheTreeAsOneDocument)
     EXPECT_EQ(names, "hexahedra polyhedra prisms pyramids tetrahedra ");
 }
 
-TEST_F(Program, ExportWritesWhatWasSelectedAndReplacesNoFileUnasked)
+TEST_F(Program, ExportWritesTheSelectionAndOverwritesOnlyOnRequest)
 {
     const std::string command = "export -o" + inQuotes(m_folder / "vtk") + m_case;
     const std::string selected = command + " --state all --result 'PRESSURE_E' --part 'default|left'";
@@ -131,7 +131,7 @@ TEST_F(Program, ExportWritesWhatWasSelectedAndReplacesNoFileUnasked)
     }
 }
 
-TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
+TEST_F(Program, StatsCountsEveryValueOnceAndReportsNonNumbers)
 {
     const std::string options = " --result PRESSURE_E --part 'default|left'";
     EXPECT_EQ(run("stats --csv --state 1" + m_case + options).out,
@@ -149,7 +149,7 @@ TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
     }
 }
 
-TEST_F(Program, TakesMovedPointsOfSeveralPartsThoughTheFirstStateHasThoseOfOne)
+TEST_F(Program, AcceptsMovedPointsOfSeveralParts)
 {
     const std::string regions = inQuotes(m_folder / "regions");
     ASSERT_EQ(run("sample --kind regions --cells 60" + regions).code, 0);
@@ -167,7 +167,7 @@ TEST_F(Program, TakesMovedPointsOfSeveralPartsThoughTheFirstStateHasThoseOfOne)
     EXPECT_EQ(run("check --include '^(result|equal|calls)'" + regions).code, 0);
 }
 
-TEST_F(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
+TEST_F(Program, WatchPrintsOneLinePerNoticeAndStopsOnInterrupt)
 {
     EXPECT_EQ(runFaulty("watch --interval 0 --count 1", "needless notice").out,
               "update state 7 time 0 \"Time 0.00000 #0\"\n"

@@ -89,7 +89,7 @@ constexpr std::array<FoamFormat, 4> ALL_FORMATS = {{{false, false}, {false, true
 
 } // namespace
 
-TEST(RoundTrip, EveryKindInEveryFormatHasItsCellsAndTheRightTemperatures)
+TEST(RoundTrip, EveryKindAndFormatHasItsCellsAndTemperatures)
 {
     for (int number = 0; number < 8; ++number) {
         const auto kind = static_cast<SampleKind>(number);
@@ -107,7 +107,7 @@ TEST(RoundTrip, EveryKindInEveryFormatHasItsCellsAndTheRightTemperatures)
 }
 
 // The temperature is linear in space, so an element has the mean of those of its nodes.
-TEST(RoundTrip, CellsAndPatchesCarryTheTemperatureOfTheirPlace)
+TEST(RoundTrip, CellsAndPatchesHaveTheTemperatureAtTheirPlace)
 {
     for (const FoamFormat& format : ALL_FORMATS) {
         const OpenSample sample(SampleKind::Hex, format);
@@ -132,7 +132,7 @@ TEST(RoundTrip, CellsAndPatchesCarryTheTemperatureOfTheirPlace)
 
 // Eight equal cubes around a node: the mean of a field that is linear in space is its value at the node. Binary points
 // that have moved are those of the formula to the last bit.
-TEST(RoundTrip, AveragesAndMovedNodesAreWhatTheFormulasSay)
+TEST(RoundTrip, AveragesAndMovedNodesMatchTheFormulas)
 {
     const OpenSample sample(SampleKind::Moving, {true, false});
     const std::unique_ptr<HostResult> velocity = sample.resultAtHalf("VELOCITY_N");

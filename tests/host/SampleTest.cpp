@@ -65,7 +65,7 @@ TEST(SampleCase, NoBinaryListBeginsWithALineFeed)
     }
 }
 
-TEST(SampleCase, LeavesAFolderInUseAlone)
+TEST(SampleCase, ReplacesACaseOnlyOnRequest)
 {
     const TempFolder folder;
     writeCase(folder / "case", SampleKind::Hex, {}, 60);

@@ -36,7 +36,7 @@ std::vector<Value> appendedArray(const std::string& content, const std::string& 
 
 } // namespace
 
-TEST(VtkGrid, EveryShapeKeepsItsVolumeInTheNodeOrderOfVtk)
+TEST(VtkGrid, EveryShapeKeepsItsVolumeInVtkNodeOrder)
 {
     HostGroups groups;
     DeliveredCells().deliverTo(&groups.nodes, &groups.elements);
@@ -80,7 +80,7 @@ TEST(VtkFiles, HoldTheArraysToTheLastBit)
     EXPECT_EQ(appendedArray<std::int64_t>(content, "faceoffsets"), (std::vector<std::int64_t>{-1, -1, -1, -1, 31}));
 }
 
-TEST(FileNames, StayInTheirFolderAndApart)
+TEST(FileNames, StayDistinctAndInTheirFolder)
 {
     FileNames names;
     const std::pair<const char*, const char*> cases[] = {{"../etc/passwd", "_.._etc_passwd.vtp"},

@@ -51,7 +51,7 @@ HostGroups deliver(OFPolymesh mesh, OFBoundary* boundary)
 } // namespace
 
 // Each of many patches could claim the whole mesh.
-TEST(BoundaryGroup, PatchesThatOverlapShareTheFacesOfTheMesh)
+TEST(BoundaryGroup, OverlappingPatchesShareTheFacesOfTheMesh)
 {
     OFPolymesh mesh = meshOfFaces(Faces(6, {0, 1, 2}), 3);
     const OFPolymeshToDDP converter(&mesh);
@@ -69,7 +69,7 @@ TEST(BoundaryGroup, PatchesThatOverlapShareTheFacesOfTheMesh)
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, 12}));
 }
 
-TEST(BoundaryGroup, FacesOfAPatchGetNodesOfTheirOwn)
+TEST(BoundaryGroup, PatchesGetTheirOwnNodes)
 {
     const OFPolymesh mesh =
         meshOfFaces({{0, 1, 2}, {7, 3, 9, 12}, {12, 9, 4}, {3, 7, 12, 5, 6}, {4, 9}, {0, 1, 2}}, 13);
@@ -88,7 +88,7 @@ TEST(BoundaryGroup, FacesOfAPatchGetNodesOfTheirOwn)
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, 12, 13, 14}));
 }
 
-TEST(BoundaryGroup, APatchBeyondTheMeshIsDeliveredAsFarAsThereAreFaces)
+TEST(BoundaryGroup, DeliversOnlyTheFacesThatExist)
 {
     const OFPolymesh mesh = meshOfFaces({{0, 1, 2}, {1, 2, 3}, {2, 3, 4}}, 5);
     struct Case
@@ -118,7 +118,7 @@ TEST(BoundaryGroup, APatchBeyondTheMeshIsDeliveredAsFarAsThereAreFaces)
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, -1}));
 }
 
-TEST(FaceZoneGroup, FacesComeInTheOrderOfTheZoneAllWithIdZero)
+TEST(FaceZoneGroup, DeliversFacesInZoneOrderAllWithIdZero)
 {
     OFPolymesh mesh = meshOfFaces({{0, 1, 2, 3}, {4, 5, 6, 7}, {2, 3, 8}, {0, 8, 2}}, 9);
     OFFaceZone zone;

@@ -77,7 +77,7 @@ TEST(CellOrdering, EverySolidKeepsItsVolumeForAllFaceOrdersAndSides)
     }
 }
 
-TEST(CellOrdering, EachSolidHasAQuestionAndAnOrderOfItsOwn)
+TEST(CellOrdering, EachSolidIsRecognisedAndOrderedByItsOwnFunctions)
 {
     using Question = bool (*)(std::size_t, const FaceSizes*);
     using Order = bool (*)(const CellFaceVector*, const FacesData*, Nodes*);
@@ -100,7 +100,7 @@ TEST(CellOrdering, EachSolidHasAQuestionAndAnOrderOfItsOwn)
 }
 
 // Worked by hand. Faces that do not form their solid fail, and leave the nodes that have no place sorted behind.
-TEST(CellOrdering, TheFirstSuitableFaceIsTheBase)
+TEST(CellOrdering, FirstSuitableFaceIsTheBase)
 {
     struct Case
     {

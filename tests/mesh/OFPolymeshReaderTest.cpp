@@ -26,7 +26,7 @@ void expectEqual(const OFPolymesh& mesh, const OFPolymesh& expected)
 
 } // namespace
 
-TEST(PolymeshReader, EveryFormGivesTheMesh)
+TEST(PolymeshReader, EveryFormGivesTheSameMesh)
 {
     const TempFolder folder;
     const OFPolymesh expected = octahedronMesh(2);
@@ -48,7 +48,7 @@ TEST(PolymeshReader, EveryFormGivesTheMesh)
     }
 }
 
-TEST(PolymeshReader, GoesOnWithoutFilesThatCannotBeRead)
+TEST(PolymeshReader, ContinuesWithoutUnreadableFiles)
 {
     const TempFolder folder;
     const OFPolymesh expected = hexahedronMesh(2, 2, 1);
@@ -76,7 +76,7 @@ TEST(PolymeshReader, GoesOnWithoutFilesThatCannotBeRead)
 }
 
 // Only a missing note is put up with. A header without its class is none, and hosts know that by the exception.
-TEST(PolymeshReader, HeadersWithoutObjectOrClassAreNotPassedOver)
+TEST(PolymeshReader, HeadersWithoutObjectOrClassThrow)
 {
     const TempFolder folder;
     MeshFiles files = asciiFiles(hexahedronMesh(1, 1, 1));
@@ -91,7 +91,7 @@ TEST(PolymeshReader, HeadersWithoutObjectOrClassAreNotPassedOver)
     }
 }
 
-TEST(PolymeshReader, OnlyTheOwnersTellTheCellsAndOnlyTheSequentialFormCountsThem)
+TEST(PolymeshReader, OnlyTheSequentialReaderRefusesExtraOwners)
 {
     const TempFolder folder;
     OFPolymesh changed = hexahedronMesh(3, 1, 1);

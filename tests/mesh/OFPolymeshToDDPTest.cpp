@@ -101,7 +101,7 @@ OFPolymesh damagedMesh(unsigned seed)
 
 } // namespace
 
-TEST(MeshConversion, HexahedraComeWithTheirVolumesIdsAndPoints)
+TEST(MeshConversion, DeliversHexahedraWithVolumesIdsAndPoints)
 {
     const OFPolymesh mesh = hexahedronMesh(5, 4, 5);
     const Delivery got = deliver(mesh);
@@ -140,7 +140,7 @@ TEST(MeshConversion, FaceTablesOfPolyhedraEncloseTheirVolume)
     }
 }
 
-TEST(MeshConversion, EveryRoadGivesTheSame)
+TEST(MeshConversion, AllWaysToConvertGiveTheSame)
 {
     std::vector<OFPolymesh> meshes = {mixedMesh(), hexahedronMesh(1, 1, 1), octahedronMesh(5),
                                       // More cells than are built in one go.
@@ -164,7 +164,7 @@ TEST(MeshConversion, EveryRoadGivesTheSame)
 }
 
 // A hash can be foreseen, so labels can be chosen that fall into one place; they must neither get lost nor cost time.
-TEST(MeshConversion, LabelsThatHashAlikeAreKeptApart)
+TEST(MeshConversion, KeepsLabelsWithEqualHashesApart)
 {
     std::vector<int> alike;
     for (std::uint32_t label = 0; alike.size() < 3000; ++label) {
@@ -181,7 +181,7 @@ TEST(MeshConversion, LabelsThatHashAlikeAreKeptApart)
 }
 
 // Which cell has which face is asked for some cells at a time.
-TEST(MeshConversion, ACellGetsTheFacesThatNameIt)
+TEST(MeshConversion, CellsGetTheFacesThatNameThem)
 {
     using CellFaces = std::multiset<std::tuple<int, int, bool>>;
     OFPolymesh mesh = hexahedronMesh(3, 2, 1);
@@ -208,7 +208,7 @@ TEST(MeshConversion, ACellGetsTheFacesThatNameIt)
 }
 
 // Counts reach the host as bytes. A polyhedron whose counts do not fit must not shift those behind it.
-TEST(MeshConversion, CountsBeyondAByteWrapAndEveryPolyhedronKeepsItsPlace)
+TEST(MeshConversion, CountsTooLargeForAByteWrapWithoutShiftingOthers)
 {
     MeshJoiner joiner;
     joiner.startCell();
@@ -238,7 +238,7 @@ TEST(MeshConversion, CountsBeyondAByteWrapAndEveryPolyhedronKeepsItsPlace)
     EXPECT_EQ(faceTables(deliver(mesh, &OFPolymeshToDDP::createMeshInChunks).elements), faceTables(delivery.elements));
 }
 
-TEST(DamagedMesh, LabelsWithoutAPointLeaveTheirFace)
+TEST(DamagedMesh, DropsLabelsWithoutAPoint)
 {
     OFPolymesh mesh = hexahedronMesh(2, 1, 1);
     // Face 0 is the one between the two cells, the next belongs to the first cell alone.
@@ -252,7 +252,7 @@ TEST(DamagedMesh, LabelsWithoutAPointLeaveTheirFace)
     EXPECT_EQ(faceTables(delivery.elements)[3].size(), 41U);
 }
 
-TEST(DamagedMesh, OwnersAndNeighboursThatNameNoCellAreSkipped)
+TEST(DamagedMesh, SkipsOwnersAndNeighboursThatNameNoCell)
 {
     OFPolymesh mesh = hexahedronMesh(3, 1, 1);
     const Delivery sound = deliver(mesh);
@@ -270,7 +270,7 @@ TEST(DamagedMesh, OwnersAndNeighboursThatNameNoCellAreSkipped)
     EXPECT_EQ(faceTables(delivery.elements)[1], (std::vector<int>{5, 5}));
 }
 
-TEST(DamagedMesh, CellCountStaysWithinWhatFacesCanForm)
+TEST(DamagedMesh, LimitsCellCountToWhatFacesCanForm)
 {
     const LogCapture log;
     OFPolymesh mesh = hexahedronMesh(2, 1, 1);

@@ -37,14 +37,14 @@ OFTriSurface surfaceOf(const foamtext::Faces& faces)
 
 } // namespace
 
-TEST(TriSurface, FacesOfTooFewLabelsLeaveRoomForThreeBehindThem)
+TEST(TriSurface, SmallFacesLeaveRoomForThreeLabelsEach)
 {
     OFTriSurface surface = surfaceOf({{0, 1}, {2}});
     EXPECT_EQ(deliver(&surface).elements.connectivity, (std::vector<int>{0, 1, 2}));
     EXPECT_GE(surface.faces().nodes.capacity(), 6U) << "a host may take three for each";
 }
 
-TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
+TEST(TriSurface, IsReadWithOrWithoutAHeaderAndDeliveredAsTriangles)
 {
     const TempFolder folder;
     folder.write("bare/points", POINTS);
@@ -73,7 +73,7 @@ TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
     }
 }
 
-TEST(TriSurface, AMissingFileFailsTheWhole)
+TEST(TriSurface, FailsIfAFileIsMissing)
 {
     const TempFolder folder;
     folder.write("points", POINTS);
@@ -89,7 +89,7 @@ TEST(TriSurface, AMissingFileFailsTheWhole)
     EXPECT_TRUE(reader.readTriSurfaceSeq(folder.str(), &surface));
 }
 
-TEST(TriSurface, FacesWithoutPointsOrLabelsAreDroppedAndTheOthersKeptAsTheyStand)
+TEST(TriSurface, DropsFacesWithoutPointsOrLabelsAndKeepsTheOthers)
 {
     // A quadrilateral stays, though hosts see it shift the rest; the last two faces are what a short file leaves.
     OFTriSurface surface = surfaceOf({{0, 1, 2}, {1, 4, 2}, {}, {0, 1, 2, 3}, {-1, 0, 1}, {3, 2, 1}, {}, {}});
@@ -105,7 +105,7 @@ TEST(TriSurface, FacesWithoutPointsOrLabelsAreDroppedAndTheOthersKeptAsTheyStand
     EXPECT_EQ(deliver(&empty).elements.calls.operations, std::vector<std::string>{"setUniformElements"});
 }
 
-TEST(TriSurface, OffsetsThatLeadAstrayReachNothingAndMultiplyNothing)
+TEST(TriSurface, WrongOffsetsStayInBoundsAndAddNothing)
 {
     for (const int offset : {-1, 4, 6, 2147483647}) {
         OFTriSurface surface = surfaceOf({{0, 1, 2}, {1, 3, 2}});

@@ -25,7 +25,7 @@ std::string shapes(const HostGeometry& geometry)
     return joined(texts);
 }
 
-TEST(Geometry, LaysGroupsOutAsPartThenPatchesThenFaceZones)
+TEST(Geometry, ListsPartThenPatchesThenFaceZones)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -53,7 +53,7 @@ TEST(Geometry, LaysGroupsOutAsPartThenPatchesThenFaceZones)
 
 // A mesher may be rewriting the faces while the host asks. The groups of a part that cannot be read are empty, and what
 // was cut for one answer must not be cut for the next.
-TEST(Geometry, IsWholeAgainWhenTheMeshIs)
+TEST(Geometry, RecoversOnceTheMeshIsReadable)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -74,7 +74,7 @@ TEST(Geometry, IsWholeAgainWhenTheMeshIs)
 }
 
 // An exception cancels the loops that run beside it, and arrays would go out half made.
-TEST(Geometry, OfAPartIsWholeThoughAnotherPartThrows)
+TEST(Geometry, OfAPartIsCompleteIfAnotherPartThrows)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -92,7 +92,7 @@ TEST(Geometry, OfAPartIsWholeThoughAnotherPartThrows)
 }
 
 // Real cases, held against the figures of the solvers' own mesh checker and against the host's checks.
-TEST(Geometry, AgreesWithTheCellCountsOfRealCases)
+TEST(Geometry, MatchesTheCellCountsOfRealCases)
 {
     for (const auto& [name, groupCount, cells] :
          std::vector<std::tuple<std::string, std::size_t, std::size_t>>{{"zones", 1 + 3 + 2, 120},

@@ -29,7 +29,7 @@ TEST(MetaData, DeclaresEachGroupByCallsInAFixedOrder)
     EXPECT_EQ(description.description, "Single-Region Simulation");
 }
 
-TEST(MetaData, NumbersTheGroupsOfEachPartBehindItsOwnId)
+TEST(MetaData, NumbersTheGroupsOfEachPartAfterThePart)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -49,7 +49,7 @@ TEST(MetaData, NumbersTheGroupsOfEachPartBehindItsOwnId)
                               "9 inner [FZ] < 5 FaceZone");
 }
 
-TEST(MetaData, SendsNamesBeyondAsciiOnTheRoadThatHostsKnow)
+TEST(MetaData, SendsNonAsciiNamesInTheEncodingOfEachField)
 {
     const std::string name = "l\xC3\xA9 %1";
     const std::string twice = "l\xC3\x83\xC2\xA9 %1";
@@ -75,7 +75,7 @@ TEST(MetaData, SendsNamesBeyondAsciiOnTheRoadThatHostsKnow)
 }
 
 // Fields on faces and those in other sub-folders are none.
-TEST(MetaData, NumbersResultsAtTheirFirstAppearance)
+TEST(MetaData, NumbersResultsInOrderOfFirstAppearance)
 {
     const TempFolder folder;
     writeControlDict(folder);

@@ -41,7 +41,7 @@ const std::vector<std::vector<Step>> SEQUENCES = {
     {{{"+other"}, ""}, {{}, ALL}, {{}, ""}, {{"-other"}, ALL + ", remove 3"}, {{}, ALL}, {{}, ALL + ", remove 3"}},
 };
 
-TEST(Polling, TellsTheChangesOfTheTimeFolders)
+TEST(Polling, ReportsChangesOfTheTimeFolders)
 {
     for (const std::vector<Step>& sequence : SEQUENCES) {
         const TempFolder folder;

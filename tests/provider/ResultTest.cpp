@@ -36,7 +36,7 @@ protected:
     TempFolder m_folder;
 };
 
-TEST_F(Results, ComeForThePartAndItsPatchesButNotForFaceZones)
+TEST_F(Results, CoverThePartAndItsPatchesButNotFaceZones)
 {
     OpenCase openCase(m_folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     EXPECT_EQ(openCase.geometry().elementGroups.size(), 4U);
@@ -67,7 +67,7 @@ TEST_F(Results, AreUndefinedInStatesThatLackThem)
     EXPECT_TRUE(result.groups.empty());
 }
 
-TEST_F(Results, AreUndefinedWhereAFileCannotGiveThem)
+TEST_F(Results, AreUndefinedWhereTheFileIsBad)
 {
     OpenCase openCase(m_folder.path());
     openCase.geometry();
@@ -87,7 +87,7 @@ TEST_F(Results, AreUndefinedWhereAFileCannotGiveThem)
 }
 
 // The interior stands in front of the patches in a file, so it is good even where the file breaks off behind it.
-TEST_F(Results, KeepTheCellsOfAFileThatEndsBehindThem)
+TEST_F(Results, KeepTheCellsOfAFileThatEndsAfterThem)
 {
     OpenCase openCase(m_folder.path());
     openCase.geometry();
@@ -96,7 +96,7 @@ TEST_F(Results, KeepTheCellsOfAFileThatEndsBehindThem)
     EXPECT_EQ(openCase.values("PRESSURE_N", 1), (Groups{Values(12, 5.0), Values(4, 5.0), Values(12, 5.0)}));
 }
 
-TEST_F(Results, WithoutPatchesShowAnAverageOfTheUndefinedMark)
+TEST_F(Results, WithoutPatchesAverageTheUndefinedValue)
 {
     OpenCase openCase(m_folder.path(), settings({{"LOAD_BC_PARTS", false}}));
     openCase.geometry();

@@ -23,7 +23,7 @@ std::string outputOf(const std::string& command)
 }
 
 // Twice, since what the first load leaves behind in the process shows at the second.
-TEST(SharedLibrary, IsLoadedUsedUnloadedAndLoadedAgain)
+TEST(SharedLibrary, CanBeLoadedUsedUnloadedAndLoadedAgain)
 {
     for (int round = 0; round < 2; ++round) {
         SCOPED_TRACE(round);
@@ -46,7 +46,7 @@ TEST(SharedLibrary, IsLoadedUsedUnloadedAndLoadedAgain)
     EXPECT_EQ(joined(BorderFaults::get().take()), "");
 }
 
-TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
+TEST(SharedLibrary, ExportsOnlyItsEntryAndNeedsOnlyKnownLibraries)
 {
     const std::string symbols = outputOf(std::string(NM_TOOL) + " -D --defined-only '" PLUGIN_FILE "'");
     EXPECT_EQ(symbols.substr(symbols.find(' ')), " T initializeDataProviderPlugin\n");
@@ -62,7 +62,7 @@ TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
     EXPECT_GE(count, 4);
 }
 
-TEST(SharedLibrary, IsLinkedSoThatOverrunsFindLittleToUse)
+TEST(SharedLibrary, IsLinkedWithHardening)
 {
     const std::string parts = outputOf(std::string(READELF_TOOL) + " -lW '" PLUGIN_FILE "'");
     EXPECT_TRUE(std::regex_search(parts, std::regex("GNU_STACK[^\n]* RW  ?0x"))) << parts;

@@ -30,7 +30,7 @@ void expectRows(std::size_t first, Members... members)
 }
 
 // Two rows of the classes that a host deletes belong to the destructor.
-TEST(VirtualOrder, IsTheOneOfTheHostsTables)
+TEST(VirtualOrder, MatchesTheTablesOfHosts)
 {
     using Factory = DDPDataProviderFactory;
     expectRows(2, &Factory::getProviderInfo, &Factory::isSupportedByProvider, &Factory::createProviderInstance,

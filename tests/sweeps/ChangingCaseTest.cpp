@@ -107,7 +107,7 @@ Texts statesAfterTheNextChange(OpenFoamProvider& provider, const TempFolder& fol
 
 } // namespace
 
-TEST(ChangingCase, IsDrawnColouredAndPolledWhileFilesComeAndGo)
+TEST(ChangingCase, CanBeReadAndPolledWhileFilesComeAndGo)
 {
     const TempFolder folder;
     writeWholeCase(folder);

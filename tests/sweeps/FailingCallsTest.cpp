@@ -47,7 +47,7 @@ protected:
     std::optional<std::string> usual;
 };
 
-TEST_P(FailingCalls, EachOneLeavesTheHostAliveAndTheNextOpeningWhole)
+TEST_P(FailingCalls, NeitherCrashNorSpoilTheNextOpening)
 {
     ASSERT_TRUE(usual.has_value());
     const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
@@ -65,7 +65,7 @@ TEST_P(FailingCalls, EachOneLeavesTheHostAliveAndTheNextOpeningWhole)
     EXPECT_EQ(useCase(folder.path()), usual);
 }
 
-TEST_P(FailingCalls, SomeFailOnOtherThreads)
+TEST_P(FailingCalls, MayFailOnAnyThread)
 {
     ASSERT_TRUE(usual.has_value());
     const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, 8);

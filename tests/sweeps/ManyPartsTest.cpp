@@ -7,7 +7,7 @@
 #include <tbb/task_arena.h>
 
 // More parts, patches and files than threads, so that all that is shared between them is shared at once.
-TEST(ManyParts, GiveTheSameWithOneThreadAndWithEight)
+TEST(ManyParts, AreTheSameWithOneThreadAndEight)
 {
     constexpr int REGIONS = 20;
     constexpr int PATCHES = 30;

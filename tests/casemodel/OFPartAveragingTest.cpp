@@ -41,7 +41,7 @@ TEST(NodeAveraging, AveragesTheCellsAroundEachNode)
     EXPECT_EQ(vectors, (Values{1, 10, 100, 1, 10, 100, 2, 20, 200, 2, 20, 200, 3, 30, 300, 3, 30, 300}));
 }
 
-// The first entry alone tells whether a patch has values; a node on two patches takes all their faces and no cell.
+// Only the first entry tells whether a patch has values. A node on two patches takes all their faces and no cell.
 TEST(NodeAveraging, PrefersPatchesWithValuesToCells)
 {
     OFPart part = twoElements();
@@ -51,7 +51,7 @@ TEST(NodeAveraging, PrefersPatchesWithValuesToCells)
     EXPECT_EQ(aware(part, {1, 3}, {{4, 6}, {8}}), (Values{5, 1, 2, 6, 8, 7}));
 }
 
-// A node that nothing touches shows it: infinity times the zero it starts from.
+// A node without any cell becomes NaN: infinity times the zero that it starts from.
 TEST(NodeAveraging, StaysInsideItsArraysWhateverTheConnectivitySays)
 {
     OFPart part = twoElements();

@@ -30,11 +30,11 @@ std::string rawFaces(const Faces& faces)
     return bytes;
 }
 
-/// The three kinds of lists that are files of their own.
+/// The three kinds of lists that fill a whole file.
 class OFFileLists : public testing::Test
 {
 protected:
-    /// Reads a file by the reader of its class; what came of its list stands in `content` as bytes.
+    /// Reads a file with the reader of its class. `content` becomes the bytes of what was read.
     bool read(const std::string& className, const std::string& bytes)
     {
         folder.write("100%1", bytes);
@@ -58,7 +58,7 @@ protected:
     }
 
     TempFolder folder;
-    /// The percent sign must not take part in messages.
+    /// The percent sign must not act as a placeholder in messages.
     const dvn::Str path = folder.str("100%1");
     std::vector<int> labelsRead;
     std::string content;
@@ -97,7 +97,7 @@ TEST_F(OFFileLists, EachReaderReportsOnceInItsOwnWords)
     }
     const LogCapture log;
     EXPECT_FALSE(read("faceList", fileOf("faceList", "binary", list(1, "3(1 2 3)\n"))));
-    EXPECT_EQ(log.lines(), std::vector<LogLine>()) << "refused in silence";
+    EXPECT_EQ(log.lines(), std::vector<LogLine>()) << "refused without a message";
 }
 
 TEST_F(OFFileLists, AsciiBinaryAndGzipGiveTheSame)
@@ -134,7 +134,7 @@ TEST_F(OFFileLists, AsciiBinaryAndGzipGiveTheSame)
     EXPECT_EQ(log.lines(), std::vector<LogLine>());
 }
 
-// A count that lies must neither write beyond the target nor pass in silence.
+// A wrong count must neither write past the target nor go unreported.
 TEST_F(OFFileLists, ShortAndLongListsKeepWhatWasRead)
 {
     using Ints = std::vector<int>;
@@ -142,7 +142,16 @@ TEST_F(OFFileLists, ShortAndLongListsKeepWhatWasRead)
     const std::string two = "4 items promised, 2 found";
     const std::string one = "2 items promised, 1 found";
     const std::string three = faces({{1, 2, 3}, {4, 5, 6}, {7, 8, 9, 10}});
-    const std::tuple<const char*, const char*, std::string, bool, std::string, std::string> cases[] = {
+    struct Case
+    {
+        const char* className;
+        const char* format;
+        std::string body;
+        bool isRead;
+        std::string expected;
+        std::string report; ///< empty if nothing is logged
+    };
+    const Case cases[] = {
         {"labelList", "ascii", "2\n(\n1\n2\n3\n)\n", true, raw(Ints{1, 2}), ""},
         {"labelList", "ascii", "4\n(\n1\n2\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
         {"labelList", "ascii", "4\n(\n1\n2\n-3\n4\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
@@ -155,20 +164,21 @@ TEST_F(OFFileLists, ShortAndLongListsKeepWhatWasRead)
         {"faceList", "ascii", list(4, faces({{1, 2, 3}, {4, 5, 6}})), true,
          rawFaces(Faces{{1, 2, 3}, {4, 5, 6}, {}, {}}), two},
     };
-    for (const auto& [className, format, body, isRead, expected, told] : cases) {
+    for (const auto& [className, format, body, isRead, expected, report] : cases) {
         SCOPED_TRACE(body.substr(0, 40));
         const LogCapture log;
         labelsRead.clear();
         EXPECT_EQ(read(className, fileOf(className, format, body)), isRead);
         EXPECT_EQ(content, expected);
-        const std::string line = "OFFile : List is shorter than its count: " + told + ". File is " + path.toStdString();
-        EXPECT_EQ(joined(log.infos()), told.empty() ? "" : line);
+        const std::string line =
+            "OFFile : List is shorter than its count: " + report + ". File is " + path.toStdString();
+        EXPECT_EQ(joined(log.infos()), report.empty() ? "" : line);
     }
 }
 
 TEST_F(OFFileLists, RefusesCountLargerThanFile)
 {
-    // A compressed file can hold a thousand times its size, so what it has is counted before a large claim is believed.
+    // A compressed file can hold a thousand times its size, so its data is counted before a large count is believed.
     const std::string good = fileOf("labelList", "ascii", "100000\n(\n1\n)\n");
     std::string huge = good;
     huge.insert(huge.rfind("\n("), "0000");
@@ -206,7 +216,27 @@ TEST_F(OFFileLists, SkipsALineFeedThatStartsRawData)
 {
     const std::vector<int> written = {10, 1};
     EXPECT_TRUE(read("labelList", fileOf("labelList", "binary", rawList(written))));
-    EXPECT_EQ(content, (raw(written) + ")").substr(1)) << "the bracket that ends the list makes up for it";
+    EXPECT_EQ(content, (raw(written) + ")").substr(1)) << "the closing bracket fills the gap";
+}
+
+TEST_F(OFFileLists, LabelReadersTellWhetherTheListWasWhole)
+{
+    const std::vector<int> raws = {1, 2};
+    using LabelReader = bool (OFFile::*)(std::vector<int>*);
+    const std::pair<std::string, LabelReader> forms[] = {{"1\n2\n)\n", &OFFile::readNextLabelListAscii},
+                                                         {raw(raws), &OFFile::readNextLabelListBinary},
+                                                         {"2\n(\n1\n2\n)\n", &OFFile::readNextLabelList}};
+    for (const auto& [text, reader] : forms) {
+        folder.write("items", text);
+        for (const std::size_t count : {2U, 3U}) {
+            OFFile file(false);
+            ASSERT_TRUE(file.open(folder.str("items")));
+            std::vector<int> labels(count);
+            EXPECT_EQ((file.*reader)(&labels), count == 2) << text;
+            labels.resize(2);
+            EXPECT_EQ(labels, raws) << text;
+        }
+    }
 }
 
 TEST_F(OFFileLists, NoLabelIsLostAtAChunkBorder)

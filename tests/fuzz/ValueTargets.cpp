@@ -92,8 +92,8 @@ void addFace(const std::vector<int>& nodes, FacesData* faces)
     faces->nodes.insert(faces->nodes.end(), nodes.begin(), nodes.end());
 }
 
-/// One cell: a reference cell with its faces in any order, rotated and seen from either side, and some labels changed at
-/// random; or random faces.
+/// One cell: a reference cell with its faces in any order, rotated and seen from either side, and some labels changed
+/// at random; or random faces.
 void runCells(FuzzInput input)
 {
     const std::size_t shape = input.byte() % 5U;

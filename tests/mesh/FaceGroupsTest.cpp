@@ -15,7 +15,7 @@ namespace {
 using Ints = std::vector<int>;
 using foamtext::Faces;
 
-/// A mesh of faces alone; point i lies at (i, 2i, -i), and face i has the owner 10 + i.
+/// A mesh of faces without cells. Point i lies at (i, 2i, -i), and face i has the owner 10 + i.
 OFPolymesh meshOfFaces(const Faces& faces, std::size_t pointCount)
 {
     OFPolymesh mesh;
@@ -50,7 +50,7 @@ HostGroups deliver(OFPolymesh mesh, OFBoundary* boundary)
 
 } // namespace
 
-// Each of many patches could claim the whole mesh.
+// Otherwise many patches could each claim the whole mesh.
 TEST(BoundaryGroup, OverlappingPatchesShareTheFacesOfTheMesh)
 {
     OFPolymesh mesh = meshOfFaces(Faces(6, {0, 1, 2}), 3);
@@ -109,7 +109,7 @@ TEST(BoundaryGroup, DeliversOnlyTheFacesThatExist)
         OFBoundary boundary = patch(start, count);
         EXPECT_EQ(deliver(mesh, &boundary).elementCount, cells.size());
         EXPECT_EQ(boundary.faceToCellMapping(), cells) << start << " " << count;
-        EXPECT_EQ(boundary.faceCount(), count) << "what the file claims stays: the mesh may be read again";
+        EXPECT_EQ(boundary.faceCount(), count) << "the claim of the file stays, as the mesh may be read again";
     }
     OFPolymesh shortOwners = mesh;
     shortOwners.owners().resize(2);
@@ -135,11 +135,10 @@ TEST(FaceZoneGroup, DeliversFacesInZoneOrderAllWithIdZero)
     zone.faceIds() = Ints(100, 0);
     EXPECT_TRUE(OFPolymeshToDDP(&mesh).populateFaceZoneGroup(zone, &got.nodes, &got.nodeCount, &got.elements,
                                                              &got.elementCount));
-    EXPECT_EQ(got.elementCount, 3U) << "14 labels are all that the mesh has";
+    EXPECT_EQ(got.elementCount, 3U) << "the mesh has only 14 labels";
 }
 
-// Nodes close together and far apart are numbered in different ways, and few are sorted in another way than many; the
-// host must not see it.
+// Different code numbers dense and sparse nodes, and sorts few and many. The host must not see a difference.
 TEST(FaceGroups, NumberingIsAscendingForAnySpreadOfLabels)
 {
     std::mt19937 random(3);

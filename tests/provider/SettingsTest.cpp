@@ -12,7 +12,7 @@
 
 namespace {
 
-// The callbacks of the init record carry no object, so what they hear stands here.
+// The callbacks of the init record carry no object, so they store what they receive here.
 Texts heard;
 DDPFactoryRegistration registration;
 
@@ -107,7 +107,7 @@ TEST(Settings, AreReadInOrderAndLoggedIfGiven)
               "OpenFoamProvider :  ");
 }
 
-// Each switch has one visible effect of its own, so a setting that reaches the wrong setter shows.
+// Each switch has its own visible effect, so a setting passed to the wrong setter shows.
 TEST(Settings, ReachTheReader)
 {
     const TempFolder folder;

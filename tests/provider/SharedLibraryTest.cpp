@@ -22,7 +22,7 @@ std::string outputOf(const std::string& command)
     return text;
 }
 
-// Twice, since what the first load leaves behind in the process shows at the second.
+// Twice, because leftovers of the first load show in the second.
 TEST(SharedLibrary, CanBeLoadedUsedUnloadedAndLoadedAgain)
 {
     for (int round = 0; round < 2; ++round) {
@@ -40,7 +40,7 @@ TEST(SharedLibrary, CanBeLoadedUsedUnloadedAndLoadedAgain)
             }
         }
         void* const kept = dlopen(PLUGIN_FILE, RTLD_NOLOAD | RTLD_NOW);
-        ASSERT_NE(kept, nullptr) << "the code went while threads of TBB may still be in it";
+        ASSERT_NE(kept, nullptr) << "the code was unmapped while threads of TBB may still run in it";
         dlclose(kept);
     }
     EXPECT_EQ(joined(BorderFaults::get().take()), "");

@@ -7,7 +7,7 @@
 
 #include <functional>
 
-// One thing is changed in a sound delivery at a time.
+// Each case changes one thing in a sound delivery.
 TEST(DeliveryCheck, FindsEveryDisagreementBetweenArrays)
 {
     using Groups = HostGroups;
@@ -38,7 +38,7 @@ TEST(DeliveryCheck, FindsEveryDisagreementBetweenArrays)
     }
 }
 
-// Readers of binary files grow their lists in steps and hand over the unused rest with uniform elements.
+// Readers of binary files grow their lists in steps and deliver the unused rest with uniform elements.
 TEST(DeliveryCheck, AcceptsSlackAfterUniformElementsButNoShortage)
 {
     HostGroups groups;

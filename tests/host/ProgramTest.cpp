@@ -9,7 +9,7 @@ namespace {
 
 using nlohmann::json;
 
-/// The program in a folder of its own, with two cubes and their pressure at the times 0.5 and 1 as its case.
+/// Runs the program on a case of two cubes with a pressure at the times 0.5 and 1.
 class Program : public testing::Test
 {
 protected:
@@ -21,13 +21,13 @@ protected:
         writePressure(m_folder, "1");
     }
 
-    /// Redirections behind ours win.
+    /// `redirection` overrides ours.
     ProgramRun run(const std::string& arguments, const std::string& environment = "",
                    const std::string& redirection = "")
     {
         return runProgram(m_folder, arguments, environment, redirection);
     }
-    /// Runs it on the case with a library that has a fault.
+    /// Runs it on the case with a faulty library.
     ProgramRun runFaulty(const std::string& arguments, const std::string& fault)
     {
         return run(arguments + m_case, "FAULT='" + fault + "' DDP_PLUGIN='" FAULTY_PLUGIN "'");
@@ -46,7 +46,7 @@ TEST_F(Program, ReportsFailuresByExitCode)
     EXPECT_EQ(run("info" + inQuotes(m_folder / "system")).code, 3);
     EXPECT_EQ(run("info" + inQuotes(m_folder / "other.file")).code, 3);
     for (const char* const fault :
-         {"throws", "reads what is not given", "reserved row", "crash", "lost group", "node out of range"}) {
+         {"throws", "reads a missing setting", "reserved row", "crash", "lost group", "node out of range"}) {
         EXPECT_EQ(runFaulty("info --counts", fault).code, 5) << fault;
     }
     EXPECT_EQ(runFaulty("stats", "lost value").code, 5);
@@ -149,6 +149,7 @@ TEST_F(Program, StatsCountsEveryValueOnceAndReportsNonNumbers)
     }
 }
 
+// Compatibility (docs/compatibility.md, "displacements of state 1"): the first state has the points of only one part.
 TEST_F(Program, AcceptsMovedPointsOfSeveralParts)
 {
     const std::string regions = inQuotes(m_folder / "regions");

@@ -84,23 +84,16 @@ void readPatches(const dvn::Str& path)
     OFFile(true).readValuesOfCellAndBoundaries(path, "file", VECTORS, &values, boundaries, patches);
 }
 
-void readCellZones(const dvn::Str& path)
+template <typename Record, auto READ>
+void readRecords(const dvn::Str& path)
 {
-    std::vector<OFCellZone> zones;
-    OFFile(true).readCellZones(path, "file", zones, 1);
+    std::vector<Record> records;
+    (OFFile(true).*READ)(path, "file", records, 1);
 }
 
-void readFaceZones(const dvn::Str& path)
-{
-    std::vector<OFFaceZone> zones;
-    OFFile(true).readFaceZones(path, "file", zones, 1);
-}
-
-void readBoundary(const dvn::Str& path)
-{
-    std::vector<OFBoundary> boundaries;
-    OFFile(true).readBoundary(path, "file", boundaries, 1);
-}
+constexpr auto readCellZones = readRecords<OFCellZone, &OFFile::readCellZones>;
+constexpr auto readFaceZones = readRecords<OFFaceZone, &OFFile::readFaceZones>;
+constexpr auto readBoundary = readRecords<OFBoundary, &OFFile::readBoundary>;
 
 void readDictionary(const dvn::Str& path)
 {
@@ -130,13 +123,9 @@ struct HugeSample
     Readers readers;
 };
 
-/// Names the test in lists of them.
-std::ostream& operator<<(std::ostream& stream, const Sample& sample)
-{
-    return stream << sample.name;
-}
-
-std::ostream& operator<<(std::ostream& stream, const HugeSample& sample)
+/// Names the test in lists of tests.
+template <typename Named>
+auto operator<<(std::ostream& stream, const Named& sample) -> decltype(stream << sample.name)
 {
     return stream << sample.name;
 }
@@ -155,49 +144,43 @@ std::vector<Sample> samples()
     const std::string field = header(SCALARS, "file") + "internalField nonuniform List<scalar> ";
     const std::string rawField = header(SCALARS, "file", "binary") + "internalField nonuniform List<scalar> \n";
     const std::string smallFile = header("dictionary", "file");
-    const Readers vectorReaders = {readVectors<true>, readVectors<false>};
-    const Readers faceReaders = {readFaces<true>, readFaces<false>};
-    const Readers zoneReaders = {readCellZones, readFaceZones};
-    return {
-        {.name = "labels",
-         .bytes = header("labelList", "file", "ascii", note(3)) + list(3, labels(ints)),
-         .readers = {readLabels}},
-        {.name = "rawLabels",
-         .bytes = header("labelList", "file", "binary", note(3)) + rawList(ints),
-         .readers = {readLabels}},
-        {.name = "vectors", .bytes = header("vectorField", "file") + list(1, vectors(three)), .readers = vectorReaders},
-        {.name = "rawVectors",
-         .bytes = header("vectorField", "file", "binary") + rawList(three, 3),
-         .readers = vectorReaders},
-        {.name = "faces", .bytes = header("faceList", "file") + list(3, faces(faceSet)), .readers = faceReaders},
-        {.name = "compactFaces",
-         .bytes = header("faceCompactList", "file") + list(4, faces(faceSet)),
-         .readers = faceReaders},
-        {.name = "rawFaces",
-         .bytes = header("faceCompactList", "file", "binary") + compactFaces(faceSet),
-         .readers = faceReaders},
-        {.name = "field", .bytes = field + rows + ";\n" + patches + rows + patchesEnd, .readers = {readField}},
-        {.name = "fieldOnLines",
-         .bytes = field + "3(1 2 3);\n" + patches + "3(1 2 3)" + patchesEnd,
-         .readers = {readField}},
-        {.name = "rawField",
-         .bytes = rawField + rawList(three) + ";\n" + patches + "\n" + rawList(three) + patchesEnd,
-         .readers = {readField}},
-        {.name = "vectorField",
-         .bytes = header(VECTORS, "file") + "internalField nonuniform List<vector> 1((1 2 3));\n",
-         .readers = {readFieldWithoutHeader, readField}},
-        {.name = "zones", .bytes = smallFile + zone + rows + zoneEnd, .readers = zoneReaders},
-        {.name = "zonesOnLines", .bytes = smallFile + zone + "3(1 2 3)" + zoneEnd, .readers = zoneReaders},
-        {.name = "rawZones",
-         .bytes = header("dictionary", "file", "binary") + zone + "\n" + rawList(ints) + zoneEnd,
-         .readers = zoneReaders},
-        {.name = "dictionary",
-         .bytes = smallFile + "a b;\n  c d e;\ndimensions [0 1 2 3 4 5 6];\n",
-         .readers = {readDictionary}},
-        {.name = "boundary",
-         .bytes = smallFile + "1\n(\n  p\n  {\n type wall;\n nFaces 3;\n startFace 4;\n }\n)\n",
-         .readers = {readBoundary}},
+    const struct
+    {
+        Readers readers;
+        std::vector<std::pair<const char*, std::string>> files; ///< name and content
+    } kinds[] = {
+        {.readers = {readLabels},
+         .files = {{"labels", header("labelList", "file", "ascii", note(3)) + list(3, labels(ints))},
+                   {"rawLabels", header("labelList", "file", "binary", note(3)) + rawList(ints)}}},
+        {.readers = {readVectors<true>, readVectors<false>},
+         .files = {{"vectors", header("vectorField", "file") + list(1, vectors(three))},
+                   {"rawVectors", header("vectorField", "file", "binary") + rawList(three, 3)}}},
+        {.readers = {readFaces<true>, readFaces<false>},
+         .files = {{"faces", header("faceList", "file") + list(3, faces(faceSet))},
+                   {"compactFaces", header("faceCompactList", "file") + list(4, faces(faceSet))},
+                   {"rawFaces", header("faceCompactList", "file", "binary") + compactFaces(faceSet)}}},
+        {.readers = {readField},
+         .files = {{"field", field + rows + ";\n" + patches + rows + patchesEnd},
+                   {"fieldOnLines", field + "3(1 2 3);\n" + patches + "3(1 2 3)" + patchesEnd},
+                   {"rawField", rawField + rawList(three) + ";\n" + patches + "\n" + rawList(three) + patchesEnd}}},
+        {.readers = {readFieldWithoutHeader, readField},
+         .files = {{"vectorField", header(VECTORS, "file") + "internalField nonuniform List<vector> 1((1 2 3));\n"}}},
+        {.readers = {readCellZones, readFaceZones},
+         .files = {{"zones", smallFile + zone + rows + zoneEnd},
+                   {"zonesOnLines", smallFile + zone + "3(1 2 3)" + zoneEnd},
+                   {"rawZones", header("dictionary", "file", "binary") + zone + "\n" + rawList(ints) + zoneEnd}}},
+        {.readers = {readDictionary},
+         .files = {{"dictionary", smallFile + "a b;\n  c d e;\ndimensions [0 1 2 3 4 5 6];\n"}}},
+        {.readers = {readBoundary},
+         .files = {{"boundary", smallFile + "1\n(\n  p\n  {\n type wall;\n nFaces 3;\n startFace 4;\n }\n)\n"}}},
     };
+    std::vector<Sample> all;
+    for (const auto& kind : kinds) {
+        for (const auto& [name, bytes] : kind.files) {
+            all.push_back({.name = name, .bytes = bytes, .readers = kind.readers});
+        }
+    }
+    return all;
 }
 
 std::string repeated(std::size_t times, const std::string& text)

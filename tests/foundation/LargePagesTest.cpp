@@ -32,8 +32,3 @@ TEST(LargePages, TouchesNothingPastTheRange)
     EXPECT_EQ(memory.get()[LARGE_PAGE], 'y');
     EXPECT_EQ(past, 'y');
 }
-
-TEST(LargePages, FilledArraysHoldTheValueEverywhere)
-{
-    EXPECT_EQ(dvf::filledLarge(LARGE_PAGE + 3, 7), std::vector<int>(LARGE_PAGE + 3, 7));
-}

@@ -11,7 +11,7 @@ using dvn::Str;
 TEST(Str, ArgumentsFillTheLowestPlaceholderOfTheCurrentText)
 {
     EXPECT_EQ(Str("%2 and %1 %1").arg("a").arg("b"), "b and a a");
-    EXPECT_EQ(Str("%1 %0").arg("first").arg("second"), "second first");
+    EXPECT_EQ(Str("%0 %1").arg("first").arg("second"), "first second");
     EXPECT_EQ(Str("%10 %9").arg("nine").arg("ten"), "ten nine");
     EXPECT_EQ(Str("%100").arg("x") + Str("%01%1").arg("x"), "x0xx");
     EXPECT_EQ(Str("100% % 1 %% %x %").arg("lost"), "100% % 1 %% %x %");

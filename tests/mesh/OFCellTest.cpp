@@ -9,11 +9,9 @@
 #include <numeric>
 #include <random>
 #include <set>
-#include <tuple>
 
 namespace {
 
-using FaceSizes = std::vector<std::uint8_t>;
 using Nodes = std::vector<int>;
 using foamtext::Faces;
 
@@ -74,28 +72,6 @@ TEST(CellOrdering, EverySolidKeepsItsVolumeForAllFaceOrdersAndSides)
             }
         } while (std::next_permutation(order.begin(), order.end()));
         EXPECT_EQ(wrong, 0U);
-    }
-}
-
-TEST(CellOrdering, EachSolidIsRecognisedAndOrderedByItsOwnFunctions)
-{
-    using Test = bool (*)(std::size_t, const FaceSizes*);
-    using Order = bool (*)(const CellFaceVector*, const FacesData*, Nodes*);
-    const std::tuple<DDPElementType, Test, Order> solids[] = {
-        {DDP_TETRAHEDRON, OFCell::isTetrahedron, OFCell::orderTetrahedronNodes},
-        {DDP_PYRAMID, OFCell::isPyramid, OFCell::orderPyramidNodes},
-        {DDP_PENTAHEDRON, OFCell::isPentahedron, OFCell::orderPentahedronNodes},
-        {DDP_HEXAHEDRON, OFCell::isHexahedron, OFCell::orderHexahedronNodes}};
-    for (const ReferenceCell& reference : referenceCells()) {
-        CellInMesh cell(reference.faces, ALL_OWNED);
-        for (const auto& [type, isSolid, order] : solids) {
-            const bool isSame = type == reference.type;
-            EXPECT_EQ(isSolid(reference.points.size(), &cell.faces.nodeCounts), isSame);
-            Nodes nodes(reference.points.size());
-            if (isSame && order(&cell.cell.cellFaces(), &cell.faces, &nodes)) {
-                EXPECT_NEAR(signedVolume(type, reference.points, nodes), reference.volume(), 1e-12);
-            }
-        }
     }
 }
 

@@ -106,6 +106,18 @@ TEST(TriSurface, DropsFacesWithoutPointsOrLabelsAndKeepsTheOthers)
     EXPECT_EQ(deliver(&empty).elements.calls.operations, std::vector<std::string>{"setUniformElements"});
 }
 
+// The empty face makes the others be copied, so what follows the last one must be told from its labels.
+TEST(TriSurface, DropsSlackAndFacesThatWereNeverFilled)
+{
+    OFTriSurface surface = surfaceOf({{0, 1, 2}, {}, {3, 2, 1}});
+    surface.faces().nodes.resize(11);
+    EXPECT_EQ(deliver(&surface).elements.connectivity, (std::vector<int>{0, 1, 2, 3, 2, 1}));
+    surface = surfaceOf({{0, 1, 2}, {}});
+    surface.faces().nodes.assign(256, 0);
+    surface.faces().nodeOffsets = {-1, 0};
+    EXPECT_EQ(deliver(&surface).elementCount, 0U);
+}
+
 TEST(TriSurface, WrongOffsetsStayInBoundsAndAddNothing)
 {
     for (const int offset : {-1, 4, 6, 2147483647}) {

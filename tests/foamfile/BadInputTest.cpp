@@ -22,8 +22,8 @@ namespace {
 constexpr const char* SCALARS = "volScalarField";
 constexpr const char* VECTORS = "volVectorField";
 
-// One function for each way to read a file. Only what comes out of bounds, throws or takes long counts, so most results
-// are dropped.
+// One function for each way to read a file. Most ignore the result: a test fails by an overrun, an exception or a
+// limit.
 
 void readLabels(const dvn::Str& path)
 {
@@ -39,7 +39,7 @@ void readVectors(const dvn::Str& path)
     OFFile(HAS_HEADER).readVectorField(path, "file", &values);
 }
 
-/// Whatever comes of the read, each face must lie within the nodes.
+/// Whatever the result, each face must lie within the nodes.
 template <bool HAS_HEADER>
 void readFaces(const dvn::Str& path)
 {

@@ -101,6 +101,11 @@ TEST_F(OFFileBoundaryFields, EntersTheSectionOnlyForTheRightObjectAndClass)
     EXPECT_TRUE(file.getNextLineStartingWith("    a", line));
     folder.write("f", header("volScalarField", "f", "ascii"));
     EXPECT_FALSE(file.checkResultFile(folder.str("f"), "f", "volScalarField")) << "no section";
+}
+
+TEST_F(OFFileBoundaryFields, FindsTheEntryThatHoldsValues)
+{
+    const OFFile file(true);
     EXPECT_EQ(file.findValueKeys({{"type", "a"}, {"value", "uniform 1"}}), "uniform 1");
     EXPECT_EQ(file.findValueKeys({{"type", "a"}}), "");
 }

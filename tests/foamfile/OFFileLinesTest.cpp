@@ -22,7 +22,7 @@ protected:
         EXPECT_TRUE(m_file.open(m_folder.str("text")));
         return m_file;
     }
-    /// All lines of a file by one of the operations, as they come.
+    /// All lines of a file, taken with one of the operations.
     Lines all(const std::string& bytes, bool (OFFile::*take)(char**) const)
     {
         OFFile& file = opened(bytes);
@@ -116,6 +116,10 @@ TEST_P(OFFileLines, ReadingACountLeavesItsBracket)
         const std::string rest = m_file.getNextLine(&line) ? line : "";
         EXPECT_EQ((isRead ? std::to_string(value) : "none") + "|" + rest, expected);
     }
+}
+
+TEST_P(OFFileLines, FindsTheNextLineWithACount)
+{
     int value = 0;
     EXPECT_TRUE(opened("// * 2 cells * //\n\n7 8\n31(").readNextIntLine(&value));
     EXPECT_EQ(value, 8) << "only a number at the end of a line is a count";
@@ -143,8 +147,7 @@ TEST_P(OFFileLines, HandsOutThePendingRestOnce)
     EXPECT_FALSE(m_file.getNextChunkOfLines(&chunk, &last));
 }
 
-// Whatever ends a number, the cursor must not pass the end of the text. "|" marks the cursor.
-TEST_P(OFFileLines, ReadingANumberMovesTheCursorPastItsDelimiter)
+TEST_P(OFFileLines, RefusesStreamNumbersThatAreMalformedOrTooLong)
 {
     const std::string digits(5000, '1');
     opened("1.5;x;;1e400;" + digits + ";2");
@@ -154,6 +157,12 @@ TEST_P(OFFileLines, ReadingANumberMovesTheCursorPastItsDelimiter)
         stream.push_back(m_file.readNextDouble(&real, ';') ? real : -1);
     }
     EXPECT_EQ(stream, (std::vector<double>{1.5, -1, 0, HUGE_VAL, -1, -1}));
+}
+
+// Whatever ends a number, the cursor must not pass the end of the text. "|" marks the cursor.
+TEST_P(OFFileLines, ReadingANumberMovesTheCursorPastItsDelimiter)
+{
+    double real = -1;
     struct Case
     {
         const char* text;

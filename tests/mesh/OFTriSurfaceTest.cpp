@@ -106,7 +106,7 @@ TEST(TriSurface, DropsFacesWithoutPointsOrLabelsAndKeepsTheOthers)
     EXPECT_EQ(deliver(&empty).elements.calls.operations, std::vector<std::string>{"setUniformElements"});
 }
 
-// The empty face makes the others be copied, so what follows the last one must be told from its labels.
+// Because of the empty face the others are copied, and nothing after the last one may be taken for its labels.
 TEST(TriSurface, DropsSlackAndFacesThatWereNeverFilled)
 {
     OFTriSurface surface = surfaceOf({{0, 1, 2}, {}, {3, 2, 1}});

@@ -29,9 +29,8 @@ const std::vector<std::vector<Step>> SEQUENCES = {
     // Removal comes before addition.
     {{{"-0", "+5"},
       "update 1001 Time 1.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3, add 1003 Time 5.00000 #2"}},
-    // Compatibility (docs/compatibility.md, "the folder that is forgotten"): with state 2 the folder 10 is forgotten,
-    // so
-    // 2 is found missing and 10 is found new once more.
+    // Compatibility (docs/compatibility.md, "the folder that is forgotten"): with state 2
+    // the folder 10 is forgotten, so 2 is found missing and 10 is found new once more.
     {{{"+10"}, "add 1004 Time 10.00000 #3"},
      {{}, ALL + ", update 1004 Time 10.00000 #3"},
      {{"-2"}, TEN_LAST + ", remove 3, remove 4"},

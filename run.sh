@@ -13,7 +13,7 @@ TXT
     exit 0
 fi
 
-# The case is named from where the caller stands, the build is made where this script lies.
+# CASE is relative to the caller's folder; the build runs in the folder of this script.
 case_path=${1:-}
 [ $# -gt 0 ] && shift
 if [ -n "$case_path" ]; then

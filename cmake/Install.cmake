@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# What lands where: the plug-in in a folder of its own, since hosts open it by path and no linker should find it; the
-# interface header as the CMake target DataProviderInterface::DataProviderInterface; host, example and documents.
+# What is installed where: the plug-in in a separate folder, since hosts open it by path and no linker should find it;
+# the interface header as the CMake target DataProviderInterface::DataProviderInterface; host, example and documents.
 include(CMakePackageConfigHelpers)
 
 set(OFP_PACKAGE_NAME "openfoam-data-provider")
@@ -21,7 +21,7 @@ if(OFP_BUILD_HOST)
     install(TARGETS ddphost RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 endif()
 
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION "${OFP_DOC_DIR}")
+install(FILES README.md SECURITY.md CONTRIBUTING.md CHANGELOG.md LICENSE DESTINATION "${OFP_DOC_DIR}")
 install(DIRECTORY docs examples DESTINATION "${OFP_DOC_DIR}")
 
 set(CPACK_GENERATOR DEB)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Flags that hold for every target of this tree. Hidden visibility and position independent code are global, because one
-# object compiled without them would leak symbols from the plug-in; all the rest hangs on interface targets.
+# Flags for every target of this tree. Hidden visibility and position independent code are global, because one object
+# compiled without them would leak symbols from the plug-in; everything else is set on interface targets.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -15,11 +15,11 @@ endif()
 
 add_library(project_warnings INTERFACE)
 target_compile_options(project_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-# g++ 12 warns of overlapping copies in its own std::string wherever a literal is put in front of one; g++ 13 does not.
+# g++ 12 warns of overlapping copies inside its own std::string when a literal is prepended to one; g++ 13 does not.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(project_warnings INTERFACE -Wno-restrict)
 endif()
-# Where sources are compiled together, g++ takes each for a header, in which an unnamed namespace would be a fault.
+# In a unity build g++ treats each source as a header, where an unnamed namespace would be a mistake.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_UNITY_BUILD)
     target_compile_options(project_warnings INTERFACE -Wno-subobject-linkage)
 endif()
@@ -27,15 +27,15 @@ if(OFP_WARNINGS_AS_ERRORS)
     target_compile_options(project_warnings INTERFACE -Werror)
 endif()
 
-# Everything is built with the sanitizers, or their run-time would see half of the program.
+# Everything is built with the sanitizers; otherwise their run-time would see only half of the program.
 if(OFP_SANITIZE)
     add_compile_options(-fsanitize=${OFP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${OFP_SANITIZE})
     add_compile_definitions(_GLIBCXX_ASSERTIONS OFP_SANITIZED)
 endif()
 
-# The library lives in someone else's process and reads what others wrote: overruns are to end in a clean stop. The
-# sanitizers bring their own checks, which these would hide.
+# The library lives in someone else's process and reads files it did not write, so an overrun must end in a clean stop.
+# The sanitizers have their own checks, which these would hide.
 add_library(project_hardening INTERFACE)
 if(NOT OFP_SANITIZE)
     target_compile_options(
@@ -47,19 +47,19 @@ if(OFP_COVERAGE)
     target_compile_options(project_hardening INTERFACE -fprofile-instr-generate -fcoverage-mapping)
     add_link_options(-fprofile-instr-generate)
 endif()
-# The counters that steer libFuzzer count in the library alone; its main is linked to the fuzz targets.
+# Only the library has the counters that guide libFuzzer; its main is linked to the fuzz targets.
 if(OFP_FUZZ)
     target_compile_options(project_hardening INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# Most of the time of a build goes into reading headers of libraries. Sources still include what they use.
+# Most of the time of a build is spent on library headers. Sources still include what they use.
 function(precompile target)
     if(OFP_PRECOMPILE)
         target_precompile_headers(${target} PRIVATE ${ARGN})
     endif()
 endfunction()
 
-# Sources that run for moments and are compiled for minutes: optimising them doubles the time of a build for tests.
+# For sources that run briefly but compile slowly: optimising them doubles the time of a test build.
 function(compile_fast target)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-O0>)
 endfunction()

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Measures which lines and branches of the library the suite runs, with a build of its own in build/coverage.
+# Measures which lines and branches of the library the suite runs. Builds in build/coverage.
 #
 # usage: tools/coverage.sh [show]
 #
-# Prints the figures of the whole and fails below the least ones; with "show" also those of each source, and writes all
-# lines and branches with their counts to build/coverage/show.txt.
+# Prints the total and fails if it is below the limits. With "show" it also prints each source and writes all lines and
+# branches with their counts to build/coverage/show.txt.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -24,7 +24,7 @@ say "Running the suite"
 LLVM_PROFILE_FILE="$build/profiles/%4m.profraw" quietly ctest --test-dir "$build" --parallel "$(nproc)" || fail "tests failed"
 llvm-profdata-14 merge -sparse "$build"/profiles/*.profraw -o "$build/suite.profdata"
 
-# The library as tests link it, and as a host loads it.
+# The library as linked into tests, and as a host loads it.
 objects=()
 for program in "$build"/tests/*/*_tests "$build"/tests/fuzz/fuzz_replay; do
     objects+=(-object "$program")
@@ -39,4 +39,4 @@ fi
 awk -v rows="$rows" 'NF == 13 && $0 ~ rows && $10 ~ /%/ { printf "%-44s lines %8s  branches %8s\n", $1, $10, $13 }' "$build/report.txt"
 awk -v lines=$least_lines -v branches=$least_branches '
     /^TOTAL/ { if ($10 + 0 < lines || $13 + 0 < branches) { exit 1 } }' "$build/report.txt" ||
-    fail "less than $least_lines % of the lines or $least_branches % of the branches are run"
+    fail "the suite runs less than $least_lines % of the lines or $least_branches % of the branches"

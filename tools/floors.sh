@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Checks that includes between the folders of src/ only go down the floors, that host/ includes nothing of src/ but the
-# interface, and that zlib and the clock stay in the one folder that each of them belongs to.
+# Checks that includes between the folders of src/ only go down the floors, that host/ includes nothing from src/ except
+# the interface, and that only src/foamfile uses zlib and only src/LibCore reads the clock.
 #
 # usage: tools/floors.sh
 set -euo pipefail
@@ -9,7 +9,7 @@ set -euo pipefail
 cd "$(dirname "$(realpath "$0")")/.."
 . tools/setup.sh
 
-# What each folder may include beside itself and the interface.
+# What each folder may include besides itself and the interface.
 declare -A below=(
     [interface]=""
     [LibCore]=""
@@ -32,7 +32,7 @@ includes() { git grep -nE '^#include "[^"/]+/' -- "$1" | sed -E 's/^([^:]+:[0-9]
 
 for folder in $(git ls-files 'src/*/*' | cut -d/ -f2 | sort -u); do
     if [ -z "${below[$folder]+known}" ]; then
-        complain "src/$folder: this folder has no floor; give it one in tools/floors.sh and docs/architecture.md"
+        complain "src/$folder: this folder has no floor; add it to tools/floors.sh and docs/architecture.md"
         continue
     fi
     while IFS=: read -r file line target; do

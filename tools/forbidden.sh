@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Finds calls in the library's sources that have no place in a host's process: numbers that follow the host's locale,
-# output, files that are written, and what ends the process or changes its state.
+# Finds calls in the library's sources that do not belong in a host's process: numbers that follow the host's locale,
+# output, writing to files, and anything that ends the process or changes its state.
 #
 # usage: tools/forbidden.sh [FOLDER...]
 set -euo pipefail
@@ -17,8 +17,8 @@ output='(v?(f|d|s|sn|as)?printf)|f?put(s|c|char|wc|ws)|perror|c(out|err|log)|wc(
 writing='ofstream|fstream|fopen|freopen|fwrite|creat|write|pwrite|truncate|ftruncate|unlink|remove_all|rename|mkdir|rmdir|mkstemp|tmpfile|symlink|link|chmod|utime(s|nsat)?'
 process='exit|_exit|_Exit|quick_exit|abort|terminate|raise|kill|system|popen|fork|vfork|exec(l|le|lp|v|ve|vp|vpe)|signal|sigaction|sigprocmask|pthread_sigmask|setlocale|chdir|fchdir|putenv|setenv|unsetenv|umask|alarm|setrlimit|atexit'
 
-# Comments and texts may name what code must not call. A member or a function of a class of ours is no call of the C
-# library: it is written behind ".", "->" or the name of the class, and only names behind "std::" and "::" count.
+# Comments and string literals may name these functions. A member function is not a call of the C library: it follows
+# ".", "->" or the name of its class. Only bare names and those after "std::" or "::" count.
 found=$(
     git ls-files -- "${folders[@]}" | grep -E '\.(h|cpp)$' | while read -r file; do
         sed -E 's#//.*$##; s#"([^"\\]|\\.)*"#""#g' "$file" |
@@ -28,5 +28,5 @@ found=$(
 )
 if [ -n "$found" ]; then
     printf '%s\n' "$found"
-    fail "the library must not call what is listed above"
+    fail "the library must not make the calls listed above"
 fi

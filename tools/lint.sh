@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Runs clang-tidy over the sources of the library and the host, or over the given ones.
+# Runs clang-tidy on the sources of the library and the host, or on the given ones.
 #
 # usage: tools/lint.sh [FILE...]
 set -euo pipefail
@@ -8,9 +8,8 @@ set -euo pipefail
 cd "$(dirname "$(realpath "$0")")/.."
 . tools/setup.sh
 
-# Nearly all of the time goes into headers of others, so the sources are checked in batches: where the build would
-# include those of a batch into one, they are copied instead, because the analyzer looks at no function of a source that
-# is included.
+# Nearly all of the time is spent on third-party headers, so the sources are checked in batches. A unity build would
+# include the sources of a batch; here they are copied into it, because the analyzer skips functions of included files.
 build=build/lint
 unity=ON
 [ $# -eq 0 ] || unity=OFF
@@ -33,7 +32,7 @@ if [ $unity = ON ]; then
     done
 fi
 
-# Lines of a batch are told as those of their sources.
+# Translates line numbers of a batch to those of its sources.
 translate() {
     awk -F '\t' -v map="$map" '
         BEGIN { while ((getline < map) > 0) { n[$1]++; first[$1, n[$1]] = $2; name[$1, n[$1]] = $3 } FS = ":" }
@@ -45,7 +44,7 @@ translate() {
         { print }'
 }
 
-# clang-tidy counts suppressed warnings on stderr for each file; only its findings are of interest.
+# On stderr clang-tidy only counts suppressed warnings per file.
 printf '%s\0' "${files[@]}" |
     xargs -0 -n 1 -P "$(nproc)" clang-tidy-14 --quiet -p "$build" 2>/dev/null | translate ||
-    fail "clang-tidy found what is listed above"
+    fail "clang-tidy has the findings listed above"

@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
-# Sourced by the scripts of the front door: messages, and the Debian packages that a step needs.
+# Shared by the scripts: messages, the Debian packages that a step needs, and building a preset.
 
 say() { printf '== %s\n' "$*"; }
 fail() { printf 'error: %s\n' "$*" >&2; exit 1; }
 
-# Runs a command quietly and shows what it printed only if it fails.
+# Runs a command and shows its output only if it fails.
 quietly() {
     local log
     log=$(mktemp)
@@ -22,11 +22,11 @@ as_root() {
     elif command -v sudo >/dev/null 2>&1; then
         sudo "$@"
     else
-        fail "packages are missing and neither root nor sudo is at hand: install $MISSING_PACKAGES"
+        fail "packages are missing, and this is neither root nor is sudo installed: install$MISSING_PACKAGES"
     fi
 }
 
-# Installs those of the given Debian packages that are missing; says nothing if none is.
+# Installs those of the given Debian packages that are missing; prints nothing if there are none.
 install_packages() {
     local package
     MISSING_PACKAGES=""
@@ -48,7 +48,7 @@ BUILD_PACKAGES="clang-14 cmake ninja-build libstdc++-12-dev libtbb-dev zlib1g-de
 TEST_PACKAGES="libgtest-dev libbenchmark-dev binutils locales"
 CHECK_PACKAGES="g++ clang-format-14 clang-tidy-14 libclang-rt-14-dev"
 
-# Configures a preset once and builds it; further arguments go to the configuration.
+# Configures a preset once and builds it; more arguments go to the configuration.
 build_preset() {
     local preset=$1
     shift
@@ -57,7 +57,7 @@ build_preset() {
         quietly cmake --preset "$preset" "$@" || fail "configuring '$preset' failed"
     fi
     say "Building '$preset'"
-    # Ninja's progress goes to a terminal as it comes; elsewhere only a failure is of interest.
+    # On a terminal, show ninja's progress; otherwise only a failure.
     if [ -t 1 ]; then
         cmake --build --preset "$preset" || fail "building '$preset' failed"
     else

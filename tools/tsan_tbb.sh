@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Builds TBB with the thread sanitizer from Debian's source package, once, into build/tsan-tbb.
 #
-# Debian's own TBB tells the sanitizer nothing of how it hands work from thread to thread, which shows as hundreds of
-# races that are none; to suppress those would hide true ones.
+# Debian's TBB does not tell the sanitizer how it passes work between threads, which shows up as hundreds of false
+# races; suppressing those would hide real ones.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -14,12 +14,12 @@ prefix=$PWD/build/tsan-tbb
 
 install_packages clang-14 cmake ninja-build libstdc++-12-dev libclang-rt-14-dev xz-utils
 say "Building TBB with the thread sanitizer"
-# Not below this folder: the sources of TBB do not build where a path has a blank in it.
+# Not inside this folder: TBB does not build if the path contains a blank.
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/sources" "$work/lists/partial"
 
-# The machine's own package sources, asked for source packages, without a change to the machine's settings.
+# The machine's package sources with source packages enabled, without changing the machine's settings.
 for file in /etc/apt/sources.list.d/*.sources; do
     [ ! -e "$file" ] || sed 's/^Types:.*/Types: deb-src/' "$file" >"$work/sources/$(basename "$file")"
 done
@@ -29,9 +29,9 @@ apt_source() {
     apt-get -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$work/sources" \
         -o Dir::State::lists="$work/lists" -o APT::Sandbox::User=root "$@"
 }
-# Sources of others among them may have no source packages; what counts is that TBB comes.
+# Third-party sources may have no source packages; only TBB's is needed.
 quietly apt_source update || true
-(cd "$work" && quietly apt_source source --download-only onetbb) || fail "the source package of TBB could not be had"
+(cd "$work" && quietly apt_source source --download-only onetbb) || fail "could not download the source package of TBB"
 mkdir "$work/source"
 tar -xf "$work"/onetbb_*.orig.tar.* -C "$work/source" --strip-components=1
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The least that a host does: load the plug-in, take its factory, open a case and print what it holds.
+// The minimum a host does: load the plug-in, take its factory, open a case and print what it holds.
 //
 //     minimal_host path/to/libOpenFoamPlugin.so path/to/case.foam
 #include <DataProviderInterface.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The factory that the plug-in registers; the registration is copied, as it lives for the call alone.
+/// The factory that the plug-in registers. The registration is copied, because it lives only during the call.
 DDPFactoryRegistration registration = {};
 
 std::int32_t registerFactory(const char* /*name*/, DDPFactoryRegistration* offered)
@@ -29,7 +29,7 @@ void printErrors(std::int32_t level, const char* text)
 
 void ignorePluginInfo(const char* /*key*/, const char* /*value*/) {}
 
-/// No setting is given, so the plug-in takes its defaults.
+/// Gives no settings, so the plug-in uses its defaults.
 class NoOptions final : public DDPInitOptions
 {
 public:

@@ -9,7 +9,7 @@ namespace dvn {
 class CoreComponent
 {
 public:
-    /// The version of the foundation layer as the log names it.
+    /// The version of the foundation layer, as the log shows it.
     static Str versionString() { return Str("3.10.0"); }
 };
 

@@ -12,12 +12,11 @@ class String;
 
 namespace dvn {
 
-/// The string of all internal interfaces: a handle over a wide text of its own.
+/// The string type of all internal interfaces: a handle that owns a wide text.
 ///
-/// Copies never share storage, so different objects may be used on different threads, and one object may be read by
-/// many. Text from `char` arrays is kept byte by byte (`dvf::String`): `toUtf8` gives it back as it came and is the
-/// road to files, to the host and to comparisons of names; `toStdString` answers "?" beyond ASCII and is the road to
-/// the log.
+/// Copies never share storage, so different objects may be used on different threads, and many threads may read one.
+/// Text from `char` arrays is kept byte by byte (`dvf::String`). Use `toUtf8`, which gives the bytes back, for paths,
+/// for the host and to compare names; use `toStdString`, which shows "?" beyond ASCII, for the log.
 class Str
 {
 public:
@@ -50,24 +49,25 @@ public:
     Str trimmed() const;
     Str trimmedLeft() const;
     Str trimmedRight() const;
-    /// Trimmed, with each inner run of white space made one blank.
+    /// Trimmed, with each inner run of white space replaced by one blank.
     Str simplified() const;
 
-    /// Pieces between the characters of `delimiters`; empty pieces are dropped, and so is all behind the first `most`
-    /// ones. A line of a file may be a gigabyte of words.
+    /// Pieces between the characters of `delimiters`; empty ones are dropped, and so is everything after `most` of
+    /// them: a line of a file may be a gigabyte of words.
     std::vector<Str> split(const Str& delimiters, std::size_t most = static_cast<std::size_t>(-1)) const;
-    /// Position of the first occurrence at or behind `start`; all bits set if there is none.
+    /// Position of the first occurrence at or after `start`; all bits set if there is none.
     std::size_t find(const Str& text, std::size_t start = 0) const;
     bool startsWith(const Str& text) const;
-    /// Up to `length` units from `start`, which must lie before the end.
+    /// Up to `length` units from `start`, which must be before the end.
     Str subStr(std::size_t start, std::size_t length) const;
-    /// Replaces every occurrence, from left to right, never looking at inserted text again.
+    /// Replaces every occurrence from left to right; inserted text is not searched again.
     void replace(const Str& from, const Str& to);
 
-    /// The text with its lowest placeholder (%0 to %99) filled in, in every place where it stands.
+    /// The text with its lowest placeholder (%0 to %99) filled in wherever it occurs.
     ///
     /// The text is scanned as it is now, so a chain of calls fills %1, then %2, whatever their order, and a percent
-    /// sign that an earlier call inserted counts as well. A positive `fieldWidth` pads in front, a negative one behind.
+    /// sign that an earlier call inserted counts too. A positive `fieldWidth` pads on the left, a negative one on the
+    /// right.
     Str arg(const Str& text, int fieldWidth = 0, char fill = ' ') const;
     Str arg(char character, int fieldWidth = 0, char fill = ' ') const;
     Str arg(int value, int fieldWidth = 0, char fill = ' ') const;
@@ -84,14 +84,14 @@ public:
     static Str number(float value, char format = 'g', int precision = -1);
     static Str number(double value, char format = 'g', int precision = -1);
 
-    /// The leading number; blanks in front are skipped, what follows is ignored, the host's locale plays no part.
-    /// `isNumber`, if not null, tells whether there was one.
+    /// The number at the start. Leading blanks are skipped, anything after it is ignored, and the host's locale has no
+    /// effect. `isNumber`, if not null, says whether there was one.
     double toDouble(bool* isNumber = nullptr) const;
     float toFloat(bool* isNumber = nullptr) const;
     int toInt(bool* isNumber = nullptr) const;
-    /// 0 and not a number for anything outside 0 to 4294967295.
+    /// Anything outside 0 to 4294967295 gives 0 and is not a number.
     unsigned int toUInt(bool* isNumber = nullptr) const;
-    /// The same with a value for texts without a number.
+    /// The same, with a value to return if there is no number.
     double toDouble(double defaultValue) const;
     float toFloat(float defaultValue) const;
     int toInt(int defaultValue) const;
@@ -109,7 +109,7 @@ private:
 
 bool operator==(const Str& a, const Str& b);
 bool operator!=(const Str& a, const Str& b);
-/// By code units, a prefix before the longer text. Units of bytes beyond ASCII are negative and so sort first.
+/// Compares code units; a prefix sorts before the longer text. Bytes beyond ASCII are negative units and sort first.
 bool operator<(const Str& a, const Str& b);
 Str operator+(const Str& a, const Str& b);
 Str operator+(const char* a, const Str& b);

@@ -7,14 +7,14 @@
 
 namespace dvn {
 
-/// Seconds as double since its start and since its last lap. Copies share one clock. No lock.
+/// Measures seconds since its start and since its last lap. Copies share one clock. It has no lock.
 class Timer
 {
 public:
     /// Starts at once.
     Timer();
 
-    /// Starts anew, the lap too.
+    /// Restarts both the clock and the lap.
     void restart();
     /// Seconds since the start; changes nothing.
     double time() const;

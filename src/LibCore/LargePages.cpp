@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "LibCore/LargePages.h"
 
-#include <tbb/parallel_for.h>
-#include <tbb/task_arena.h>
+#include "LibCore/Parallel.h"
 
 #include <memory>
 #include <sys/mman.h>
@@ -12,7 +11,7 @@ namespace {
 
 /// Size of a large page on the machines that have them; elsewhere the hint does nothing.
 constexpr std::size_t LARGE_PAGE = 2097152;
-/// The smallest page that systems have.
+/// The smallest page of any system we run on.
 constexpr std::size_t SMALL_PAGE = 4096;
 
 /// The whole large pages of a range.
@@ -37,7 +36,7 @@ void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_
 #ifdef MADV_HUGEPAGE
     const LargePages pages(memory, byteCount);
     if (pages.byteCount != 0) {
-        // What the system makes of it changes the speed alone.
+        // Whether the system follows the hint affects only the speed.
         static_cast<void>(madvise(pages.first, pages.byteCount, MADV_HUGEPAGE));
     }
 #endif
@@ -50,12 +49,13 @@ void touchLargePages(void* memory, std::size_t byteCount)
     if (pages.byteCount == 0) {
         return;
     }
-    // Callers are workers themselves: while they wait here, they must not begin with another part.
-    tbb::this_task_arena::isolate([&pages] {
-        tbb::parallel_for(std::size_t{0}, pages.byteCount, LARGE_PAGE, [&pages](std::size_t page) {
-            // A large page is entered by its first touch; where there are small ones, each takes a touch of its own.
+    // Callers are workers themselves: while they wait here, they must not start on another part. Each index touches its
+    // own page.
+    isolated([&pages] {
+        forEachIndex(pages.byteCount / LARGE_PAGE, [&pages](std::size_t page) {
+            // One touch maps a large page; if the system gave small ones, each needs a touch.
             for (std::size_t i = 0; i < LARGE_PAGE; i += SMALL_PAGE) {
-                *static_cast<volatile char*>(pages.first + page + i) = 0;
+                *static_cast<volatile char*>(pages.first + page * LARGE_PAGE + i) = 0;
             }
         });
     });

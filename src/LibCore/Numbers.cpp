@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "LibCore/Numbers.h"
 
+#include "LibCore/Limits.h"
+
 #include <charconv>
 #include <clocale>
 #include <cmath>
@@ -14,7 +16,7 @@ namespace dvf {
 namespace {
 
 /// The "C" locale as an object, so that conversions ignore what the host has set with `setlocale`.
-/// Null if it cannot be made, which leaves numbers that only `strtod` takes unconverted.
+/// Null if it cannot be created; numbers that only `strtod` takes then stay unconverted.
 class ClassicLocale
 {
 public:
@@ -48,11 +50,11 @@ float stringToReal(const char* text, char** end, float)
     return strtof_l(text, end, ClassicLocale::get());
 }
 
-/// `strtod` on a copy, because the token stands unterminated in a larger text.
+/// `strtod` on a copy, because the token is part of a larger text and has no terminator.
 template <typename Real>
 bool tokenToRealByLibrary(std::string_view token, Real* value)
 {
-    if (token.size() > MAX_NUMBER_LENGTH || ClassicLocale::get() == nullptr) {
+    if (token.size() > limits::NUMBER_LENGTH || ClassicLocale::get() == nullptr) {
         *value = 0;
         return false;
     }
@@ -67,7 +69,7 @@ bool tokenToReal(std::string_view token, Real* value)
 {
     const char* const last = token.data() + token.size();
     const std::from_chars_result result = std::from_chars(token.data(), last, *value);
-    const bool whole = result.ec == std::errc() && result.ptr == last && token.size() <= MAX_NUMBER_LENGTH;
+    const bool whole = result.ec == std::errc() && result.ptr == last && token.size() <= limits::NUMBER_LENGTH;
     return whole || tokenToRealByLibrary(token, value);
 }
 
@@ -90,7 +92,7 @@ std::size_t skipBlanks(std::wstring_view text)
     return i;
 }
 
-/// Collects what stream extraction takes for a number: a sign, digits with one point, and an exponent with its sign.
+/// Collects the characters that stream extraction takes: a sign, digits with one point, and an exponent with its sign.
 /// The collected text need not be a number: "1e" is collected whole and then fails, as it does in a stream.
 std::string collectReal(std::wstring_view text)
 {
@@ -98,7 +100,7 @@ std::string collectReal(std::wstring_view text)
     bool hasPoint = false;
     bool hasExponent = false;
     bool hasDigit = false;
-    for (std::size_t i = skipBlanks(text); i < text.size() && token.size() <= MAX_NUMBER_LENGTH; ++i) {
+    for (std::size_t i = skipBlanks(text); i < text.size() && token.size() <= limits::NUMBER_LENGTH; ++i) {
         const wchar_t unit = text[i];
         const bool afterExponent = !token.empty() && token.back() == 'e';
         const bool isSign = (unit == L'+' || unit == L'-') && (token.empty() || afterExponent);

@@ -14,7 +14,7 @@ namespace {
 
 /// Units of sign-extended bytes, 128 to 255, as unsigned.
 constexpr std::uint32_t FIRST_BYTE_UNIT = 0xFFFFFF80U;
-/// The text conversion to bytes stops short of 255 and answers "?" for it and all above.
+/// The last unit that `toStdString` gives as a byte; 255 and everything above become "?".
 constexpr std::uint32_t LAST_PLAIN_UNIT = 254;
 
 constexpr const wchar_t* BLANKS = L" \t\n\v\f\r";
@@ -174,7 +174,7 @@ void String::replace(const String& from, const String& to)
     if (from.m_units.empty()) {
         return;
     }
-    // Built anew in one pass: replacing in place moves the rest of the text once for each occurrence.
+    // Built in one pass: replacing in place would move the rest of the text once per occurrence.
     std::wstring result;
     std::size_t done = 0;
     for (std::size_t hit = m_units.find(from.m_units); hit != std::wstring::npos;

@@ -18,7 +18,7 @@ bool isDigitAt(const std::wstring& text, std::size_t pos)
     return pos < text.size() && text[pos] >= L'0' && text[pos] <= L'9';
 }
 
-/// Two digits are one number: "%10" is placeholder 10, never placeholder 1 with a zero behind it.
+/// Two digits are one number: "%10" is placeholder 10, never placeholder 1 followed by a zero.
 Placeholder placeholderAt(const std::wstring& text, std::size_t pos)
 {
     Placeholder found;

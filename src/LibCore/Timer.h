@@ -7,15 +7,15 @@ namespace dvf {
 
 /// A running clock: seconds since its start and since its last lap.
 ///
-/// It stands on a monotonic tick count with a ratio to nanoseconds: the Mach clock where there is one, elsewhere the
-/// system's monotonic clock, which counts nanoseconds, with the ratio 1/1. A timer has no lock.
+/// It uses a monotonic tick count with a ratio to nanoseconds: the Mach clock where there is one, otherwise the
+/// system's monotonic clock, which counts nanoseconds, with the ratio 1/1. It has no lock: use one per thread.
 class Timer
 {
 public:
     /// Starts at once.
     Timer();
 
-    /// Starts anew, the lap too.
+    /// Restarts both the clock and the lap.
     void restart();
     /// Seconds since the start; changes nothing.
     double time() const;

@@ -1,35 +1,33 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "LibCore/Parallel.h"
 #include "foamfile/GrowingBuffer.h"
 #include "foamfile/TokenScanner.h"
-
-#include <tbb/parallel_for.h>
-#include <tbb/task_arena.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
 
-/// Reads the text of one chunk of a field list in several pieces at once, ahead of the walk through the chunk.
+/// Parses the text of a field list in several pieces at once, ahead of the walk through the list.
 ///
-/// The walk stays the judge of everything out of the ordinary: the pieces take what lies before, and it goes on from
-/// there. A piece counts if it was read to its end without a doubt, every piece before it counts, and the list does not
-/// end in it; so the walk sees the end of the list, what stands behind it, and each text that is no number, and the
-/// outcome is that of the walk alone. On two cores this halves the time for a long list.
+/// The sequential walk decides every unusual case: the pieces take what comes before it, and the walk goes on from
+/// there. A piece counts if it was parsed to its end without a doubt, every piece before it counts, and the list does
+/// not end in it. So the walk sees the end of the list, the text after it, and each text that is not a number, and the
+/// outcome is that of the walk alone.
 class FieldPieces
 {
 public:
-    /// One run of whole lines and the values read from it.
+    /// A run of whole lines and the values parsed from it.
     struct Piece
     {
         const char* begin = nullptr;
         const char* limit = nullptr; ///< start of the next piece
-        const char* stop = nullptr;  ///< where reading ended
+        const char* stop = nullptr;  ///< where parsing ended
         GrowingBuffer<double> values;
         std::size_t count = 0;
-        std::size_t place = 0; ///< of its values among those of the chunk
+        std::size_t place = 0; ///< of its values among those of the text
         bool isClean = false;
 
         /// Where `number` further values go.
@@ -42,42 +40,52 @@ public:
         }
     };
 
-    /// Reads values from the start of the text, fewer than `room`.
+    /// Parses values from the start of the text, fewer than `room`.
     ///
-    /// @param end       the NUL of the text; a damaged file may hold one before
-    /// @param readPiece reads a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`. It looks at
-    ///                  no line behind the piece.
+    /// @param end       of the text; its NUL, or the start of a line
+    /// @param readPiece parses a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`. It does
+    /// not
+    ///                  look at lines after the piece.
+    /// @param beside    a call that runs beside the parsing: reading what comes next
     /// @param[out] count values stored at `target`
     /// @return where the walk goes on
-    template <typename ReadPiece>
+    template <typename ReadPiece, typename Beside>
     const char* read(const char* begin, const char* end, std::size_t room, double* target, const ReadPiece& readPiece,
-                     std::size_t* count)
+                     const Beside& beside, std::size_t* count)
     {
         *count = 0;
-        // With one thread there is nothing to gain.
-        if (end - begin < LEAST_TEXT || room < LEAST_VALUES || tbb::this_task_arena::max_concurrency() < 2) {
+        if (!pays(end - begin, room)) {
             return begin;
         }
         const char* const last = endOfPieces(begin, end, room);
         cut(begin, last);
         if (m_pieces.front().limit == last) {
-            // All on one line.
+            // A single line.
             return begin;
         }
-        // Each task fills its own piece.
-        // The task is one of a part's own: waiting must not take up another part.
-        tbb::this_task_arena::isolate(
-            [&] { tbb::parallel_for(std::size_t{0}, PIECES, [&](std::size_t i) { readPiece(&m_pieces[i], end); }); });
+        // The calls are part of one part's own work: waiting for them must not take up another part. Each fills its own
+        // piece.
+        dvf::isolated([&] {
+            dvf::invokeAll([&] { beside(); },
+                           [&] {
+                               dvf::forLargeItems(PIECES, [&](const dvf::IndexRange& range) {
+                                   for (std::size_t i = range.begin(); i != range.end(); ++i) {
+                                       readPiece(&m_pieces[i], end);
+                                   }
+                               });
+                           });
+        });
         std::size_t used = 0;
         const char* stop = begin;
+        // guard: pieces-room
         for (; used < PIECES && m_pieces[used].isClean && *count + m_pieces[used].count < room; ++used) {
             m_pieces[used].place = *count;
             *count += m_pieces[used].count;
             stop = m_pieces[used].stop;
         }
         // Places never overlap: they are sums over the pieces that are complete here.
-        tbb::this_task_arena::isolate([&] {
-            tbb::parallel_for(std::size_t{0}, used, [&](std::size_t i) {
+        dvf::isolated([&] {
+            dvf::forEachIndex(used, [&](std::size_t i) {
                 const Piece& piece = m_pieces[i];
                 if (piece.count != 0) {
                     std::memcpy(target + piece.place, piece.values.data(), piece.count * sizeof(double));
@@ -87,19 +95,34 @@ public:
         return stop;
     }
 
+    template <typename ReadPiece>
+    const char* read(const char* begin, const char* end, std::size_t room, double* target, const ReadPiece& readPiece,
+                     std::size_t* count)
+    {
+        return read(
+            begin, end, room, target, readPiece, [] {}, count);
+    }
+
+    /// Whether pieces of so much text for so many values are worth their tasks. With one thread there is nothing to
+    /// gain.
+    static bool pays(std::ptrdiff_t textSize, std::size_t room)
+    {
+        return textSize >= LEAST_TEXT && room >= LEAST_VALUES && dvf::hasSeveralThreads();
+    }
+
 private:
-    /// More than there are cores on a small machine, so that a core that comes late still finds work.
-    static constexpr std::size_t PIECES = 4;
+    /// More than a small machine has cores, so that a core that comes late still finds work.
+    static constexpr std::size_t PIECES = 8;
     /// Below this the tasks cost more than they gain.
     static constexpr std::ptrdiff_t LEAST_TEXT = 65536;
     static constexpr std::size_t LEAST_VALUES = 4096;
-    /// Characters of a line that one value takes, line feed and brackets included, at the most that is usual.
+    /// Characters of a line per value, line feed and brackets included; seldom more.
     static constexpr std::size_t TEXT_OF_VALUE = 32;
     /// Values by which a piece grows: about what its text holds.
     static constexpr std::size_t VALUES_STEP = 16384;
 
-    /// Where the last piece ends: at the first NUL, as the walk stops there, and behind a line of about the text that
-    /// the values can take. What stands further on is not looked at, as each of many short lists would do it.
+    /// Where the last piece ends: at the first NUL, because the walk stops there, and after a line of about the text
+    /// that the values can take. What comes after that is not looked at, or each of many short lists would do it.
     static const char* endOfPieces(const char* begin, const char* end, std::size_t room)
     {
         const auto most = std::min(room, static_cast<std::size_t>(end - begin)) * TEXT_OF_VALUE;
@@ -114,20 +137,20 @@ private:
         return last;
     }
 
-    /// Cuts the text behind line ends into pieces of about the same length.
+    /// Cuts the text after line ends into pieces of about the same length.
     void cut(const char* begin, const char* end)
     {
         const std::ptrdiff_t length = (end - begin) / static_cast<std::ptrdiff_t>(PIECES);
         const char* next = begin;
         for (std::size_t i = 0; i < PIECES; ++i) {
             Piece& piece = m_pieces[i];
-            // Until its task has run: nothing of the chunk before may count.
+            // Until its task has run: nothing of the text before may count.
             piece.begin = piece.stop = next;
             piece.count = 0;
             piece.isClean = false;
-            // A long line may reach beyond the next cut; the piece behind it is then an empty one.
+            // A long line may reach beyond the next cut; the piece after it is then an empty one.
             const char* limit = std::max(next, begin + length * static_cast<std::ptrdiff_t>(i + 1));
-            if (i + 1 == PIECES || limit >= end || !TokenScanner::skipBehind(limit, '\n')) {
+            if (i + 1 == PIECES || limit >= end || !TokenScanner::skipPast(limit, '\n')) {
                 limit = end;
             }
             piece.limit = limit;

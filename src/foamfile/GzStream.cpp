@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/GzStream.h"
 
+#include "LibCore/Limits.h"
+#include "LibCore/Parallel.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 
-#include <tbb/parallel_for.h>
-#include <tbb/task_arena.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <utility>
@@ -27,20 +28,17 @@ constexpr unsigned GZIP_BUFFER_SIZE = 65536;
 /// One read asks for no more than this, because a read that meets damage loses what it had so far.
 constexpr std::size_t READ_BLOCK = 262144;
 constexpr std::size_t SKIP_BLOCK = 16384;
-/// The highest ratio that deflate reaches, and room for what is not in proportion.
-constexpr std::uint64_t INFLATE_RATIO = 1032;
-constexpr std::uint64_t INFLATE_EXTRA = 65536;
-/// Lists take several times the bytes that they are counted with at least, so a true count implies no more than this.
-constexpr std::uint64_t USUAL_RATIO = 8;
+/// Room before staged bytes for the rest of the text before them: a chunk of lines and some more.
+constexpr std::size_t STAGING_ROOM = 294912;
 
-/// A read from this size on is shared among the cores, if the file is not compressed.
+/// A read of this size or more is shared among the cores, if the file is not compressed.
 constexpr std::size_t SHARED_READ = 4194304;
 constexpr std::size_t SHARED_BLOCK = 1048576;
 
-/// Opens what was found to be a regular file; -1 if it cannot be opened or was replaced by something else since, which
-/// must not block.
+/// Opens what was found to be a regular file a moment ago. Gives -1 if it cannot be opened or has been replaced by
+/// something else, which must not block.
 ///
-/// @param[out] size of what was opened, which may have replaced another regular file
+/// @param[out] size of what was opened, as another regular file may have replaced the first
 int openRegularFile(const std::string& path, std::uint64_t* size)
 {
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -51,15 +49,15 @@ int openRegularFile(const std::string& path, std::uint64_t* size)
     }
     *size = static_cast<std::uint64_t>(info.st_size);
     if (descriptor >= 0 && info.st_size == 0) {
-        // Such files may be made up by the system while they are read, without an end. They are taken as the empty ones
-        // that they say they are.
+        // The system may generate such a file while it is read, without an end. It reads as the empty file that it says
+        // it is.
         close(descriptor);
         return open("/dev/null", O_RDONLY | O_CLOEXEC);
     }
     return descriptor;
 }
 
-/// Reads a block from a place in a file, and tells how many bytes came.
+/// Reads a block from a place in a file, and returns how many bytes came.
 std::size_t readBlock(int descriptor, char* target, std::size_t size, off_t place)
 {
     std::size_t done = 0;
@@ -93,7 +91,7 @@ std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
     }
     std::uint64_t sizeOnDisk = 0;
     const int descriptor = openRegularFile(path.toUtf8(), &sizeOnDisk);
-    // Owned at once, so that nothing stays open when memory runs out below.
+    // Owned at once, so that nothing stays open if memory runs out below.
     Handle handle(descriptor < 0 ? nullptr : gzdopen(descriptor, "rb"));
     if (handle == nullptr) {
         if (descriptor >= 0) {
@@ -107,8 +105,11 @@ std::unique_ptr<GzStream> GzStream::open(const dvn::Str& path)
 
 int GzStream::nextByte()
 {
+    if (!stored().empty()) {
+        return static_cast<unsigned char>(m_ahead.data()[m_next++]);
+    }
     const gzFile handle = m_handle.get();
-    // The macro of zlib takes the byte from the buffer in place and calls only when that is empty.
+    // The macro of zlib takes the byte from its buffer in place and only calls a function when that is empty.
     const int byte = gzgetc(handle);
     if (byte < 0) {
         noteEnd();
@@ -119,11 +120,23 @@ int GzStream::nextByte()
 
 void GzStream::unread(char byte)
 {
-    gzungetc(static_cast<unsigned char>(byte), m_handle.get());
+    if (m_next != 0) {
+        --m_next;
+    } else {
+        gzungetc(static_cast<unsigned char>(byte), m_handle.get());
+    }
 }
 
-bool GzStream::skipBehind(char sought)
+bool GzStream::skipPast(char sought)
 {
+    for (std::string_view text = stored(); !text.empty(); text = stored()) {
+        const std::size_t place = text.find(sought);
+        if (place != std::string_view::npos) {
+            m_next += place + 1;
+            return true;
+        }
+        m_next = m_end;
+    }
     const gzFile handle = m_handle.get();
     const int target = static_cast<unsigned char>(sought);
     int byte = gzgetc(handle);
@@ -138,18 +151,33 @@ bool GzStream::skipBehind(char sought)
 
 bool GzStream::readLine(char* buffer, std::size_t size)
 {
-    const int room = static_cast<int>(std::min<std::size_t>(size, std::numeric_limits<int>::max()));
-    if (gzgets(m_handle.get(), buffer, room) == nullptr) {
-        noteEnd();
-        return false;
+    if (stored().empty()) {
+        const int room = static_cast<int>(std::min<std::size_t>(size, std::numeric_limits<int>::max()));
+        if (gzgets(m_handle.get(), buffer, room) == nullptr) {
+            noteEnd();
+            return false;
+        }
+        return true;
     }
+    const std::size_t length = readToLineEnd(buffer, size - 1);
+    buffer[length] = '\0';
     return true;
 }
 
 std::size_t GzStream::readToLineEnd(char* target, std::size_t room)
 {
-    const gzFile handle = m_handle.get();
     std::size_t length = 0;
+    for (std::string_view text = stored(); !text.empty() && length < room; text = stored()) {
+        const std::size_t lineEnd = std::min(text.find('\n'), text.size() - 1) + 1;
+        const std::size_t count = std::min(lineEnd, room - length);
+        std::memcpy(target + length, text.data(), count);
+        m_next += count;
+        length += count;
+        if (target[length - 1] == '\n') {
+            return length;
+        }
+    }
+    const gzFile handle = m_handle.get();
     while (length < room) {
         const int byte = gzgetc(handle);
         if (byte < 0) {
@@ -167,31 +195,101 @@ std::size_t GzStream::readToLineEnd(char* target, std::size_t room)
 std::size_t GzStream::read(void* target, std::size_t size)
 {
     char* const bytes = static_cast<char*>(target);
-    std::size_t done = size < SHARED_READ ? 0 : readShared(bytes, size);
+    std::size_t done = 0;
+    for (std::string_view text = stored(); !text.empty() && done < size; text = stored()) {
+        const std::size_t count = std::min(text.size(), size - done);
+        std::memcpy(bytes + done, text.data(), count);
+        m_next += count;
+        done += count;
+    }
+    done += readStored(bytes + done, size - done);
+    if (done < size) {
+        noteEnd();
+    }
+    return done;
+}
+
+/// Reads what comes after the bytes in memory, and returns how many there were.
+std::size_t GzStream::readStored(char* target, std::size_t size)
+{
+    std::size_t done = size < SHARED_READ ? 0 : readShared(target, size);
     while (done < size) {
         const std::size_t wanted = std::min(size - done, READ_BLOCK);
-        const int came = gzread(m_handle.get(), bytes + done, static_cast<unsigned>(wanted));
+        const int came = gzread(m_handle.get(), target + done, static_cast<unsigned>(wanted));
         done += static_cast<std::size_t>(std::max(came, 0));
         if (came < static_cast<int>(wanted)) {
-            noteEnd();
             break;
         }
     }
     return done;
 }
 
-/// Reads a long piece of a file that is not compressed with all cores, as copies out of the system's cache take longer
-/// than they need to with one. Tells how many bytes came; the usual way goes on behind them.
+std::string_view GzStream::stored()
+{
+    if (m_next == m_end) {
+        // Also where nothing is staged: bytes that are put back then go to zlib.
+        m_next = m_end = 0;
+        if (m_stagedCount != 0) {
+            appendStaged(0);
+        }
+    }
+    return {m_ahead.data() + m_next, m_end - m_next};
+}
+
+/// Puts the staged bytes after the `unread` last ones of those before. They stay where they are, and the few unread
+/// ones are copied, if there is room for them in front.
+void GzStream::appendStaged(std::size_t unread)
+{
+    if (unread <= STAGING_ROOM) {
+        const std::size_t first = STAGING_ROOM - unread;
+        if (unread != 0) {
+            std::memcpy(m_staged.data() + first, m_ahead.data() + m_next, unread);
+        }
+        std::swap(m_ahead, m_staged);
+        m_next = first;
+        m_end = STAGING_ROOM + m_stagedCount;
+    } else {
+        m_ahead.grow(m_end + m_stagedCount + 1, m_end);
+        std::memcpy(m_ahead.data() + m_end, m_staged.data() + STAGING_ROOM, m_stagedCount);
+        m_end += m_stagedCount;
+    }
+    m_stagedCount = 0;
+    m_ahead.data()[m_end] = '\0';
+}
+
+std::string_view GzStream::peek(std::size_t size)
+{
+    const std::size_t unread = stored().size();
+    if (unread < size && m_stagedCount != 0) {
+        appendStaged(unread);
+    }
+    if (m_end - m_next < size) {
+        stage(size - (m_end - m_next));
+        appendStaged(m_end - m_next);
+    }
+    return {m_ahead.data() + m_next, std::min(size, m_end - m_next)};
+}
+
+void GzStream::stage(std::size_t size)
+{
+    if (m_stagedCount == 0) {
+        m_staged.grow(STAGING_ROOM + size + 1, 0);
+        m_stagedCount = readStored(m_staged.data() + STAGING_ROOM, size);
+    }
+}
+
+/// Reads a long piece of an uncompressed file with all cores, because one core takes longer than it needs to for copies
+/// out of the system's cache. Returns how many bytes came; the caller reads the rest in the usual way.
 std::size_t GzStream::readShared(char* target, std::size_t size)
 {
     const z_off_t position = gztell(m_handle.get());
-    if (gzdirect(m_handle.get()) == 0 || position < 0 || tbb::this_task_arena::max_concurrency() < 2) {
+    if (gzdirect(m_handle.get()) == 0 || position < 0 || !dvf::hasSeveralThreads()) {
         return 0;
     }
     std::vector<std::size_t> came((size + SHARED_BLOCK - 1) / SHARED_BLOCK);
-    tbb::this_task_arena::isolate([&] {
+    dvf::isolated([&] {
         // Each task fills its own block and its own entry.
-        tbb::parallel_for(std::size_t{0}, came.size(), [&](std::size_t i) {
+        dvf::forEachIndex(came.size(), [&](std::size_t i) {
             const std::size_t first = i * SHARED_BLOCK;
             came[i] = readBlock(m_descriptor, target + first, std::min(SHARED_BLOCK, size - first),
                                 static_cast<off_t>(position) + static_cast<off_t>(first));
@@ -204,7 +302,7 @@ std::size_t GzStream::readShared(char* target, std::size_t size)
             break;
         }
     }
-    // If the stream cannot follow, it reads the same again from where it stands.
+    // If the stream cannot follow, it reads the same bytes again from where it is.
     return gzseek(m_handle.get(), position + static_cast<z_off_t>(done), SEEK_SET) < 0 ? 0 : done;
 }
 
@@ -222,12 +320,14 @@ void GzStream::skip(std::uint64_t size)
 
 std::uint64_t GzStream::contentLimit() const
 {
-    return gzdirect(m_handle.get()) != 0 ? m_sizeOnDisk : m_sizeOnDisk * INFLATE_RATIO + INFLATE_EXTRA;
+    return gzdirect(m_handle.get()) != 0 ? m_sizeOnDisk
+                                         : m_sizeOnDisk * dvf::limits::INFLATE_RATIO + dvf::limits::INFLATE_EXTRA;
 }
 
 bool GzStream::canHold(std::uint64_t bytes)
 {
-    if (gzdirect(m_handle.get()) != 0 || bytes <= m_sizeOnDisk * USUAL_RATIO + INFLATE_EXTRA ||
+    if (gzdirect(m_handle.get()) != 0 ||
+        bytes <= m_sizeOnDisk * dvf::limits::USUAL_INFLATE_RATIO + dvf::limits::INFLATE_EXTRA ||
         bytes > contentLimit()) {
         return bytes <= contentLimit();
     }
@@ -243,7 +343,7 @@ std::uint64_t GzStream::inflatedSize() const
     if (other == nullptr) {
         return 0;
     }
-    // The stream that reads the values will tell.
+    // The stream that reads the values will report damage.
     other->m_damageTold = true;
     std::array<char, SKIP_BLOCK> scratch;
     std::uint64_t size = 0;

@@ -2,27 +2,29 @@
 #pragma once
 
 #include "DvnCore/Str.h"
+#include "foamfile/GrowingBuffer.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 struct gzFile_s;
 
 /// The bytes of one file, inflated where it is compressed and passed through where it is not.
 ///
-/// Compressed data that is damaged or ends early reads as data that ends there, and one info line names the file. All
-/// of zlib stands behind this class. One thread at a time.
+/// Compressed data that is damaged or ends early reads as data that ends there, and one info line names the file. This
+/// class is the only user of zlib. One thread at a time, but for `stage`.
 class GzStream
 {
 public:
-    /// What a byte reads as behind the last one.
+    /// What `nextByte` gives after the last byte.
     static constexpr int END_OF_DATA = -1;
 
     /// Opens a file, or gives null.
     ///
-    /// Only a regular file is opened, through links: a pipe or a device in its place could block the host for good.
+    /// Only a regular file is opened, through links: a pipe or a device in its place could block the host forever.
     static std::unique_ptr<GzStream> open(const dvn::Str& path);
     ~GzStream() = default;
     GzStream(const GzStream&) = delete;
@@ -30,24 +32,34 @@ public:
 
     /// The next byte, or `END_OF_DATA`.
     int nextByte();
-    /// Puts back the byte read last. A seek would inflate a compressed file again from its start.
+    /// Puts the byte read last back. A seek would inflate a compressed file again from its start.
     void unread(char byte);
-    /// Moves behind the next `sought`; false if the data ends first.
-    bool skipBehind(char sought);
+    /// Advances past the next `sought`; false if the data ends first.
+    bool skipPast(char sought);
 
     /// Takes up to `size` - 1 bytes up to and with a line feed and terminates them; false if the data has ended.
     bool readLine(char* buffer, std::size_t size);
-    /// Takes up to `room` bytes up to and with a line feed, without terminating them, and tells how many came; fewer
+    /// Takes up to `room` bytes up to and with a line feed, without terminating them, and returns their number; fewer
     /// than `room` without a line feed are the last of the data.
     std::size_t readToLineEnd(char* target, std::size_t room);
-    /// Takes bytes until `size` have come or the data ends, and tells how many came.
+    /// Takes bytes until there are `size` or the data ends, and returns their number.
     std::size_t read(void* target, std::size_t size);
-
-    /// Passes over `size` bytes, or all that are left.
+    /// Skips `size` bytes, or all that are left.
     void skip(std::uint64_t size);
 
-    /// Whether the file can hold so many bytes when inflated. A claim that few files live up to is not believed but
-    /// held against all that there is, which takes as long as reading the file.
+    // --- looking ahead, for readers that parse a large piece of text at once
+
+    /// Up to `size` of the bytes that come next, in one piece, without taking them; fewer only at the end of the data.
+    /// Valid until the next call of anything but `stage`. A NUL follows the last byte that is in memory.
+    std::string_view peek(std::size_t size);
+    /// Reads up to `size` bytes more into memory, after those of the last `peek`. A worker may do this while others
+    /// parse the peeked text. Damage is not reported before the bytes are taken.
+    void stage(std::size_t size);
+    /// Takes the first `size` of the peeked bytes.
+    void take(std::size_t size) { m_next += size; }
+
+    /// Whether the file can hold this many bytes when inflated. A claim that honest files seldom make is not believed
+    /// but checked against everything the file inflates to, which takes as long as reading it.
     bool canHold(std::uint64_t bytes);
 
 private:
@@ -59,17 +71,29 @@ private:
     using Handle = std::unique_ptr<gzFile_s, Closer>;
 
     GzStream(Handle handle, int descriptor, dvn::Str path, std::uint64_t sizeOnDisk);
+    std::size_t readStored(char* target, std::size_t size);
     std::size_t readShared(char* target, std::size_t size);
+    /// The bytes in memory that nobody has taken; those that were staged once the others are gone.
+    std::string_view stored();
+    void appendStaged(std::size_t unread);
     /// More bytes than the file can hold when inflated, from its size on disk.
     std::uint64_t contentLimit() const;
     std::uint64_t inflatedSize() const;
     void noteEnd();
 
     Handle m_handle;
-    int m_descriptor; ///< that of the handle, which closes it
+    int m_descriptor; ///< the handle's own, which closes it
     dvn::Str m_path;
     std::uint64_t m_sizeOnDisk;
     bool m_damageTold = false;
-    /// Found out when it is asked for.
+    /// Known once someone has asked.
     std::optional<std::uint64_t> m_inflatedSize;
+
+    /// Bytes read ahead of the caller: `m_next` up to `m_end` of `m_ahead`, then those of `m_staged`.
+    ChunkBuffer m_ahead;
+    std::size_t m_next = 0;
+    std::size_t m_end = 0;
+    /// Starts with room for the line that the text before it was cut in.
+    ChunkBuffer m_staged;
+    std::size_t m_stagedCount = 0;
 };

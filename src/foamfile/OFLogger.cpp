@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/OFLogger.h"
 
+#include "LibCore/Limits.h"
+
 #include <algorithm>
 
 namespace {
@@ -8,14 +10,13 @@ namespace {
 constexpr int LEVEL_ERROR = 1;
 constexpr int LEVEL_INFO = 3;
 constexpr int LEVEL_DEBUG = 4;
-constexpr std::size_t LONGEST_EXCERPT = 256;
 constexpr int PERCENT_SIGNS = 4;
 
 } // namespace
 
 dvn::Str excerpt(const std::string& text)
 {
-    const std::size_t most = std::min(text.size(), LONGEST_EXCERPT);
+    const std::size_t most = std::min(text.size(), dvf::limits::LOG_EXCERPT);
     std::size_t end = 0;
     for (int signs = 0; end < most; ++end) {
         signs += text[end] == '%' ? 1 : 0;

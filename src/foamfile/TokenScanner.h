@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "LibCore/Limits.h"
 #include "LibCore/Numbers.h"
+#include "LibCore/ShortReal.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -10,8 +13,8 @@
 #include <string_view>
 #include <system_error>
 
-/// Scanners of single tokens in text that ends with a NUL. No scanner steps over that NUL, so a loop that tests for it
-/// never leaves the text. A failed scan leaves the cursor where it was unless its comment says otherwise.
+/// Scanners of single tokens in text that ends with a NUL. No scanner advances past that NUL, so a loop that tests for
+/// it never leaves the text. A failed scan leaves the cursor where it was unless its comment says otherwise.
 namespace TokenScanner {
 
 inline bool isDigit(char c)
@@ -26,7 +29,7 @@ inline void skipLineFeeds(const char*& cursor)
     }
 }
 
-/// The same no further than to `limit`.
+/// The same, up to `limit`.
 inline void skipLineFeeds(const char*& cursor, const char* limit)
 {
     while (cursor < limit && *cursor == '\n') {
@@ -34,8 +37,8 @@ inline void skipLineFeeds(const char*& cursor, const char* limit)
     }
 }
 
-/// Moves behind the next `sought`, or to the NUL and answers false.
-inline bool skipBehind(const char*& cursor, char sought)
+/// Advances past the next `sought`; at the NUL if there is none, and false.
+inline bool skipPast(const char*& cursor, char sought)
 {
     for (; *cursor != '\0'; ++cursor) {
         if (*cursor == sought) {
@@ -46,7 +49,7 @@ inline bool skipBehind(const char*& cursor, char sought)
     return false;
 }
 
-/// Steps over the character that ended a token, unless it is the end of the text.
+/// Advances past the character that ended a token, unless it is the end of the text.
 inline void skipStop(const char*& cursor)
 {
     cursor += *cursor != '\0' ? 1 : 0;
@@ -62,7 +65,7 @@ inline bool scanLabel(const char*& cursor, int* label)
     for (; isDigit(*p); ++p) {
         value = value * 10 + static_cast<std::uint32_t>(*p - '0');
     }
-    if (p == first || static_cast<std::size_t>(p - first) > dvf::MAX_NUMBER_LENGTH) {
+    if (p == first || static_cast<std::size_t>(p - first) > dvf::limits::NUMBER_LENGTH) {
         return false;
     }
     // Wraps on purpose: only the caller knows the size of the list, so only it can refuse a label as too large.
@@ -71,35 +74,37 @@ inline bool scanLabel(const char*& cursor, int* label)
     return true;
 }
 
-/// True for what may stand behind an item of a list of labels or scalars.
+/// True for what may follow an item of a list of labels or scalars.
 inline bool endsListItem(char c)
 {
     return c == '\n' || c == ' ' || c == ')' || c == '\0';
 }
 
-/// Reads the finite number at the start of the text and tells where it ends; null if there is none.
+/// Reads the finite number at the start of the text and returns where it ends; null if there is none.
 ///
-/// This is the road of nearly every number: where what it stops at is what ends the token, the whole token was taken.
-/// If not, nothing is decided: the token may still be a number for `strtod`, and the caller looks at it by its own
-/// rules. Infinite values and NaN count as none, because the conversion reads on behind a delimiter in texts such as
-/// "nan(1)".
+/// Fast path. If it stops at a delimiter, the token is complete. If not, nothing is decided: the token may still be a
+/// number for `strtod`, and the caller looks at it by its own rules. Infinite values and NaN are left to that, because
+/// the conversion reads on past a delimiter in texts such as "nan(1)".
 /// @param end the NUL of the text
 inline const char* scanPlainReal(const char* first, const char* end, double* value)
 {
+    if (const char* const stop = dvf::scanShortReal(first, value)) {
+        return stop;
+    }
     const std::from_chars_result result = std::from_chars(first, end, *value);
     const bool isPlain = result.ec == std::errc() && std::isfinite(*value) &&
-                         static_cast<std::size_t>(result.ptr - first) <= dvf::MAX_NUMBER_LENGTH;
+                         static_cast<std::size_t>(result.ptr - first) <= dvf::limits::NUMBER_LENGTH;
     return isPlain ? result.ptr : nullptr;
 }
 
 /// Which characters end a component of a vector.
 enum class ComponentEnd
 {
-    /// Its delimiter: the road of `points`, where a blank in the wrong place is taken as damage.
+    /// Its delimiter. For `points`, where a blank in the wrong place is damage.
     Delimiter,
-    /// Its delimiter, a blank or ")": the road of field values.
+    /// Its delimiter, a blank or ")". For field values.
     DelimiterBlankOrBracket,
-    /// The same, but a line feed is taken as damage: the road of field values ahead of the one that decides.
+    /// The same, but a line feed is damage. For field values read ahead of the walk that decides.
     DelimiterBlankOrBracketOfTheLine
 };
 
@@ -110,8 +115,8 @@ bool endsComponent(char c, char delimiter)
     return isEnd || (END != ComponentEnd::Delimiter && (c == ' ' || c == ')'));
 }
 
-/// What `scanComponent` does where `scanPlainReal` does not settle it. What is no number by itself costs no search
-/// behind it.
+/// `scanComponent` where `scanPlainReal` does not settle it. A token that is not a number costs no search for its
+/// delimiter.
 template <ComponentEnd END>
 bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
 {
@@ -130,7 +135,7 @@ bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
         if (!isNumber || END == ComponentEnd::DelimiterBlankOrBracketOfTheLine) {
             return false;
         }
-        const bool isEnded = skipBehind(p, delimiter);
+        const bool isEnded = skipPast(p, delimiter);
         cursor = p;
         *value = isEnded ? number : *value;
         return isEnded;
@@ -141,10 +146,10 @@ bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
     return isNumber;
 }
 
-/// Reads one component of a vector and moves behind the character that ended it.
+/// Reads one component of a vector and advances past the character that ended it.
 ///
-/// A line feed ends the token too, and what stands between it and the next delimiter is passed over. Where there is no
-/// delimiter, the scan fails at the end of the text, which nobody has to search through again.
+/// A line feed ends the token too, and the text between it and the next delimiter is skipped. Where there is no
+/// delimiter, the scan fails with the cursor at the end of the text, which nobody has to search again.
 /// @param end the NUL of the text
 template <ComponentEnd END>
 bool scanComponent(const char*& cursor, const char* end, char delimiter, double* value)
@@ -157,9 +162,21 @@ bool scanComponent(const char*& cursor, const char* end, char delimiter, double*
     return scanUnusualComponent<END>(cursor, delimiter, value);
 }
 
-/// Reads one number of a scalar list and moves to the character that ended it: line feed, blank, ")" or NUL.
+/// Reads the components of a vector, up to `limit` of them, and returns how many are numbers.
+template <ComponentEnd END>
+std::size_t scanVector(const char*& cursor, const char* end, std::size_t limit, double* xyz)
+{
+    static constexpr std::array<char, 3> DELIMITERS = {' ', ' ', ')'};
+    std::size_t done = 0;
+    while (done < limit && scanComponent<END>(cursor, end, DELIMITERS[done], xyz + done)) {
+        ++done;
+    }
+    return done;
+}
+
+/// Reads one number of a scalar list and stops at the character that ended it: line feed, blank, ")" or NUL.
 ///
-/// The value is stored also where the token is more than one number, which is answered with false.
+/// A token that merely begins with a number is refused, but the value is stored.
 /// @param end the NUL of the text
 inline bool scanScalar(const char*& cursor, const char* end, double* value)
 {
@@ -183,9 +200,9 @@ inline bool scanScalar(const char*& cursor, const char* end, double* value)
 /// Which characters, besides its own delimiter, may end a number of a face.
 enum class FaceTokenEnd
 {
-    /// None: a face that is not written as it should be ends the chunk.
+    /// None: a face that is not as it should be ends the chunk.
     Delimiter,
-    /// A blank or the end of the text: the road of the sequential readers.
+    /// A blank or the end of the text. For the sequential readers.
     DelimiterBlankOrNul
 };
 
@@ -195,10 +212,10 @@ bool endsFaceToken(char c, char delimiter)
     return c == delimiter || (END == FaceTokenEnd::DelimiterBlankOrNul && (c == ' ' || c == '\0'));
 }
 
-/// Reads the node count in front of a face and moves behind the "(".
+/// Reads the node count before a face and advances past the "(".
 ///
-/// Faces of more than ten nodes stand over several lines, with the count on the first and "(" on the second: a line
-/// feed ends the count, and what stands between it and the "(" is passed over.
+/// A face of more than ten nodes takes several lines, with the count on the first and "(" on the second: a line feed
+/// ends the count, and the text between it and the "(" is skipped.
 template <FaceTokenEnd END>
 bool scanFaceSize(const char*& cursor, int* count)
 {
@@ -207,7 +224,7 @@ bool scanFaceSize(const char*& cursor, int* count)
         return false;
     }
     if (*p == '\n') {
-        if (!skipBehind(p, '(')) {
+        if (!skipPast(p, '(')) {
             return false;
         }
     } else if (endsFaceToken<END>(*p, '(')) {
@@ -220,7 +237,7 @@ bool scanFaceSize(const char*& cursor, int* count)
     return true;
 }
 
-/// Reads one node label of a face and moves behind what ended it and the line feeds there.
+/// Reads one node label of a face and advances past what ended it and the line feeds there.
 template <FaceTokenEnd END>
 bool scanFaceLabel(const char*& cursor, char delimiter, int* label)
 {
@@ -229,8 +246,8 @@ bool scanFaceLabel(const char*& cursor, char delimiter, int* label)
         return false;
     }
     if (*p == '\n') {
-        // One label a line: the bracket that closes the face stands on a line of its own.
-        if (delimiter == ')' && !skipBehind(p, ')')) {
+        // One label per line: the bracket that closes the face is on the next line.
+        if (delimiter == ')' && !skipPast(p, ')')) {
             return false;
         }
     } else if (endsFaceToken<END>(*p, delimiter)) {

@@ -2,18 +2,24 @@
 //
 // The binary interface between a post-processing host and a data-provider plug-in, version 7.0.
 //
-// A host includes this header alone; it needs nothing but the C++ standard library. The host loads the plug-in, looks
+// A host includes only this header, which needs nothing but the C++ standard library. The host loads the plug-in, looks
 // up `initializeDataProviderPlugin`, calls it once with a filled `DDPPluginInitRecord`, and gets a factory through
 // `registerProviderFactory`. From then on both sides speak through the abstract classes below.
 //
 // Virtual order is the contract. Each class declares its operations in the order of the host's tables. A `reservedN`
-// row is an operation of the host's whose name and signature the plug-in does not know and never calls; it stands there
-// so that the rows behind it keep their position. It must not be removed, moved or given a meaning. No host class has a
-// virtual destructor here, because a destructor would claim rows of its own: objects are owned by the side that made
-// them, and neither side deletes an object of the other through these classes.
+// row is an operation of the host whose name and signature the plug-in does not know and never calls; it is there so
+// that the rows after it keep their position. It must not be removed, moved or given a meaning. No host class has a
+// virtual destructor here, because a destructor would take rows itself: objects are owned by the side that made them,
+// and neither side deletes an object of the other through these classes.
+//
+// Threads. The host calls a provider from one thread at a time; that thread is the calling thread of the request. The
+// plug-in makes all groups on the calling thread. Its workers, of which the calling thread may be one, call only the
+// operations that set data: those of `DDPNodeGroup`, `DDPElementGroup` and `DDPResultValueGroup` marked "any thread",
+// each group from one thread at a time. `pluginLogCallback` may be called from several threads at once. Everything else
+// is called on the calling thread. No worker calls anything after the request has returned.
 //
 // Ids are 32-bit signed, counts 64-bit unsigned, coordinates and values 64-bit floating point. Pointers to arrays are
-// valid for the call alone: the host copies what it wants to keep.
+// valid only during the call: the host copies what it wants to keep.
 #pragma once
 
 #include <cstddef>
@@ -56,8 +62,9 @@ public:
     /// Converts Latin-1 to UTF-8: a byte below 0x80 is copied, any other becomes two bytes; null gives the empty
     /// string.
     ///
-    /// Callers hand over text that is UTF-8 already, so a name beyond ASCII that takes this road arrives encoded twice.
-    /// Hosts rely on which names take it and which are copied, so the split stays as it is.
+    /// The plug-in passes text that is UTF-8 already, so a name beyond ASCII that goes through here arrives encoded
+    /// twice. Hosts rely on which names do and which are copied: Compatibility (docs/compatibility.md, "encoded
+    /// twice").
     static DDPString fromChar(const char* text)
     {
         DDPString result;
@@ -98,15 +105,50 @@ private:
 
 /// The kinds of element that reach the host.
 ///
-/// 17 serves both the general face and the general cell; the group that carries it tells which. Boundary, face zone and
+/// 17 is both the general face and the general cell; the group that has it decides which. Boundary, face zone and
 /// surface groups use 3, 5 and 17, cell groups 8, 10, 12, 15 and 17.
 ///
-/// Node order of the solids, seen so that every volume is positive:
+/// Node order, drawn with y going away from the viewer, so every volume is positive:
 ///
-///     tetrahedron: 0 is the apex; 1 2 3 run counter-clockwise seen from outside, away from the apex
-///     pyramid:     0 1 2 3 the base, counter-clockwise seen from the apex 4
-///     pentahedron: 0 1 2 the base, counter-clockwise seen from the top 3 4 5; 3 stands over 0
-///     hexahedron:  0 1 2 3 the base, counter-clockwise seen from the top 4 5 6 7; 4 stands over 0
+///     hexahedron
+///              7--------6
+///             /|       /|       base 0 1 2 3, counter-clockwise seen from the top 4 5 6 7;
+///            4--------5 |       4 is above 0, 5 above 1, and so on
+///            | |      | |
+///            | 3------|-2
+///            |/       |/
+///            0--------1
+///
+///     pentahedron (prism)
+///                5
+///               /|\             base 0 1 2, counter-clockwise seen from the top 3 4 5;
+///              3---4            3 is above 0, 4 above 1, 5 above 2
+///              | 2 |
+///              |/ \|
+///              0---1
+///
+///     pyramid
+///                4
+///              ./|\.            base 0 1 2 3, counter-clockwise seen from the apex 4
+///             / 3-\-2
+///            / /   \/
+///           0------1
+///
+///     tetrahedron
+///               0
+///              /|\              apex 0; 1 2 3 run counter-clockwise seen from outside, which is from below here,
+///             / | \             with 2 at the back
+///            / .2. \            (edges 1-2 and 2-3 are hidden)
+///           1-------3
+///
+///     quadrilateral, triangle
+///           3------2        2
+///           |      |       / \       in the order of the file, which for a face of the mesh is counter-clockwise
+///           0------1      0---1      seen from outside the cell that owns it
+///
+/// A general face lists its nodes in the order of the file too. A general cell has two lists. Its connectivity holds
+/// its distinct nodes, ascending. Its faces come through `DDPElementGroup::setPolyhedra`: each face runs
+/// counter-clockwise seen from outside the cell, and the faces follow each other in the order of the file.
 enum DDPElementType : std::int32_t
 {
     DDP_TRIANGLE = 3,
@@ -118,14 +160,14 @@ enum DDPElementType : std::int32_t
     DDP_POLY = 17
 };
 
-/// Implemented by the host; the plug-in never calls it: failure is told by results and by the log alone.
+/// Implemented by the host; the plug-in never calls it: failure shows only in return values and in the log.
 class DDPError;
-/// Stands in signatures only; the plug-in calls nothing on it.
+/// Appears in signatures only; the plug-in calls nothing on it.
 class DDPTransformations;
-/// Stands in signatures only; the plug-in calls nothing on it.
+/// Appears in signatures only; the plug-in calls nothing on it.
 class DDPVisibilityResult;
 
-/// Takes the description of a provider and its user settings.
+/// Takes the description of a provider and its user settings. Called on the calling thread.
 class DDPDataProviderInfo
 {
 public:
@@ -146,7 +188,8 @@ protected:
     ~DDPDataProviderInfo() = default;
 };
 
-/// The settings that the user gave for one case. Its first row is an operation, not a reserved one.
+/// The settings that the user gave for one case. Its first row is an operation, not a reserved one. Called on the
+/// calling thread, from `init` only.
 class DDPInitOptions
 {
 public:
@@ -162,7 +205,7 @@ protected:
     ~DDPInitOptions() = default;
 };
 
-/// Takes the descriptions of the groups that make up the geometry.
+/// Takes the descriptions of the groups that make up the geometry. Called on the calling thread.
 class DDPElementGroupInfo
 {
 public:
@@ -172,7 +215,7 @@ public:
     virtual void addGroup(std::int32_t groupId, const DDPString& name) = 0;
     /// 1 for a boundary patch, 0 for a cell zone, face zone or sampled surface.
     virtual void setBoundaryFlag(std::int32_t groupId, std::int32_t flag) = 0;
-    /// Hangs the group under its part.
+    /// Puts the group under its part.
     virtual void setParentPart(std::int32_t groupId, std::int32_t parentPartId) = 0;
     virtual void reserved2() = 0;
     /// One text property; the plug-in uses the key "type".
@@ -182,7 +225,7 @@ protected:
     ~DDPElementGroupInfo() = default;
 };
 
-/// Takes the parts of a case.
+/// Takes the parts of a case. Called on the calling thread.
 class DDPGeometryInfo
 {
 public:
@@ -193,14 +236,14 @@ public:
     virtual void reserved2() = 0;
     /// The object that takes group descriptions; owned by the host.
     virtual DDPElementGroupInfo* elementGroupInfo() = 0;
-    /// Called once, first, with 0. The meaning of the number is the host's.
+    /// Called once, first, with 0. Only the host knows what the number means.
     virtual void setGeometryMode(std::int32_t mode) = 0;
 
 protected:
     ~DDPGeometryInfo() = default;
 };
 
-/// Takes the details of one declared result.
+/// Takes the details of one declared result. Called on the calling thread.
 class DDPResultInfo
 {
 public:
@@ -210,20 +253,20 @@ public:
     virtual void setResultKey(const DDPString& key) = 0;
     /// The unit as text.
     virtual void setResultUnit(const DDPString& unit) = 0;
-    /// Called with 1 on the displacement result alone.
+    /// Called with 1, and only on the displacement result.
     virtual void setDisplacementFlag(std::int32_t flag) = 0;
 
 protected:
     ~DDPResultInfo() = default;
 };
 
-/// Takes the description of a case: title, parts, states, results.
+/// Takes the description of a case: title, parts, states, results. Called on the calling thread.
 class DDPMetaData
 {
 public:
     virtual void reserved0() = 0;
     virtual void reserved1() = 0;
-    /// Title and description in UTF-8, then two mode codes whose meaning is the host's.
+    /// Title and description in UTF-8, then two mode codes whose meaning only the host knows.
     virtual void setSimulationInfo(const DDPString& title, const DDPString& description, std::int32_t mode,
                                    std::int32_t stateMode) = 0;
     /// The object that takes the parts; owned by the host.
@@ -244,7 +287,7 @@ protected:
     ~DDPMetaData() = default;
 };
 
-/// Tells which geometry is asked for.
+/// The geometry that is asked for. Called on the calling thread.
 class DDPGeometrySpec
 {
 public:
@@ -257,24 +300,29 @@ protected:
     ~DDPGeometrySpec() = default;
 };
 
-/// Takes the nodes of one group. Called from a worker thread, one thread at a time for one group.
+/// Takes the nodes of one group: one thread at a time per group.
 class DDPNodeGroup
 {
 public:
     virtual void reserved0() = 0;
     virtual void reserved1() = 0;
-    /// x, y, z of each node in turn: `3 * nodeCount` values.
+    /// x, y, z of each node in turn: `3 * nodeCount` values. Any thread.
     virtual void setNodes(const double* coordinates, std::uint64_t nodeCount) = 0;
-    /// The node ids. They count from 1 in a part and in a sampled surface, and from 0 in a boundary or face zone.
+    /// The node ids, which count from 1 in a part and in a sampled surface, and from 0 in a boundary or face zone. Any
+    /// thread.
     virtual void setNodeIds(const std::int32_t* ids, std::uint64_t count) = 0;
-    /// The value to give to `DDPGeometry::addElementGroup`.
+    /// The value to pass to `DDPGeometry::addElementGroup`. Calling thread.
     virtual std::int64_t nodeGroupId() const = 0;
 
 protected:
     ~DDPNodeGroup() = default;
 };
 
-/// Takes the elements of one group. Called from a worker thread, one thread at a time for one group.
+/// Takes the elements of one group: one thread at a time per group, any thread for all operations.
+///
+/// A group of cells or faces of a mesh gets `setMixedElements`, then `setPolyhedra` (a group of cells only if it has
+/// general cells), then `setElementPartIds` (not the cells of a part without cell zones). A sampled surface gets
+/// `setUniformElements` and then `setElementPartIds`. A group whose mesh cannot be read gets nothing.
 ///
 /// Connectivity entries are 0-based positions in the node group that this group is bound to.
 class DDPElementGroup
@@ -287,25 +335,34 @@ public:
                                     std::uint64_t connectivityLength, const std::int32_t* elementIds) = 0;
     /// Elements of mixed type; `types` holds values of `DDPElementType`.
     ///
-    /// A general element takes as many connectivity entries as its entry in the first array of `setPolyhedra` says.
+    /// A general element takes as many connectivity entries as its entry in the first array of `setPolyhedra`.
     virtual void setMixedElements(const std::int32_t* types, std::uint64_t elementCount,
                                   const std::int32_t* connectivity, std::uint64_t connectivityLength,
                                   const std::int32_t* elementIds) = 0;
-    /// The general elements of the group in element order, as face tables.
+    /// The general elements of the group in element order, packed as face tables without gaps.
     ///
-    /// The two first arrays have one byte a polyhedron: its distinct nodes and its faces. `nodesPerFace` has one byte a
-    /// face, polyhedron after polyhedron, and `faceConnectivity` the nodes of all those faces.
+    /// A cube with the nodes of the hexahedron drawn above, as the only element of its group, is
+    ///
+    ///     nodesPerPolyhedron   8
+    ///     facesPerPolyhedron   6
+    ///     nodesPerFace         4        4        4        4        4        4
+    ///     faceConnectivity     0 3 2 1  4 5 6 7  0 1 5 4  1 2 6 5  2 3 7 6  3 0 4 7
+    ///
+    /// The first two arrays have one byte per polyhedron: the number of its distinct nodes and that of its faces.
+    /// `nodesPerFace` has one byte per face, polyhedron after polyhedron, and `faceConnectivity` the nodes of all those
+    /// faces. A general face is a polyhedron of one face. Counts above 255 do not fit and are cut to their low byte,
+    /// and the polyhedron fills exactly the range that the cut counts give it.
     virtual void setPolyhedra(const unsigned char* nodesPerPolyhedron, const unsigned char* facesPerPolyhedron,
                               std::uint64_t polyhedronCount, const unsigned char* nodesPerFace, std::uint64_t faceCount,
                               const std::int32_t* faceConnectivity, std::uint64_t faceConnectivityLength) = 0;
-    /// For each element the global part id of the group that it shows in.
+    /// For each element the global part id of the group that it is shown in.
     virtual void setElementPartIds(const std::int32_t* partIds, std::uint64_t count) = 0;
 
 protected:
     ~DDPElementGroup() = default;
 };
 
-/// Makes the groups of a geometry. Called on the host's own calling thread only, before any worker starts.
+/// Makes the groups of a geometry. Called on the calling thread, before any worker starts.
 class DDPGeometry
 {
 public:
@@ -320,7 +377,7 @@ protected:
     ~DDPGeometry() = default;
 };
 
-/// Tells which result of which state is asked for.
+/// The result and state that are asked for. Called on the calling thread.
 class DDPResultSpec
 {
 public:
@@ -336,33 +393,35 @@ protected:
     ~DDPResultSpec() = default;
 };
 
-/// Takes the values of one group. A later call replaces an earlier one.
+/// Takes the values of one group: one thread at a time per group. A later call replaces an earlier one.
 class DDPResultValueGroup
 {
 public:
     virtual void reserved0() = 0;
     virtual void reserved1() = 0;
-    /// `dimension` values an item, `dimension * itemCount` in all; a missing value is the largest finite double.
+    /// `dimension` values per item, `dimension * itemCount` in all; a missing value is the largest finite double. Any
+    /// thread.
     virtual void setValues(const double* values, std::int32_t dimension, std::uint64_t itemCount) = 0;
 
 protected:
     ~DDPResultValueGroup() = default;
 };
 
-/// Makes the value groups of a result, in the order of the geometry's groups but with none for a face zone.
+/// Makes the value groups of a result, in the order of the geometry's groups but with none for a face zone. Called on
+/// the calling thread, before any worker starts.
 class DDPResult
 {
 public:
     virtual void reserved0() = 0;
     virtual void reserved1() = 0;
-    /// Makes the next value group; owned by the host. Called on the host's own calling thread only.
+    /// Makes the next value group; owned by the host.
     virtual DDPResultValueGroup* addValueGroup() = 0;
 
 protected:
     ~DDPResult() = default;
 };
 
-/// Takes the items of a set.
+/// Takes the items of a set. Called on the calling thread.
 class DDPSet
 {
 public:
@@ -377,7 +436,7 @@ protected:
     ~DDPSet() = default;
 };
 
-/// Takes the changes of the list of states.
+/// Takes the changes of the list of states. Called on the calling thread.
 class DDPChangeNotifications
 {
 public:
@@ -391,7 +450,8 @@ public:
     virtual void updateState(std::int32_t stateId, const DDPString& name, double referenceValue) = 0;
     /// A new state.
     virtual void addState(std::int32_t stateId, const DDPString& name, double referenceValue) = 0;
-    /// The state at this list position is gone: a position counted from the number of states left, not a state id.
+    /// The state at this list position is gone. Positions run from the number of states left, and are not state ids:
+    /// Compatibility (docs/compatibility.md, "remove one more position").
     virtual void removeState(std::int32_t position) = 0;
 
 protected:
@@ -400,7 +460,8 @@ protected:
 
 /// One open case; implemented by the plug-in. The destructor takes the first two rows of its table.
 ///
-/// Calling order: `init`, `getMetaData`, then any of the others as the host wishes, last `close`. One thread calls.
+/// Calling order: `init`, `getMetaData`, then any of the others as the host wishes, last `close`. One thread calls at a
+/// time, and a request returns only after all its workers are done.
 class DDPDataProvider
 {
 public:
@@ -424,20 +485,21 @@ public:
     {
         return false;
     }
-    /// Tells the states that appeared or vanished since the last poll.
+    /// Reports the states that appeared or vanished since the last poll.
     virtual void pollForChanges(DDPChangeNotifications* notifications) = 0;
-    /// The last row; its role is the host's.
+    /// The last row; only the host knows what it is for.
     virtual std::int64_t reserved0() { return 0; }
 };
 
-/// Stands beside the class with the same arguments; not a member, and nothing calls it.
+/// A free function with the arguments of the operation above; nothing calls it.
 inline bool getElementVisibilityResult(std::uint64_t /*stateIndex*/, std::int32_t /*id*/,
                                        DDPVisibilityResult* /*visibility*/)
 {
     return false;
 }
 
-/// Makes providers; implemented by the plug-in. The destructor takes the first two rows of its table.
+/// Makes providers; implemented by the plug-in. The destructor takes the first two rows of its table. One thread calls
+/// at a time.
 class DDPDataProviderFactory
 {
 public:
@@ -455,7 +517,7 @@ public:
 /// Destroys a factory; null is ignored.
 using DDPFactoryDestroyFunction = void (*)(DDPDataProviderFactory* factory);
 
-/// What a plug-in registers. It lives for the call alone, so the host copies it.
+/// What a plug-in registers. It lives only during the call, so the host copies it.
 struct DDPFactoryRegistration
 {
     std::int64_t apiVersion;
@@ -463,10 +525,10 @@ struct DDPFactoryRegistration
     DDPFactoryDestroyFunction destroyFactory;
 };
 
-/// What the host passes to `initializeDataProviderPlugin`.
+/// What the host passes to `initializeDataProviderPlugin`. All but the log callback is called on the calling thread.
 struct DDPPluginInitRecord
 {
-    /// The host's own; not read by a plug-in.
+    /// For the host's use; a plug-in does not read it.
     void* hostData;
     /// Registers a factory under a provider name; zero means refused.
     std::int32_t (*registerProviderFactory)(const char* providerName, DDPFactoryRegistration* registration);
@@ -478,7 +540,8 @@ struct DDPPluginInitRecord
 
 /// The function to call before the library is unloaded.
 using DDPPluginExitFunction = void (*)();
-/// The type of `initializeDataProviderPlugin`: the exit function, or null if the host refused the registration.
+/// The type of `initializeDataProviderPlugin`. It returns the exit function, or null if the host refused the
+/// registration.
 using DDPPluginInitFunction = DDPPluginExitFunction (*)(DDPPluginInitRecord* record);
 
 /// Static helpers of the interface.

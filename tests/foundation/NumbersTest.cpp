@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "LibCore/Limits.h"
 #include "LibCore/Numbers.h"
 #include "DvnCore/Str.h"
 
@@ -83,6 +84,6 @@ TEST(Numbers, ConvertWholeTokensLikeTheCLibrary)
     freelocale(plain);
     double value = 17.0;
     EXPECT_FALSE(dvf::tokenToDouble("", &value));
-    EXPECT_FALSE(dvf::tokenToDouble(std::string(dvf::MAX_NUMBER_LENGTH + 1, '1'), &value));
+    EXPECT_FALSE(dvf::tokenToDouble(std::string(dvf::limits::NUMBER_LENGTH + 1, '1'), &value));
     EXPECT_EQ(value, 0.0);
 }

@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "foamfile/OFFile.h"
+#include "foamfile/Dictionary.h"
 
+#include "LibCore/Limits.h"
 #include "foamfile/CheckedLookup.h"
-#include "foamfile/GzStream.h"
-#include "foamfile/ListMessages.h"
 #include "foamfile/TextLines.h"
 
 #include <algorithm>
 #include <string_view>
 
 namespace {
-
-/// What a patch takes of a file at the least: its name, its braces and three entries.
-constexpr std::uint64_t BYTES_PER_PATCH = 16;
 
 /// The line up to its first line end of either kind.
 std::string_view upToLineEnd(std::string_view line)
@@ -22,9 +18,8 @@ std::string_view upToLineEnd(std::string_view line)
 
 /// Adds the entry of a "key value;" line, if the line is one and the key is new.
 ///
-/// The value is counted off from the start of the line and not from where the key stands, so an indented line gives a
-/// piece of the line that is shifted by its indentation. Callers look up keys that stand at the start of their line,
-/// and what they get for others must stay what it is.
+/// Compatibility (docs/compatibility.md, "shifted dictionary values"): the value is counted off from the start of the
+/// line and not from its key.
 void addDictionaryEntry(std::string_view line, std::map<dvn::Str, dvn::Str>* entries)
 {
     if (!line.ends_with(';')) {
@@ -41,50 +36,47 @@ void addDictionaryEntry(std::string_view line, std::map<dvn::Str, dvn::Str>* ent
 
 } // namespace
 
-bool OFFile::readDictionary(const dvn::Str& path, const dvn::Str& objectName, std::map<dvn::Str, dvn::Str>* entries)
+bool Dictionary::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName,
+                          std::map<dvn::Str, dvn::Str>* entries)
 {
-    static constexpr ListMessages MESSAGES = {"Failed to open dictionary file. File basename is %1",
-                                              "Unexpected object in dictionary file. File basename is %1",
-                                              "Unexpected class in dictionary file. File basename is %1", nullptr,
-                                              nullptr};
-    if (!openWithObject(path, objectName, MESSAGES)) {
+    static constexpr ListHeader::Messages MESSAGES = {
+        .openFailed = "Failed to open dictionary file. File basename is %1",
+        .wrongObject = "Unexpected object in dictionary file. File basename is %1",
+        .wrongClass = "Unexpected class in dictionary file. File basename is %1"};
+    if (!ListHeader::open(file, path, objectName, MESSAGES) || !ListHeader::checkClass(file, "dictionary", MESSAGES)) {
         return false;
     }
-    if (checkedLookup(m_headerEntries, std::string("class")) != "dictionary") {
-        return reportError(MESSAGES.wrongClass);
+    std::string_view line;
+    while (file.text.takeStreamPiece(&line)) {
+        addDictionaryEntry(upToLineEnd(line), entries);
     }
-    while (m_stream->readLine(m_lineBuffer.data(), LINE_BUFFER_SIZE)) {
-        addDictionaryEntry(upToLineEnd(m_lineBuffer.data()), entries);
-    }
-    close();
+    file.text.close();
     return true;
 }
 
-bool OFFile::readBoundary(const dvn::Str& path, const dvn::Str& objectName, std::vector<OFBoundary>& boundaries,
-                          std::size_t partId)
+bool Dictionary::readBoundary(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName,
+                              std::vector<OFBoundary>& boundaries, std::size_t partId)
 {
-    static constexpr ListMessages MESSAGES = {
-        "Failed to open boundary file. File basename is %1",
-        "Unexpected object in dictionary file. File basename is %1", nullptr,
-        "Failed to read number of boundaries in boundary file. File basename is %1",
-        "Invalid number of items in boundary file. File basename is %1"};
-    if (!openWithObject(path, objectName, MESSAGES)) {
-        return false;
-    }
+    static constexpr ListHeader::Messages MESSAGES = {
+        .openFailed = "Failed to open boundary file. File basename is %1",
+        .wrongObject = "Unexpected object in dictionary file. File basename is %1",
+        .noCount = "Failed to read number of boundaries in boundary file. File basename is %1",
+        .badCount = "Invalid number of items in boundary file. File basename is %1"};
     int count = 0;
-    if (!readListCount(MESSAGES, BYTES_PER_PATCH, LARGEST_COUNT, &count)) {
+    if (!ListHeader::open(file, path, objectName, MESSAGES) ||
+        !ListHeader::readCount(file, dvf::limits::BYTES_PER_PATCH, dvf::limits::LIST_COUNT, MESSAGES, &count)) {
         return false;
     }
     boundaries.resize(static_cast<std::size_t>(count));
     if (count == 0) {
-        close();
+        file.text.close();
         return true;
     }
-    if (!skipAfterNext('(')) {
+    if (!file.text.skipPast('(')) {
         return false;
     }
     for (OFBoundary& boundary : boundaries) {
-        const std::map<std::string, std::string> info = readBoundaryInfo();
+        const std::map<std::string, std::string> info = readBoundaryInfo(file.text);
         boundary.setPartId(static_cast<int>(partId));
         boundary.setPatchName(checkedLookup(info, std::string("patchName")));
         boundary.setType(checkedLookup(info, std::string("type")));
@@ -96,7 +88,7 @@ bool OFFile::readBoundary(const dvn::Str& path, const dvn::Str& objectName, std:
     return true;
 }
 
-std::map<std::string, std::string> OFFile::readBoundaryInfo()
+std::map<std::string, std::string> Dictionary::readBoundaryInfo(TextSource& text)
 {
     enum class Sought
     {
@@ -106,10 +98,11 @@ std::map<std::string, std::string> OFFile::readBoundaryInfo()
     };
     Sought sought = Sought::Name;
     std::map<std::string, std::string> info;
-    while (m_stream != nullptr && m_stream->readLine(m_lineBuffer.data(), LINE_BUFFER_SIZE)) {
-        const std::string_view line = withoutLineEnd(m_lineBuffer.data());
+    std::string_view line;
+    while (text.takeStreamPiece(&line)) {
+        line = withoutLineEnd(line);
         if (sought == Sought::Name) {
-            // Whatever comes first is the name, a comment too.
+            // Whatever comes first is the name, even a comment.
             const std::string_view name = fromFirstWord(line);
             if (!name.empty()) {
                 info.emplace("patchName", name);

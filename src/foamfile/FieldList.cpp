@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "foamfile/FieldList.h"
+
+#include "foamfile/FieldPieces.h"
+#include "foamfile/OFLogger.h"
+#include "foamfile/TokenScanner.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+using TokenScanner::ComponentEnd;
+
+constexpr std::size_t COMPONENTS = 3;
+/// Text that is parsed at once: with its values it fits the cache of a core.
+constexpr std::size_t WINDOW_SIZE = 1048576;
+
+/// Parses the vectors of a piece. One that does not end with its line, or is not as it should be, leaves the piece in
+/// doubt.
+void readVectorsOfPiece(FieldPieces::Piece* piece, const char* end)
+{
+    const char* p = piece->begin;
+    for (;;) {
+        if (p == piece->limit || *p != '(') {
+            p = static_cast<const char*>(std::memchr(p, '(', static_cast<std::size_t>(piece->limit - p)));
+            if (p == nullptr) {
+                break;
+            }
+        }
+        const char* vector = p + 1;
+        while (*vector == ' ') {
+            ++vector;
+        }
+        double* const xyz = piece->room(COMPONENTS);
+        if (TokenScanner::scanVector<ComponentEnd::DelimiterBlankOrBracketOfTheLine>(vector, end, COMPONENTS, xyz) <
+                COMPONENTS ||
+            vector > piece->limit) {
+            return;
+        }
+        piece->count += COMPONENTS;
+        piece->stop = vector;
+        p = vector;
+        TokenScanner::skipLineFeeds(p, piece->limit);
+    }
+    piece->isClean = true;
+}
+
+/// Parses the scalars of a piece. Each is within a line, and the line feeds before a piece belong to the number before
+/// it.
+void readScalarsOfPiece(FieldPieces::Piece* piece, const char* end)
+{
+    const char* p = piece->begin;
+    TokenScanner::skipLineFeeds(p, piece->limit);
+    while (p < piece->limit && *p != '\0') {
+        if (!TokenScanner::scanScalar(p, end, piece->room(1))) {
+            return;
+        }
+        ++piece->count;
+        TokenScanner::skipStop(p);
+        TokenScanner::skipLineFeeds(p, piece->limit);
+    }
+    piece->stop = p;
+    piece->isClean = true;
+}
+
+/// Reads the long list of a field ahead of the walk: windows of many lines, parsed in pieces while the next window is
+/// read. Counts the chunks that the walk would have taken the text in, since a log line names them.
+class ListAhead
+{
+public:
+    ListAhead(TextSource& text, std::vector<double>* values) : m_text(text), m_values(values) {}
+
+    /// Parses windows as long as each of their pieces can be used. `*found` grows by the values stored.
+    template <typename ReadPiece>
+    void read(const ReadPiece& readPiece, std::size_t* found)
+    {
+        m_offset = 0;
+        while (!m_text.isPending() && canGoOn(*found)) {
+            const std::string_view lines = m_text.peekLines(m_offset + WINDOW_SIZE);
+            const std::string_view window = lines.substr(std::min(m_offset, lines.size()));
+            if (*found == 0 && window.starts_with('\n')) {
+                // Only the walk knows what becomes of an empty line before the first value.
+                return;
+            }
+            std::size_t count = 0;
+            const char* const stop = m_pieces.read(
+                window.data(), window.data() + window.size(), m_values->size() - *found, m_values->data() + *found,
+                readPiece, [this] { m_text.stage(WINDOW_SIZE); }, &count);
+            *found += count;
+            const auto parsed = static_cast<std::size_t>(stop - lines.data());
+            std::size_t taken = 0;
+            m_chunks += m_text.takeChunks(lines, parsed, &taken);
+            m_offset = parsed - taken;
+            if (count == 0 || parsed < lines.size()) {
+                return;
+            }
+        }
+    }
+
+    /// Parses the text of a chunk from `p` on in pieces, if it is long enough, and returns where the walk goes on.
+    template <typename ReadPiece>
+    const char* readChunk(const char* p, const char* end, const ReadPiece& readPiece, std::size_t* found)
+    {
+        std::size_t count = 0;
+        p = m_pieces.read(p, end, m_values->size() - *found, m_values->data() + *found, readPiece, &count);
+        *found += count;
+        return p;
+    }
+
+    /// Where in the next chunk the walk goes on.
+    std::size_t offset() const { return m_offset; }
+    int chunks() const { return m_chunks; }
+
+private:
+    bool canGoOn(std::size_t found) const
+    {
+        return FieldPieces::pays(static_cast<std::ptrdiff_t>(WINDOW_SIZE), m_values->size() - found);
+    }
+
+    TextSource& m_text;
+    std::vector<double>* m_values;
+    FieldPieces m_pieces;
+    std::size_t m_offset = 0;
+    int m_chunks = 0;
+};
+
+/// Leaves the text after the ";" of a list pending, if the chunk still holds it.
+void endList(TextSource& text, const TextSource::Chunk& chunk, const char* p, int chunks, std::size_t valueCount)
+{
+    if (!TokenScanner::skipPast(p, ';')) {
+        return;
+    }
+    text.keepPending(chunk, p);
+    OFLogger::get().logDebug("OFFile",
+                             dvn::Str("treated %1 chunks for reading %2 doubles").arg(chunks).arg(valueCount));
+}
+
+bool reportMissing(std::size_t found, std::size_t wanted)
+{
+    return OFLogger::get().logError(
+        "OFFile", dvn::Str("Failed to read values from file. Read %1 values from %2").arg(found).arg(wanted));
+}
+
+} // namespace
+
+bool FieldList::readNext(TextSource& text, bool isVector, std::vector<double>* values)
+{
+    std::size_t found = 0;
+    return text.skipToList() && read(text, isVector, values, &found);
+}
+
+bool FieldList::read(TextSource& text, bool isVector, std::vector<double>* values, std::size_t* found)
+{
+    if (text.isBinary()) {
+        *found = text.readRaw(values->data(), sizeof(double), values->size());
+        return *found == values->size();
+    }
+    return isVector ? walkVectors(text, values, found) : walkScalars(text, values, found);
+}
+
+bool FieldList::walkScalars(TextSource& text, std::vector<double>* values, std::size_t* found)
+{
+    if (values->empty()) {
+        return reportMissing(0, 0);
+    }
+    ListAhead ahead(text, values);
+    int chunks = 0;
+    TextSource::Chunk chunk;
+    for (;;) {
+        ahead.read(readScalarsOfPiece, found);
+        if (!text.nextChunk(&chunk)) {
+            return false;
+        }
+        ++chunks;
+        const char* p = chunk.begin + ahead.offset();
+        if (*found != 0) {
+            // Line feeds that a chunk border cut off from the number before them.
+            TokenScanner::skipLineFeeds(p);
+        }
+        if (*p != '\n') {
+            p = ahead.readChunk(p, chunk.end, readScalarsOfPiece, found);
+            if (*found != 0) {
+                TokenScanner::skipLineFeeds(p);
+            }
+        }
+        // guard: scalars-sequential
+        while (*found < values->size() && *p != '\0') {
+            if (!TokenScanner::scanScalar(p, chunk.end, values->data() + *found)) {
+                text.keepPending(chunk, p);
+                return false;
+            }
+            ++*found;
+            TokenScanner::skipStop(p);
+            TokenScanner::skipLineFeeds(p);
+        }
+        if (*found == values->size()) {
+            endList(text, chunk, p, chunks + ahead.chunks(), *found);
+            return true;
+        }
+    }
+}
+
+bool FieldList::walkVectors(TextSource& text, std::vector<double>* values, std::size_t* found)
+{
+    ListAhead ahead(text, values);
+    int chunks = 0;
+    TextSource::Chunk chunk;
+    for (;;) {
+        ahead.read(readVectorsOfPiece, found);
+        if (!text.nextChunk(&chunk)) {
+            return reportMissing(*found, values->size());
+        }
+        ++chunks;
+        const char* p = ahead.readChunk(chunk.begin + ahead.offset(), chunk.end, readVectorsOfPiece, found);
+        // guard: vectors-sequential
+        while (*found < values->size() && TokenScanner::skipPast(p, '(')) {
+            p += std::strspn(p, " ");
+            const std::size_t wanted = std::min(COMPONENTS, values->size() - *found);
+            const std::size_t came = TokenScanner::scanVector<ComponentEnd::DelimiterBlankOrBracket>(
+                p, chunk.end, wanted, values->data() + *found);
+            *found += came;
+            if (came < wanted) {
+                text.keepPending(chunk, p);
+                return false;
+            }
+        }
+        if (*found == values->size()) {
+            endList(text, chunk, p, chunks + ahead.chunks(), *found);
+            return true;
+        }
+    }
+}

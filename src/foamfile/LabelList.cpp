@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "foamfile/LabelList.h"
+
+#include "LibCore/LargePages.h"
+#include "LibCore/Limits.h"
+#include "foamfile/TokenScanner.h"
+
+namespace {
+
+/// Finds the number of cells in a note such as "nPoints:882  nCells:400  nFaces:1640  nInternalFaces:760".
+bool cellCountFromNote(const dvn::Str& note, int* cellCount)
+{
+    const dvn::Str key("nCells:");
+    const std::size_t cells = note.find(key);
+    const std::size_t faces = note.find("nFaces:");
+    // A text that is not found has the largest of positions, so a note without cells fails and one without faces does
+    // not.
+    if (cells >= faces) {
+        return false;
+    }
+    // The text is longer than the number, which does not matter to the conversion. A note may end after the key.
+    const std::size_t number = cells + key.size();
+    *cellCount = number < note.size() ? note.subStr(number, faces).trimmed().toInt(0) : 0;
+    return true;
+}
+
+} // namespace
+
+bool LabelList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, std::vector<int>* labels,
+                         int* cellCount)
+{
+    static constexpr ListHeader::Messages MESSAGES = {
+        .openFailed = "Failed to open labels file. File basename is %1",
+        .wrongObject = "Unexpected object in labels file. File basename is %1",
+        .wrongClass = "Unexpected class in labels file. File basename is %1",
+        .noCount = "Failed to read number of items in labels file. File basename is %1",
+        .badCount = "Invalid number of items in labels file. File basename is %1"};
+    if (!ListHeader::open(file, path, objectName, MESSAGES) || !ListHeader::checkClass(file, "labelList", MESSAGES)) {
+        return false;
+    }
+    // Only `owner` and `neighbour` carry the note, so other label lists leave here, by exception or with the message.
+    if (!cellCountFromNote(file.header.at("note"), cellCount)) {
+        return file.text.reportError("Failed to read number of cells in file. This info should be available as 'note' "
+                                     "in the header of File: %1");
+    }
+    int count = 0;
+    if (!ListHeader::readCount(file, dvf::limits::BYTES_PER_NUMBER, dvf::limits::LIST_COUNT, MESSAGES, &count)) {
+        return false;
+    }
+    dvf::reserveLarge(labels, static_cast<std::size_t>(count));
+    labels->resize(static_cast<std::size_t>(count));
+    if (count != 0 && !readNextReportingShort(file.text, labels)) {
+        return false;
+    }
+    file.text.close();
+    return true;
+}
+
+bool LabelList::readNextReportingShort(TextSource& text, std::vector<int>* labels)
+{
+    if (!text.skipToList()) {
+        return false;
+    }
+    const std::size_t found = read(text, labels);
+    if (found < labels->size()) {
+        text.reportShortList(labels->size(), found);
+    }
+    return found == labels->size();
+}
+
+std::size_t LabelList::read(TextSource& text, std::vector<int>* labels)
+{
+    return text.isBinary() ? text.readRaw(labels->data(), sizeof(int), labels->size()) : walk(text, labels);
+}
+
+std::size_t LabelList::walk(TextSource& text, std::vector<int>* labels)
+{
+    std::size_t done = 0;
+    TextSource::Chunk chunk;
+    while (done < labels->size() && text.nextChunk(&chunk)) {
+        const char* p = chunk.begin;
+        if (done != 0) {
+            // Line feeds that a chunk border cut off from the label before them.
+            TokenScanner::skipLineFeeds(p);
+        }
+        while (done < labels->size() && *p != '\0') {
+            // A ")" in place of a label means that the list is shorter than promised; it is not a digit either.
+            int label = 0;
+            if (!TokenScanner::scanLabel(p, &label) || !TokenScanner::endsListItem(*p)) {
+                return done;
+            }
+            (*labels)[done++] = label;
+            TokenScanner::skipStop(p);
+            TokenScanner::skipLineFeeds(p);
+        }
+        if (done == labels->size()) {
+            // A zone goes on after its labels in this chunk.
+            text.keepPending(chunk, p);
+        }
+    }
+    return done;
+}

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "foamfile/ListHeader.h"
+
+#include <cstddef>
+#include <vector>
+
+/// Lists of labels: `owner`, `neighbour`, the members of zones.
+///
+/// Ascii: unsigned labels, separated by one blank or by line feeds, read by a walk from chunk to chunk. Binary: 4-byte
+/// labels in the byte order of the machine, in one read. What follows the labels stays to be read, the ")" included.
+namespace LabelList {
+
+/// Reads a whole `owner` or `neighbour` file. See `OFFile::readLabelList`.
+bool readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, std::vector<int>* labels,
+              int* cellCount);
+
+/// Advances past the next "(" and reads as many labels as the target has; a list that ends early is reported.
+/// @return false if not all of them came
+bool readNextReportingShort(TextSource& text, std::vector<int>* labels);
+/// Reads labels at the position, ascii or binary, and returns how many came.
+std::size_t read(TextSource& text, std::vector<int>* labels);
+/// Reads ascii labels to the end of the target or to the first text that is not a label, and returns how many came.
+std::size_t walk(TextSource& text, std::vector<int>* labels);
+
+} // namespace LabelList

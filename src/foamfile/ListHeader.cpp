@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "foamfile/ListHeader.h"
+
+bool FoamFile::open(const dvn::Str& path)
+{
+    if (!text.open(path)) {
+        return false;
+    }
+    if (hasHeader && !header.read(text)) {
+        text.close();
+        return false;
+    }
+    // Exactly this word: "binary " with a blank after it is ascii, because values are not trimmed.
+    text.setBinary(hasHeader && header.has("format", "binary"));
+    return true;
+}
+
+namespace ListHeader {
+
+bool open(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, const Messages& messages)
+{
+    if (!file.open(path)) {
+        return file.text.reportError(messages.openFailed);
+    }
+    return file.header.at("object") == objectName.toUtf8() || file.text.reportError(messages.wrongObject);
+}
+
+bool openWithOrWithoutHeader(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, const Messages& messages)
+{
+    if (file.hasHeader) {
+        return open(file, path, objectName, messages);
+    }
+    return file.open(path) || file.text.reportError(messages.openFailed);
+}
+
+bool checkClass(const FoamFile& file, const char* className, const Messages& messages)
+{
+    return file.header.at("class") == className || file.text.reportError(messages.wrongClass);
+}
+
+bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count)
+{
+    if (!file.text.readCount(count)) {
+        return file.text.reportError(messages.noCount);
+    }
+    // Digits that overflowed come out negative.
+    const bool isValid =
+        *count >= 0 && *count <= largest && file.text.canHold(static_cast<std::uint64_t>(*count), bytesPerItem);
+    return isValid || file.text.reportError(messages.badCount);
+}
+
+} // namespace ListHeader

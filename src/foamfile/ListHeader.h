@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "foamfile/FoamHeader.h"
+#include "foamfile/TextSource.h"
+
+#include <cstdint>
+
+/// A file of this project's readers: its text and the header in front of it.
+struct FoamFile
+{
+    TextSource text;
+    FoamHeader header;
+    /// False for files without a `FoamFile` block, such as those of some sampled surfaces.
+    bool hasHeader = true;
+
+    /// Opens the file and reads its header. Entries of an earlier file stay in the header.
+    /// @return false, with the file closed, if there is no such file or no valid header
+    bool open(const dvn::Str& path);
+    /// True if one of the lines to come opens a `FoamFile` block. A file without one is read to its end.
+    bool hasBlock() { return FoamHeader::skipToBlock(text); }
+};
+
+/// Opening a file that holds a list, and judging its object and its count: the same steps for every kind of list.
+namespace ListHeader {
+
+/// What one reader reports; %1 is the path as given.
+struct Messages
+{
+    const char* openFailed;
+    const char* wrongObject;
+    const char* wrongClass = nullptr;
+    const char* noCount = nullptr;
+    const char* badCount = nullptr;
+};
+
+/// Opens a file and compares the object of its header.
+/// @throws std::out_of_range when the header lacks `object`
+bool open(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, const Messages& messages);
+/// The same for a file that may have no header; then only opening it can fail.
+bool openWithOrWithoutHeader(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName,
+                             const Messages& messages);
+/// Whether the header has this class; reports it if not.
+/// @throws std::out_of_range when the header lacks `class`
+bool checkClass(const FoamFile& file, const char* className, const Messages& messages);
+/// Reads the count of a list and refuses one that is out of range or that a file of this size cannot hold.
+///
+/// @param bytesPerItem what an item takes of the file at the least
+bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count);
+
+} // namespace ListHeader

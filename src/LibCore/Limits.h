@@ -38,6 +38,15 @@ inline constexpr std::uint64_t INFLATE_EXTRA = 65536;
 /// Ratio up to which a claim is believed without inflating the file to see; text of numbers reaches a third of it.
 inline constexpr std::uint64_t USUAL_INFLATE_RATIO = 8;
 
+// --- meshes
+
+/// How many times the faces and labels of a mesh its patches get together. In a sound mesh a face lies in one patch at
+/// most; once more leaves room for a patch that overlaps the others, so that they keep their faces.
+inline constexpr std::size_t SHARE_OF_PATCHES = 2;
+/// Places that a set of nodes looks at for one label before it leaves the rest to a sort. Labels can be chosen that all
+/// hash to one place; in a table that is at most half full, honest ones are found after a few.
+inline constexpr std::size_t NODE_SET_PROBES = 256;
+
 // --- text
 
 /// Words of a line that are looked at where values are expected, which take a dozen.

@@ -90,9 +90,10 @@ bool allOf(std::size_t count, std::size_t grain, const Check& check)
 /// Below this many values a parallel sort costs more than it gains; TBB itself stops splitting at this size.
 inline constexpr std::size_t PARALLEL_SORT_SIZE = 500;
 
-/// Sorts ascending, with several threads where that pays. The order of equal values is left open.
-template <typename T, typename Less = std::less<>>
-void sortPar(std::vector<T>* values, const Less& less = Less())
+/// Sorts a random-access container ascending, with several threads where that pays. The order of equal values is left
+/// open.
+template <typename Container, typename Less = std::less<>>
+void sortPar(Container* values, const Less& less = Less())
 {
     if (values->size() < PARALLEL_SORT_SIZE) {
         std::sort(values->begin(), values->end(), less);

@@ -17,7 +17,7 @@ public:
     /// The node and element counts of a part whose mesh was never built; nothing may be sized from them.
     static constexpr std::size_t UNKNOWN_COUNT = static_cast<std::size_t>(-1);
 
-    /// @param id     part id, from the counter that also moves past the part's patches and zones
+    /// @param id     part id, from the counter that also counts the patches and zones of parts
     /// @param name   "default_region", the region's folder name or the processor folder's name
     /// @param folder path of the `polyMesh` folder
     OFPart(int id, const dvn::Str& name, const dvn::Str& folder);
@@ -53,15 +53,16 @@ public:
     ///
     /// `nodeValues` is added to and not cleared: for a true average hand in zeros. It has `nodeCount() * components`
     /// entries and `cellValues` `elementCount() * components`, item after item; elements beyond shorter arrays are left
-    /// out. Counters are bytes and wrap, so a node shared by exactly 256 cells comes out infinite.
+    /// out. Compatibility (docs/compatibility.md, "averages of no items"): counters are bytes and wrap, so a node
+    /// shared by exactly 256 cells comes out infinite.
     bool computeAverageNodeResult(const std::vector<double>& cellValues, std::vector<double>& nodeValues,
                                   int components) const;
 
-    /// Averages to nodes, preferring patch values: a node on a patch with values of its own gets the mean over the
-    /// patch faces around it, any other the mean over the cells around it.
+    /// Averages to nodes, preferring patch values: a node on a patch that has values gets the mean over the patch
+    /// faces around it, any other the mean over the cells around it.
     ///
-    /// `nodeValues` is cleared first. `boundaryValues` has one array a patch, in patch order, face after face; a patch
-    /// whose first entry is the undefined mark, or that has none, takes no part.
+    /// `nodeValues` is cleared first. `boundaryValues` has one array per patch, in patch order, face after face. A
+    /// patch without values, or whose first one is the undefined mark, is ignored.
     bool computeAverageNodeResultAwareBC(const std::vector<double>& cellValues,
                                          const std::vector<std::vector<double>>& boundaryValues,
                                          std::vector<double>& nodeValues, int components) const;

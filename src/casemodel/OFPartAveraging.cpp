@@ -8,10 +8,10 @@
 
 namespace {
 
-/// Node count of a hexahedron; meshes are made of them for the most part, so they get a loop of fixed length.
+/// Node count of a hexahedron. Most cells are hexahedra, so they get a loop of fixed length.
 constexpr std::size_t USUAL_NODE_COUNT = 8;
 
-/// The number of components where it is not known at compile time.
+/// A number of components that is not known at compile time.
 struct AnyWidth
 {
     std::size_t value;
@@ -21,7 +21,7 @@ struct AnyWidth
 template <std::size_t N>
 using FixedWidth = std::integral_constant<std::size_t, N>;
 
-/// Calls `operation` with the number of components as a constant where it is a usual one.
+/// Calls `operation` with the number of components, as a compile-time constant if it is a usual one.
 template <typename Operation>
 void withWidth(int components, const Operation& operation)
 {
@@ -35,10 +35,10 @@ void withWidth(int components, const Operation& operation)
     }
 }
 
-/// Sums of item values at nodes, with the number of items that each node has taken.
+/// Sums of item values at nodes, with the number of items added to each node.
 ///
-/// The numbers are bytes and wrap: a node of 256 items counts as one of none. Labels outside the node list are left
-/// out.
+/// Compatibility (docs/compatibility.md, "averages of no items"): the numbers are bytes and wrap, so a node of 256
+/// items counts as one of none. Labels outside the node list are left out.
 template <typename Width>
 class NodeSums
 {
@@ -62,7 +62,7 @@ public:
         ++m_itemCounts[index];
     }
 
-    /// Forgets what an existing node has taken.
+    /// Clears the sum of an existing node.
     void reset(int node)
     {
         const auto index = static_cast<std::size_t>(node);
@@ -70,8 +70,8 @@ public:
         m_itemCounts[index] = 0;
     }
 
-    /// Turns sums to means. The factor is computed once for a node and multiplied: this order of rounding is part of
-    /// the result. A node without items gets an infinite factor, which leaves infinities and NaN.
+    /// Turns sums into means. The factor is computed once per node and multiplied; other orders of rounding would
+    /// change the result. A node without items gets an infinite factor, which leaves infinities and NaN.
     void divide()
     {
         for (std::size_t node = 0; node < m_itemCounts.size(); ++node) {
@@ -89,7 +89,7 @@ private:
     Width m_width;
 };
 
-/// Calls `addToNode(node, item values)` for each node of each item in order: of elements, or of the faces of a patch.
+/// Calls `addToNode(node, item values)` for each node of each item in order. Items are elements or faces of a patch.
 /// Stops where one of the arrays ends.
 template <typename Width, typename AddToNode>
 void visitItemNodes(const std::vector<std::uint8_t>& nodeCounts, const std::vector<int>& nodes,
@@ -127,7 +127,7 @@ void addAll(const std::vector<std::uint8_t>& nodeCounts, const std::vector<int>&
     });
 }
 
-/// Adds the face values of a patch to its nodes, which forget their cells when the first patch comes to them.
+/// Adds the face values of a patch to its nodes. The first patch at a node replaces the values of its cells.
 template <typename Width>
 void addPatch(const OFBoundary& patch, const std::vector<double>& faceValues, Width width,
               std::vector<bool>* liesOnPatch, NodeSums<Width>* sums)
@@ -145,7 +145,7 @@ void addPatch(const OFBoundary& patch, const std::vector<double>& faceValues, Wi
                    });
 }
 
-/// The first entry speaks for the whole patch, as a patch is read in full or not at all.
+/// A patch is read in full or not at all, so its first entry decides.
 bool hasOwnValues(const std::vector<double>& patchValues)
 {
     return !patchValues.empty() && patchValues.front() != dvn::UNDEFINED_DOUBLE;
@@ -178,8 +178,8 @@ bool OFPart::computeAverageNodeResultAwareBC(const std::vector<double>& cellValu
     withWidth(components, [&](auto width) {
         NodeSums sums(nodeValues, m_nodeCount, width);
         addAll(m_nodesCountPerElt, m_connectivities, cellValues, width, &sums);
-        // Cells come first and give way at the nodes of patches: that spares the many cells a test at each node, and
-        // each sum holds the same items in the same order as if the patches had come first.
+        // Cells come first and are replaced at the nodes of patches. This saves the many cells a test per node, and
+        // each sum still adds the same items in the same order as if the patches had come first.
         std::vector<bool> liesOnPatch(sums.nodeCount());
         for (std::size_t b = 0; b < std::min(m_boundaries.size(), boundaryValues.size()); ++b) {
             if (hasOwnValues(boundaryValues[b])) {

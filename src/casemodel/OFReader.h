@@ -15,13 +15,13 @@
 
 /// The catalogue of one case on disk: its parts with their patches and zones, its sampled surfaces and its states.
 ///
-/// Opening reads the small description files alone; meshes and values are read later, by others, on demand. The order
-/// of use is setters, `init`, the rest, `close`: flags act on what is read or built after they were set. No locks: one
-/// thread opens and changes the catalogue, and while it does so nobody else reads it. Indexes are not tested.
+/// Opening reads only the small description files; meshes and values are read later, by others, on demand. The order of
+/// use is setters, `init`, the rest, `close`: flags affect what is read or built after they are set. No locks: one
+/// thread opens and changes the catalogue, and nobody else reads it meanwhile. Indexes are not checked.
 class OFReader
 {
 public:
-    /// What log lines name as their source.
+    /// The source named in log lines.
     static constexpr const char* LOG_SOURCE = "OFReader";
 
     OFReader() = default;
@@ -40,22 +40,22 @@ public:
 
     /// Opens the case in this folder; "\" counts as "/".
     ///
-    /// After false, with its reason in the log, what was registered so far remains and must not be used. A second case
-    /// is opened after `close`: parts of a decomposed case and states are added to what is there.
+    /// After false, with the reason in the log, what was registered so far remains and must not be used. Call `close`
+    /// before opening a second case: parts of a decomposed case and states are added to those already there.
     /// @throws std::out_of_range when a file's header or a patch lacks an entry that must be there
     bool init(const dvn::Str& path);
     /// Forgets dictionary, state folders, parts and states; surfaces, path, title, description and flags stay.
     void close();
 
-    /// Tells how the case is laid out (decomposed, else one mesh or several regions) and registers its meshes and its
-    /// sampled surfaces. A case without a mesh has no parts, which is no failure.
+    /// Finds out how the case is laid out (decomposed, else one mesh or several regions) and registers its meshes and
+    /// its sampled surfaces. A case without a mesh has no parts, which is not an error.
     bool initGeometry();
-    /// Registers each processor folder that holds a mesh as a part of its name, in the order of the list; always true.
+    /// Registers each processor folder that holds a mesh as a part of that name, in the order of the list; always true.
     bool initParallelGeometry(std::vector<dvn::Str>& caseSubFolders);
-    /// Reads the part's patches unless they are switched off or there is no file, and moves `nextId` past them.
+    /// Reads the part's patches, unless they are switched off or there is no file, and advances `nextId` past them.
     ///
     /// @param file the plain name; a file of this name with ".gz" will do
-    /// @return false if there is a file that cannot be read; the part then has no patches
+    /// @return false if the file exists but cannot be read; the part then has no patches
     bool addBoundaries(OFPart& part, const dvn::Str& file, int* nextId);
     /// The same for face zones.
     bool addFaceZones(OFPart& part, const dvn::Str& file, int* nextId);
@@ -68,15 +68,23 @@ public:
 
     // --- the states (OFReaderStates.cpp)
 
-    /// Appends a state for each time folder, with ids from 1 in the text order of the folders' names; always true.
+    /// Lists the sub-folders of the case, sorted; states come and go with them.
+    ///
+    /// @return false, with the reason in the log, if the case folder cannot be listed, or does not exist any more
+    /// though
+    ///         sub-folders of it are known. A network disk that is gone for a moment looks like that, so the caller
+    ///         must not take the states for removed.
+    bool listCaseFolders(std::vector<dvn::Str>* names) const;
+    /// Appends a state for each time folder, with ids from 1 in the text order of the folders' names.
+    /// @return false, with no states, if the case folder cannot be listed
     bool initStates();
-    /// The same after all states were dropped.
+    /// The same after dropping all states, which stay if the case folder cannot be listed.
     bool updateStates();
     /// Appends a state for each of these folders that is a time folder, then sorts and names all states; always true.
     bool populateStates(const std::vector<dvn::Str>& folderNames, int firstId);
     /// Adds the state of a new folder and renumbers all states from 1001.
     ///
-    /// The folder is known from then on, even if it is no time folder.
+    /// The folder is known from then on, even if it is not a time folder.
     /// @return the id of the state, or -1
     int addState(const dvn::Str& folderName);
     /// Removes the state of a folder and renumbers those left from 1001.

@@ -34,8 +34,8 @@ bool existsPlainOrZipped(const dvn::Str& file)
     return OFUtilities::fileExists(file) || OFUtilities::fileExists(file + ".gz");
 }
 
-/// Ends the reading of a list that broke off. Its remains go: they have no ids, and ids that the counter does not know
-/// of would be told to the host twice.
+/// Drops what was read of a list that broke off. Its entries have no ids yet, and ids that the counter does not include
+/// would be given to the host twice.
 template <typename Piece>
 bool dropBrokenList(std::vector<Piece>& pieces, const char* message, const dvn::Str& file)
 {
@@ -48,9 +48,13 @@ bool dropBrokenList(std::vector<Piece>& pieces, const char* message, const dvn::
 bool OFReader::initGeometry()
 {
     m_simulationTitle = OFUtilities::fileNameFromPath(m_path);
-    std::vector<dvn::Str> caseSubFolders = OFUtilities::subFolders(m_path);
+    std::vector<dvn::Str> caseSubFolders;
+    if (!OFUtilities::listSubFolders(m_path, &caseSubFolders)) {
+        // A decomposed case would open as one without a mesh, and no poll would correct that.
+        return false;
+    }
     if (std::ranges::any_of(caseSubFolders, isProcessorFolder)) {
-        // Always true; a processor folder that cannot be read costs its own pieces alone.
+        // Always true: a processor folder that cannot be read only loses its own part.
         (void)initParallelGeometry(caseSubFolders);
         return true;
     }
@@ -83,7 +87,7 @@ void OFReader::addProcessorPart(const dvn::Str& name, int* nextId)
     const dvn::Str meshPath = processorPath + "/" + *withMesh + "/polyMesh";
     OFPart part((*nextId)++, name, meshPath);
     part.setDefaultRegion(false);
-    // The other processors' pieces are worth showing even if one description file is damaged.
+    // The other parts are worth showing even if one description file is damaged.
     (void)addBoundaries(part, meshPath + "/boundary", nextId);
     (void)addFaceZones(part, meshPath + "/faceZones", nextId);
     (void)addCellZones(part, meshPath + "/cellZones", nextId);
@@ -105,7 +109,7 @@ bool OFReader::initSerialGeometry(const std::vector<dvn::Str>& caseSubFolders)
     if (m_parts.empty() && std::ranges::count(caseSubFolders, dvn::Str("0")) != 0 && !addTimeZeroMesh(&nextId)) {
         return false;
     }
-    // One text ends its line and the other does not; hosts show them as they are.
+    // Compatibility (docs/compatibility.md, "description line end").
     m_simulationDescription = m_parts.size() >= 2 ? "Multi-Region Simulation\n" : "Single-Region Simulation";
     logCount("Parsed folder, registered %1 parts.", m_parts.size());
     addSampledSurfaces();
@@ -114,7 +118,11 @@ bool OFReader::initSerialGeometry(const std::vector<dvn::Str>& caseSubFolders)
 
 bool OFReader::addConstantMeshes(const dvn::Str& constantPath, int* nextId)
 {
-    for (const dvn::Str& name : OFUtilities::subFolders(constantPath)) {
+    std::vector<dvn::Str> names;
+    if (!OFUtilities::listSubFolders(constantPath, &names)) {
+        return false;
+    }
+    for (const dvn::Str& name : names) {
         const dvn::Str path = constantPath + "/" + name;
         if (name == dvn::Str("polyMesh")) {
             if (m_loadGlobalMesh && !addGlobalMesh(path, nextId)) {
@@ -146,7 +154,7 @@ bool OFReader::addGlobalMesh(const dvn::Str& meshPath, int* nextId)
     return true;
 }
 
-/// A region gets patches only: its zones are left out on purpose, since hosts know the groups of a region without them.
+/// Compatibility (docs/compatibility.md, "regions without zones"): a region gets only patches.
 bool OFReader::addRegion(const dvn::Str& name, const dvn::Str& meshPath, int* nextId)
 {
     OFPart part((*nextId)++, name, meshPath);
@@ -157,8 +165,9 @@ bool OFReader::addRegion(const dvn::Str& name, const dvn::Str& meshPath, int* ne
     return true;
 }
 
-/// The last resort, taken whatever the mesh settings say. The part bears the default region's name without being marked
-/// as it, so its results are looked for in a sub-folder of that name.
+/// The last resort, used whatever the mesh settings are. Compatibility (docs/compatibility.md, "time zero mesh"): the
+/// part has the default region's name but is not marked as such, so its results are looked for in a sub-folder of that
+/// name.
 bool OFReader::addTimeZeroMesh(int* nextId)
 {
     const dvn::Str timeFolder = m_path + "/0";
@@ -166,8 +175,7 @@ bool OFReader::addTimeZeroMesh(int* nextId)
         return true;
     }
     OFPart part((*nextId)++, DEFAULT_PART_NAME, timeFolder + "/polyMesh");
-    // The "/" behind the time is left out on purpose: for an ordinary case there are no such files, and hosts know this
-    // part as one without patches and zones.
+    // Compatibility (docs/compatibility.md, "time zero mesh"): the "/" after the time is left out on purpose.
     const dvn::Str descriptions = timeFolder + "polyMesh";
     if (!addBoundaries(part, descriptions + "/boundary", nextId)) {
         return logProblem(BOUNDARY_PROBLEM, timeFolder + "/polyMesh/boundary");
@@ -190,7 +198,7 @@ void OFReader::addSampledSurfaces()
     if (!OFUtilities::fileExists(root)) {
         return;
     }
-    // The first time in the order of text, "10" before "2", gives the surfaces for all times.
+    // Compatibility (docs/compatibility.md, "surfaces of the first time"): "10" comes before "2".
     const std::vector<dvn::Str> times = OFUtilities::subFolders(root);
     if (const auto first = std::min_element(times.begin(), times.end()); first != times.end()) {
         const dvn::Str folder = root + "/" + *first;
@@ -213,7 +221,7 @@ bool OFReader::addBoundaries(OFPart& part, const dvn::Str& file, int* nextId)
     }
     filterBoundariesPartByName(part);
     filterBoundariesWithZeroFaceCount(part);
-    // Only now, so that dropped patches leave no gaps.
+    // Numbered last, so that dropped patches leave no gaps.
     for (std::size_t i = 0; i < boundaries.size(); ++i) {
         boundaries[i].setBoundaryId(static_cast<int>(i) + 1);
     }

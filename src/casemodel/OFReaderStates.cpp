@@ -10,24 +10,17 @@
 
 namespace {
 
-/// Ids given anew start here, beyond the first ones of all but very long runs.
+/// Compatibility (docs/compatibility.md, "renewed ids from 1001").
 constexpr int FIRST_RENEWED_ID = 1001;
 constexpr int DEFAULT_WRITE_INTERVAL = 1;
 
-std::vector<dvn::Str> sortedSubFolders(const dvn::Str& folder)
-{
-    std::vector<dvn::Str> names = OFUtilities::subFolders(folder);
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-/// The folders of every case that hold no time; they are passed over without a word.
+/// The folders of every case that are not times; they are skipped silently.
 bool isFixedFolder(const dvn::Str& name)
 {
     return name == dvn::Str("constant") || name == dvn::Str("system") || name == dvn::Str("postProcessing");
 }
 
-/// Sorts a list, and in little time if it was in order but for a few entries. Equal ones keep their order.
+/// Sorts a list, quickly if only its last entries are out of order. Equal entries keep their order.
 template <typename Entry, typename Less>
 void sortAgain(std::vector<Entry>& entries, Less less)
 {
@@ -48,6 +41,7 @@ void removeUnordered(std::vector<Entry>& entries, std::size_t position)
     }
 }
 
+/// Compatibility (docs/compatibility.md, "starred node ids").
 OFResult surfaceResult(const dvn::Str& fieldName, OFResultType type, const std::map<dvn::Str, dvn::Str>& resultNames)
 {
     return OFResult(fieldName, OFState::makeCustomName(fieldName, resultNames) + " [N]",
@@ -56,15 +50,34 @@ OFResult surfaceResult(const dvn::Str& fieldName, OFResultType type, const std::
 
 } // namespace
 
+bool OFReader::listCaseFolders(std::vector<dvn::Str>* names) const
+{
+    if (!OFUtilities::listSubFolders(m_path, names)) {
+        return false;
+    }
+    if (names->empty() && !m_statesFolder.empty() && !OFUtilities::fileExists(m_path)) {
+        return OFLogger::get().logError(LOG_SOURCE, dvn::Str("Case folder %1 does not exist.").arg(m_path));
+    }
+    std::sort(names->begin(), names->end());
+    return true;
+}
+
 bool OFReader::initStates()
 {
-    m_statesFolder = sortedSubFolders(m_path);
+    std::vector<dvn::Str> folders;
+    if (!listCaseFolders(&folders)) {
+        return false;
+    }
+    m_statesFolder = std::move(folders);
     return populateStates(m_statesFolder, 1);
 }
 
 bool OFReader::updateStates()
 {
-    std::vector<dvn::Str> folders = sortedSubFolders(m_path);
+    std::vector<dvn::Str> folders;
+    if (!listCaseFolders(&folders)) {
+        return false;
+    }
     m_states.clear();
     populateStates(folders, 1);
     m_statesFolder = std::move(folders);
@@ -75,7 +88,7 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
 {
     const std::vector<dvn::Str> regions = regionNames();
     const std::map<dvn::Str, dvn::Str> resultNames = buildResultsNamesMap(m_customResultNames);
-    // Asked for by name and never listed: both lists grow with the run, and their product would.
+    // Asked for by name and never listed: the number of times and that of surface folders both grow with the run.
     const dvn::Str surfaceRoot = sampledSurfaceRoot(m_path);
     int nextId = firstId;
     for (const dvn::Str& name : folderNames) {
@@ -85,7 +98,7 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
         if (appendState(nextId, name, regions, resultNames)) {
             ++nextId;
         }
-        // Also behind a rejected folder: surface values of that name then count for the state before it in the list.
+        // Compatibility (docs/compatibility.md, "surface results of rejected folders"): also after a rejected folder.
         if (OFUtilities::hasSubFolder(surfaceRoot, name)) {
             addSampledSurfaceResults(name, resultNames);
         }
@@ -151,14 +164,14 @@ int OFReader::addState(const dvn::Str& folderName)
 
 int OFReader::deleteState(const dvn::Str& folderName)
 {
-    const auto doomed = std::ranges::find(m_states, folderName, &OFState::folderName);
-    if (doomed == m_states.end()) {
+    const auto removed = std::ranges::find(m_states, folderName, &OFState::folderName);
+    if (removed == m_states.end()) {
         return -1;
     }
-    const auto position = static_cast<std::size_t>(doomed - m_states.begin());
+    const auto position = static_cast<std::size_t>(removed - m_states.begin());
     removeUnordered(m_states, position);
-    // The same position in a list of another order and length, so it is mostly another name that goes. Which folders
-    // count as new or gone at the next poll follows from it, and hosts have settled on that.
+    // Compatibility (docs/compatibility.md, "the folder that is forgotten"): the same position in a list of another
+    // order and length, so usually another name goes.
     removeUnordered(m_statesFolder, position);
     sortAgain(m_statesFolder, std::less<>());
     setIdsToRespectReferenceValueOrder();
@@ -204,7 +217,7 @@ int OFReader::writeInterval() const
 
 void OFReader::setStepIndex()
 {
-    // Unsigned, so that a negative interval wraps as the index itself does.
+    // Compatibility (docs/compatibility.md, "negative write interval"): unsigned, so a negative interval wraps.
     const auto interval = static_cast<std::size_t>(static_cast<std::ptrdiff_t>(writeInterval()));
     std::size_t indexFromPosition = 0;
     for (OFState& state : m_states) {

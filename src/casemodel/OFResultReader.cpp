@@ -18,7 +18,7 @@ std::size_t totalSize(const std::vector<std::vector<double>>& arrays)
     return size;
 }
 
-void tell(bool* target, bool value)
+void store(bool* target, bool value)
 {
     if (target != nullptr) {
         *target = value;
@@ -27,54 +27,57 @@ void tell(bool* target, bool value)
 
 } // namespace
 
-bool OFResultReader::readValues(const dvn::Str& folder, const dvn::Str& resultName, const dvn::Str& resultClass,
-                                std::vector<double>* values) const
+OFFieldFile fieldFile(const dvn::Str& folder, const OFResult& result)
 {
-    return readFile(true, folder, resultName, resultClass, values, nullptr);
+    return {folder, result.nativeName(), result.className(), result.dimension()};
 }
 
-bool OFResultReader::readNonHeaderValues(const dvn::Str& folder, const dvn::Str& resultName,
-                                         const dvn::Str& resultClass, std::vector<double>* values,
+bool OFResultReader::readValues(const OFFieldFile& field, std::vector<double>* values) const
+{
+    return readFile(true, field, values, nullptr);
+}
+
+bool OFResultReader::readNonHeaderValues(const OFFieldFile& field, std::vector<double>* values,
                                          bool* isInteriorRead) const
 {
-    return readFile(false, folder, resultName, resultClass, values, isInteriorRead);
+    return readFile(false, field, values, isInteriorRead);
 }
 
-bool OFResultReader::readFile(bool hasHeader, const dvn::Str& folder, const dvn::Str& resultName,
-                              const dvn::Str& resultClass, std::vector<double>* values, bool* isInteriorRead) const
+bool OFResultReader::readFile(bool hasHeader, const OFFieldFile& field, std::vector<double>* values,
+                              bool* isInteriorRead) const
 {
     const dvn::Timer timer;
     OFFile file(hasHeader);
-    const bool isRead = file.readResult(folder + "/" + resultName, resultName, resultClass, values);
-    tell(isInteriorRead, file.interiorWasRead());
+    const bool isRead =
+        file.readResult(field.folder + "/" + field.nativeName, field.nativeName, field.className, values);
+    store(isInteriorRead, file.interiorWasRead());
     if (!isRead) {
         return false;
     }
     OFLogger::get().logInfo(LOG_SOURCE, dvn::Str("Result %1 file done. Read %2 items. Time used : %3")
-                                            .arg(resultName)
+                                            .arg(field.nativeName)
                                             .arg(values->size())
                                             .arg(timer.time()));
     return true;
 }
 
-bool OFResultReader::readValuesForCellAndBoundaries(const dvn::Str& folder, const dvn::Str& resultName,
-                                                    const dvn::Str& resultClass, std::vector<double>* cellValues,
+bool OFResultReader::readValuesForCellAndBoundaries(const OFFieldFile& field, std::vector<double>* cellValues,
                                                     const std::vector<OFBoundary>& boundaries,
                                                     std::vector<std::vector<double>>& boundaryValues,
                                                     bool* isInteriorRead) const
 {
     const dvn::Timer timer;
     OFFile file(true);
-    const bool isRead = file.readValuesOfCellAndBoundaries(folder + "/" + resultName, resultName, resultClass,
-                                                           cellValues, boundaries, boundaryValues);
-    tell(isInteriorRead, file.interiorWasRead());
+    const bool isRead = file.readValuesOfCellAndBoundaries(field.folder + "/" + field.nativeName, field.nativeName,
+                                                           field.className, cellValues, boundaries, boundaryValues);
+    store(isInteriorRead, file.interiorWasRead());
     if (!isRead) {
         return false;
     }
     OFLogger::get().logInfo(LOG_SOURCE,
                             dvn::Str("Result %1 file done. Read %2 cellItems. Read %3 boundary patches containing %4 "
                                      "boundaryItems. Time used : %5")
-                                .arg(resultName)
+                                .arg(field.nativeName)
                                 .arg(cellValues->size())
                                 .arg(boundaries.size())
                                 .arg(totalSize(boundaryValues))

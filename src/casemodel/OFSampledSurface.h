@@ -17,10 +17,10 @@ public:
 
     int id() const { return m_id; }
     const dvn::Str& name() const { return m_name; }
-    /// The shown name: the folder name with "[Surf]" joined to it.
+    /// The name shown: the folder name followed by "[Surf]".
     const dvn::Str& userName() const { return m_userName; }
     const dvn::Str& folder() const { return m_folder; }
-    /// The group id told to the host; -1 until the metadata is published.
+    /// The group id given to the host; -1 until the metadata is published.
     int globalPartId() const { return m_globalPartId; }
 
     /// Counts of the read surface; 0 before.
@@ -29,7 +29,7 @@ public:
     std::size_t elementCount() const { return m_elementCount; }
     void setElementCount(std::size_t count) { m_elementCount = count; }
 
-    /// Declares the surface to the host under the id `offset` + `id`, which is stored. It hangs under no part.
+    /// Declares the surface to the host, under no part, with the id `offset` + `id`, which is stored.
     void addSampleSurfaceInfo(int offset, DDPElementGroupInfo* info);
 
 private:

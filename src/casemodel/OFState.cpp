@@ -5,16 +5,18 @@
 #include "foamfile/OFUtilities.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 #include <type_traits>
 
-// The list of states is sorted and grows; copies of whole catalogues would cost more than reading them.
+// The list of states grows and is sorted. Copying whole catalogues would cost more than reading them.
 static_assert(std::is_nothrow_move_constructible_v<OFState> && std::is_nothrow_move_assignable_v<OFState>);
 
 namespace {
 
 constexpr int NAME_DIGITS = 5;
 
-/// "index" of a `uniform/time`; a file that cannot be read is no harm, the index then comes from the state's position.
+/// "index" of a `uniform/time`. An unreadable file is not an error: the index then comes from the state's position.
 std::size_t readStepIndex(const dvn::Str& timeFile)
 {
     std::map<dvn::Str, dvn::Str> timeDict;
@@ -23,6 +25,30 @@ std::size_t readStepIndex(const dvn::Str& timeFile)
     bool isNumber = false;
     const unsigned int index = entry == timeDict.end() ? 0 : entry->second.toUInt(&isNumber);
     return isNumber ? index : OFState::UNKNOWN_INDEX;
+}
+
+/// The regions that a time folder has an entry for, in their own order.
+///
+/// They are taken from the listing of the time folder and not looked for one by one: each processor folder of a
+/// decomposed case is also a candidate for a time folder, in which every other could be a region.
+std::vector<dvn::Str> regionsIn(const dvn::Str& folder, const std::vector<dvn::Str>& files,
+                                const std::vector<dvn::Str>& regionNames)
+{
+    if (regionNames.empty()) {
+        return {};
+    }
+    std::vector<dvn::Str> entries;
+    entries.reserve(files.size());
+    const std::size_t prefixSize = folder.size() + 1;
+    for (const dvn::Str& file : files) {
+        entries.push_back(file.subStr(prefixSize, file.size() - prefixSize));
+    }
+    std::ranges::sort(entries, std::less<>());
+    std::vector<dvn::Str> regions;
+    std::ranges::copy_if(regionNames, std::back_inserter(regions), [&](const dvn::Str& name) {
+        return std::ranges::binary_search(entries, name, std::less<>());
+    });
+    return regions;
 }
 
 } // namespace
@@ -36,11 +62,12 @@ bool OFState::init(const dvn::Str& folder, const dvn::Str& name, const std::vect
     m_folderName = OFUtilities::folderNameFromPath(folder);
     setName(name);
     std::set<dvn::Str> seenNames = nativeNames();
+    const std::vector<dvn::Str> files = OFUtilities::filesInFolder(folder);
     if (m_loadGlobalResult) {
-        addResultsFrom(folder, OFUtilities::filesInFolder(folder), seenNames, resultNames);
+        addResultsFrom(folder, files, seenNames, resultNames);
     }
     if (m_loadLocalResult) {
-        for (const dvn::Str& region : regionNames) {
+        for (const dvn::Str& region : regionsIn(folder, files, regionNames)) {
             const dvn::Str regionFolder = folder + "/" + region;
             addResultsFrom(regionFolder, OFUtilities::filesInFolder(regionFolder), seenNames, resultNames);
         }
@@ -58,6 +85,11 @@ dvn::Str OFState::name() const
     return m_hasDefaultName
                ? dvn::Str("Time %1 #%2").arg(dvn::Str::number(m_referenceValue, 'f', NAME_DIGITS)).arg(m_stepIndex)
                : m_name;
+}
+
+dvn::Str OFState::folderOf(const OFPart& part) const
+{
+    return part.isDefaultRegion() ? m_folder : m_folder + "/" + part.name();
 }
 
 const OFResult* OFState::resultById(int id) const

@@ -22,15 +22,17 @@ public:
 
     explicit OFState(int id);
 
-    /// The id told to the host. It is a position in a list and not an identity: it changes when the list does.
+    /// The id given to the host. It is a position in a list, not an identity, and changes when the list does.
     int id() const { return m_id; }
     void setid(int id) { m_id = id; }
     /// Full path of the time folder.
     const dvn::Str& folder() const { return m_folder; }
-    /// Its last piece, by which the list finds a state.
+    /// Its last component, by which the list finds a state.
     const dvn::Str& folderName() const { return m_folderName; }
-    /// The bare folder name while the list is built, the shown name ever after: "Time 0.10000 #20". That is put
-    /// together when it is asked for, as each change of the list renames all states.
+    /// The folder in which a part keeps its files of this state: the time folder itself or its region's sub-folder.
+    dvn::Str folderOf(const OFPart& part) const;
+    /// The bare folder name while the list is built, after that the shown name, such as "Time 0.10000 #20". The shown
+    /// name is built on demand, since each change of the list renames all states.
     dvn::Str name() const;
     void setName(const dvn::Str& name)
     {
@@ -50,23 +52,23 @@ public:
     /// Whether files in the regions' sub-folders count.
     void setLoadLocalResultFlag(bool load) { m_loadLocalResult = load; }
 
-    /// Catalogues a time folder; the flags are set before.
+    /// Catalogues a time folder; set the flags first.
     ///
     /// @param name        the folder's bare name, whose leading number is the time
     /// @param regionNames sub-folders in which parts other than the default region keep their files
     /// @param resultNames shown name by field name
-    /// @return false if the name is no number; the files have been looked at all the same
+    /// @return false if the name is not a number; the files have been read all the same
     bool init(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& regionNames,
               const std::map<dvn::Str, dvn::Str>& resultNames);
     /// "index" of the folder's `uniform/time`, or `UNKNOWN_INDEX`.
     std::size_t stepIndexFromTimeDict() const { return m_stepIndexFromTimeDict; }
-    /// Lets the shown name say time and step index.
+    /// Makes the shown name consist of time and step index.
     void setDefaultName() { m_hasDefaultName = true; }
 
     // --- the catalogue
 
-    /// Adds one result for each file that can be opened and whose class is supported, unless the field is there
-    /// already.
+    /// Adds one result for each file that can be opened and whose class is supported, unless the field is already
+    /// known.
     ///
     /// @throws std::out_of_range when a file's header lacks `class` or `object`
     bool addResultsFromFiles(const dvn::Str& folder, const std::vector<dvn::Str>& files,
@@ -82,14 +84,13 @@ public:
     /// The first result of this id, or null; valid until the catalogue changes.
     const OFResult* resultById(int id) const;
 
-    /// Id of each node average to the id of the result on cells that it is computed from.
+    /// From the id of each node average to that of the result on cells that it is computed from.
     std::map<int, int>& getMappingSourceToAverageNode() { return m_mappingSourceToAverageNode; }
-    /// Enters such a pair in place of an older one; always true.
+    /// Adds such a pair, replacing an older one; always true.
     bool registerVolumeResultSourceOfAverageNodeResult(int nodeResultId, int volumeResultId);
     /// The result that a node average is computed from, or null if none of its shape and name is registered.
     const OFResult* sourceVolumefromAverageNodeResult(const OFResult* result) const;
-    /// Whether the part has a file for this result; looks at the disk each time, so that files which vanish are no
-    /// harm.
+    /// Whether the part has a file for this result. Looks at the disk each time, so a file may come or go at any time.
     bool hasResultForPart(const OFResult* result, const OFPart* part) const;
 
     /// The shown name of a field: the user's, else the field's own.
@@ -121,7 +122,7 @@ private:
     bool m_loadLocalResult = true;
 };
 
-/// Orders states by time alone; states of equal time are equal to it.
+/// Orders states by time only; states of equal time compare equal.
 struct OFStateLesser
 {
     bool operator()(const OFState& a, const OFState& b) const { return a.referenceValue() < b.referenceValue(); }

@@ -7,7 +7,6 @@
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 
-#include <algorithm>
 #include <string>
 
 namespace {
@@ -24,7 +23,7 @@ const dvn::Str& valueOr(const std::map<dvn::Str, dvn::Str>& map, const dvn::Str&
 OFUnit readUnit(OFFile& file)
 {
     std::vector<dvn::Str> tokens;
-    // A line of another form has another number of tokens, which makes the unit dimensionless.
+    // A line of another form has a different number of tokens, which makes the unit dimensionless.
     (void)file.readDimensions(&tokens);
     return OFUnit::fromString(tokens);
 }
@@ -34,7 +33,7 @@ OFUnit readUnit(OFFile& file)
 bool OFState::addResultsFromFiles(const dvn::Str& folder, const std::vector<dvn::Str>& files,
                                   const std::map<dvn::Str, dvn::Str>& resultNames)
 {
-    // The first folder in which a field is found decides its class and unit; later regions add nothing to it.
+    // The first folder that has a field decides its class and unit; later regions add nothing.
     std::set<dvn::Str> seenNames = nativeNames();
     addResultsFrom(folder, files, seenNames, resultNames);
     return true;
@@ -54,10 +53,10 @@ void OFState::addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>
                              const std::map<dvn::Str, dvn::Str>& resultNames)
 {
     findDisplacementResult(folder, seenNames, resultNames);
-    // What is told of each file. Files of one base name stand for one file, which is opened once.
-    std::map<dvn::Str, dvn::Str> told;
+    // The log line for each file. Files of the same base name count as one file, which is opened once.
+    std::map<dvn::Str, dvn::Str> lines;
     for (const dvn::Str& file : files) {
-        const auto [entry, isNew] = told.emplace(folder + "/" + OFUtilities::fileBaseName(file), dvn::Str());
+        const auto [entry, isNew] = lines.emplace(folder + "/" + OFUtilities::fileBaseName(file), dvn::Str());
         if (isNew) {
             entry->second = addResultFromFile(entry->first, seenNames, resultNames);
         }
@@ -67,7 +66,7 @@ void OFState::addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>
     }
 }
 
-/// Adds the result of a file, and gives what is to be told if its class is not supported.
+/// Adds the result of a file. Returns the log line if its class is not supported.
 dvn::Str OFState::addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& seenNames,
                                     const std::map<dvn::Str, dvn::Str>& resultNames)
 {
@@ -141,11 +140,8 @@ bool OFState::hasResultForPart(const OFResult* result, const OFPart* part) const
     if (read == nullptr) {
         return false;
     }
-    const dvn::Str folder = part->isDefaultRegion() ? m_folder : m_folder + "/" + part->name();
-    // The name is the one in the file's header: a field whose file bears another name is listed, but found in no part.
-    return std::ranges::any_of(OFUtilities::filesInFolder(folder), [&](const dvn::Str& file) {
-        return OFUtilities::fileBaseName(file) == read->nativeName();
-    });
+    // Compatibility (docs/compatibility.md, "field named otherwise"): the name is the one in the file's header.
+    return OFUtilities::hasFileOfBaseName(folderOf(*part), read->nativeName());
 }
 
 dvn::Str OFState::makeCustomName(const dvn::Str& nativeName, const std::map<dvn::Str, dvn::Str>& resultNames)

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/OFUtilities.h"
 
+#include "foamfile/OFLogger.h"
+
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,8 +27,8 @@ bool isDotEntry(const dirent& entry)
     return std::strcmp(entry.d_name, ".") == 0 || std::strcmp(entry.d_name, "..") == 0;
 }
 
-/// One bit is tested and not the whole type field, and the link's text is taken as it stands: both are what decides
-/// which links show as folders.
+/// Compatibility (docs/compatibility.md, "links to folders"): one bit is tested and not the whole type field, and the
+/// link's text is not resolved against the link's own folder.
 bool isLinkToFolder(const std::string& linkPath)
 {
     std::array<char, LINK_BUFFER_SIZE> target = {};
@@ -44,18 +48,37 @@ bool isFolder(const std::string& folder, const dirent& entry)
     return entry.d_type == DT_DIR;
 }
 
+bool logUnlisted(const dvn::Str& folder)
+{
+    return OFLogger::get().logError("OFUtilities", dvn::Str("Cannot list folder %1").arg(folder));
+}
+
+/// Calls `visit(entry)` for each entry until it returns false.
+/// @return false, with a line in the log, if the folder exists but cannot be read to its end
 template <typename Visitor>
-void visitEntries(const dvn::Str& folder, const Visitor& visit)
+bool visitEntries(const dvn::Str& folder, const Visitor& visit)
 {
     const std::unique_ptr<DIR, FolderCloser> stream(opendir(folder.toUtf8().c_str()));
     if (stream == nullptr) {
-        return;
+        return errno == ENOENT || errno == ENOTDIR || logUnlisted(folder);
     }
-    while (const dirent* const entry = readdir(stream.get())) {
-        if (!isDotEntry(*entry)) {
-            visit(*entry);
+    for (;;) {
+        // Only errno distinguishes the end of a folder from a failure.
+        errno = 0;
+        const dirent* const entry = readdir(stream.get());
+        if (entry == nullptr) {
+            return errno == 0 || logUnlisted(folder);
+        }
+        if (!isDotEntry(*entry) && !visit(*entry)) {
+            return true;
         }
     }
+}
+
+/// True if a file of this name has itself as its base name, and the same name with ".gz" does too.
+bool isPlainName(const std::string& name)
+{
+    return !name.empty() && name.find_first_of("./\\") == std::string::npos;
 }
 
 } // namespace
@@ -63,12 +86,7 @@ void visitEntries(const dvn::Str& folder, const Visitor& visit)
 std::vector<dvn::Str> OFUtilities::subFolders(const dvn::Str& folder)
 {
     std::vector<dvn::Str> names;
-    const std::string path = folder.toUtf8();
-    visitEntries(folder, [&](const dirent& entry) {
-        if (isFolder(path, entry)) {
-            names.emplace_back(entry.d_name);
-        }
-    });
+    (void)listSubFolders(folder, &names); // a folder that cannot be read has what was read of it
     return names;
 }
 
@@ -76,8 +94,39 @@ std::vector<dvn::Str> OFUtilities::filesInFolder(const dvn::Str& folder)
 {
     std::vector<dvn::Str> paths;
     const dvn::Str prefix = folder + "/";
-    visitEntries(folder, [&](const dirent& entry) { paths.push_back(prefix + entry.d_name); });
+    (void)visitEntries(folder, [&](const dirent& entry) {
+        paths.push_back(prefix + entry.d_name);
+        return true;
+    });
     return paths;
+}
+
+bool OFUtilities::listSubFolders(const dvn::Str& folder, std::vector<dvn::Str>* names)
+{
+    names->clear();
+    const std::string path = folder.toUtf8();
+    return visitEntries(folder, [&](const dirent& entry) {
+        if (isFolder(path, entry)) {
+            names->emplace_back(entry.d_name);
+        }
+        return true;
+    });
+}
+
+bool OFUtilities::hasFileOfBaseName(const dvn::Str& folder, const dvn::Str& baseName)
+{
+    const std::string name = baseName.toUtf8();
+    if (isPlainName(name) && (fileExists(folder + "/" + baseName) || fileExists(folder + "/" + baseName + ".gz"))) {
+        return true;
+    }
+    bool isFound = false;
+    (void)visitEntries(folder, [&](const dirent& entry) {
+        // The search spares nearly all entries the conversion.
+        isFound = std::string_view(entry.d_name).find(name) != std::string_view::npos &&
+                  fileBaseName(entry.d_name) == baseName;
+        return !isFound;
+    });
+    return isFound;
 }
 
 bool OFUtilities::fileExists(const dvn::Str& path)

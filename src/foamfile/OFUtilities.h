@@ -6,33 +6,44 @@
 #include <cstdint>
 #include <vector>
 
-/// Folder listings and path splitting, on which file access and case discovery stand. No state; paths go to the system
-/// as UTF-8.
+/// Folder listings and path splitting for file access and case discovery. No state; paths go to the system as UTF-8.
+///
+/// A folder that exists but cannot be listed (too many open files, a stale network disk) leaves one line in the log. A
+/// folder that does not exist is empty, and so is a file in its place.
 class OFUtilities
 {
 public:
-    /// Bare names of the sub-folders in the order of `readdir`; empty if the folder cannot be opened.
+    /// Bare names of the sub-folders in the order of `readdir`; those read so far if the folder cannot be listed.
     ///
-    /// A link counts if its text, resolved against the working folder of the process and not against `folder`, names
-    /// something whose mode has the directory bit. Hosts have come to rely on which links show, so it stays so. An
+    /// Compatibility (docs/compatibility.md, "links to folders"): a link counts if its text, resolved against the
+    /// working folder of the process and not against `folder`, names something whose mode has the directory bit. An
     /// entry of unknown type does not count.
     static std::vector<dvn::Str> subFolders(const dvn::Str& folder);
+    /// The same for callers that must not mistake a failure for an empty folder.
+    /// @return false if the folder cannot be listed; `names` then holds those read so far
+    static bool listSubFolders(const dvn::Str& folder, std::vector<dvn::Str>* names);
 
-    /// Full paths of all entries, sub-folders too, in the order of `readdir`; empty if the folder cannot be opened.
+    /// Full paths of all entries, sub-folders too, in the order of `readdir`; those read so far if the folder cannot be
+    /// listed.
     static std::vector<dvn::Str> filesInFolder(const dvn::Str& folder);
+    /// Whether `filesInFolder` has a path with this base name.
+    ///
+    /// Usual names are asked for directly, plain and with ".gz". Only if neither file exists, or if the name contains a
+    /// point, are the entries searched.
+    static bool hasFileOfBaseName(const dvn::Str& folder, const dvn::Str& baseName);
 
     /// True for files and folders alike.
     static bool fileExists(const dvn::Str& path);
-    /// Whether a folder has a sub-folder of this name, as a folder or as a link that `subFolders` takes for one.
+    /// Whether `subFolders` has this name, found without a listing.
     static bool hasSubFolder(const dvn::Str& folder, const dvn::Str& name);
 
-    /// True if the path names a regular file, through links; pipes and devices, which may block, are none.
+    /// True if the path names a regular file, through links. Pipes and devices, which may block, do not count.
     static bool isRegularFile(const dvn::Str& path);
 
     /// The last component of a path, "/" and "\" being separators; empty if there is none.
     static dvn::Str fileNameFromPath(const dvn::Str& path);
     /// The same, under the name used for folders.
     static dvn::Str folderNameFromPath(const dvn::Str& path);
-    /// The last component up to its last "."; whole if it has none, empty if its only "." comes first.
+    /// The last component up to its last "."; all of it if it has none, empty if its only "." comes first.
     static dvn::Str fileBaseName(const dvn::Str& path);
 };

@@ -10,7 +10,7 @@ DDPElementType CellBuilder::build()
         tally.add(face.nodeCount);
     }
     m_isOrdered = true;
-    // Nearly every cell of most meshes takes this way, which needs neither a count nor a sort.
+    // Fast path for nearly every cell of most meshes: no counting, no sorting.
     if (solidOfFaces(tally) == DDP_HEXAHEDRON && isTwoLayersOfFour(m_faces) &&
         orderHexahedron(m_faces, m_solidNodes.data())) {
         m_nodes = m_solidNodes;

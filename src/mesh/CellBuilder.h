@@ -12,11 +12,11 @@
 #include <span>
 #include <vector>
 
-/// Makes elements of cells, one after the other, in storage that it keeps. One thread at a time uses it.
+/// Turns cells into elements, one at a time, in storage that it reuses. For one thread at a time.
 class CellBuilder
 {
 public:
-    /// Starts a cell of `faceCount` faces; each of them is then given by `setFace`.
+    /// Starts a cell of `faceCount` faces, each of which is then set by `setFace`.
     void startCell(std::size_t faceCount) { m_faces.resize(faceCount); }
     void setFace(std::size_t i, const FacesData& faces, std::size_t faceIndex, bool isOwner)
     {
@@ -30,7 +30,7 @@ public:
     /// The element's nodes: in the host's order for a solid, the distinct nodes in ascending order for a polyhedron.
     /// Valid until the next `build`.
     std::span<const int> nodes() const { return m_nodes; }
-    /// False if the faces of a solid do not form it: its nodes are then the ascending ones, partly overwritten.
+    /// False if the faces of a solid do not form it: its nodes are then in ascending order, partly overwritten.
     bool isOrdered() const { return m_isOrdered; }
 
 private:

@@ -6,7 +6,7 @@ CellFaceTable::CellFaceTable(const OFPolymesh& mesh) : m_ends(mesh.cellCount())
     const std::size_t cellCount = m_ends.size();
     const auto countLabels = [this, cellCount](const std::vector<int>& labels) {
         for (const int label : labels) {
-            // A negative label is a huge one here.
+            // A negative label becomes a huge one.
             if (const auto cell = static_cast<std::uint32_t>(label); cell < cellCount) {
                 ++m_ends[cell];
             }
@@ -15,14 +15,14 @@ CellFaceTable::CellFaceTable(const OFPolymesh& mesh) : m_ends(mesh.cellCount())
     countLabels(mesh.owners());
     countLabels(mesh.neighbors());
 
-    // The starts for now; filling moves each of them to the end of its cell.
+    // These are the starts for now; filling moves each of them to the end of its cell.
     std::uint32_t total = 0;
     for (std::uint32_t& end : m_ends) {
         const std::uint32_t count = end;
         end = total;
         total += count;
     }
-    // Not cleared: each entry is written below.
+    // Not cleared, since each entry is written below.
     m_entries.reset(new Entry[total]);
     const auto insert = [this, cellCount](int label, Entry entry) {
         if (const auto cell = static_cast<std::uint32_t>(label); cell < cellCount) {

@@ -12,12 +12,12 @@
 
 /// The faces of every cell of a mesh in one flat table.
 ///
-/// The faces of a cell stand in ascending order, so a mesh comes out the same on every run. Labels of owners and
-/// neighbours that name no cell are left out. The table needs the lists no more once it is built.
+/// The faces of a cell are in ascending order, so a mesh comes out the same on every run. Labels of owners and
+/// neighbours that name no cell are left out. Once built, the table no longer needs the lists.
 class CellFaceTable
 {
 public:
-    /// @param mesh one that `makeConsistent` has seen: as many faces as owners, and no more neighbours than owners
+    /// @param mesh has been through `makeConsistent`: no more owners than faces, no more neighbours than owners
     explicit CellFaceTable(const OFPolymesh& mesh);
 
     std::size_t cellCount() const { return m_ends.size(); }
@@ -25,8 +25,8 @@ public:
     void startCell(std::size_t cell, const FacesData& faces, CellBuilder* builder) const;
 
 private:
-    /// Twice the face's index, plus one where the cell is the neighbour: of the two sides of a face that names one cell
-    /// twice the owner's comes first.
+    /// Twice the index of the face, plus one where the cell is the neighbour. If both sides of a face name the same
+    /// cell, that of the owner comes first.
     using Entry = std::uint32_t;
 
     std::span<const Entry> entries(std::size_t cell) const

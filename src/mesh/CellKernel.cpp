@@ -20,7 +20,7 @@ constexpr std::array<Solid, 4> SOLIDS = {{{DDP_TETRAHEDRON, 4, {4, 4, 0}},
 
 constexpr std::size_t HEXAHEDRON_FACES = 6;
 
-/// True if `node` is one of the first N of `nodes`. All N are compared: they are few, and an early end mispredicts.
+/// True if `node` is one of the first N of `nodes`. All N are compared: they are few, and an early exit mispredicts.
 template <std::size_t N>
 bool isAmong(const int* nodes, int node)
 {
@@ -43,8 +43,8 @@ bool areDistinct(const int* nodes)
     return distinct;
 }
 
-/// Writes the nodes of a base that the rest of the cell stands on: an owner's face, whose normal points out of the
-/// cell, is turned round.
+/// Writes the nodes of the base that the rest of the cell is built on. An owner's face, whose normal points out of the
+/// cell, is reversed.
 void writeBase(const CellFaceView& base, int* nodes)
 {
     if (base.isOwner) {
@@ -56,9 +56,9 @@ void writeBase(const CellFaceView& base, int* nodes)
 
 /// The first of the N nodes of a top on the list of the edge neighbours of `node`.
 ///
-/// That list runs through the faces in order and round each face, the closing edge last; an edge a, b puts b on the
-/// list of a and then a on that of b. Degenerate cells show the order, so it must not change.
-/// @return null if the top is nowhere next to the node
+/// That list runs through the faces in order and around each face, the closing edge last; an edge a, b puts b on the
+/// list of a and then a on that of b. Compatibility (docs/compatibility.md, "neighbour order in degenerate cells").
+/// @return null if no neighbour of the node is in the top
 template <std::size_t N>
 const int* neighbourInTop(CellFaceViews faces, const int* top, int node)
 {
@@ -77,11 +77,11 @@ const int* neighbourInTop(CellFaceViews faces, const int* top, int node)
     return nullptr;
 }
 
-/// Writes behind a base of N nodes, for each of them, the node of the top that stands over it.
+/// Writes after a base of N nodes, for each of them, the node of the top that lies above it.
 template <std::size_t N>
 bool raiseColumns(CellFaceViews faces, const int* top, int* nodes)
 {
-    // A base node without a column leaves no gap: the next column takes its place, and the count tells in the end.
+    // A base node without a column leaves no gap: the next column takes its place, and the final count shows it.
     int* write = nodes + N;
     for (std::size_t k = 0; k < N; ++k) {
         if (const int* const above = neighbourInTop<N>(faces, top, nodes[k])) {
@@ -106,7 +106,7 @@ bool allQuadrilaterals(CellFaceViews faces)
     return std::ranges::all_of(faces, [](const CellFaceView& face) { return face.nodeCount == 4; });
 }
 
-/// The first of six quadrilaterals that shares no node with the face they begin with; null if there is none.
+/// The first of six quadrilaterals that shares no node with the first of them; null if there is none.
 const int* oppositeOfFirst(CellFaceViews faces)
 {
     for (const CellFaceView& face : faces.subspan(1)) {
@@ -166,7 +166,7 @@ bool orderTetrahedron(CellFaceViews faces, int* nodes)
     if (faces.size() < 2 || faces[0].nodeCount < 3 || faces[1].nodeCount < 3) {
         return false;
     }
-    // The other way round than the other solids: the apex comes first, and so an owner's face keeps its order.
+    // Unlike in the other solids the apex comes first, so an owner's face keeps its order.
     const CellFaceView& base = faces[0];
     nodes[1] = base.nodes[base.isOwner ? 0 : 2];
     nodes[2] = base.nodes[1];
@@ -221,7 +221,7 @@ bool orderHexahedron(CellFaceViews faces, int* nodes)
     }
     writeBase(faces[0], nodes);
     const int* const top = oppositeOfFirst(faces);
-    // The base comes first in every list of neighbours, but has no node of the top: leaving it out saves a third.
+    // The base comes first in every list of neighbours but has no node of the top. Skipping it saves a third.
     return top != nullptr && raiseColumns<4>(faces.subspan(1), top, nodes);
 }
 

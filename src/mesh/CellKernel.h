@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// What makes an element of the faces of one cell: its type, its distinct nodes and their order. No coordinate is read.
+// Turns the faces of one cell into an element: its type, its distinct nodes and their order. No coordinate is read.
 //
-// `OFCell` and the conversion of whole meshes both stand on these functions, so a cell comes out the same on either
-// road. They hold for any cell that faces can form, however degenerate, and read nothing beyond the given faces.
+// `OFCell` and the conversion of whole meshes both use these functions, so a cell comes out the same either way. They
+// work for any cell that faces can form, however degenerate, and read nothing beyond the given faces.
 #pragma once
 
 #include "interface/DataProviderInterface.h"
@@ -23,7 +23,7 @@ struct CellFaceView
 /// The faces of one cell in a fixed order.
 using CellFaceViews = std::span<const CellFaceView>;
 
-/// How many faces a cell has, and of which sizes as far as that decides its type.
+/// How many faces a cell has, and of which sizes as far as its type depends on them.
 struct FaceTally
 {
     std::size_t faces = 0;
@@ -39,7 +39,7 @@ struct FaceTally
     friend bool operator==(const FaceTally&, const FaceTally&) = default;
 };
 
-/// The most nodes that a solid has.
+/// Node count of the largest solid.
 inline constexpr std::size_t MAX_SOLID_NODES = 8;
 
 /// The solid whose faces are those of `tally`, or `DDP_POLY` if there is none.
@@ -51,15 +51,15 @@ std::size_t solidNodeCount(DDPElementType type);
 /// The type of a cell of `nodeCount` distinct nodes and these faces.
 DDPElementType typeOfCell(std::size_t nodeCount, const FaceTally& tally);
 
-/// True only if six quadrilaterals have eight distinct nodes, which is seen by comparisons alone: four stand in the
-/// first face, four in another, and all faces have their nodes there. Counting decides where this is false.
+/// True only if six quadrilaterals have eight distinct nodes, found by comparisons alone: four are in the first face,
+/// four in another, and all faces have their nodes among them. If it is false, counting decides.
 bool isTwoLayersOfFour(CellFaceViews faces);
 
 /// Puts the nodes of a solid in the host's order.
 ///
-/// `nodes` has room for the solid's nodes. On true each of them is written; on false only those that the faces settle.
-/// Whatever stands in the others on entry stays there.
-/// @return false for a type that is no solid, or if the faces do not form the solid that their sizes suggest
+/// `nodes` has room for the solid's nodes. On true all of them are written; on false only those that the faces settle,
+/// and the others keep their value.
+/// @return false for a type that is not a solid, or if the faces do not form the solid that their sizes suggest
 bool orderSolidNodes(DDPElementType type, CellFaceViews faces, int* nodes);
 
 bool orderTetrahedron(CellFaceViews faces, int* nodes);
@@ -73,5 +73,6 @@ std::size_t labelCount(CellFaceViews faces);
 /// Writes the first `limit` node labels of a polyhedron's face table, face after face.
 ///
 /// All faces point out of the cell. A file has each face as its owner sees it, so those of which the cell is the
-/// neighbour are reversed; in solids it is the owner's face that is turned, because their base looks inwards.
+/// neighbour are reversed. Compatibility (docs/compatibility.md, "owner faces of solids"): in solids it is the owner's
+/// face that is reversed.
 void copyFaceNodes(CellFaceViews faces, std::size_t limit, int* out);

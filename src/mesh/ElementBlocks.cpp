@@ -2,28 +2,26 @@
 #include "mesh/ElementBlocks.h"
 
 #include "LibCore/LargePages.h"
-
-#include <tbb/parallel_for.h>
-#include <tbb/parallel_invoke.h>
+#include "LibCore/Parallel.h"
 
 #include <algorithm>
 #include <cstdint>
 
 namespace {
 
-/// Cells of a block: some 0.1 ms of work, far above the cost of a task.
+/// Cells of a block: about 0.1 ms of work, far above the cost of a task.
 constexpr std::size_t BLOCK_CELLS = 1024;
 
-/// The host's tables have bytes for counts, so of a larger number its low 8 bits are what a count says; every array
-/// keeps to that, and what goes beyond is left out.
+/// Compatibility (docs/compatibility.md, "byte tables"): the host takes counts as bytes, so a larger count keeps its
+/// low 8 bits. Every array holds that many entries, and the rest is left out.
 constexpr std::size_t lowByte(std::size_t count)
 {
     return count & 0xFF;
 }
 
-/// Resizes for the first `done` of `total` cells. A move to larger storage takes as much as all cells will need if the
-/// rest is like those so far, but no more than `most`, for the first cells of a mesh may be its largest; and never so
-/// little that many such moves come together.
+/// Resizes for the first `done` of `total` cells. When storage has to grow, it grows to what all cells will need if the
+/// rest is like those so far, but not beyond `most`, since the first cells of a mesh may be its largest. It always
+/// grows enough that moves stay rare.
 template <typename T>
 void grow(std::vector<T>* values, std::size_t size, std::size_t done, std::size_t total, std::size_t most)
 {
@@ -59,12 +57,11 @@ void ElementBlocks::build(std::size_t firstCell, std::size_t endCell)
         m_blocks[i].firstCell = firstCell + i * BLOCK_CELLS;
         m_blocks[i].endCell = std::min(m_blocks[i].firstCell + BLOCK_CELLS, endCell);
     }
-    // Memory that is new to the process is several times as slow as memory that was used before, so the arrays grow
-    // while the cells are built, by what the cells so far suggest. A task writes its own blocks and the entries of
-    // their cells, none of which are in those arrays.
-    tbb::parallel_invoke(
-        [this, endCell] { growArrays(expectedEnd(endCell), endCell); },
-        [this] { tbb::parallel_for(std::size_t{0}, m_usedBlocks, [this](std::size_t i) { build(&m_blocks[i]); }); });
+    // Memory that is new to the process is several times slower than memory used before, so the arrays grow while the
+    // cells are built, by what the cells so far suggest. A task writes its own blocks and the entries of their cells,
+    // none of which are in those arrays.
+    dvf::invokeAll([this, endCell] { growArrays(expectedEnd(endCell), endCell); },
+                   [this] { dvf::forEachIndex(m_usedBlocks, [this](std::size_t i) { build(&m_blocks[i]); }); });
 }
 
 ElementBlocks::Extent ElementBlocks::expectedEnd(std::size_t endCell) const
@@ -103,8 +100,8 @@ void ElementBlocks::store()
         m_storedCells = m_blocks[i].endCell;
     }
     growArrays(m_stored, m_storedCells);
-    // The parts of the blocks follow each other without overlap.
-    tbb::parallel_for(std::size_t{0}, m_usedBlocks, [this](std::size_t i) { store(&m_blocks[i]); });
+    // The blocks fill consecutive ranges, which do not overlap.
+    dvf::forEachIndex(m_usedBlocks, [this](std::size_t i) { store(&m_blocks[i]); });
     m_usedBlocks = 0;
 }
 

@@ -10,24 +10,23 @@
 
 /// Turns the cells of a mesh into elements, some ten thousand at a time.
 ///
-/// `build` works on blocks of cells in parallel, each block collecting the nodes of its elements in storage of its own,
-/// which stays in the cache and is used again. `store` then knows how much each block has and copies all of them to
-/// their final place. Face tables of polyhedra are only counted by `build`; `store` writes them straight from the
-/// faces.
+/// `build` works on blocks of cells in parallel. Each block collects the nodes of its elements in its own storage,
+/// which stays in the cache and is reused. `store` then knows how much each block has and copies them all to their
+/// final place. `build` only counts the face tables of polyhedra; `store` writes them straight from the faces.
 class ElementBlocks
 {
 public:
     /// Cells of one call of `build`: few enough for the collected nodes to stay in the cache.
     static constexpr std::size_t BATCH_CELLS = 65536;
 
-    /// All arguments must outlive this object. `types` and `nodeCounts` of `elements` have one entry a cell already.
+    /// All arguments must outlive this object. `types` and `nodeCounts` of `elements` already have one entry per cell.
     ElementBlocks(const CellFaceTable& table, const FacesData& faces, ElementArrays* elements,
                   PolyhedronArrays* polyhedra);
 
-    /// Builds the cells from `firstCell` up to but excluding `endCell`, no more than `BATCH_CELLS`. Batches follow each
+    /// Builds the cells from `firstCell` up to but excluding `endCell`, at most `BATCH_CELLS`. Batches follow each
     /// other without a gap.
     void build(std::size_t firstCell, std::size_t endCell);
-    /// Appends what `build` has made to the arrays.
+    /// Appends the elements of the last `build` to the arrays.
     void store();
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/FaceGroup.h"
 
+#include "records/Components.h"
 #include "records/OFBoundary.h"
 
 #include <algorithm>
@@ -62,10 +63,10 @@ void FaceGroup::buildElements()
 void FaceGroup::sendNodes(const OFPolymesh& mesh, DDPNodeGroup* group) const
 {
     std::vector<double> points;
-    points.reserve(3 * nodes().size());
+    points.reserve(VECTOR_COMPONENTS * nodes().size());
     for (const int node : nodes()) {
-        const double* const point = mesh.points().data() + 3 * static_cast<std::size_t>(node);
-        points.insert(points.end(), point, point + 3);
+        const double* const point = mesh.points().data() + VECTOR_COMPONENTS * static_cast<std::size_t>(node);
+        points.insert(points.end(), point, point + VECTOR_COMPONENTS);
     }
     group->setNodes(points.data(), nodes().size());
     group->setNodeIds(numbersFrom(0, nodes().size()).data(), nodes().size());

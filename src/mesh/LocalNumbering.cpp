@@ -20,7 +20,7 @@ LocalNumbering::LocalNumbering(const std::vector<int>& labels)
     const auto [lowest, highest] = std::minmax_element(labels.begin(), labels.end());
     m_lowest = *lowest;
     const std::size_t wordCount = static_cast<std::size_t>(*highest - *lowest) / WORD_BITS + 1;
-    // Beyond that the words would cost more than the labels do.
+    // Beyond that the words would take more memory than the labels.
     if (wordCount <= labels.size()) {
         m_words.resize(wordCount);
         collectBits(labels);

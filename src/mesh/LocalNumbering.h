@@ -7,17 +7,17 @@
 
 /// Numbers a selection of labels from 0 in ascending order.
 ///
-/// Where the labels lie close together, which large patches do, a bit for each label of their range stands for them: no
-/// sort, and a position is a count of bits. A few labels far apart are sorted and searched instead.
+/// Labels that lie close together, as those of large patches do, are kept as one bit per label of their range: no sort,
+/// and a position is a count of bits. A few labels far apart are sorted and searched instead.
 class LocalNumbering
 {
 public:
-    /// @param labels not negative, repeated as they occur
+    /// @param labels not negative; they may repeat
     explicit LocalNumbering(const std::vector<int>& labels);
 
     /// The distinct labels in ascending order.
     const std::vector<int>& labels() const { return m_labels; }
-    /// Position in `labels` of a label that is there.
+    /// Position in `labels` of a label that is in it.
     int position(int label) const;
 
 private:

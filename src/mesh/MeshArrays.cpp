@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/MeshArrays.h"
 
-#include <tbb/parallel_sort.h>
+#include "LibCore/Parallel.h"
 
 #include <algorithm>
 #include <numeric>
 #include <type_traits>
 
 namespace {
-
-constexpr std::size_t PARALLEL_SORT_SIZE = 500;
 
 /// The host reads types as plain 32-bit values.
 const std::int32_t* typeValues(const std::vector<DDPElementType>& types)
@@ -42,11 +40,7 @@ std::vector<int> numbersFrom(int first, std::size_t count)
 
 void dvn_sort(std::vector<int>& values)
 {
-    if (values.size() < PARALLEL_SORT_SIZE) {
-        std::sort(values.begin(), values.end());
-    } else {
-        tbb::parallel_sort(values.begin(), values.end());
-    }
+    dvf::sortPar(&values);
 }
 
 void sortUnique(std::vector<int>* values)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The arrays that reach the host, and the small operations that all makers of them share.
+// The arrays that reach the host, and the small operations shared by the code that fills them.
 #pragma once
 
 #include "interface/DataProviderInterface.h"
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <vector>
 
-/// The elements of a group of mixed types, one entry an element but for the nodes.
+/// The elements of a group of mixed types. All arrays but `connectivities` have one entry per element.
 struct ElementArrays
 {
     std::vector<DDPElementType> types;
@@ -32,20 +32,20 @@ void sendElements(const ElementArrays& elements, DDPElementGroup* group);
 /// Sends general elements to the host by `setPolyhedra`.
 void sendPolyhedra(const PolyhedronArrays& polyhedra, DDPElementGroup* group);
 
-/// `first` and the `count` - 1 numbers behind it.
+/// `count` consecutive numbers from `first` on.
 std::vector<int> numbersFrom(int first, std::size_t count);
 
-/// Sorts ascending: in this thread below 500 entries, where starting tasks costs more than it gains, else in parallel.
+/// Sorts ascending, in parallel where that pays.
 void dvn_sort(std::vector<int>& values);
 
-/// Sorts ascending and keeps one of each value.
+/// Sorts ascending and removes duplicates.
 void sortUnique(std::vector<int>* values);
 
 /// Starts of slots of the given sizes: `out[i]` is `start` plus the sum of the values before i.
 /// @return `start` plus the sum of all values
 std::size_t dvn_exclusive_partial_sum(const unsigned char* values, std::size_t count, int start, int* out);
 
-/// Empties a container and gives its storage back.
+/// Empties a container and frees its storage.
 template <typename Container>
 void release(Container* container)
 {

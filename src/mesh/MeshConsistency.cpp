@@ -1,26 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/MeshConsistency.h"
 
+#include "LibCore/Parallel.h"
 #include "foamfile/OFLogger.h"
 
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_reduce.h>
-
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <span>
 #include <utility>
 
 namespace {
 
-/// Entries that one task checks: enough to hide the cost of the task.
+/// Entries per task: enough to hide the cost of the task.
 constexpr std::size_t CHECK_GRAIN = 65536;
 
-/// Numbers that a byte can tell apart.
+/// Number of values of a byte.
 constexpr int BYTE_VALUES = 256;
 
-/// Labels are ints, so more points than that cannot be told apart.
+/// Labels are ints, so points beyond that cannot be named.
 int largestCount(std::size_t count)
 {
     return static_cast<int>(std::min<std::size_t>(count, std::numeric_limits<int>::max()));
@@ -37,8 +34,8 @@ bool isInside(const FacesData& faces, std::size_t face, int nodesSize)
     return offset >= 0 && offset <= nodesSize - faces.nodeCounts[face];
 }
 
-/// Where the labels of a face end that lies inside: at the next face's, and those of the last one with the list, unless
-/// behind them is more than its count, which is a byte, may leave out.
+/// Where the labels of a face that lies inside end: where those of the next face begin. Those of the last face end with
+/// the list, provided that the labels beyond its count, which is a byte, are a multiple of 256.
 int endOfFace(const FacesData& faces, std::size_t face, int nodesSize)
 {
     const int begin = faces.nodeOffsets[face];
@@ -47,24 +44,23 @@ int endOfFace(const FacesData& faces, std::size_t face, int nodesSize)
         const int next = faces.nodeOffsets[face + 1];
         return next > begin && next <= nodesSize ? next : counted;
     }
-    // Faces that a short file lacks begin at 0.
+    // Faces missing from a short file begin at 0.
     const bool isFilled = begin != 0 || face == 0;
     return isFilled && (nodesSize - counted) % BYTE_VALUES == 0 ? nodesSize : counted;
 }
 
-/// True if `isGood` holds for all indices below `count`. No early end: loops without one are several times as fast.
+/// True if `isGood` holds for all indices below `count`. The loop has no early end, which makes it several times
+/// faster.
 template <typename Predicate>
 bool allOf(std::size_t count, const Predicate& isGood)
 {
-    const tbb::blocked_range<std::size_t> all(0, count, CHECK_GRAIN);
-    const auto check = [&isGood](const tbb::blocked_range<std::size_t>& range, bool good) {
-        int bad = good ? 0 : 1;
+    return dvf::allOf(count, CHECK_GRAIN, [&isGood](const dvf::IndexRange& range) {
+        int bad = 0;
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             bad |= isGood(i) ? 0 : 1;
         }
         return bad == 0;
-    };
-    return tbb::parallel_reduce(all, true, check, std::logical_and<>());
+    });
 }
 
 void makeConsistent(FacesData* faces, std::size_t pointCount)
@@ -79,8 +75,8 @@ void makeConsistent(FacesData* faces, std::size_t pointCount)
             faces->nodeOffsets[face] = 0;
             faces->nodeCounts[face] = 0;
         }
-        // What is kept moves to the front of the face's own place. Should damaged faces overlap, then only labels that
-        // are good already are written over.
+        // The labels kept move to the front of the face's own range. If damaged faces overlap, only labels that are
+        // already good are overwritten.
         int* const nodes = faces->nodes.data() + faces->nodeOffsets[face];
         const int* const end = std::remove_if(nodes, nodes + faces->nodeCounts[face],
                                               [nodeCount](int label) { return !isLabel(label, nodeCount); });
@@ -88,11 +84,13 @@ void makeConsistent(FacesData* faces, std::size_t pointCount)
     }
 }
 
-/// A cell without a face has nothing to show, so honest meshes stay far below the bound.
+/// Every cell of a sound mesh has several faces, so sound meshes stay far below the bound. The number of faces counts
+/// too, because a mesh of one cell may write its owners in a form that is not read, such as "6{0}".
 void limitCellCount(OFPolymesh* mesh)
 {
     const auto claimed = static_cast<int>(mesh->cellCount());
-    const int bound = largestCount(mesh->owners().size() + mesh->neighbors().size());
+    const int bound =
+        largestCount(std::max(mesh->owners().size() + mesh->neighbors().size(), mesh->faces().faceCount()));
     if (claimed < 0) {
         mesh->setCellCount(0);
     } else if (claimed > bound) {
@@ -141,7 +139,7 @@ void dropInconsistentFaces(FacesData* faces, std::size_t nodeCount)
     const int nodesSize = largestCount(faces->nodes.size());
     const std::size_t faceCount = std::min(faces->nodeCounts.size(), faces->nodeOffsets.size());
     FacesData kept;
-    int keptEnd = 0; // what damaged faces share goes to the first of them
+    int keptEnd = 0; // labels shared by damaged faces go to the first of them
     for (std::size_t face = 0; face < faceCount; ++face) {
         const int begin = faces->nodeOffsets[face];
         if (begin < keptEnd || !isInside(*faces, face, nodesSize)) {

@@ -8,10 +8,10 @@
 namespace {
 
 constexpr std::size_t SMALLEST_TABLE = 64;
-/// Up to here counting the smaller labels beats a sort by comparisons, which mispredicts half of its branches.
+/// Up to this count, ranking beats a sort by comparisons, which mispredicts half of its branches.
 constexpr std::size_t LARGEST_RANKED = 64;
 
-/// Writes `count` distinct labels in ascending order: the place of a label is the number of smaller ones.
+/// Writes `count` distinct labels in ascending order. The position of a label is the number of smaller ones.
 void sortByRank(const int* nodes, std::size_t count, int* sorted)
 {
     std::array<int, LARGEST_RANKED> ranks = {};
@@ -29,7 +29,7 @@ void sortByRank(const int* nodes, std::size_t count, int* sorted)
 
 void NodeSet::restart(std::size_t maxCount)
 {
-    // Half empty at worst, so that probes stay short.
+    // At most half full, so that probes stay short.
     const std::size_t wanted = std::bit_ceil(std::max(2 * maxCount, SMALLEST_TABLE));
     if (m_entries.size() < wanted) {
         m_entries.assign(wanted, Entry());

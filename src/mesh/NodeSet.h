@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "LibCore/Limits.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-/// A set of node labels that is filled anew for each cell and keeps its storage.
+/// A set of node labels that is refilled for each cell and keeps its storage.
 ///
-/// A hash table in which a stamp tells the entries of this filling from older ones, so that starting anew costs
-/// nothing. A polyhedron lists each node about three times: finding the repeats before the sort saves most of the sort.
+/// A hash table in which a stamp marks the entries of the current cell, so that clearing it costs nothing. A polyhedron
+/// lists each node about three times; finding the repeats first saves most of the sort.
 class NodeSet
 {
 public:
@@ -19,7 +21,7 @@ public:
     void insert(int node)
     {
         std::size_t slot = firstSlot(node);
-        for (std::size_t probes = 0; probes < MOST_PROBES; ++probes, slot = (slot + 1) & m_mask) {
+        for (std::size_t probes = 0; probes < dvf::limits::NODE_SET_PROBES; ++probes, slot = (slot + 1) & m_mask) {
             Entry& entry = m_entries[slot];
             if (entry.stamp != m_stamp) {
                 entry = {node, m_stamp};
@@ -30,7 +32,7 @@ public:
                 return;
             }
         }
-        // Labels can be chosen that all fall into one place. The sort finds those of them that repeat.
+        // Labels can be chosen that all hash to one place. The sort removes the repeats among them.
         m_nodes[m_count++] = node;
         m_isCrowded = true;
     }
@@ -39,8 +41,6 @@ public:
     std::span<const int> sorted();
 
 private:
-    static constexpr std::size_t MOST_PROBES = 256;
-
     struct Entry
     {
         int node = 0;

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Those of a hexahedron.
+/// The counts of a hexahedron.
 constexpr std::size_t USUAL_FACES = 6;
 constexpr std::size_t USUAL_NODES = 8;
 

@@ -33,33 +33,33 @@ struct PolyData
 
 using PolyDataVector = tbb::concurrent_vector<PolyData, tbb::cache_aligned_allocator<PolyData>>;
 
-/// One cell under conversion: from the set of its faces to the nodes of its element.
+/// One cell of the reference conversion (OFPolymeshToDDP.h): from its faces to the nodes of its element.
 ///
 /// Fill `cellFaces`, call `buildElementData`, take `elementNodes`, and `clear` it for the next cell. Different cells
 /// may be built at the same time.
 class OFCell
 {
 public:
-    /// Reserves what a hexahedron needs, which most cells are.
+    /// Reserves enough for a hexahedron, which most cells are.
     OFCell();
 
     CellFaceVector& cellFaces() { return m_cellFaces; }
     const CellFaceVector& cellFaces() const { return m_cellFaces; }
     /// The element's nodes: in the host's order for a solid, the distinct ones in ascending order for a polyhedron.
     const std::vector<int>& elementNodes() const { return m_elementNodes; }
-    /// Makes room for another cell; the storage of `elementNodes` is kept.
+    /// Empties the cell for reuse; the storage of `elementNodes` is kept.
     void clear();
 
     /// Finds the cell's type and its nodes, and for a polyhedron its face tables.
     ///
-    /// @param cellIndex index into `types`, and the one that a polyhedron is filed under
-    /// @return false if the faces of a solid do not form it; the element then keeps its type, and its nodes are the
-    ///         ascending ones, overwritten as far as the ordering came
+    /// @param cellIndex index into `types`, also stored in the face tables of a polyhedron
+    /// @return false if the faces of a solid do not form it; the element then keeps its type, and its nodes are in
+    ///         ascending order, overwritten as far as the ordering got
     bool buildElementData(int cellIndex, DDPElementType* types, PolyDataVector* polys, const FacesData* faces);
     /// Appends the face tables of this cell to `polys`; always true.
     ///
-    /// All faces point out of the cell: those of which it is the neighbour are reversed. For solids it is the owner's
-    /// face that is turned, because their base looks inwards.
+    /// All faces point out of the cell: those of which it is the neighbour are reversed. In solids it is the owner's
+    /// face that is reversed (docs/compatibility.md, "owner faces of solids").
     /// @param nodeCountPerFace size of each face; moved from
     bool buildElementPolyTables(int cellIndex, const FacesData* faces, std::vector<std::uint8_t>* nodeCountPerFace,
                                 PolyDataVector* polys) const;
@@ -74,7 +74,7 @@ public:
     /// Puts the nodes of a solid in the host's order, the first suitable face being the base.
     ///
     /// @param[in,out] nodes must have the solid's size; entries that the faces do not settle keep their value
-    /// @return false for a type that is no solid, or if the faces do not form the solid
+    /// @return false for a type that is not a solid, or if the faces do not form the solid
     static bool orderElementNodes(DDPElementType type, const CellFaceVector* cellFaces, const FacesData* faces,
                                   std::vector<int>* nodes);
     static bool orderTetrahedronNodes(const CellFaceVector* cellFaces, const FacesData* faces, std::vector<int>* nodes);

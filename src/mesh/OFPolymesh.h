@@ -2,14 +2,15 @@
 #pragma once
 
 #include "foamfile/FacesData.h"
+#include "records/Components.h"
 
 #include <cstddef>
 #include <vector>
 
-/// The raw, face-based mesh of one `polyMesh` folder. No cell exists in it as an object.
+/// The raw, face-based mesh of one `polyMesh` folder. It has no objects for cells.
 ///
-/// After a good read there is one owner a face, and the first `neighbors().size()` faces are the internal ones; all
-/// others are boundary faces with an owner only. A failed read leaves what it got, so nothing here is checked.
+/// After a good read there is one owner per face, and the first `neighbors().size()` faces are the internal ones; all
+/// others are boundary faces, which have only an owner. A failed read leaves what it got, and nothing is checked here.
 class OFPolymesh
 {
 public:
@@ -26,7 +27,7 @@ public:
     std::vector<int>& owners() { return m_owners; }
     const std::vector<int>& owners() const { return m_owners; }
 
-    std::size_t nodeCount() const { return m_points.size() / 3; }
+    std::size_t nodeCount() const { return m_points.size() / VECTOR_COMPONENTS; }
     /// The count that the header of the `owner` file claims; it is not derived from the lists.
     std::size_t cellCount() const { return static_cast<std::size_t>(m_cellCount); }
     void setCellCount(int count) { m_cellCount = count; }

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFPolymeshReader.h"
 
+#include "LibCore/Parallel.h"
 #include "foamfile/OFFile.h"
 #include "mesh/ListFile.h"
-
-#include <tbb/parallel_invoke.h>
-#include <tbb/task_group.h>
 
 #include <stdexcept>
 
@@ -15,7 +13,7 @@ constexpr const char* MESH_LOG_GROUP = "OFPolymeshReader";
 constexpr const char* NEIGHBOUR_FILE = "/neighbour";
 constexpr const char* OWNER_FILE = "/owner";
 
-/// True if the header of a list has all that the readers ask for but the note with the counts.
+/// True if the header of a list has every entry that the readers need except the note with the counts.
 bool lacksOnlyNote(const dvn::Str& path)
 {
     OFFile file(true);
@@ -31,7 +29,7 @@ bool lacksOnlyNote(const dvn::Str& path)
 bool OFPolymeshReader::read(const dvn::Str& folder, OFPolymesh* mesh)
 {
     m_polyMeshFolder = folder;
-    // One reader serves several parts: a part whose owners cannot be read must not get the count of the one before.
+    // One reader serves several parts: one whose owners cannot be read must not get the count of the previous one.
     m_cellCount = 0;
     (void)readPolymeshPar(folder, mesh); // cannot fail
     return true;
@@ -44,9 +42,8 @@ bool OFPolymeshReader::readPolymeshPar(const dvn::Str& folder, OFPolymesh* mesh)
         return OFPolymeshReadFunctor{this,           kind,           folder, &mesh->points(), &mesh->neighbors(),
                                      &mesh->faces(), &mesh->owners()};
     };
-    tbb::task_group_context context;
-    tbb::parallel_invoke(task(OFPolymeshReadFunctor::POINTS), task(OFPolymeshReadFunctor::NEIGHBORS),
-                         task(OFPolymeshReadFunctor::FACES), task(OFPolymeshReadFunctor::OWNERS), context);
+    dvf::invokeAll(task(OFPolymeshReadFunctor::POINTS), task(OFPolymeshReadFunctor::NEIGHBORS),
+                   task(OFPolymeshReadFunctor::FACES), task(OFPolymeshReadFunctor::OWNERS));
     mesh->setCellCount(m_cellCount);
     const double seconds = timer.time();
     OFLogger::get().logDebug(MESH_LOG_GROUP,
@@ -79,7 +76,7 @@ bool OFPolymeshReader::readPoints(const dvn::Str& folder, std::vector<double>* p
 {
     const dvn::Timer timer;
     OFFile file(true);
-    // The number of doubles is what the line tells, three for each point.
+    // The line reports the number of doubles, three per point.
     return file.readVectorField(folder + "/points", "points", points) &&
            logListRead(MESH_LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
 }
@@ -111,7 +108,7 @@ bool OFPolymeshReader::readOwners(const dvn::Str& folder, std::vector<int>* owne
 
 void OFPolymeshReadFunctor::operator()() const
 {
-    // The results are dropped: a mesh goes on with the files that could be read.
+    // The results are dropped: the mesh is built from the files that could be read.
     switch (kind) {
     case POINTS:
         (void)reader->readPoints(folder, points);
@@ -131,7 +128,7 @@ void OFPolymeshReadFunctor::operator()() const
 }
 
 /// Reads owners or neighbours, and goes on without them if their header has no note. Tools other than the solvers leave
-/// it out, and such a mesh must not cost the host the whole case; a header that lacks more is no header at all.
+/// it out, and one such mesh must not cost the host the whole case. If more is missing, the exception passes.
 void OFPolymeshReadFunctor::readLabels(const dvn::Str& path,
                                        bool (OFPolymeshReader::*read)(const dvn::Str&, std::vector<int>*),
                                        std::vector<int>* labels) const

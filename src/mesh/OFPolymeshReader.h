@@ -13,21 +13,20 @@ public:
     /// Reads the mesh of a folder into an empty mesh; always true.
     ///
     /// A file that cannot be read leaves its line in the log, and in its list what was read so far. Hosts get such a
-    /// mesh as far as it goes, so look at the lists and not at the result.
+    /// mesh as far as it goes, so check the lists and not the result.
     /// @throws std::out_of_range when a file's header lacks `object` or `class`
     bool read(const dvn::Str& folder, OFPolymesh* mesh);
 
     /// Reads the four files at the same time; always true.
     bool readPolymeshPar(const dvn::Str& folder, OFPolymesh* mesh);
     /// Reads the four files one after the other and stops at the first failure; the form that validates.
-    /// @return false if a file cannot be read or there is not one owner a face; the mesh's cell count is then unset
+    /// @return false if a file cannot be read or there is not one owner per face; the mesh's cell count is then unset
     bool readPolymeshSeq(const dvn::Str& folder, OFPolymesh* mesh);
 
     bool readPoints(const dvn::Str& folder, std::vector<double>* points);
     bool readNeighbors(const dvn::Str& folder, std::vector<int>* neighbors);
     bool readFaces(const dvn::Str& folder, FacesData* faces);
-    /// Keeps the cell count of the file's header for `setCellCount` of the mesh: it alone says how many cells there
-    /// are.
+    /// Keeps the cell count of the file's header for `setCellCount` of the mesh; nothing else gives that count.
     bool readOwners(const dvn::Str& folder, std::vector<int>* owners);
 
     /// The folder last given to `read`.
@@ -38,7 +37,7 @@ private:
     int m_cellCount = 0;
 };
 
-/// Task of the parallel read: one file into the one target that is its own.
+/// Task of the parallel read: one file into its own target.
 class OFPolymeshReadFunctor
 {
 public:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "LibCore/Parallel.h"
 #include "interface/DataProviderInterface.h"
 #include "mesh/MeshArrays.h"
 #include "mesh/OFCell.h"
@@ -8,81 +9,84 @@
 #include "records/OFBoundary.h"
 #include "records/OFFaceZone.h"
 
-#include <tbb/blocked_range.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 /// Turns a face-based mesh into the element and node groups of the host.
 ///
-/// The order of use is fixed by what `createMesh` gives back to the system on its way: first `populateBoundaryGroup`
-/// and `populateFaceZoneGroup`, which may run on several threads at once for different groups, then `createMesh`, then
+/// `createMesh` frees parts of the mesh as it goes, which fixes the order of use: first `populateBoundaryGroup` and
+/// `populateFaceZoneGroup`, which may run on several threads at once for different groups, then `createMesh`, then
 /// `populateElementGroup` and `populateNodeGroup`, and last the moves out of `nodesCountPerElt` and `connectivities`.
 class OFPolymeshToDDP
 {
 public:
-    /// Takes a mesh that must outlive this object, and removes from it what points to nothing (`makeConsistent`).
+    /// Takes a mesh that must outlive this object, and removes from it whatever points to nothing (`makeConsistent`).
     explicit OFPolymeshToDDP(OFPolymesh* mesh);
 
-    /// Converts all cells; always true. Afterwards the mesh holds its points alone.
+    /// Converts all cells; always true. Afterwards the mesh holds only its points.
     ///
-    /// A solid whose faces do not form it is delivered as it is, so that a bad cell never stops a mesh.
+    /// A solid whose faces do not form it is delivered as it is, so one bad cell never stops a mesh.
     bool createMesh();
 
     /// Hands over the points of the mesh, with ids from 1.
     bool populateNodeGroup(DDPNodeGroup* group, std::size_t* nodeCount) const;
-    /// Hands over the elements, with ids from 0, and gives their storage back but for `connectivities`: it delivers
+    /// Hands over the elements, with ids from 0, and frees their storage except `connectivities`, so it works only
     /// once.
     /// @return false, the group untouched, if there are no elements
     bool populateElementGroup(DDPElementGroup* group, std::size_t* elementCount);
 
-    /// Hands over a patch as a surface with nodes of its own, numbered from 0, and adds the mappings to the patch.
+    /// Hands over a patch as a surface with its own nodes, numbered from 0, and adds the mappings to the patch.
     ///
-    /// Of a patch that reaches beyond the faces of the mesh those that exist are delivered; its own counts stay.
-    /// @param mostFaces no more than these are delivered
+    /// If a patch reaches beyond the faces of the mesh, those that exist are delivered and its own counts stay.
+    /// @param mostFaces upper limit of the faces delivered
     bool populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* nodes, std::size_t* nodeCount,
                                DDPElementGroup* elements, std::size_t* elementCount,
                                std::size_t mostFaces = static_cast<std::size_t>(-1)) const;
-    /// How many faces each patch can have: in a sound mesh all of its own. Patches that overlap, which could ask for
-    /// the whole mesh each, get no more faces and labels together than the mesh has, and the first ones come first.
+    /// How many faces each patch gets: in a sound mesh all that it claims.
+    ///
+    /// Each of many patches could claim the whole mesh, so all together they get no more than twice the faces and node
+    /// labels of the mesh. Shorter patches are served first: a patch that claims too much takes nothing from the
+    /// others.
     std::vector<std::size_t> facesPerPatch(const std::vector<OFBoundary>& boundaries) const;
-    /// The same for a face zone, of which labels that name no face are left out. All elements have the id 0.
+    /// The same for a face zone. Labels that name no face are left out, and all elements have the id 0.
     bool populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* nodes, std::size_t* nodeCount, DDPElementGroup* elements,
                                std::size_t* elementCount) const;
-    /// Sorts ascending and keeps one of each value; always true.
+    /// Sorts ascending and removes duplicates; always true.
     bool removeDuplicates(std::vector<int>& values) const;
 
-    /// For each element the number of its entries in `connectivities`; to be moved from in the end.
+    /// For each element the number of its entries in `connectivities`; the caller may move from it at the end.
     std::vector<std::uint8_t>& nodesCountPerElt() { return m_elements.nodeCounts; }
-    /// 0-based nodes of all elements, element after element; to be moved from in the end.
+    /// 0-based nodes of all elements, element after element; the caller may move from it at the end.
     std::vector<int>& connectivities() { return m_elements.connectivities; }
 
-    // --- the conversion step by step, on cells as objects (OFPolymeshToDDPCells.cpp)
+    // --- reference conversion (OFPolymeshToDDPReference.cpp)
+    //
+    // Serves tests as a second path: the same conversion step by step, on `OFCell` objects. No host reaches it. It is
+    // several times slower and larger than `createMesh`, which must deliver the same.
 
-    /// The same as `createMesh`, cell object by cell object in eight chunks. Several times slower and larger, it is the
-    /// form that `createMesh` is held against.
+    /// The same as `createMesh`, cell object by cell object in eight chunks.
     bool createMeshInChunks();
-    /// Sizes of the eight chunks: equal but for the last, which takes what is left.
+    /// Sizes of the eight chunks, all equal except the last, which takes the remainder.
     std::vector<std::size_t> createCellsChunks(std::size_t cellCount) const;
-    /// Makes `count` the number of cells of the current chunk. All of the following are true always.
+    /// Makes `count` the number of cells of the current chunk. This and all operations below always return true.
     bool allocateCells(std::size_t count);
     /// Gives the cells of the current chunk, which are those from `first` up to but excluding `last`, their faces.
     bool assignCellFaces(int first, int last);
-    /// The same; the order of the faces of a cell is left to the threads.
+    /// The same; the order of the faces of a cell depends on the threads.
     bool assignCellFacesPar(int first, int last);
     /// The same with the faces of each cell in ascending order.
     bool assignCellFacesSeq(int first, int last);
-    /// Builds all cells of the current chunk, of which `firstCell` is the first, anew.
+    /// Builds all cells of the current chunk, whose first cell is `firstCell`, and drops earlier polyhedra.
     bool buildElementData(std::size_t firstCell);
-    /// The same behind polyhedra of earlier calls, all of them sorted by cell.
+    /// The same, but appends to the polyhedra of earlier calls; all of them are sorted by cell.
     bool buildElementDataPar(std::size_t firstCell);
-    /// The same, with no sort.
+    /// The same without the sort.
     bool buildElementDataSeq(std::size_t firstCell);
-    /// Stores the nodes of the current chunk behind the first `nodeBase` entries of `connectivities`, and clears the
+    /// Stores the nodes of the current chunk after the first `nodeBase` entries of `connectivities`, and clears the
     /// cells.
     bool buildDDPMeshData(std::size_t firstCell, std::size_t nodeBase);
-    /// Stores the polyhedra of the current chunk behind those of earlier chunks, whose counts are the three bases.
+    /// Stores the polyhedra of the current chunk after those of earlier chunks, whose counts are the three bases.
     bool BuildDDPMeshForPolys(std::size_t firstCell, std::size_t polyBase, std::size_t faceBase, std::size_t nodeBase);
 
     /// The cells of the current chunk.
@@ -99,7 +103,8 @@ private:
     PolyhedronArrays m_polyhedra;
 };
 
-/// Body of the parallel face assignment. A cell gets faces from many ranges at once, so its list is a concurrent one.
+/// Reference conversion: body of the parallel face assignment. A cell gets faces from many ranges at once, so its list
+/// is a concurrent one.
 class OFInsertCellFacesDataFunctor
 {
 public:
@@ -110,15 +115,15 @@ public:
     int firstCell;
     int endCell;
 
-    /// Files each face with those of its owner and its neighbour that are cells of the chunk.
-    void operator()(const tbb::blocked_range<std::size_t>& faces) const;
+    /// Adds each face to its owner and its neighbour if they are cells of the chunk.
+    void operator()(const dvf::IndexRange& faces) const;
 
 private:
     void insertSide(int cell, std::size_t face, bool isOwner) const;
 };
 
-/// Body of the parallel element build. Each cell writes its own data and its own type, and appends to the concurrent
-/// list of polyhedra.
+/// Reference conversion: body of the parallel element build. Each cell writes only its own data and type, and appends
+/// to the concurrent list of polyhedra.
 class OFBuildElementDataFunctor
 {
 public:
@@ -127,5 +132,5 @@ public:
     PolyDataVector* polys;
     DDPElementType* types; ///< of the chunk's first cell
 
-    void operator()(const tbb::blocked_range<std::size_t>& range) const;
+    void operator()(const dvf::IndexRange& range) const;
 };

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFPolymeshToDDP.h"
 
+#include "LibCore/Limits.h"
 #include "mesh/FaceGroup.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -16,15 +18,17 @@ struct FaceRange
 {
     std::int64_t first;
     std::int64_t end;
+
+    std::size_t size() const { return static_cast<std::size_t>(end - first); }
 };
 
-/// The faces of a patch that the mesh has: a patch may claim more, and what it claims stays in its record, since a
-/// later geometry may find the mesh whole.
+/// The faces of a patch that the mesh has. A patch may claim more; the claim stays in its record, since the mesh may be
+/// whole when it is read again.
 FaceRange rangeOfPatch(const OFBoundary& boundary, std::size_t faceCount)
 {
     const auto meshEnd = static_cast<std::int64_t>(faceCount);
     const std::int64_t start = boundary.startFaceIndex();
-    // No patch needs more than this to reach the end of the mesh, and the sum below cannot overflow.
+    // Enough to reach the end of the mesh from anywhere, and small enough that the sum below cannot overflow.
     const auto longest = static_cast<std::uint64_t>(meshEnd + std::abs(start));
     const auto claimed = static_cast<std::int64_t>(std::min<std::uint64_t>(boundary.faceCount(), longest));
     const std::int64_t first = std::clamp<std::int64_t>(start, 0, meshEnd);
@@ -32,17 +36,26 @@ FaceRange rangeOfPatch(const OFBoundary& boundary, std::size_t faceCount)
     return {first, end};
 }
 
+/// The positions of the ranges in ascending order of size; equal ones keep their order.
+std::vector<std::size_t> shortestFirst(const std::vector<FaceRange>& ranges)
+{
+    std::vector<std::size_t> order(ranges.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, std::less<>(), [&ranges](std::size_t i) { return ranges[i].size(); });
+    return order;
+}
+
 std::size_t labelsOf(const std::vector<std::uint8_t>& nodeCounts)
 {
     return std::accumulate(nodeCounts.begin(), nodeCounts.end(), std::size_t{0});
 }
 
-/// The faces of a zone that the mesh has. One that names a face again and again gets no more labels than the mesh has.
+/// The faces of a zone that the mesh has. A zone that repeats faces gets no more labels than the mesh has.
 std::vector<int> facesOfZone(const OFFaceZone& zone, const FacesData& mesh)
 {
     std::vector<int> faces;
     faces.reserve(zone.faceCount());
-    // So few faces that they cannot have more are not worth a look at all faces of the mesh.
+    // With so few faces the limit cannot be reached, so the labels of the mesh are not counted.
     const std::size_t mostLabels = zone.faceIds().size() * std::numeric_limits<std::uint8_t>::max();
     std::size_t labelsLeft = mostLabels <= mesh.faceCount() ? mostLabels : labelsOf(mesh.nodeCounts);
     for (const int face : zone.faceIds()) {
@@ -55,7 +68,7 @@ std::vector<int> facesOfZone(const OFFaceZone& zone, const FacesData& mesh)
     return faces;
 }
 
-/// Stores in a patch where its nodes and faces come from, which its results need.
+/// Stores in a patch which nodes and cells it comes from; its results need that.
 void storeMappings(const std::vector<int>& owners, const std::vector<int>& faces, FaceGroup* group,
                    OFBoundary* boundary)
 {
@@ -67,7 +80,7 @@ void storeMappings(const std::vector<int>& owners, const std::vector<int>& faces
     }
     boundary->createFaceToCellMapping(faces.size());
     for (std::size_t i = 0; i < faces.size(); ++i) {
-        // A broken `owner` file may end before the faces do; no cell has the label -1.
+        // A broken `owner` file may end before the faces do. No cell has the label -1.
         const auto face = static_cast<std::size_t>(faces[i]);
         boundary->cellIndex(i) = face < owners.size() ? owners[face] : -1;
     }
@@ -80,7 +93,7 @@ bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* 
                                             std::size_t mostFaces) const
 {
     const FaceRange range = rangeOfPatch(boundary, m_mesh->faces().faceCount());
-    const std::size_t count = std::min(static_cast<std::size_t>(range.end - range.first), mostFaces);
+    const std::size_t count = std::min(range.size(), mostFaces);
     const std::vector<int> faces = numbersFrom(static_cast<int>(range.first), count);
     FaceGroup group(*m_mesh, faces);
     *nodeCount = group.nodes().size();
@@ -94,20 +107,23 @@ bool OFPolymeshToDDP::populateBoundaryGroup(OFBoundary& boundary, DDPNodeGroup* 
 std::vector<std::size_t> OFPolymeshToDDP::facesPerPatch(const std::vector<OFBoundary>& boundaries) const
 {
     const std::vector<std::uint8_t>& nodeCounts = m_mesh->faces().nodeCounts;
-    std::size_t facesLeft = nodeCounts.size();
-    std::size_t labelsLeft = labelsOf(nodeCounts);
-    std::vector<std::size_t> counts;
-    counts.reserve(boundaries.size());
+    std::vector<FaceRange> ranges;
+    ranges.reserve(boundaries.size());
     for (const OFBoundary& boundary : boundaries) {
-        const FaceRange range = rangeOfPatch(boundary, nodeCounts.size());
-        const auto first = static_cast<std::size_t>(range.first);
-        const std::size_t most = std::min(facesLeft, static_cast<std::size_t>(range.end - range.first));
-        std::size_t count = 0;
+        ranges.push_back(rangeOfPatch(boundary, nodeCounts.size()));
+    }
+    std::size_t facesLeft = dvf::limits::SHARE_OF_PATCHES * nodeCounts.size();
+    std::size_t labelsLeft = dvf::limits::SHARE_OF_PATCHES * labelsOf(nodeCounts);
+    std::vector<std::size_t> counts(boundaries.size());
+    // A patch that claims too much comes late and gets what the others leave.
+    for (const std::size_t patch : shortestFirst(ranges)) {
+        const auto first = static_cast<std::size_t>(ranges[patch].first);
+        const std::size_t most = std::min(facesLeft, ranges[patch].size());
+        std::size_t& count = counts[patch];
         for (; count < most && nodeCounts[first + count] <= labelsLeft; ++count) {
             labelsLeft -= nodeCounts[first + count];
         }
         facesLeft -= count;
-        counts.push_back(count);
     }
     return counts;
 }
@@ -120,7 +136,7 @@ bool OFPolymeshToDDP::populateFaceZoneGroup(OFFaceZone& zone, DDPNodeGroup* node
     *nodeCount = group.nodes().size();
     *elementCount = faces.size();
     group.sendNodes(*m_mesh, nodes);
-    // All elements have the id 0: only patches number theirs, and hosts know it so.
+    // Compatibility (docs/compatibility.md, "face zone ids 0").
     group.sendElements(std::vector<int>(faces.size()), elements);
     return true;
 }

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "foamfile/FacesData.h"
+#include "records/Components.h"
 
+#include <cstddef>
 #include <vector>
 
-/// One sampled surface as its folder has it. Every face is taken to be a triangle.
+/// One sampled surface as it is in its folder. Every face counts as a triangle.
 class OFTriSurface
 {
 public:
@@ -15,6 +17,7 @@ public:
     /// x, y, z of each face's centre in turn.
     std::vector<double>& facecenters() { return m_facecenters; }
     const std::vector<double>& facecenters() const { return m_facecenters; }
+    std::size_t nodeCount() const { return m_points.size() / VECTOR_COMPONENTS; }
     FacesData& faces() { return m_faces; }
     const FacesData& faces() const { return m_faces; }
 

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFTriSurfaceReader.h"
 
+#include "LibCore/Parallel.h"
 #include "foamfile/OFFile.h"
 #include "mesh/ListFile.h"
-
-#include <tbb/parallel_invoke.h>
-#include <tbb/task_group.h>
 
 namespace {
 
 constexpr const char* SURFACE_LOG_GROUP = "OFTriSurfaceReader";
-/// Spelled otherwise than the rest on purpose: filters of log lines know it so.
+/// Compatibility (docs/compatibility.md, "log source spelling").
 constexpr const char* CENTERS_LOG_GROUP = "OFTriSUrfaceReader";
 
 bool readVectors(const dvn::Str& path, const dvn::Str& objectName, std::vector<double>* values)
@@ -28,14 +26,13 @@ bool OFTriSurfaceReader::read(const dvn::Str& folder, OFTriSurface* surface)
 
 bool OFTriSurfaceReader::readTriSurfacePar(const dvn::Str& folder, OFTriSurface* surface)
 {
-    // Separate objects, since tasks that end together must not write to one word.
+    // Separate objects: tasks that end together must not write to one word.
     bool hasPoints = false;
     bool hasCenters = false;
     bool hasFaces = false;
-    tbb::task_group_context context;
-    tbb::parallel_invoke([&] { hasPoints = readPoints(folder, &surface->points()); },
-                         [&] { hasCenters = readFaceCenters(folder, &surface->facecenters()); },
-                         [&] { hasFaces = readFaces(folder, &surface->faces()); }, context);
+    dvf::invokeAll([&] { hasPoints = readPoints(folder, &surface->points()); },
+                   [&] { hasCenters = readFaceCenters(folder, &surface->facecenters()); },
+                   [&] { hasFaces = readFaces(folder, &surface->faces()); });
     return hasPoints && hasCenters && hasFaces;
 }
 
@@ -46,7 +43,7 @@ bool OFTriSurfaceReader::readTriSurfaceSeq(const dvn::Str& folder, OFTriSurface*
         !readFaces(folder, &surface->faces())) {
         return false;
     }
-    // Group and wording are those of a mesh; filters of log lines know it so.
+    // Compatibility (docs/compatibility.md, "log source spelling"): group and wording are those of a mesh.
     OFLogger::get().logDebug("OFPolymeshReader",
                              dvn::Str(">>> Polymesh reading done (sequential). Time used : %1").arg(timer.time()));
     return true;

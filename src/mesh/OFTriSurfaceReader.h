@@ -6,13 +6,13 @@
 
 #include <vector>
 
-/// Reads the three list files of a sampled surface, with or without their `FoamFile` block: it depends on the tool that
-/// wrote them. A missing or malformed file leaves its line in the log.
+/// Reads the three list files of a sampled surface. Whether they have a `FoamFile` block depends on the tool that wrote
+/// them. A missing or malformed file leaves its line in the log.
 class OFTriSurfaceReader
 {
 public:
     /// Reads the surface of a folder.
-    /// @return false if one of the files cannot be read; the others stand in the surface
+    /// @return false if one of the files cannot be read; the surface then holds the others
     bool read(const dvn::Str& folder, OFTriSurface* surface);
 
     /// Reads the three files at the same time.

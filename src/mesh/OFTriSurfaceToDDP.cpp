@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFTriSurfaceToDDP.h"
 
+#include "LibCore/Parallel.h"
 #include "mesh/MeshArrays.h"
 #include "mesh/MeshConsistency.h"
-
-#include <tbb/parallel_invoke.h>
-#include <tbb/task_group.h>
 
 #include <algorithm>
 
@@ -18,9 +16,9 @@ constexpr std::size_t TRIANGLE_NODES = 3;
 OFTriSurfaceToDDP::OFTriSurfaceToDDP(OFTriSurface* surface) : m_surface(surface)
 {
     FacesData& faces = m_surface->faces();
-    dropInconsistentFaces(&faces, m_surface->points().size() / 3);
-    // The labels go to the host as they stand. One that takes three for each triangle, though a face has less, is to
-    // find the first point behind them and not what lies behind the array.
+    dropInconsistentFaces(&faces, m_surface->nodeCount());
+    // The labels go to the host unchanged. A host that takes three per triangle, though a face has fewer, finds zeros
+    // after them and does not read past the array.
     const std::size_t sent = faces.nodes.size();
     faces.nodes.resize(std::max(sent, TRIANGLE_NODES * faces.faceCount()));
     faces.nodes.resize(sent);
@@ -29,11 +27,10 @@ OFTriSurfaceToDDP::OFTriSurfaceToDDP(OFTriSurface* surface) : m_surface(surface)
 bool OFTriSurfaceToDDP::populateNodeAndElementGroup(DDPNodeGroup* nodes, DDPElementGroup* elements,
                                                     std::size_t* nodeCount, std::size_t* elementCount) const
 {
-    // Separate objects, since tasks that end together must not write to one word. They tell that a task has run.
+    // Separate objects: tasks that end together must not write to one word. They show that a task has run.
     bool nodesDone = false;
     bool elementsDone = false;
-    tbb::task_group_context context;
-    tbb::parallel_invoke(
+    dvf::invokeAll(
         [&] {
             (void)populateNodeGroup(nodes, nodeCount);
             nodesDone = true;
@@ -41,14 +38,13 @@ bool OFTriSurfaceToDDP::populateNodeAndElementGroup(DDPNodeGroup* nodes, DDPElem
         [&] {
             (void)populateElementGroup(elements, elementCount);
             elementsDone = true;
-        },
-        context);
+        });
     return nodesDone && elementsDone;
 }
 
 bool OFTriSurfaceToDDP::populateNodeGroup(DDPNodeGroup* nodes, std::size_t* nodeCount) const
 {
-    *nodeCount = m_surface->points().size() / 3;
+    *nodeCount = m_surface->nodeCount();
     nodes->setNodes(m_surface->points().data(), *nodeCount);
     nodes->setNodeIds(numbersFrom(1, *nodeCount).data(), *nodeCount);
     return true;

@@ -10,7 +10,7 @@
 class OFTriSurfaceToDDP
 {
 public:
-    /// Takes a surface that must outlive this object, and drops from it the faces that have a label without a point.
+    /// Takes a surface that must outlive this object, and drops its faces that have a label without a point.
     explicit OFTriSurfaceToDDP(OFTriSurface* surface);
 
     /// Fills both groups at the same time.
@@ -20,8 +20,8 @@ public:
     bool populateNodeGroup(DDPNodeGroup* nodes, std::size_t* nodeCount) const;
     /// Hands over all faces as triangles, with ids from 1; always true.
     ///
-    /// The connectivity is the surface's list of labels as it stands, so a face of other than three nodes shifts those
-    /// behind it.
+    /// Compatibility (docs/compatibility.md, "surface elements are triangles"): the connectivity is the surface's list
+    /// of labels unchanged, so a face that is not a triangle shifts those after it.
     bool populateElementGroup(DDPElementGroup* elements, std::size_t* elementCount) const;
 
 private:

@@ -42,7 +42,7 @@ std::int32_t OpenFoamProvider::init(const DDPString& key, const DDPInitOptions& 
     logVersions(key);
     applyUserReaderSettings(options);
     const dvn::Str folder = folderOf(key);
-    // A bare file name has no folder either: hosts pass full paths, and the working folder of the host is no case.
+    // A bare file name has no folder: hosts pass full paths, and their working folder is not a case.
     if (folder.isEmpty()) {
         return 0;
     }
@@ -67,7 +67,7 @@ void OpenFoamProvider::applyUserReaderSettings(const DDPInitOptions& options)
     m_reader.setMakeNodeAverageResultFlag(m_makeNodeAverageResults);
     m_reader.setHideProcessorInterfacesAsBoundariesFlag(getBoolUserSetting(options, OF_HIDE_PARALLEL_INTERFACES));
     m_reader.setCustomResultNames(getStringUserSetting(options, OF_RESULTS_NAMES_MAPPING));
-    // A blank line sets the settings off from what follows.
+    // A blank line separates the settings from what follows.
     logInfo(" ");
 }
 

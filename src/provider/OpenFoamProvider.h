@@ -13,8 +13,8 @@
 
 class OFPolymeshReader;
 class OFPolymeshToDDP;
-class OFResultReader;
 class OFTriSurfaceReader;
+struct OFFieldFile;
 
 /// The two host objects that take one group of the geometry; borrowed for the length of one call.
 struct OFGroupPair
@@ -23,95 +23,91 @@ struct OFGroupPair
     DDPElementGroup* elements = nullptr;
 };
 
-/// The pairs of one part: its own, one for each patch, one for each face zone. A sampled surface has one pair.
+/// The pairs of one part: its own, one per patch, one per face zone. A sampled surface has one pair.
 using OFGroupPairs = std::vector<OFGroupPair>;
 
-/// The value groups of one part: its own, then one for each patch. A sampled surface has one.
+/// The value groups of one part: its own, then one per patch. A sampled surface has one.
 using OFValueGroups = std::vector<DDPResultValueGroup*>;
 
 /// One open case of a host: turns the host's calls into calls on the case model.
 ///
-/// The host calls `init`, `getMetaData`, then the others as it wishes, last `close`; it calls from one thread, and only
-/// `init` is safe to fail. `getMetaData` settles the ids that the later calls use, and `getGeometry` the counts that
-/// results are sized by. Host objects are borrowed for the length of a call. Nothing is caught here: a file without an
-/// entry that must be there ends a call with `std::out_of_range`.
+/// From one thread, the host calls `init`, `getMetaData`, then the others in any order, and `close` last. Only `init`
+/// is expected to fail. `getMetaData` sets the ids that later calls use, and `getGeometry` the counts
+/// that size the results. Host objects are borrowed for the length of a call. Nothing is caught here: a file that lacks
+/// a required entry ends a call with `std::out_of_range`.
 class OpenFoamProvider final : public DDPDataProvider
 {
 public:
     // --- lifecycle and settings (OpenFoamProvider.cpp)
 
-    /// Opens the case in the folder of `key`, whose file name selects nothing and need not exist.
+    /// Opens the case in the folder of `key`. The file name in `key` is ignored and need not exist.
     ///
-    /// @param error not touched: what went wrong is in the log
-    /// @return non-zero on success, 0 also for a key without a folder
+    /// @param error not touched: the reason of a failure is in the log
+    /// @return non-zero on success; 0 also for a key without a folder
     std::int32_t init(const DDPString& key, const DDPInitOptions& options, DDPError* error) override;
-    /// Forgets parts and states; the settings stay.
+    /// Forgets parts and states; keeps the settings.
     void close() override;
-    /// Hands all settings to the reader, given or default, and logs those that were given.
+    /// Passes all settings to the reader, given or default, and logs those that were given.
     void applyUserReaderSettings(const DDPInitOptions& options);
     bool getBoolUserSetting(const DDPInitOptions& options, const OFInitOption& option) const;
-    /// Owned by the caller. The log tells that a text was given, but not which.
+    /// The value, owned by the caller. The log says that a text was given, but not which.
     DDPString getStringUserSetting(const DDPInitOptions& options, const OFInitOptionString& option) const;
 
     // --- description (OpenFoamProviderMetaData.cpp)
 
-    /// Publishes title, parts, states and results, and settles all ids; always true.
+    /// Publishes title, parts, states and results, and sets all ids; always true.
     bool getMetaData(DDPMetaData* metaData) override;
     bool addGeometryInfo(DDPMetaData* metaData);
     bool addStateInfo(DDPMetaData* metaData);
-    /// Gives ids to the results of all states and links averages with their sources; always true.
+    /// Gives ids to the results of all states and links averages to their sources; always true.
     ///
-    /// @param metaData null to keep it from the host, for states that came later
+    /// @param metaData null if the host is not to be told, for states found by polling
     bool addResultInfo(DDPMetaData* metaData);
-    /// The host is told of no sets: false, and nothing happens.
+    /// Does nothing and returns false: no sets are declared to the host.
     bool addSetInfo(DDPMetaData* metaData);
 
     // --- geometry (OpenFoamProviderGeometry.cpp)
 
-    /// Delivers all nodes and elements, each part and each surface on a worker of its own.
+    /// Delivers all nodes and elements, parts and surfaces in parallel.
     ///
     /// A part that cannot be read leaves its groups empty.
-    /// @return false, with no groups made, for a geometry other than the one of the case
+    /// @return false, with no groups made, unless the selector is that of the case's only geometry
     bool getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geometry) override;
     bool getGeometryForPart(const std::size_t& partIndex, OFPolymeshReader& reader, OFGroupPairs& pairs,
                             const DDPGeometrySpec& spec);
     bool getGeometryForTrisurface(const std::size_t& surfaceIndex, OFTriSurfaceReader& reader, OFGroupPair& pair,
                                   const DDPGeometrySpec& spec);
-    /// Delivers each patch on a worker of its own; always true.
+    /// Delivers the patches in parallel; always true.
     bool generateBoundaryParts(std::vector<OFBoundary>& boundaries, OFGroupPairs& pairs, OFPolymeshToDDP& converter);
     /// The same for face zones, whose pairs follow those of the patches.
     bool generateFaceZones(std::vector<OFFaceZone>& faceZones, OFGroupPairs& pairs, std::vector<OFBoundary>& boundaries,
                            OFPolymeshToDDP& converter);
-    /// Tells the host which cells show in which zone; cells that the mesh does not have are left out.
+    /// Tells the host which zone each cell belongs to; cells that the mesh does not have are left out.
     void generateCellZoneParts(OFPart* part, const std::size_t& elementCount, DDPElementGroup* group);
-    /// Delivers the cells of the first cell zone with this local id; zones of several parts share ids.
+    /// Delivers the cells of the first cell zone with this id.
+    /// Compatibility (docs/compatibility.md, "zone ids per part").
     bool getSet(std::int32_t setId, DDPSet* set) override;
 
     // --- results (OpenFoamProviderResults.cpp, OpenFoamProviderDisplacements.cpp)
 
-    /// Delivers one result of one state, each part and each surface on a worker of its own; values that cannot be had
-    /// are undefined.
+    /// Delivers one result of one state, parts and surfaces in parallel. Values that cannot be read are undefined.
     ///
     /// @return false if the state or the result is unknown, or displaced points cannot be read
     bool getResult(const DDPResultSpec& spec, DDPResult* result) override;
-    bool buildDataResults(const OFState* state, const OFResult* result, DDPResult* dataResult,
-                          const dvn::Str& nativeName, const dvn::Str& className);
-    bool getResultForPart(int partIndex, const OFState* state, const OFResult* result, OFValueGroups& groups,
-                          const dvn::Str& nativeName, const dvn::Str& className);
-    /// Reads a field with its patches and delivers what was read; `values` is used up.
-    void getResultsWithBoundaries(const std::vector<OFBoundary>& boundaries, int dimension, OFResultReader& reader,
-                                  const dvn::Str& folder, const dvn::Str& nativeName, const dvn::Str& className,
+    bool buildDataResults(const OFState* state, const OFResult* result, DDPResult* dataResult);
+    bool getResultForPart(int partIndex, const OFState* state, const OFResult* result, OFValueGroups& groups);
+    /// Reads a field with its patches and delivers what was read; `values` is empty afterwards.
+    void getResultsWithBoundaries(const OFFieldFile& field, const std::vector<OFBoundary>& boundaries,
                                   std::vector<double>& values, OFValueGroups& groups);
     bool getResultForTrisurface(int surfaceIndex, const OFState* state, const OFResult* result,
-                                DDPResultValueGroup* group, const dvn::Str& nativeName, const dvn::Str& className);
-    /// Delivers the positions of all nodes in this state: coordinates, not differences. Surfaces have none.
+                                DDPResultValueGroup* group);
+    /// Delivers the positions of all nodes in this state (coordinates, not differences), except those of surfaces.
     bool getDisplacements(int stateId, DDPResult* result);
     bool updatePointsForPart(int partIndex, int stateId, OFValueGroups& groups);
-    /// Fills item i of `target` with item `mapping[i]` of `source`; items that the source does not have stay as they
-    /// are.
+    /// Copies item `mapping[i]` of `source` to item i of `target`; items that the source lacks stay unchanged.
     bool applyNodalDataInFace(const std::vector<double>& source, std::vector<double>& target, int dimension,
                               const std::vector<int>& mapping) const;
-    /// The case has no rigid body motion: false, and nothing happens.
+    /// Does nothing and returns false: cases have no rigid body motion.
     bool getRigidBodyTransformations(std::uint64_t stateIndex, std::int32_t id,
                                      DDPTransformations* transformations) override;
 
@@ -119,7 +115,8 @@ public:
 
     /// Tells the host which time folders appeared or vanished since the last poll.
     ///
-    /// The poll behind one that found a change tells all states anew and looks for no further change.
+    /// If the case folder cannot be listed, nothing is reported and the next poll tries again. The poll after one that
+    /// found a change announces all states again and looks for no other change.
     void pollForChanges(DDPChangeNotifications* notifications) override;
     void runVerificationForChanges(DDPChangeNotifications* notifications);
     /// Both lists are sorted.
@@ -133,17 +130,17 @@ private:
 
     bool deliverCells(OFPart& part, OFPolymeshToDDP& converter, const OFGroupPair& pair);
     void deliverUndefined(const OFResult& result, DDPResult* dataResult) const;
-    /// @param nodeValues undefined values for all nodes of the part; used up
+    /// @param nodeValues undefined values for all nodes of the part; may be empty afterwards
     bool getAverageForPart(const OFPart& part, const OFState* state, const OFResult* result,
                            std::vector<double>& nodeValues, OFValueGroups& groups) const;
 
     OFReader m_reader;
-    /// Set by a poll that changed the list of states; the next poll tells them all anew.
+    /// Set by a poll that changed the list of states; the next poll announces them all again.
     bool m_runVerification = false;
     bool m_makeNodeAverageResults = false;
     /// Id of the result that was published as displacement; -1 means none.
     int m_displacementResultId = NO_RESULT_ID;
-    /// The mesh folder of the part that was read last.
+    /// The mesh folder of the part read last.
     SharedFolder m_polyMeshFolder;
     bool m_loadBoundaries = false;
 };

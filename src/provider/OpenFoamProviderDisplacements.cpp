@@ -3,13 +3,14 @@
 
 #include "mesh/OFPolymeshReader.h"
 #include "provider/ValueArrays.h"
+#include "records/Components.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr int POINT_DIMENSION = 3;
-/// The first state of a case as it was opened, whose points are those of the mesh itself.
+constexpr int POINT_DIMENSION = static_cast<int>(VECTOR_COMPONENTS);
+/// The first state of a newly opened case, whose points are those of the mesh itself.
 constexpr int FIRST_STATE_ID = 1;
 
 } // namespace
@@ -40,10 +41,8 @@ bool OpenFoamProvider::updatePointsForPart(int partIndex, int stateId, OFValueGr
     if (groups.size() != 1 + part.boundaries().size()) {
         return false;
     }
-    // State 1 takes the one folder that the geometry left, for every part: in a case of several parts the first state
-    // shows the points of the part that was read last. Hosts know it so.
-    const dvn::Str partFolder = part.isDefaultRegion() ? state->folder() : state->folder() + "/" + part.name();
-    const dvn::Str folder = stateId == FIRST_STATE_ID ? m_polyMeshFolder.get() : partFolder + "/polyMesh";
+    // Compatibility (docs/compatibility.md, "displacements of state 1"): one folder serves every part.
+    const dvn::Str folder = stateId == FIRST_STATE_ID ? m_polyMeshFolder.get() : state->folderOf(part) + "/polyMesh";
     std::vector<double> points;
     if (!OFPolymeshReader().readPoints(folder, &points)) {
         return false;

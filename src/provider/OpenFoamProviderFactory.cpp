@@ -12,7 +12,7 @@ bool OpenFoamProviderFactory::getProviderInfo(DDPDataProviderInfo* info)
 {
     info->setProviderName(DDPString::fromChar(PROVIDER_DISPLAY_NAME));
     info->setProviderFileMask(getProviderFileMask());
-    // Hosts show the settings in this order; it is neither that of their definition nor that of their reading.
+    // Compatibility (docs/compatibility.md, "setting order").
     for (const OFInitOption* const option :
          {&OF_LOAD_BOUNDARY_PARTS, &OF_LOAD_CELL_ZONES, &OF_LOAD_FACE_ZONES, &OF_LOAD_GLOBAL_MESH,
           &OF_LOAD_LOCAL_MESHES, &OF_NODE_AVG_RESULTS, &OF_HIDE_PARALLEL_INTERFACES}) {

@@ -7,14 +7,14 @@
 class OpenFoamProviderFactory final : public DDPDataProviderFactory
 {
 public:
-    /// Tells the display name, the file mask and the user settings; always true.
+    /// Declares the display name, the file mask and the user settings; always true.
     bool getProviderInfo(DDPDataProviderInfo* info) override;
 
     /// True if the last component of the path is "case.foam" in any case, "/" and "\" being separators.
-    /// The file system is not asked.
+    /// Does not access the file system.
     bool isSupportedByProvider(const DDPString& path) override;
 
-    /// A new provider, owned by the host until it hands it to `destroyProviderInstance`.
+    /// A new provider, owned by the host until it passes it to `destroyProviderInstance`.
     DDPDataProvider* createProviderInstance() override;
     /// Destroys a provider; null is ignored.
     void destroyProviderInstance(DDPDataProvider* provider) override;

@@ -2,6 +2,7 @@
 #include "provider/OpenFoamProvider.h"
 
 #include "DvnCore/Timer.h"
+#include "LibCore/Parallel.h"
 #include "foamfile/OFLogger.h"
 #include "mesh/OFPolymesh.h"
 #include "mesh/OFPolymeshReader.h"
@@ -11,20 +12,11 @@
 #include "mesh/OFTriSurfaceToDDP.h"
 #include "provider/PluginIdentity.h"
 #include "provider/ProviderLog.h"
-#include "provider/TaskFailures.h"
-
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_for.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace {
-
-using Range = tbb::blocked_range<std::size_t>;
-
-/// One index is a whole mesh or patch, so no range is too small to be split.
-constexpr std::size_t MESH_GRAIN_SIZE = 1;
 
 /// Logs how long one step took for the part or surface of this index.
 void logStep(const char* message, std::size_t index, double seconds)
@@ -34,18 +26,17 @@ void logStep(const char* message, std::size_t index, double seconds)
 
 /// Reads and delivers parts, then sampled surfaces: indices from the part count on are surfaces.
 ///
-/// Each index writes to its own pairs and its own part or surface alone; the readers belong to one block. A part that
-/// fails has logged why and leaves its groups empty, so its result counts for nothing.
+/// Each index writes only to its own pairs and its own part or surface; the readers belong to one sub-range. A part
+/// that fails has logged why and leaves its groups empty, so its return value is ignored.
 struct OFReadPartMeshFunctor
 {
     OpenFoamProvider* provider;
     std::vector<OFGroupPairs>* pairs;
     const DDPGeometrySpec* spec;
     std::size_t partCount;
-    std::size_t surfaceCount;
-    TaskFailures* failures;
+    dvf::Failures* failures;
 
-    void operator()(const Range& range) const
+    void operator()(const dvf::IndexRange& range) const
     {
         OFPolymeshReader meshReader;
         OFTriSurfaceReader surfaceReader;
@@ -91,7 +82,7 @@ void showElementsIn(int globalPartId, std::size_t elementCount, DDPElementGroup*
     group->setElementPartIds(partIds.data(), partIds.size());
 }
 
-/// The cells of a zone that its part has; before the mesh is built all that the file names.
+/// The cells of a zone that its part has; before the mesh is built, all cells in the file.
 std::vector<int> cellsOfZone(const OFCellZone& zone, std::size_t elementCount)
 {
     std::vector<int> cells = zone.cellIds();
@@ -109,10 +100,9 @@ bool OpenFoamProvider::getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geo
     }
     std::vector<OFGroupPairs> pairs = makePairs(m_reader, geometry);
     const dvn::Timer timer;
-    TaskFailures failures(pairs.size());
-    const OFReadPartMeshFunctor readMesh = {
-        this, &pairs, &spec, m_reader.partCount(), m_reader.sampledSurfaceCount(), &failures};
-    tbb::parallel_for(Range(0, pairs.size(), MESH_GRAIN_SIZE), readMesh, tbb::auto_partitioner());
+    dvf::Failures failures(pairs.size());
+    const OFReadPartMeshFunctor readMesh = {this, &pairs, &spec, m_reader.partCount(), &failures};
+    dvf::forLargeItems(pairs.size(), readMesh);
     failures.rethrowFirst();
     logInfo(dvn::Str(">>>> Get Geometry [Parallel] done. Total time used : %1").arg(timer.time()));
     OFLogger::get().printTrackedData();
@@ -126,7 +116,7 @@ bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolyme
     dvn::Timer lapTimer;
     OFPart& part = m_reader.part(partIndex);
     const dvn::Str folder = part.folder();
-    // A mesh that cannot be read this time leaves no counts of an earlier one, which its empty groups would not fit.
+    // If the mesh cannot be read this time, counts of an earlier one would not fit its empty groups.
     part.setNodeCount(OFPart::UNKNOWN_COUNT);
     part.setElementCount(OFPart::UNKNOWN_COUNT);
     OFPolymesh polyMesh;
@@ -136,7 +126,7 @@ bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolyme
     logStep(" Get Part %1. polyReader.read() time [1] : %2 seconds", partIndex, lapTimer.lapTime());
     m_polyMeshFolder.set(reader.polyMeshFolder());
 
-    // Patches and face zones come first: making the cells uses up the mesh's faces.
+    // Patches and face zones come first: building the cells frees the faces of the mesh.
     OFPolymeshToDDP converter(&polyMesh);
     const dvn::Timer boundaryTimer;
     (void)generateBoundaryParts(part.boundaries(), pairs, converter);
@@ -185,8 +175,8 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
         return true;
     }
     const std::vector<std::size_t> faceCounts = converter.facesPerPatch(boundaries);
-    // Each index writes to its own patch and its own pair; the mesh is read only.
-    const auto deliverPatches = [&](const Range& range) {
+    // Each index writes only to its own patch and pair; the mesh is only read.
+    const auto deliverPatches = [&](const dvf::IndexRange& range) {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             OFBoundary& boundary = boundaries[i];
             const OFGroupPair& pair = pairs[i + 1];
@@ -200,7 +190,7 @@ bool OpenFoamProvider::generateBoundaryParts(std::vector<OFBoundary>& boundaries
             showElementsIn(boundary.geometryGlobalPartId(), elementCount, pair.elements);
         }
     };
-    tbb::parallel_for(Range(0, boundaries.size(), MESH_GRAIN_SIZE), deliverPatches, tbb::auto_partitioner());
+    dvf::forLargeItems(boundaries.size(), deliverPatches);
     return true;
 }
 
@@ -211,8 +201,8 @@ bool OpenFoamProvider::generateFaceZones(std::vector<OFFaceZone>& faceZones, OFG
         return true;
     }
     const std::size_t firstPair = boundaries.size() + 1;
-    // Each index writes to its own pair; zones and mesh are read only.
-    const auto deliverZones = [&](const Range& range) {
+    // Each index writes only to its own pair; zones and mesh are only read.
+    const auto deliverZones = [&](const dvf::IndexRange& range) {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             OFFaceZone& zone = faceZones[i];
             const OFGroupPair& pair = pairs[firstPair + i];
@@ -224,7 +214,7 @@ bool OpenFoamProvider::generateFaceZones(std::vector<OFFaceZone>& faceZones, OFG
             showElementsIn(zone.geometryGlobalPartId(), elementCount, pair.elements);
         }
     };
-    tbb::parallel_for(Range(0, faceZones.size(), MESH_GRAIN_SIZE), deliverZones, tbb::auto_partitioner());
+    dvf::forLargeItems(faceZones.size(), deliverZones);
     return true;
 }
 
@@ -233,7 +223,7 @@ void OpenFoamProvider::generateCellZoneParts(OFPart* part, const std::size_t& el
     if (part->cellZones().empty()) {
         return;
     }
-    // Cells in no zone show in the part itself, cells in several zones in the last of them.
+    // Cells in no zone belong to the part itself, cells in several zones to the last of them.
     std::vector<int> partIds(elementCount, part->id());
     for (const OFCellZone& zone : part->cellZones()) {
         for (const int cell : cellsOfZone(zone, elementCount)) {
@@ -279,7 +269,7 @@ bool OpenFoamProvider::getSet(std::int32_t setId, DDPSet* set)
 {
     for (std::size_t i = 0; i < m_reader.partCount(); ++i) {
         const std::vector<OFCellZone>& zones = m_reader.part(i).cellZones();
-        // Zones count from 1 in each part, so the first part that has the number wins.
+        // Compatibility (docs/compatibility.md, "zone ids per part"): the first part that has the number wins.
         const auto zone = std::ranges::find(zones, setId, &OFCellZone::id);
         if (zone != zones.end()) {
             const std::vector<int> cells = cellsOfZone(*zone, m_reader.part(i).elementCount());

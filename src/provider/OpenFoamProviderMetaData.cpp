@@ -6,7 +6,7 @@
 
 namespace {
 
-// Mode codes that the host expects; their meaning is the host's.
+// Mode codes that the host expects; only the host knows their meaning.
 constexpr std::int32_t SIMULATION_MODE = 4;
 constexpr std::int32_t SINGLE_STATE_MODE = 0;
 constexpr std::int32_t SEVERAL_STATES_MODE = 4;
@@ -20,13 +20,13 @@ constexpr std::array<std::int32_t, 3> KINDS_ABOVE_SCALAR = {1, 4, KIND_DISPLACEM
 constexpr std::int32_t MAPPING_NODES = 0;
 constexpr std::int32_t MAPPING_ELEMENTS = 1;
 
-/// Names reach the host as they stand in the files.
+/// For names that reach the host as they are in the files.
 DDPString copied(const dvn::Str& text)
 {
     return DDPString(text.toUtf8().c_str());
 }
 
-/// Names on this road are encoded once more on top of UTF-8. Hosts know which names take it.
+/// Compatibility (docs/compatibility.md, "encoded twice"): for names that are encoded once more on top of UTF-8.
 DDPString converted(const dvn::Str& text)
 {
     return DDPString::fromChar(text.toUtf8().c_str());
@@ -49,8 +49,8 @@ std::int32_t hostMapping(const OFResult& result)
     return result.mapping() == OFResultOnCell ? MAPPING_ELEMENTS : MAPPING_NODES;
 }
 
-/// Declares a part and its cell zones. A part with zones is a group like them, any other a part: hosts tell the two
-/// apart by it.
+/// Declares a part and its cell zones. Compatibility (docs/compatibility.md, "zones make a group"): a part with zones
+/// is a group like them, any other a part.
 void addPartWithZones(OFPart& part, DDPGeometryInfo* geometryInfo)
 {
     if (part.cellZones().empty()) {
@@ -105,7 +105,7 @@ void setResultIds(OFState& state, const IdsByKey& ids)
     }
 }
 
-/// The id string of the node average of a result on cells: the same with "N" for the last character.
+/// The id string of the node average of a result on cells: the same with "N" as the last character.
 dvn::Str averageIdString(const OFResult& source)
 {
     const dvn::Str& text = source.idString();
@@ -163,7 +163,7 @@ bool OpenFoamProvider::addStateInfo(DDPMetaData* metaData)
 
 bool OpenFoamProvider::addResultInfo(DDPMetaData* metaData)
 {
-    // Results of equal id string are one result of the case; its first appearance decides name, kind and unit.
+    // Results of equal id string are one result of the case; the first one decides name, kind and unit.
     IdsByKey ids;
     int nextId = 1;
     for (std::size_t i = 0; i < m_reader.stateCount(); ++i) {
@@ -173,7 +173,8 @@ bool OpenFoamProvider::addResultInfo(DDPMetaData* metaData)
             if (!isPublished(result) || !ids.emplace(result.idString(), nextId).second) {
                 continue;
             }
-            // Kept from the host, a displacement stays an ordinary unknown result until the next full description.
+            // Compatibility (docs/compatibility.md, "hidden new results"): a displacement found by polling stays an
+            // ordinary unknown result until the next full description.
             if (metaData != nullptr && publish(result, nextId, metaData) == KIND_DISPLACEMENT) {
                 m_displacementResultId = nextId;
             }

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "provider/OpenFoamProvider.h"
 
-#include "foamfile/OFUtilities.h"
-
 #include <algorithm>
 #include <iterator>
 
 namespace {
 
-/// What the first sorted list has and the second has not.
+/// The entries of the first sorted list that the second lacks.
 std::vector<dvn::Str> onlyInFirst(const std::vector<dvn::Str>& first, const std::vector<dvn::Str>& second)
 {
     std::vector<dvn::Str> difference;
@@ -42,12 +40,16 @@ void notifyUpdateOfAll(DDPChangeNotifications* notifications, const OFReader& re
 
 void OpenFoamProvider::pollForChanges(DDPChangeNotifications* notifications)
 {
+    // Compatibility (docs/compatibility.md, "announce all on the next poll").
     if (m_runVerification) {
         runVerificationForChanges(notifications);
         return;
     }
-    std::vector<dvn::Str> currentFolders = OFUtilities::subFolders(m_reader.path());
-    std::sort(currentFolders.begin(), currentFolders.end());
+    std::vector<dvn::Str> currentFolders;
+    if (!m_reader.listCaseFolders(&currentFolders)) {
+        // Not a change but a failure: the host keeps its states, and the next poll tries again.
+        return;
+    }
     // A copy, as the handlers change the reader's list.
     const std::vector<dvn::Str> knownFolders = m_reader.statesFolder();
     handleRemovedStates(notifications, currentFolders, knownFolders);
@@ -71,12 +73,12 @@ void OpenFoamProvider::handleRemovedStates(DDPChangeNotifications* notifications
     m_runVerification = true;
     const std::size_t oldCount = m_reader.stateCount();
     for (const dvn::Str& folder : removedFolders) {
-        // A folder that was no state changes nothing.
+        // A folder that was not a state changes nothing.
         (void)m_reader.deleteState(folder);
     }
-    // The states left have new ids, which the host hears first.
+    // The remaining states have new ids, which are announced first.
     notifyUpdateOfAll(notifications, m_reader);
-    // Positions, not ids, and one more than went: hosts cut their list by it.
+    // Compatibility (docs/compatibility.md, "remove one more position"): positions, not ids, and one more than went.
     for (std::size_t position = m_reader.stateCount(); position <= oldCount; ++position) {
         notifications->removeState(static_cast<std::int32_t>(position));
     }
@@ -93,18 +95,18 @@ void OpenFoamProvider::handleAddedStates(DDPChangeNotifications* notifications,
     m_runVerification = true;
     for (const dvn::Str& folder : addedFolders) {
         const OFState* const added = m_reader.stateById(m_reader.addState(folder));
-        // A folder that is no time folder.
+        // A folder that is not a time folder.
         if (added == nullptr) {
             continue;
         }
         const OFState& last = m_reader.state(m_reader.stateCount() - 1);
         if (added->id() != last.id()) {
-            // Its id stood for another state until now, and the list grew by one at its end. The states in between
-            // stand shifted until the next poll tells them all.
+            // Its id belonged to another state until now, and the list grew by one at its end. The states in between
+            // are shifted until the next poll announces them all.
             notifyUpdate(notifications, *added);
         }
         notifyAdd(notifications, last);
     }
-    // The new states' results get ids and links; the host hears of no new result.
+    // Compatibility (docs/compatibility.md, "hidden new results"): the results get ids and links but are not announced.
     (void)addResultInfo(nullptr);
 }

@@ -4,52 +4,40 @@
 #include "DvnCore/Timer.h"
 #include "DvnCore/Undefined.h"
 #include "LibCore/LargePages.h"
+#include "LibCore/Parallel.h"
 #include "casemodel/OFResultReader.h"
 #include "casemodel/SampledSurfaceFolders.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 #include "provider/PluginIdentity.h"
-#include "provider/TaskFailures.h"
 #include "provider/ValueArrays.h"
-
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_for.h>
 
 #include <algorithm>
 
 namespace {
 
-using Range = tbb::blocked_range<std::size_t>;
-
-/// One index is a whole field file, so no range is too small to be split.
-constexpr std::size_t FIELD_GRAIN_SIZE = 1;
-
 /// Reads and delivers one result for parts, then for sampled surfaces: indices from the part count on are surfaces.
 ///
-/// Each index writes to its own value groups and to arrays of its own; state, result and parts are read only. A part
-/// that fails has logged why and keeps its undefined values, so its result counts for nothing.
+/// Each index writes only to its own value groups and arrays; state, result and parts are only read. A part that fails
+/// has logged why and keeps its undefined values, so its return value is ignored.
 struct OFReadResultsFunctor
 {
     OpenFoamProvider* provider;
     const OFState* state;
     const OFResult* result;
     std::vector<OFValueGroups>* groups;
-    const dvn::Str& nativeName;
-    const dvn::Str& className;
     std::size_t partCount;
-    std::size_t surfaceCount;
-    TaskFailures* failures;
+    dvf::Failures* failures;
 
-    void operator()(const Range& range) const
+    void operator()(const dvf::IndexRange& range) const
     {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             failures->guard(i, [&] {
                 if (i < partCount) {
-                    (void)provider->getResultForPart(static_cast<int>(i), state, result, (*groups)[i], nativeName,
-                                                     className);
+                    (void)provider->getResultForPart(static_cast<int>(i), state, result, (*groups)[i]);
                 } else {
                     (void)provider->getResultForTrisurface(static_cast<int>(i - partCount), state, result,
-                                                           (*groups)[i].front(), nativeName, className);
+                                                           (*groups)[i].front());
                 }
             });
         }
@@ -68,25 +56,19 @@ std::vector<OFValueGroups> makeValueGroups(const OFReader& reader, DDPResult* da
     return groups;
 }
 
-/// The folder in which a part keeps the field files of a state.
-dvn::Str fieldFolder(const OFState& state, const OFPart& part)
-{
-    return part.isDefaultRegion() ? state.folder() : state.folder() + "/" + part.name();
-}
-
-/// True if a file was read and holds a value: one of another class counts as read but gives undefined values alone.
+/// True if there is any value: a file of another class counts as read but gives only undefined values.
 bool holdsValues(const std::vector<double>& values)
 {
     return std::ranges::any_of(values, [](double value) { return value != dvn::UNDEFINED_DOUBLE; });
 }
 
-/// Reads a field on cells with its patches; true if there are values to average, with or without those of patches.
-bool readForAverage(const dvn::Str& folder, const OFResult& field, const std::vector<OFBoundary>& boundaries,
+/// Reads a field on cells with its patches; true if there are cell values to average, even without those of patches.
+bool readForAverage(const OFFieldFile& field, const std::vector<OFBoundary>& boundaries,
                     std::vector<double>* cellValues, std::vector<std::vector<double>>* faceValues)
 {
     bool isInteriorRead = false;
-    (void)OFResultReader().readValuesForCellAndBoundaries(folder, field.nativeName(), field.className(), cellValues,
-                                                          boundaries, *faceValues, &isInteriorRead);
+    // Patches that cannot be read leave the interior good.
+    (void)OFResultReader().readValuesForCellAndBoundaries(field, cellValues, boundaries, *faceValues, &isInteriorRead);
     return isInteriorRead && holdsValues(*cellValues);
 }
 
@@ -108,7 +90,7 @@ bool OpenFoamProvider::getResult(const DDPResultSpec& spec, DDPResult* result)
     const int stateId = spec.stateId();
     const int resultId = spec.resultId();
     if (resultId < 0) {
-        // Neither the id that stands for no displacement nor that of results which have none yet names a result.
+        // -1 stands for "no displacement" and for results without an id yet; neither is a result.
         return false;
     }
     if (resultId == m_displacementResultId) {
@@ -126,11 +108,11 @@ bool OpenFoamProvider::getResult(const DDPResultSpec& spec, DDPResult* result)
         }
         return elsewhere != nullptr;
     }
-    const dvn::Str className = sought->className();
-    return !className.isEmpty() && buildDataResults(state, sought, result, sought->nativeName(), className);
+    return !sought->className().isEmpty() && buildDataResults(state, sought, result);
 }
 
-/// Answers for a result that the case has, but not in this state. Surfaces get no group here, and hosts know that.
+/// Answers for a result that the case has, but not in this state.
+/// Compatibility (docs/compatibility.md, "undefined without surfaces"): surfaces get no group here.
 void OpenFoamProvider::deliverUndefined(const OFResult& result, DDPResult* dataResult) const
 {
     for (std::size_t i = 0; i < m_reader.partCount(); ++i) {
@@ -142,27 +124,24 @@ void OpenFoamProvider::deliverUndefined(const OFResult& result, DDPResult* dataR
     }
 }
 
-bool OpenFoamProvider::buildDataResults(const OFState* state, const OFResult* result, DDPResult* dataResult,
-                                        const dvn::Str& nativeName, const dvn::Str& className)
+bool OpenFoamProvider::buildDataResults(const OFState* state, const OFResult* result, DDPResult* dataResult)
 {
     std::vector<OFValueGroups> groups = makeValueGroups(m_reader, dataResult);
     const dvn::Timer timer;
-    TaskFailures failures(groups.size());
-    const OFReadResultsFunctor readResults = {
-        this,     state, result, &groups, nativeName, className, m_reader.partCount(), m_reader.sampledSurfaceCount(),
-        &failures};
-    tbb::parallel_for(Range(0, groups.size(), FIELD_GRAIN_SIZE), readResults, tbb::auto_partitioner());
+    dvf::Failures failures(groups.size());
+    const OFReadResultsFunctor readResults = {this, state, result, &groups, m_reader.partCount(), &failures};
+    dvf::forLargeItems(groups.size(), readResults);
     failures.rethrowFirst();
     OFLogger::get().logInfo(PROVIDER_NAME, dvn::Str("getResult [Parallel] in %1 seconds").arg(timer.time()));
     return true;
 }
 
 bool OpenFoamProvider::getResultForPart(int partIndex, const OFState* state, const OFResult* result,
-                                        OFValueGroups& groups, const dvn::Str& nativeName, const dvn::Str& className)
+                                        OFValueGroups& groups)
 {
     const OFPart& part = m_reader.part(static_cast<std::size_t>(partIndex));
     const int dimension = result->dimension();
-    // The groups hold a complete answer from here on; what is read replaces it.
+    // From here on the groups hold a complete answer; values that are read replace it.
     std::vector<double> values = undefinedValues(*result, part);
     deliver(values, dimension, groups.front());
     for (std::size_t i = 0; i < part.boundaries().size(); ++i) {
@@ -174,13 +153,12 @@ bool OpenFoamProvider::getResultForPart(int partIndex, const OFState* state, con
     if (result->mapping() == OFResultNodeAverage) {
         return getAverageForPart(part, state, result, values, groups);
     }
-    const dvn::Str folder = fieldFolder(*state, part);
-    OFResultReader reader;
+    const OFFieldFile field = fieldFile(state->folderOf(part), *result);
     if (m_loadBoundaries) {
-        getResultsWithBoundaries(part.boundaries(), dimension, reader, folder, nativeName, className, values, groups);
+        getResultsWithBoundaries(field, part.boundaries(), values, groups);
         return true;
     }
-    if (!reader.readValues(folder, nativeName, className, &values)) {
+    if (!OFResultReader().readValues(field, &values)) {
         return false;
     }
     deliverAndRelease(values, dimension, groups.front());
@@ -194,22 +172,21 @@ bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* stat
     if (source == nullptr) {
         return false;
     }
-    const dvn::Str folder = fieldFolder(*state, part);
-    const int dimension = source->dimension();
+    const OFFieldFile field = fieldFile(state->folderOf(part), *source);
+    const int dimension = field.dimension;
     std::vector<double> cellValues = dvf::filledLarge(valueCount(*source, part), 0.0);
     if (!m_loadBoundaries) {
-        if (!OFResultReader().readValues(folder, source->nativeName(), source->className(), &cellValues) ||
-            !holdsValues(cellValues)) {
+        if (!OFResultReader().readValues(field, &cellValues) || !holdsValues(cellValues)) {
             return false;
         }
-        // The array goes in full of the undefined mark and is added to: without patches a node shows that mark divided
-        // by the number of its cells. Hosts take such values for undefined, so it stays.
+        // Compatibility (docs/compatibility.md, "averages without patches"): the array goes in full of the undefined
+        // mark and is added to.
         part.computeAverageNodeResult(cellValues, nodeValues, dimension);
         deliverAndRelease(nodeValues, dimension, groups.front());
         return true;
     }
     std::vector<std::vector<double>> faceValues = undefinedFaceValues(part.boundaries(), dimension);
-    if (!readForAverage(folder, *source, part.boundaries(), &cellValues, &faceValues)) {
+    if (!readForAverage(field, part.boundaries(), &cellValues, &faceValues)) {
         return false;
     }
     part.computeAverageNodeResultAwareBC(cellValues, faceValues, nodeValues, dimension);
@@ -223,38 +200,34 @@ bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* stat
     return true;
 }
 
-void OpenFoamProvider::getResultsWithBoundaries(const std::vector<OFBoundary>& boundaries, int dimension,
-                                                OFResultReader& reader, const dvn::Str& folder,
-                                                const dvn::Str& nativeName, const dvn::Str& className,
+void OpenFoamProvider::getResultsWithBoundaries(const OFFieldFile& field, const std::vector<OFBoundary>& boundaries,
                                                 std::vector<double>& values, OFValueGroups& groups)
 {
-    const bool isOnPoints = className.startsWith("point");
-    if (!isOnPoints && !className.startsWith("vol")) {
+    const bool isOnPoints = field.className.startsWith("point");
+    if (!isOnPoints && !field.className.startsWith("vol")) {
         return;
     }
     std::vector<std::vector<double>> patchValues;
     patchValues.reserve(boundaries.size());
     for (const OFBoundary& boundary : boundaries) {
         const std::size_t itemCount = isOnPoints ? boundary.nodeCount() : boundary.nodeCountPerFace().size();
-        patchValues.push_back(undefinedItems(itemCount, dimension));
+        patchValues.push_back(undefinedItems(itemCount, field.dimension));
     }
     bool isInteriorRead = false;
-    // A file without a sound boundary section still has its interior; without that, the undefined values stand.
-    (void)reader.readValuesForCellAndBoundaries(folder, nativeName, className, &values, boundaries, patchValues,
-                                                &isInteriorRead);
+    // A file without a sound boundary section still has its interior. Without that, the undefined values stay.
+    (void)OFResultReader().readValuesForCellAndBoundaries(field, &values, boundaries, patchValues, &isInteriorRead);
     if (!isInteriorRead) {
         return;
     }
     OFLogger::get().printTrackedData();
-    deliverAndRelease(values, dimension, groups.front());
+    deliverAndRelease(values, field.dimension, groups.front());
     for (std::size_t i = 0; i < boundaries.size(); ++i) {
-        deliverAndRelease(patchValues[i], dimension, groups[i + 1]);
+        deliverAndRelease(patchValues[i], field.dimension, groups[i + 1]);
     }
 }
 
 bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* state, const OFResult* result,
-                                              DDPResultValueGroup* group, const dvn::Str& nativeName,
-                                              const dvn::Str& className)
+                                              DDPResultValueGroup* group)
 {
     const OFSampledSurface& surface = m_reader.sampledSurface(static_cast<std::size_t>(surfaceIndex));
     if (result->type() == OFResultDisplacement) {
@@ -264,11 +237,9 @@ bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* s
                             sampledFieldFolder(result->type());
     std::vector<double> values = undefinedValues(*result, surface);
     if (result->mapping() == OFResultOnNode) {
-        const std::vector<dvn::Str> files = OFUtilities::filesInFolder(folder);
-        const bool hasFile = std::ranges::any_of(
-            files, [&](const dvn::Str& file) { return OFUtilities::fileBaseName(file) == nativeName; });
+        const bool hasFile = OFUtilities::hasFileOfBaseName(folder, result->nativeName());
         bool isRead = true;
-        if (hasFile && !OFResultReader().readNonHeaderValues(folder, nativeName, className, &values, &isRead)) {
+        if (hasFile && !OFResultReader().readNonHeaderValues(fieldFile(folder, *result), &values, &isRead)) {
             return false;
         }
         if (!isRead) {

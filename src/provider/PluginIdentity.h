@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// What the plug-in tells of itself, at registration and in the log.
+// How the plug-in identifies itself, at registration and in the log.
 
 inline constexpr const char* PLUGIN_NAME = "OpenFoamPlugin";
 inline constexpr const char* PLUGIN_VERSION = "1.9.99";

@@ -35,7 +35,7 @@ DDPPluginExitFunction registerPlugin(const DDPPluginInitRecord& record)
     logStart();
     tellPluginInfo(record);
 
-    // Lives for the call alone; the host copies it. A factory that the host refused stays allocated: the host has seen
+    // Only needed for the call; the host copies it. A factory that the host refused stays allocated: the host has seen
     // the pointer, and only the host knows whether it kept it.
     DDPFactoryRegistration registration = {DDP_API_VERSION_MAJOR, new OpenFoamProviderFactory, &destroyProviderFactory};
     if (record.registerProviderFactory(PROVIDER_NAME, &registration) == 0) {

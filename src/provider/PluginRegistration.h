@@ -3,7 +3,7 @@
 
 #include "interface/DataProviderInterface.h"
 
-/// The whole work of the library's entry: installs the host's log callback, tells the host what the plug-in is and
+/// Does all the work of the library's entry: installs the host's log callback, describes the plug-in to the host and
 /// registers the one factory. The host calls it once, on one thread.
 ///
 /// @return `pluginExitFunc`, or null if the host refused the registration
@@ -12,6 +12,6 @@ DDPPluginExitFunction registerPlugin(const DDPPluginInitRecord& record);
 /// Destroys a factory that was registered; null is ignored.
 void destroyProviderFactory(DDPDataProviderFactory* factory);
 
-/// Does nothing: no thread is the library's own, its code stays mapped for those of TBB, and the log callback stays for
-/// lines on the way out.
+/// Does nothing: the library has no thread of its own, its code stays mapped for the threads of TBB, and the log
+/// callback stays for lines logged during shutdown.
 void pluginExitFunc();

@@ -5,10 +5,10 @@
 
 #include <mutex>
 
-/// A folder that several workers may set at the same time; the one that was set last stands.
+/// A folder that several workers may set at the same time; the last one wins.
 ///
-/// It holds the one lock of the plug-in's logic: which worker comes last is left open on purpose, but two of them
-/// writing one text at the same moment would damage it. It is set once for each mesh, so the lock costs nothing.
+/// It holds the only lock of the plug-in's logic: which worker comes last does not matter, but two of them writing one
+/// text at the same moment would damage it. It is set once per mesh, so the lock costs nothing.
 class SharedFolder
 {
 public:

@@ -13,7 +13,7 @@ std::size_t knownCount(std::size_t count)
 
 std::size_t valueCount(const OFResult& result, std::size_t nodeCount, std::size_t elementCount)
 {
-    // A displacement has no number of components, and so no number of values either.
+    // A displacement has no number of components, so it has no number of values.
     return result.dimension() <= 0 ? 0 : result.expectedValueCount(nodeCount, elementCount);
 }
 

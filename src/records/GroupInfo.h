@@ -4,7 +4,7 @@
 #include "DvnCore/Str.h"
 #include "interface/DataProviderInterface.h"
 
-/// What the host is told of one boundary, zone or sampled surface.
+/// The description of one boundary, zone or sampled surface for the host.
 struct GroupInfo
 {
     int groupId = 0;
@@ -16,5 +16,5 @@ struct GroupInfo
 /// Declares a group without a parent: name, boundary flag and "type" property, in this order. Names go as UTF-8.
 void addTopLevelGroup(const GroupInfo& group, DDPElementGroupInfo* info);
 
-/// The same with the parent part told right behind the name.
+/// The same with the parent part, which is declared right after the name.
 void addGroupOfPart(const GroupInfo& group, int parentPartId, DDPElementGroupInfo* info);

@@ -12,7 +12,7 @@
 
 /// One patch of a `boundary` file, with the mappings that a built mesh adds.
 ///
-/// A plain value: copies are deep. One thread at a time fills a patch, any number may read it. Indexes are not tested.
+/// A plain value: copies are deep. One thread at a time fills a patch, any number may read it. Indexes are not checked.
 class OFBoundary
 {
 public:
@@ -29,7 +29,7 @@ public:
     /// The patch's `type` entry.
     dvn::Str type() const { return m_type; }
     void setType(dvn::Str type) { m_type = std::move(type); }
-    /// The patch's `nFaces`, whatever the mesh has of them: `nodeCountPerFace` counts those that were built.
+    /// The patch's `nFaces`, even if the mesh has fewer: the size of `nodeCountPerFace` is the number that was built.
     std::size_t faceCount() const { return m_faceCount; }
     void setFaceCount(std::size_t count) { m_faceCount = count; }
     /// The patch's `startFace`, a 0-based face label.
@@ -38,7 +38,7 @@ public:
     /// Number of distinct nodes of the patch; 0 until its mesh is built.
     std::size_t nodeCount() const { return m_nodeCount; }
     void setNodeCount(std::size_t count) { m_nodeCount = count; }
-    /// The group id told to the host; 0 until the metadata is published.
+    /// The group id given to the host; 0 until the metadata is published.
     int geometryGlobalPartId() const { return m_geometryGlobalPartId; }
 
     /// Sizes the mapping from the patch's faces to their owner cells; new entries are 0.
@@ -62,16 +62,15 @@ public:
     const std::vector<std::uint8_t>& nodeCountPerFace() const { return m_nodeCountPerFace; }
     std::uint8_t nodeCountPerFace(int i) const { return m_nodeCountPerFace[static_cast<std::size_t>(i)]; }
 
-    /// Declares the patch to the host under the id `offset` + `boundaryID`, which is stored, and hangs it under its
-    /// part.
+    /// Declares the patch to the host under its part, with the id `offset` + `boundaryID`, which is stored.
     void addBoundaryInfo(int offset, DDPElementGroupInfo* info);
 
-    /// Triangle for 3 nodes, quadrilateral for 4, the general face for anything else, 0 included.
+    /// Triangle for 3 nodes, quadrilateral for 4, the general face for any other count, including 0.
     static DDPElementType typeFromFaceNodeCount(std::size_t nodeCount);
     /// True for the keys of a patch entry that carry result values: "value", "refValue" and "valueFraction".
     static bool isResultKeyString(const std::string& key);
-    /// True for "zeroGradient", "empty" and "calculated". Reading decides by its own, longer list; this one is for
-    /// hosts of the class that ask which types plainly continue the cell value.
+    /// True for "zeroGradient", "empty" and "calculated". The field readers do not use it; their list is longer
+    /// (docs/compatibility.md, "continued cell values").
     static bool isKeyForUsingCellValue(const std::string& key);
 
 private:

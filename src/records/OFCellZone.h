@@ -22,7 +22,7 @@ public:
     /// 1-based position among the non-empty zones of the file; -1 until read.
     int id() const { return m_id; }
     void setId(int id) { m_id = id; }
-    /// The group id told to the host; 0 until the metadata is published.
+    /// The group id given to the host; 0 until the metadata is published.
     int geometryGlobalPartId() const { return m_geometryGlobalPartId; }
 
     std::size_t cellCount() const { return m_cellIds.size(); }
@@ -30,7 +30,7 @@ public:
     const std::vector<int>& cellIds() const { return m_cellIds; }
     std::vector<int>& cellIds() { return m_cellIds; }
 
-    /// Declares the zone to the host under the id `offset` + `id`, which is stored, and hangs it under its part.
+    /// Declares the zone to the host under its part, with the id `offset` + `id`, which is stored.
     void addCellZoneInfo(int offset, DDPElementGroupInfo* info);
 
 private:

@@ -22,18 +22,18 @@ public:
     /// 1-based position in the file; -1 until read.
     int id() const { return m_id; }
     void setId(int id) { m_id = id; }
-    /// The group id told to the host; 0 until the metadata is published.
+    /// The group id given to the host; 0 until the metadata is published.
     int geometryGlobalPartId() const { return m_geometryGlobalPartId; }
 
     std::size_t faceCount() const { return m_faceIds.size(); }
     /// 0-based face labels in file order, which need be neither ascending nor contiguous.
     const std::vector<int>& faceIds() const { return m_faceIds; }
     std::vector<int>& faceIds() { return m_faceIds; }
-    /// The flip entries as the file has them.
+    /// The flip entries as in the file.
     const std::vector<int>& flipMap() const { return m_flipMap; }
     std::vector<int>& flipMap() { return m_flipMap; }
 
-    /// Declares the zone to the host as its name + " [FZ]" under the id `offset` + `id`, which is stored.
+    /// Declares the zone to the host as its name + " [FZ]", with the id `offset` + `id`, which is stored.
     void addFaceZoneInfo(int offset, DDPElementGroupInfo* info);
 
 private:

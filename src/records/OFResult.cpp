@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "records/OFResult.h"
 
+#include "records/Components.h"
+
 namespace {
 
 constexpr std::size_t NO_COUNT = static_cast<std::size_t>(-1);
@@ -31,9 +33,9 @@ int OFResult::dimension() const
     case OFResultScalar:
         return 1;
     case OFResultVector:
-        return 3;
+        return static_cast<int>(VECTOR_COMPONENTS);
     case OFResultTensor:
-        return 6;
+        return static_cast<int>(TENSOR_COMPONENTS);
     default:
         return -1;
     }
@@ -41,7 +43,7 @@ int OFResult::dimension() const
 
 std::size_t OFResult::expectedValueCount(std::size_t nodeCount, std::size_t elementCount) const
 {
-    // Of -1 all bits set, and the product wraps: whoever sizes an array asks for the dimension first.
+    // A dimension of -1 becomes a huge number and the product wraps: callers that size an array check the dimension.
     const auto components = static_cast<std::size_t>(dimension());
     switch (m_mapping) {
     case OFResultOnCell:

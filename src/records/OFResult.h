@@ -17,7 +17,7 @@ enum OFResultType : int
     OFResultDisplacement = 3
 };
 
-/// Where the values of a result stand.
+/// Where the values of a result are.
 enum OFResultMapping : int
 {
     OFResultOnCell = 0,
@@ -43,7 +43,7 @@ public:
     OFResult(const dvn::Str& nativeName, const dvn::Str& name, const dvn::Str& idString, const OFUnit& unit,
              OFResultType type, OFResultMapping mapping);
 
-    /// The id told to the host; -1 until the metadata is published.
+    /// The id given to the host; -1 until the metadata is published.
     int id() const { return m_id; }
     void setId(int id) { m_id = id; }
     const dvn::Str& name() const { return m_name; }
@@ -53,16 +53,17 @@ public:
     OFResultType type() const { return m_type; }
     OFResultMapping mapping() const { return m_mapping; }
 
-    /// The class of the field's file, such as "volScalarField"; for a node average a text of its own, and empty where
-    /// no class fits, as for a displacement.
+    /// The class of the field's file, such as "volScalarField"; empty if no class fits, as for a displacement.
+    ///
+    /// Compatibility (docs/compatibility.md, "class name of averages"): a node average has a text that no file has.
     dvn::Str className() const;
     /// Stored components: 1, 3 or, for a tensor, 6; -1 for anything else.
     int dimension() const;
-    /// Components times nodes or elements, after the mapping; all bits set for a mapping that has neither. Without
-    /// meaning where `dimension` is negative.
+    /// Components times nodes or elements, depending on the mapping; all bits set for a mapping that has neither.
+    /// Meaningless if `dimension` is negative.
     std::size_t expectedValueCount(std::size_t nodeCount, std::size_t elementCount) const;
 
-    /// The field classes that can be read. Made at the first call, safe from any thread, and kept.
+    /// The field classes that can be read. Built at the first call, from any thread, and kept.
     static const std::map<std::string, OFResultTypeAndMapping>& supportedResultClasses();
 
 private:

@@ -7,13 +7,13 @@ namespace {
 
 constexpr std::size_t DIMENSION_TOKEN_COUNT = 8;
 
-/// Keeps the low 8 bits, as the exponents are bytes.
+/// Keeps the low 8 bits, since exponents are bytes.
 signed char exponentOf(const dvn::Str& text)
 {
     return static_cast<signed char>(static_cast<unsigned char>(text.toInt(0)));
 }
 
-/// Up to `length` characters from `start`; empty where the text is too short.
+/// Up to `length` characters from `start`; empty if the text is too short.
 dvn::Str piece(const dvn::Str& text, std::size_t start, std::size_t length)
 {
     return start < text.size() ? text.subStr(start, length) : dvn::Str();
@@ -39,7 +39,8 @@ OFUnit OFUnit::fromString(const std::vector<dvn::Str>& tokens)
     unit.K = exponentOf(tokens[4]);
     unit.mol = exponentOf(tokens[5]);
     unit.A = exponentOf(tokens[6]);
-    // The length of the token before is meant: see the declaration. A token is never empty, so nothing wraps.
+    // Compatibility (docs/compatibility.md, "last dimension exponent"): the length is that of the token before. Tokens
+    // are never empty, so it does not wrap.
     unit.cd = exponentOf(piece(tokens[7], 0, tokens[6].size() - 1));
     return unit;
 }

@@ -20,11 +20,12 @@ struct OFUnit
 
     /// Takes the eight tokens of a line such as "dimensions [0 2 -2 0 0 0 0];" split at blanks.
     ///
-    /// Any other number of tokens gives no dimensions. The last exponent is read from as many characters as the token
-    /// before it has, less one: for a usual file none, so it comes out 0. Hosts know units in this form.
+    /// Any other number of tokens gives no dimensions.
+    /// Compatibility (docs/compatibility.md, "last dimension exponent"): the last exponent is read from one character
+    /// fewer than the token before it has, so it is usually 0.
     static OFUnit fromString(const std::vector<dvn::Str>& tokens);
 
-    /// The shown text, such as "Kg m-1 s-2 " with its trailing blank, or "DIMENSIONLESS".
+    /// The text shown, such as "Kg m-1 s-2 " with a trailing blank, or "DIMENSIONLESS".
     dvn::Str translate() const;
 };
 

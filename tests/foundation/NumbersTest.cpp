@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "LibCore/Limits.h"
 #include "LibCore/Numbers.h"
 #include "DvnCore/Str.h"
+#include "LibCore/Limits.h"
 
 #include <gtest/gtest.h>
 

@@ -80,3 +80,28 @@ TEST(OFUtilities, SplitsPathsAtBothSlashes)
         EXPECT_EQ(OFUtilities::fileBaseName(path), base) << path;
     }
 }
+
+// Files are looked up directly where that is enough. The answer must match the listing.
+TEST(OFUtilities, FindsFilesByBaseNameAsInTheListing)
+{
+    const TempFolder folder;
+    const std::vector<std::string> files = {"p",     "U.gz",         "k.orig", "alpha.water", "beta.water.gz",
+                                            "x.1.2", ".hidden",      "..gz",   "back\\slash", "T.gz.gz",
+                                            "q.",    "caf\xc3\xa9.1"};
+    for (const std::string& file : files) {
+        folder.write(file, "");
+    }
+    fs::create_directory(folder / "sub");
+    fs::create_symlink(folder / "gone", folder / "dangling");
+    const std::vector<dvn::Str> paths = OFUtilities::filesInFolder(folder.str());
+    std::vector<dvn::Str> names = {"",     ".",   "missing", "sub",         "dangling", "k",
+                                   "x",    "x.1", "alpha",   "beta.water",  "slash",    "T",
+                                   "T.gz", "q",   "U",       "caf\xc3\xa9", "sub/p",    "pp"};
+    names.insert(names.end(), files.begin(), files.end());
+    for (const dvn::Str& name : names) {
+        EXPECT_EQ(OFUtilities::hasFileOfBaseName(folder.str(), name),
+                  std::ranges::count(paths, name, &OFUtilities::fileBaseName) != 0)
+            << name.toStdString();
+    }
+    EXPECT_FALSE(OFUtilities::hasFileOfBaseName(folder.str("missing"), "p"));
+}

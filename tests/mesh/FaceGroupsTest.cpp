@@ -51,22 +51,35 @@ HostGroups deliver(OFPolymesh mesh, OFBoundary* boundary)
 } // namespace
 
 // Otherwise many patches could each claim the whole mesh.
-TEST(BoundaryGroup, OverlappingPatchesShareTheFacesOfTheMesh)
+TEST(BoundaryGroup, OverlappingPatchesShareTwiceTheFacesOfTheMesh)
 {
     OFPolymesh mesh = meshOfFaces(Faces(6, {0, 1, 2}), 3);
     const OFPolymeshToDDP converter(&mesh);
     EXPECT_EQ(converter.facesPerPatch({patch(1, 4), patch(5, 1)}), (std::vector<std::size_t>{4, 1}));
-    EXPECT_EQ(converter.facesPerPatch({patch(2, 99), patch(-1, 4), patch(0, 6)}), (std::vector<std::size_t>{4, 2, 0}));
+    EXPECT_EQ(converter.facesPerPatch({patch(2, 99), patch(-1, 4), patch(0, 6)}), (std::vector<std::size_t>{4, 3, 5}));
+    EXPECT_EQ(converter.facesPerPatch(std::vector<OFBoundary>(5, patch(0, 6))),
+              (std::vector<std::size_t>{6, 6, 0, 0, 0}));
     OFPolymesh uneven = meshOfFaces(Faces(6, {0, 1, 2}), 3);
     uneven.faces() = foamtext::packed({{0, 1, 2, 0, 1, 2, 0, 1, 2}, {0, 1, 2}, {0, 1, 2}, {0, 1, 2}});
-    EXPECT_EQ(OFPolymeshToDDP(&uneven).facesPerPatch({patch(0, 1), patch(0, 1), patch(1, 3)}),
-              (std::vector<std::size_t>{1, 1, 0}));
+    // Twice 18 labels: the patches of the large face take 9 each, one of the others 9.
+    EXPECT_EQ(OFPolymeshToDDP(&uneven).facesPerPatch({patch(0, 1), patch(1, 3), patch(0, 1), patch(0, 1), patch(1, 3)}),
+              (std::vector<std::size_t>{1, 3, 1, 1, 0}));
     OFBoundary boundary = patch(1, 4);
     HostGroups got;
     EXPECT_TRUE(
         converter.populateBoundaryGroup(boundary, &got.nodes, &got.nodeCount, &got.elements, &got.elementCount, 2));
     EXPECT_EQ(got.elementCount, 2U);
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, 12}));
+}
+
+// One wrong "nFaces" must not take the faces of the sound patches after it.
+TEST(BoundaryGroup, PatchThatClaimsTooMuchTakesNothingFromOthers)
+{
+    OFPolymesh mesh = meshOfFaces(Faces(9, {0, 1, 2}), 3);
+    const OFPolymeshToDDP converter(&mesh);
+    EXPECT_EQ(converter.facesPerPatch({patch(1, 99), patch(3, 4), patch(7, 2)}), (std::vector<std::size_t>{8, 4, 2}));
+    EXPECT_EQ(converter.facesPerPatch({patch(1, 2), patch(3, 99), patch(0, 99), patch(7, 2)}),
+              (std::vector<std::size_t>{2, 6, 8, 2}));
 }
 
 TEST(BoundaryGroup, PatchesGetTheirOwnNodes)

@@ -290,3 +290,15 @@ TEST(DamagedMesh, LimitsCellCountToWhatFacesCanForm)
     mesh.points().clear();
     EXPECT_EQ(deliver(mesh).elements.types, (std::vector<int>{DDP_POLY, DDP_POLY}));
 }
+
+// "6{0}" is a valid list of owners that is not read. The values of the cell are delivered anyway and need it.
+TEST(DamagedMesh, KeepsTheOnlyCellWithoutOwners)
+{
+    const LogCapture log;
+    OFPolymesh mesh = hexahedronMesh(1, 1, 1);
+    mesh.owners().clear();
+    EXPECT_EQ(deliver(mesh).elements.types, std::vector<int>{DDP_POLY});
+    EXPECT_TRUE(log.infos().empty());
+    mesh.setCellCount(7);
+    EXPECT_EQ(deliver(mesh).elements.types.size(), 6U) << "no more cells than faces";
+}

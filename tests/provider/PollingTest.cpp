@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "support/LogCapture.h"
 #include "support/OpenCase.h"
 
 #include <gtest/gtest.h>
@@ -64,6 +65,24 @@ TEST(Polling, ReportsChangesOfTheTimeFolders)
         // Results of new states have ids and links, too.
         EXPECT_EQ(openCase.result("PRESSURE_N", 1005) != nullptr, sequence.size() == 4);
     }
+}
+
+// A network disk may be gone for a moment; the host must not be told that its states are gone.
+TEST(Polling, KeepsTheStatesOfAFolderThatVanishes)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writePressure(folder, "0");
+    OpenCase openCase(folder.path());
+    openCase.metaData();
+    const std::filesystem::path away = folder.path().string() + ".away";
+    std::filesystem::rename(folder.path(), away);
+    const LogCapture log;
+    EXPECT_EQ(openCase.poll(), "");
+    EXPECT_EQ(joined(log.errors()), "OFReader : Case folder " + folder.path().string() + " does not exist.");
+    std::filesystem::rename(away, folder.path());
+    writePressure(folder, "1");
+    EXPECT_EQ(openCase.poll(), "add 1002 Time 1.00000 #1");
 }
 
 } // namespace

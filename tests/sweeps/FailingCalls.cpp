@@ -2,6 +2,7 @@
 #include "sweeps/FailingCalls.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <new>
 
@@ -28,7 +29,7 @@ bool mustFail(FailingCall kind)
 
 } // namespace
 
-FailingCallScope::FailingCallScope(FailingCall kind, std::size_t which)
+FailingCallScope::FailingCallScope(FailingCall kind, std::size_t which) : m_which(which)
 {
     failed = false;
     callsLeft = which;
@@ -43,6 +44,12 @@ FailingCallScope::~FailingCallScope()
 bool FailingCallScope::hasFailed() const
 {
     return failed;
+}
+
+std::size_t FailingCallScope::callCount() const
+{
+    // The unsigned difference is right even if more calls followed the one that failed.
+    return m_which - callsLeft.load();
 }
 
 #ifdef HAS_FAILING_ALLOCATIONS
@@ -135,12 +142,20 @@ int __wrap_gzgetc(gzFile file)
 
 DIR* __wrap_opendir(const char* path)
 {
-    return mustFail(FailingCall::OpenFolder) ? nullptr : __real_opendir(path);
+    if (mustFail(FailingCall::OpenFolder)) {
+        errno = EMFILE;
+        return nullptr;
+    }
+    return __real_opendir(path);
 }
 
 dirent* __wrap_readdir(DIR* folder)
 {
-    return mustFail(FailingCall::ReadFolder) ? nullptr : __real_readdir(folder);
+    if (mustFail(FailingCall::ReadFolder)) {
+        errno = EIO;
+        return nullptr;
+    }
+    return __real_readdir(folder);
 }
 
 int __wrap_stat(const char* path, struct stat* status)

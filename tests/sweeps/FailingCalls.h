@@ -27,4 +27,9 @@ public:
 
     /// True if that call was reached and failed.
     bool hasFailed() const;
+    /// The number of calls of the kind so far.
+    std::size_t callCount() const;
+
+private:
+    std::size_t m_which;
 };

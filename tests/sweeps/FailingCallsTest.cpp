@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "sweeps/FailingCalls.h"
+#include "support/LogCapture.h"
 #include "support/OpenCase.h"
 #include "sweeps/UseCase.h"
 
@@ -8,6 +9,7 @@
 
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -83,5 +85,74 @@ constexpr int FIRST_KIND = static_cast<int>(FailingCall::Allocation) + 1;
 #endif
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCalls, testing::Range(FIRST_KIND, FAILING_CALL_KINDS));
+
+// There may be too many open files, or a disk may not answer: such a folder must not be taken for an empty one.
+TEST(UnlistedFolder, IsReportedAndChangesNothingForTheHost)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeTwoCubes(folder);
+    writePressure(folder, "0");
+    OpenCase openCase(folder.path());
+    openCase.metaData();
+    writePressure(folder, "1");
+    const std::string line = "OFUtilities : Cannot list folder " + folder.path().string();
+    LogCapture log;
+    for (const auto& [call, which] :
+         {std::pair(FailingCall::OpenFolder, 0U), {FailingCall::ReadFolder, 0U}, {FailingCall::ReadFolder, 3U}}) {
+        log.clear();
+        const FailingCallScope scope(call, which);
+        EXPECT_EQ(openCase.poll(), "");
+        EXPECT_TRUE(scope.hasFailed());
+        EXPECT_EQ(joined(log.errors()), line);
+    }
+    log.clear();
+    {
+        OpenFoamProvider provider;
+        const FailingCallScope scope(FailingCall::OpenFolder, 0);
+        EXPECT_EQ(provider.init(DDPString((folder / "case.foam").c_str()), HostOptions(), nullptr), 0);
+        EXPECT_EQ(joined(log.errors()), line);
+    }
+    EXPECT_EQ(openCase.poll(), "add 1002 Time 1.00000 #1");
+}
+
+/// Folders listed while a case of this many processor folders, each with one time, is opened.
+std::size_t listingsOfOpening(int processorCount)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    for (int i = 0; i < processorCount; ++i) {
+        const std::string processor = "processor" + std::to_string(i);
+        std::filesystem::create_directories(folder / (processor + "/constant/polyMesh"));
+        std::filesystem::create_directories(folder / (processor + "/0"));
+    }
+    const FailingCallScope count(FailingCall::OpenFolder, 1000000);
+    const OpenCase openCase(folder.path());
+    return count.callCount();
+}
+
+// Each processor folder could also be a time folder, and each part could have files in each time folder.
+TEST(FolderListings, GrowLinearlyWithTheNumberOfProcessors)
+{
+    const std::size_t few = listingsOfOpening(10);
+    EXPECT_GE(few, 10U);
+    EXPECT_LE(listingsOfOpening(40), 4 * few);
+}
+
+// A case may have thousands of fields, so a listing per field would take long.
+TEST(FolderListings, AreNotNeededForUsualFieldNames)
+{
+    const TempFolder folder;
+    writeControlDict(folder);
+    writeTwoCubes(folder);
+    writePressure(folder, "0");
+    folder.writeGz("1/p.gz", fieldFile("volScalarField", "p", "uniform 5"));
+    OpenCase openCase(folder.path());
+    openCase.geometry();
+    const FailingCallScope count(FailingCall::OpenFolder, 1000000);
+    EXPECT_EQ(openCase.values("PRESSURE_E", 1).at(0), (std::vector<double>{1, 3}));
+    EXPECT_EQ(openCase.values("PRESSURE_E", 2).at(0), (std::vector<double>{5, 5}));
+    EXPECT_EQ(count.callCount(), 0U);
+}
 
 } // namespace

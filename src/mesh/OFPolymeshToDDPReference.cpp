@@ -1,29 +1,22 @@
 // SPDX-License-Identifier: MIT
+//
+// The reference conversion: serves tests as a second path. Hosts get `createMesh`.
 #include "mesh/OFPolymeshToDDP.h"
 
 #include "DvnCore/Timer.h"
-
-#include <tbb/parallel_for.h>
-#include <tbb/parallel_sort.h>
+#include "LibCore/Parallel.h"
 
 #include <algorithm>
 #include <cassert>
 
 namespace {
 
-/// Eight chunks bound the number of cell objects, whatever the size of the mesh or the number of processors.
+/// Eight chunks: cell objects for an eighth of the mesh exist at a time.
 constexpr std::size_t CHUNK_COUNT = 8;
-/// Records below which starting tasks for a sort costs more than it gains.
-constexpr std::size_t PARALLEL_SORT_SIZE = 500;
 
 void sortByCell(PolyDataVector* polys)
 {
-    const auto byCell = [](const PolyData& a, const PolyData& b) { return a.cellIndex < b.cellIndex; };
-    if (polys->size() < PARALLEL_SORT_SIZE) {
-        std::sort(polys->begin(), polys->end(), byCell);
-    } else {
-        tbb::parallel_sort(polys->begin(), polys->end(), byCell);
-    }
+    dvf::sortPar(polys, [](const PolyData& a, const PolyData& b) { return a.cellIndex < b.cellIndex; });
 }
 
 } // namespace
@@ -36,7 +29,7 @@ bool OFPolymeshToDDP::createMeshInChunks()
     std::size_t firstCell = 0;
     for (const std::size_t chunk : createCellsChunks(m_mesh->cellCount())) {
         (void)allocateCells(chunk); // these steps cannot fail
-        // The sequential form, so that every run gives the same rotation of each cell.
+        // The sequential form, so that each cell comes out the same on every run.
         (void)assignCellFacesSeq(static_cast<int>(firstCell), static_cast<int>(firstCell + chunk));
         (void)buildElementData(firstCell);
         buildTime += timer.lapTime();
@@ -77,7 +70,7 @@ bool OFPolymeshToDDP::assignCellFacesPar(int first, int last)
     assert(static_cast<std::size_t>(last - first) <= m_cells.size());
     const OFInsertCellFacesDataFunctor insert = {
         &m_cells, &m_mesh->owners(), &m_mesh->neighbors(), m_mesh->neighbors().size(), first, last};
-    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, m_mesh->owners().size()), insert);
+    dvf::forEachRange(m_mesh->owners().size(), insert);
     return true;
 }
 
@@ -86,11 +79,11 @@ bool OFPolymeshToDDP::assignCellFacesSeq(int first, int last)
     assert(static_cast<std::size_t>(last - first) <= m_cells.size());
     const OFInsertCellFacesDataFunctor insert = {
         &m_cells, &m_mesh->owners(), &m_mesh->neighbors(), m_mesh->neighbors().size(), first, last};
-    insert(tbb::blocked_range<std::size_t>(0, m_mesh->owners().size()));
+    insert(dvf::IndexRange(0, m_mesh->owners().size()));
     return true;
 }
 
-void OFInsertCellFacesDataFunctor::operator()(const tbb::blocked_range<std::size_t>& faces) const
+void OFInsertCellFacesDataFunctor::operator()(const dvf::IndexRange& faces) const
 {
     for (std::size_t face = faces.begin(); face != faces.end(); ++face) {
         insertSide((*owners)[face], face, true);
@@ -116,7 +109,7 @@ bool OFPolymeshToDDP::buildElementData(std::size_t firstCell)
 bool OFPolymeshToDDP::buildElementDataPar(std::size_t firstCell)
 {
     const OFBuildElementDataFunctor build = {&m_cells, &m_mesh->faces(), &m_polys, typesFrom(firstCell)};
-    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, m_cells.size()), build);
+    dvf::forEachRange(m_cells.size(), build);
     sortByCell(&m_polys);
     return true;
 }
@@ -124,7 +117,7 @@ bool OFPolymeshToDDP::buildElementDataPar(std::size_t firstCell)
 bool OFPolymeshToDDP::buildElementDataSeq(std::size_t firstCell)
 {
     const OFBuildElementDataFunctor build = {&m_cells, &m_mesh->faces(), &m_polys, typesFrom(firstCell)};
-    build(tbb::blocked_range<std::size_t>(0, m_cells.size()));
+    build(dvf::IndexRange(0, m_cells.size()));
     return true;
 }
 
@@ -135,10 +128,10 @@ DDPElementType* OFPolymeshToDDP::typesFrom(std::size_t firstCell)
     return m_elements.types.data() + firstCell;
 }
 
-void OFBuildElementDataFunctor::operator()(const tbb::blocked_range<std::size_t>& range) const
+void OFBuildElementDataFunctor::operator()(const dvf::IndexRange& range) const
 {
     for (std::size_t i = range.begin(); i != range.end(); ++i) {
-        // A cell that is not the solid that its faces suggest goes on as it is.
+        // A cell that is not the solid its faces suggest is kept as it is.
         (void)(*cells)[i].buildElementData(static_cast<int>(i), types, polys, faces);
     }
 }
@@ -151,14 +144,15 @@ bool OFPolymeshToDDP::buildDDPMeshData(std::size_t firstCell, std::size_t nodeBa
     }
     m_elements.nodeCounts.resize(firstCell + count);
     std::uint8_t* const nodeCounts = m_elements.nodeCounts.data() + firstCell;
-    tbb::parallel_for(std::size_t{0}, count, [this, nodeCounts](std::size_t i) {
+    dvf::forEachIndex(count, [this, nodeCounts](std::size_t i) {
         nodeCounts[i] = static_cast<std::uint8_t>(m_cells[i].elementNodes().size());
     });
     std::vector<int> offsets(count);
     m_elements.connectivities.resize(
         dvn_exclusive_partial_sum(nodeCounts, count, static_cast<int>(nodeBase), offsets.data()));
-    // A cell of more than 255 nodes has a slot for the low byte of that count, and keeps to it.
-    tbb::parallel_for(std::size_t{0}, count, [this, nodeCounts, &offsets](std::size_t i) {
+    // Compatibility (docs/compatibility.md, "byte tables"): the slot of a cell has the size of the low byte of its
+    // count.
+    dvf::forEachIndex(count, [this, nodeCounts, &offsets](std::size_t i) {
         std::copy_n(m_cells[i].elementNodes().begin(), nodeCounts[i], m_elements.connectivities.begin() + offsets[i]);
         m_cells[i].clear();
     });
@@ -176,7 +170,7 @@ bool OFPolymeshToDDP::BuildDDPMeshForPolys(std::size_t firstCell, std::size_t po
     m_polyhedra.faceCounts.resize(polyBase + count);
     std::vector<std::uint8_t> faceNodeCounts(count);
     std::uint8_t* const faceCounts = m_polyhedra.faceCounts.data() + polyBase;
-    tbb::parallel_for(std::size_t{0}, count, [&, faceCounts](std::size_t i) {
+    dvf::forEachIndex(count, [&, faceCounts](std::size_t i) {
         const PolyData& poly = m_polys[i];
         faceNodeCounts[i] = static_cast<std::uint8_t>(poly.nodeCount);
         faceCounts[i] = static_cast<std::uint8_t>(poly.faceCount);
@@ -189,8 +183,8 @@ bool OFPolymeshToDDP::BuildDDPMeshForPolys(std::size_t firstCell, std::size_t po
         dvn_exclusive_partial_sum(faceCounts, count, static_cast<int>(faceBase), faceOffsets.data()));
     m_polyhedra.faceNodes.resize(
         dvn_exclusive_partial_sum(faceNodeCounts.data(), count, static_cast<int>(nodeBase), nodeOffsets.data()));
-    // As with the nodes, the slots have the low bytes of the sizes.
-    tbb::parallel_for(std::size_t{0}, count, [&, faceCounts](std::size_t i) {
+    // As with the nodes, slots have the size of the low byte.
+    dvf::forEachIndex(count, [&, faceCounts](std::size_t i) {
         const PolyData& poly = m_polys[i];
         std::copy_n(poly.nodeCountPerFace.begin(), faceCounts[i],
                     m_polyhedra.nodeCountPerFace.begin() + faceOffsets[i]);

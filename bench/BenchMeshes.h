@@ -3,8 +3,8 @@
 
 #include "mesh/OFPolymesh.h"
 
-/// A million hexahedra with three million faces, made at the first call.
+/// A million hexahedra with three million faces, created on the first call.
 const OFPolymesh& millionHexahedra();
 
-/// A quarter of a million polyhedra of 14 faces, made at the first call.
+/// A quarter of a million polyhedra of 14 faces, created on the first call.
 const OFPolymesh& manyPolyhedra();

@@ -8,7 +8,7 @@ namespace {
 
 using MakeMesh = const OFPolymesh& (*)();
 
-/// The converter's groups without a host's copies.
+/// Groups for the converter that do not copy, unlike those of a host.
 class NoNodeGroup final : public DDPNodeGroup
 {
 public:
@@ -42,7 +42,7 @@ public:
     void setElementPartIds(const std::int32_t* /*partIds*/, std::uint64_t /*count*/) override {}
 };
 
-/// From the mesh as it was read to the last call of the host, the release of the mesh's lists included.
+/// From the mesh as read to the last call to the host, including the release of the mesh's lists.
 void convert(benchmark::State& state, MakeMesh makeMesh, bool (OFPolymeshToDDP::*create)())
 {
     NoNodeGroup nodes;
@@ -60,7 +60,7 @@ void convert(benchmark::State& state, MakeMesh makeMesh, bool (OFPolymeshToDDP::
         benchmark::Counter(static_cast<double>(makeMesh().cellCount()), benchmark::Counter::kIsIterationInvariantRate);
 }
 
-/// One patch of all boundary faces, and one of all faces.
+/// Cuts out one patch: all boundary faces, or all faces.
 void cutPatch(benchmark::State& state, MakeMesh makeMesh, bool isWholeMesh)
 {
     OFPolymesh mesh = makeMesh();

@@ -36,7 +36,7 @@ const TempFolder& meshFolders()
     return FOLDER;
 }
 
-/// Bytes of text or raw data, not of the compressed file.
+/// Counts the bytes of text or raw data, not those of the compressed file.
 void countBytes(benchmark::State& state, const std::string& form, const std::string& file)
 {
     const std::string plain = form == "gzip" ? "ascii" : form;
@@ -81,7 +81,7 @@ void readFaces(benchmark::State& state, const std::string& form)
     countBytes(state, form, "faces");
 }
 
-/// All four files at the same time, as a case is opened.
+/// All four files at the same time, as when a case is opened.
 void readMesh(benchmark::State& state, const std::string& form)
 {
     const dvn::Str folder = meshFolders().str(form);

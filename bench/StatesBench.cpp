@@ -19,7 +19,7 @@ void writeTimes(const TempFolder& folder, std::int64_t first, std::int64_t end)
     }
 }
 
-/// As many time folders as a case has already come between two polls, or go.
+/// Between two polls the number of time folders doubles, and then halves again.
 void changeTimes(benchmark::State& state)
 {
     const TempFolder folder;

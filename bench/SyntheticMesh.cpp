@@ -78,7 +78,7 @@ std::string binaryFaces(const FacesData& faces)
     return binaryList(offsets.size(), rawBytes(offsets)) + binaryList(faces.nodes.size(), rawBytes(faces.nodes));
 }
 
-/// Labels of points on a grid that is numbered as its points are first used.
+/// Labels of points on a grid, numbered in order of first use.
 class PointGrid
 {
 public:
@@ -105,7 +105,7 @@ private:
 
 using Corner = std::array<int, 3>;
 
-/// The faces of a truncated octahedron round the origin, seen from outside counter-clockwise.
+/// The faces of a truncated octahedron around the origin, counter-clockwise seen from outside.
 std::vector<std::vector<Corner>> octahedronFaces()
 {
     std::vector<std::vector<Corner>> faces;

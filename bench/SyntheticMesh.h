@@ -10,16 +10,16 @@
 #include <unordered_map>
 #include <vector>
 
-/// Joins cells that are given by their own faces into a mesh in the face order of OpenFOAM: the internal faces by owner
-/// and then by neighbour, behind them the boundary faces by owner.
+/// Joins cells, given by their faces, into a mesh with OpenFOAM's face order: internal faces by owner and then by
+/// neighbour, followed by boundary faces by owner.
 class MeshJoiner
 {
 public:
     int addPoint(double x, double y, double z);
-    /// Starts the next cell, which has the following 0-based label.
+    /// Starts the next cell; cells are labelled from 0 in this order.
     void startCell() { ++m_cellCount; }
-    /// Adds a face of the current cell, its normal pointing outwards. A face that an earlier cell has given already
-    /// becomes an internal one; three of its nodes tell it.
+    /// Adds a face of the current cell, with its normal pointing outwards. If an earlier cell has the same face, it
+    /// becomes internal; faces are identified by their three lowest nodes.
     void addFace(const std::vector<int>& nodes);
     OFPolymesh join() const;
 
@@ -43,7 +43,7 @@ OFPolymesh hexahedronMesh(int nx, int ny, int nz);
 /// Two interlocked grids of `n`^3 truncated octahedra: cells of 14 faces and 24 nodes that fill space.
 OFPolymesh octahedronMesh(int n);
 
-/// The content of the four files of a `polyMesh` folder.
+/// The contents of the four files of a `polyMesh` folder.
 struct MeshFiles
 {
     std::string points;

@@ -13,39 +13,40 @@
 namespace {
 
 constexpr const char* DESCRIPTION =
-    "Loads a data-provider plug-in and shows, checks, converts and measures what it delivers of a case.\n"
-    "Data go to stdout, all else to stderr.";
+    "Loads a data-provider plug-in and shows, checks, exports and measures what it delivers for a case.\n"
+    "Data goes to stdout, everything else to stderr.";
 
 constexpr const char* FOOTER =
-    "Exit codes: 0 good, 1 findings, 2 usage, 3 case refused, 4 library not loadable,\n"
+    "Exit codes: 0 success, 1 findings, 2 usage, 3 case refused, 4 library not loadable,\n"
     "5 library misbehaved, 6 cannot write output.\n"
-    "The library is that of --plugin, else of the environment's DDP_PLUGIN, else the one beside the program\n"
-    "or in the library folder it was installed with.";
+    "The library is the one named by --plugin, else by the variable DDP_PLUGIN, else the one next to the\n"
+    "program or in the library folder of the same installation.";
 
-/// These may stand before or behind the command, because few users remember which side is which.
+/// Accepted before and after the command, because few users remember which side is which.
 void addGlobalOptions(CLI::App* app, GlobalOptions* options)
 {
     static const std::map<std::string, ColorMode> colorModes = {
         {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
     app->add_option("--plugin", options->plugin, "The library to load")->type_name("PATH");
     app->add_option("--set", options->settings,
-                    "A user setting for the case, as in LOAD_FACE_ZONES=on; an unknown key lists them all")
+                    "A setting for the case, such as LOAD_FACE_ZONES=on; an unknown key lists them all")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
     app->add_flag("--json", options->json, "Write one JSON document instead of text");
-    app->add_flag("-q,--quiet", options->quiet, "Show nothing but errors and data");
-    app->add_flag("-v,--verbose", options->verbosity, "Show the library's info lines; twice: its debug lines too");
-    app->add_option("--threads", options->threads, "Run the library on this many threads at most")
+    app->add_flag("-q,--quiet", options->quiet, "Show only errors and data");
+    app->add_flag("-v,--verbose", options->verbosity,
+                  "Show the library's info messages; given twice, debug messages too");
+    app->add_option("--threads", options->threads, "Run the library on at most this many threads")
         ->type_name("N")
         ->check(CLI::Range(1, 1024));
-    app->add_option("--color", options->color, "Colour the text: auto, always or never")
+    app->add_option("--color", options->color, "When to colour the text: auto, always or never")
         ->type_name("WHEN")
         ->transform(CLI::CheckedTransformer(colorModes).description(""));
-    app->add_flag("--no-progress", options->noProgress, "Draw no progress bar");
+    app->add_flag("--no-progress", options->noProgress, "Do not show a progress bar");
 }
 
 /// Parses the command line into the context.
-/// @return false with `code` set if the run ends here, be it with help or with a usage error
+/// @return false with `code` set if the run ends here, after help or a usage error
 bool parse(int argc, char** argv, HostContext* context, ExitCode* code)
 {
     CLI::App app(DESCRIPTION, "ddphost");
@@ -65,13 +66,13 @@ bool parse(int argc, char** argv, HostContext* context, ExitCode* code)
         app.parse(argc, argv);
         return true;
     } catch (const CLI::ParseError& error) {
-        // The parser has codes of its own for each kind of mistake; for ours they are all one.
+        // The parser has a code for each kind of mistake; we use one for all.
         *code = app.exit(error) == 0 ? ExitCode::Good : ExitCode::Usage;
         return false;
     }
 }
 
-/// The context goes before `main` returns, and with it the library, while the crash handler still stands.
+/// The context, and the library with it, is destroyed before `main` returns, so that the crash handler covers that too.
 ExitCode run(int argc, char** argv)
 {
     HostContext context;
@@ -83,10 +84,10 @@ ExitCode run(int argc, char** argv)
     return context.command();
 }
 
-/// Tells the user why the run ended, in one line.
+/// Reports in one line why the run ended.
 int fail(ExitCode code, const char* message) noexcept
 {
-    // Not through the formatting library, which throws itself if stderr is gone.
+    // Not with the formatting library, which throws if stderr is closed.
     static_cast<void>(std::fprintf(stderr, "ddphost: %s\n", message));
     return static_cast<int>(code);
 }
@@ -103,7 +104,7 @@ int main(int argc, char** argv)
     } catch (const std::filesystem::filesystem_error& error) {
         return fail(ExitCode::CannotWrite, error.what());
     } catch (const std::exception& error) {
-        // Arrays too large for the memory end here, which is how a broken count shows.
+        // Running out of memory ends here; a wrong count usually shows that way.
         return fail(ExitCode::Misbehaved, error.what());
     }
 }

@@ -11,17 +11,17 @@
 
 namespace {
 
-/// A large page, and the least work that is worth a task.
+/// The size of a large page, and the smallest piece of work that is worth a task.
 constexpr std::size_t BLOCK = 2097152;
-/// The smallest page that systems have.
+/// The smallest page size in use.
 constexpr std::size_t SMALL_PAGE = 4096;
 
-/// Runs `work(first, end)` over the blocks of so many bytes.
+/// Runs `work(first, end)` for each block of a range of bytes.
 template <typename Work>
 void forEachBlock(std::size_t byteCount, const Work& work)
 {
     const std::size_t blockCount = (byteCount + BLOCK - 1) / BLOCK;
-    // Within a call from a library's worker, waiting must not take up that library's other work.
+    // If a worker of the library calls this, it must not pick up other work of the library while it waits.
     tbb::this_task_arena::isolate([&] {
         tbb::parallel_for(std::size_t{0}, blockCount,
                           [&](std::size_t i) { work(i * BLOCK, std::min((i + 1) * BLOCK, byteCount)); });
@@ -37,7 +37,7 @@ void prepareMemory(void* memory, std::size_t byteCount)
     }
     char* const bytes = static_cast<char*>(memory);
     const std::size_t length = byteCount / BLOCK * BLOCK;
-    // A hint: what the system makes of it changes the speed alone.
+    // A hint: it affects only speed.
     static_cast<void>(madvise(bytes, length, MADV_HUGEPAGE));
     forEachBlock(length, [bytes](std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; i += SMALL_PAGE) {

@@ -4,16 +4,17 @@
 #include <cstddef>
 #include <vector>
 
-/// Makes fresh memory ready for being filled: asks for large pages and touches them with all cores.
+/// Prepares fresh memory to be filled: asks for large pages and touches them with all cores.
 ///
-/// The first touch of small pages one by one takes longer than a copy into them. Small ranges are left alone.
-/// @param memory reserved and not yet in use; its bytes are undefined behind the call
+/// Touching small pages for the first time, one by one, takes longer than copying into them. Does nothing for small
+/// ranges.
+/// @param memory reserved and not yet in use; its bytes are undefined after the call
 void prepareMemory(void* memory, std::size_t byteCount);
 
-/// Copies bytes with all cores where they are many; the ranges do not overlap.
+/// Copies bytes, using all cores for large ranges; the ranges must not overlap.
 void copyBytes(const void* source, std::size_t byteCount, void* target);
 
-/// Copies an array that a library lends for one call, in place of what the target holds, with one allocation at most.
+/// Replaces the content of the target by an array that a library lends for one call, with at most one allocation.
 template <typename Value>
 void copyArray(const Value* values, std::size_t count, std::vector<Value>* target)
 {

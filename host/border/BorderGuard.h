@@ -9,25 +9,26 @@
 #include <type_traits>
 #include <vector>
 
-/// Faults that the library commits in calls to the host's objects, collected until the host looks at them.
+/// Faults in the library's calls to the host's objects, collected until the host looks at them.
 ///
-/// One collection serves the process, because log and registration callbacks carry no object. Any thread may add.
+/// There is one collection per process, because the log and registration callbacks do not carry an object. Any thread
+/// may add.
 class BorderFaults
 {
 public:
     /// The one collection of the process.
     static BorderFaults& get();
 
-    /// Notes a fault in words, as it shall stand behind the name of the operation.
+    /// Notes a fault; the text will follow the name of the operation.
     void add(const std::string& fault);
 
-    /// A call of a row that holds a place in a host class: the library took a wrong row of the table.
+    /// Notes a call of a reserved operation of a host class: the library called through the wrong table slot.
     void addReservedRow(const std::string& className);
 
-    /// The faults so far, which are forgotten by this.
+    /// Returns the faults so far and forgets them.
     std::vector<std::string> take();
 
-    /// @throws HostError of `Misbehaved` that names the operation and the first fault, if there is one
+    /// @throws HostError of `Misbehaved`, naming the operation and the first fault, if there is one
     void throwIfAny(const std::string& operation);
 
 private:
@@ -35,10 +36,10 @@ private:
     std::vector<std::string> m_faults;
 };
 
-/// Calls into the library and turns all that may go wrong there into a `HostError` of `Misbehaved`.
+/// Calls the library and turns any failure there into a `HostError` of `Misbehaved`.
 ///
-/// No exception may cross the interface, so one that does is the library's fault whatever its type. The faults that
-/// callbacks noted during the call are reported with it.
+/// No exception may cross the interface, so one that does is the library's fault, whatever its type. Faults that
+/// callbacks noted during the call are reported too.
 template <typename Call>
 std::invoke_result_t<Call> callLibrary(const std::string& operation, Call call)
 {
@@ -54,8 +55,8 @@ std::invoke_result_t<Call> callLibrary(const std::string& operation, Call call)
     } catch (const HostError&) {
         throw;
     } catch (const std::exception& error) {
-        throw HostError(ExitCode::Misbehaved, operation + " let an exception out: " + error.what());
+        throw HostError(ExitCode::Misbehaved, operation + " threw: " + error.what());
     } catch (...) {
-        throw HostError(ExitCode::Misbehaved, operation + " let an exception of unknown type out");
+        throw HostError(ExitCode::Misbehaved, operation + " threw an exception of unknown type");
     }
 }

@@ -13,13 +13,13 @@
 
 namespace {
 
-// A stack overflow leaves no room for its own handler, so that runs on this stack.
+// After a stack overflow there is no room for the handler, so it runs on this stack.
 alignas(std::max_align_t) std::array<char, 65536> signalStack;
 
 /// Ends the process from inside a signal handler, where neither allocation nor formatting is allowed.
 [[noreturn]] void endCrashed(const char* message)
 {
-    // Only what is safe in a signal handler: one write, then out without any destructor.
+    // Only what is safe in a signal handler: one write, then exit without running destructors.
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, std::strlen(message));
     _exit(static_cast<int>(ExitCode::Misbehaved));
 }
@@ -29,13 +29,13 @@ void onFatalSignal(int /*signal*/)
     endCrashed("ddphost: the library crashed\n");
 }
 
-/// An exception on a thread of the library has no caller that could catch it, so it ends here.
+/// Nobody can catch an exception on one of the library's threads, so it ends here.
 void onTerminate()
 {
-    endCrashed("ddphost: an exception that nothing catches ended the run\n");
+    endCrashed("ddphost: an uncaught exception ended the run\n");
 }
 
-/// Installs our handler for one signal, unless something else, as a sanitizer, has claimed it.
+/// Installs our handler for one signal unless something else, such as a sanitizer, already handles it.
 void handleUnlessHandled(int signalNumber)
 {
     struct sigaction present = {};

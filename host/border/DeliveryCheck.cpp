@@ -8,20 +8,20 @@
 
 namespace {
 
-/// The sum of byte counts, as wide as an index so that it cannot wrap like the counts themselves.
+/// The sum of byte counts, in the width of an index, so that it cannot wrap as the counts themselves can.
 std::size_t sumOf(const std::vector<unsigned char>& counts)
 {
     return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
 }
 
-/// True if every entry can be used as an index below the bound; labels are signed, so a sign is checked as well.
+/// True if every entry is a valid index below the bound; labels are signed, so negative ones are refused too.
 bool allBelow(const std::vector<std::int32_t>& entries, std::size_t bound)
 {
     return std::ranges::all_of(
         entries, [bound](std::int32_t entry) { return entry >= 0 && static_cast<std::size_t>(entry) < bound; });
 }
 
-/// Ids may be left out altogether; a list of them has to be complete.
+/// Ids may be missing altogether, but a list of ids must be complete.
 std::string findNodeFault(const HostNodeGroup& nodes)
 {
     if (!nodes.ids.empty() && nodes.ids.size() != nodes.nodeCount()) {
@@ -30,10 +30,10 @@ std::string findNodeFault(const HostNodeGroup& nodes)
     return {};
 }
 
-/// Sums up the connectivity that types and polyhedron counts ask for; -1 for an unknown type.
+/// The length of the connectivity that types and polyhedron counts require; -1 for an unknown type.
 std::int64_t connectivityNeeded(const HostElementGroup& elements)
 {
-    // One polyhedron a general element, as the polyhedra check has found.
+    // One polyhedron per general element, as the check of the polyhedra has established.
     auto needed = static_cast<std::int64_t>(sumOf(elements.polyhedra.nodesPerPolyhedron));
     for (const std::int32_t type : elements.types) {
         const int count = nodeCountOfType(type);
@@ -45,7 +45,7 @@ std::int64_t connectivityNeeded(const HostElementGroup& elements)
     return needed;
 }
 
-/// Checks what stands for each element. Relies on the polyhedron tables, which are checked before.
+/// Checks the arrays with entries per element. Relies on the polyhedron tables, which are checked first.
 std::string findElementFault(const HostNodeGroup& nodes, const HostElementGroup& elements)
 {
     if (elements.ids.size() != elements.elementCount()) {
@@ -58,15 +58,15 @@ std::string findElementFault(const HostNodeGroup& nodes, const HostElementGroup&
     if (needed < 0) {
         return "an element of unknown type";
     }
-    // A uniform list may end in unused slack, which readers of binary files leave there.
+    // A uniform list may end in unused slack, left by readers of binary files.
     const auto length = static_cast<std::int64_t>(elements.connectivity.size());
     if (elements.uniform ? length < needed : length != needed) {
-        return fmt::format("{} connectivity entries where the elements take {}", length, needed);
+        return fmt::format("{} connectivity entries where the elements need {}", length, needed);
     }
     return allBelow(elements.connectivity, nodes.nodeCount()) ? std::string() : "connectivity out of range";
 }
 
-/// A fault that the user can find again: what was delivered, for which group, and what is wrong with it.
+/// Throws a fault that the user can locate: what was delivered, for which group, and what is wrong with it.
 [[noreturn]] void reportFault(const std::string& groupName, const std::string& fault)
 {
     throw HostError(ExitCode::Misbehaved, fmt::format("the library delivered broken arrays: {}: {}", groupName, fault));
@@ -118,7 +118,7 @@ std::string findGroupFault(const HostNodeGroup& nodes, const HostElementGroup& e
     if (std::string fault = findNodeFault(nodes); !fault.empty()) {
         return fault;
     }
-    // The tables come first: the element check walks the connectivity by their counts.
+    // The tables come first: the element check uses their counts to walk the connectivity.
     if (std::string fault = findPolyhedraFault(nodes, elements); !fault.empty()) {
         return fault;
     }

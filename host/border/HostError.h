@@ -4,28 +4,28 @@
 #include <stdexcept>
 #include <string>
 
-/// What a run of the host tells its caller through the process's exit code.
+/// The exit codes of the host.
 enum class ExitCode : int
 {
     Good = 0,
-    Findings = 1,       ///< the run went well, but what it looked at is not as it should be
+    Findings = 1,       ///< the run itself succeeded, but found something wrong
     Usage = 2,          ///< the command line makes no sense
-    CaseRefused = 3,    ///< the library does not open the case, or not the item asked for
+    CaseRefused = 3,    ///< the library does not open the case or the item asked for
     LibraryRefused = 4, ///< no library, no entry in it, or another version of the interface
-    Misbehaved = 5,     ///< the library crashed, threw over the border or delivered broken arrays
+    Misbehaved = 5,     ///< the library crashed, threw across the interface or delivered broken arrays
     CannotWrite = 6     ///< an output file or stream cannot be written
 };
 
 /// Ends a run of the host with an exit code and one line for the user.
 ///
-/// Thrown by the host's own code only, never from a callback that the library runs: a foreign frame, perhaps on a
-/// worker thread, is no place to unwind. Callbacks leave a note in `BorderFaults` instead.
+/// Thrown by the host's own code only, never from a callback that the library runs, because exceptions must not unwind
+/// through foreign frames, perhaps on a worker thread. Callbacks leave a note in `BorderFaults` instead.
 class HostError : public std::runtime_error
 {
 public:
     HostError(ExitCode code, const std::string& message) : std::runtime_error(message), m_code(code) {}
 
-    /// The code to end the run with.
+    /// The exit code for the run.
     ExitCode code() const { return m_code; }
 
 private:

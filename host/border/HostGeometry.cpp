@@ -5,7 +5,7 @@
 
 namespace {
 
-// An id is not an index, and a library that mistakes one for the other must not pass; so ids start off zero.
+// Ids do not start at zero, so that a library that mistakes an id for an index is found out.
 constexpr std::int64_t FIRST_NODE_GROUP_ID = 100;
 
 /// Copies an array that the library lends for the call, with one allocation.
@@ -20,7 +20,7 @@ void keep(const Value* values, std::uint64_t count, const char* what, std::vecto
     copyArray(values, count, target);
 }
 
-// For all objects of the process, because a check asks for it before it knows any of them.
+// For all objects of the process, because a check sets it before any of them exists.
 std::atomic<std::chrono::milliseconds::rep> stallMilliseconds = 0;
 
 template <typename Value>

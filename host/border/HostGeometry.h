@@ -15,11 +15,11 @@
 
 /// Notes which threads call one host object and in which order.
 ///
-/// Not locked: the interface promises one thread at a time for one group. `HostCall` finds out if that holds.
+/// Not locked: the interface promises one thread at a time for each group. `HostCall` verifies that.
 struct HostCallRecord
 {
     HostCallRecord() = default;
-    /// The calls of an object are not those of its copy's, so a copy is never in use.
+    /// A copy starts with the record of past calls, but is never in use itself.
     HostCallRecord(const HostCallRecord& other) : operations(other.operations), threads(other.threads) {}
     HostCallRecord& operator=(const HostCallRecord& other)
     {
@@ -33,9 +33,9 @@ struct HostCallRecord
 
     std::vector<std::string> operations;  ///< names of the interface's operations, in order of the calls
     std::vector<std::thread::id> threads; ///< the caller of each
-    std::atomic<bool> inUse = false;      ///< some thread is in a call of the object
+    std::atomic<bool> inUse = false;      ///< a thread is in a call of the object
 
-    /// Makes every call from now on take so much longer, so that two threads that may meet in a group do.
+    /// Makes every call from now on take this much longer, so that two threads that can meet in a group do meet.
     static void setStall(std::chrono::milliseconds time);
 };
 
@@ -50,7 +50,7 @@ public:
     HostCall(const HostCall&) = delete;
     HostCall& operator=(const HostCall&) = delete;
 
-    /// False if the object is another thread's for now; its members must not be touched then.
+    /// False if another thread is using the object; its members must not be touched then.
     explicit operator bool() const { return m_entered; }
 
 private:
@@ -58,7 +58,7 @@ private:
     bool m_entered;
 };
 
-/// The one geometry of a case, or another number that a provider has to refuse.
+/// Selects the one geometry of a case, or another number, which a provider has to refuse.
 class HostGeometrySpec final : public DDPGeometrySpec
 {
 public:
@@ -79,10 +79,10 @@ public:
     explicit HostNodeGroup(std::int64_t groupId) : m_id(groupId) {}
 
     std::vector<double> coordinates; ///< x, y, z of each node in turn
-    std::vector<std::int32_t> ids;   ///< one a node
+    std::vector<std::int32_t> ids;   ///< one per node
     HostCallRecord calls;
 
-    /// Nodes set so far: 0 for a group that the library left empty.
+    /// Nodes set so far; 0 for a group that the library left empty.
     std::size_t nodeCount() const { return coordinates.size() / 3; }
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPNodeGroup"); }
@@ -98,9 +98,9 @@ private:
 /// The face tables of the general elements of a group, as the library delivered them.
 struct HostPolyhedra
 {
-    std::vector<unsigned char> nodesPerPolyhedron; ///< distinct nodes, one entry a polyhedron
-    std::vector<unsigned char> facesPerPolyhedron; ///< one entry a polyhedron
-    std::vector<unsigned char> nodesPerFace;       ///< one entry a face, polyhedron after polyhedron
+    std::vector<unsigned char> nodesPerPolyhedron; ///< distinct nodes, one entry per polyhedron
+    std::vector<unsigned char> facesPerPolyhedron; ///< one entry per polyhedron
+    std::vector<unsigned char> nodesPerFace;       ///< one entry per face, polyhedron after polyhedron
     std::vector<std::int32_t> faceConnectivity;    ///< nodes of all those faces, as positions in the node group
 };
 
@@ -110,16 +110,16 @@ class HostElementGroup final : public DDPElementGroup
 public:
     explicit HostElementGroup(std::int64_t boundNodeGroupId) : nodeGroupId(boundNodeGroupId) {}
 
-    std::int64_t nodeGroupId;               ///< the node group that the connectivity counts in
+    std::int64_t nodeGroupId;               ///< the node group that the connectivity refers to
     bool uniform = false;                   ///< the last call that set elements was `setUniformElements`
-    std::vector<std::int32_t> types;        ///< one an element, also for uniform elements
+    std::vector<std::int32_t> types;        ///< one per element, also for uniform elements
     std::vector<std::int32_t> connectivity; ///< positions in the node group, element after element
     std::vector<std::int32_t> ids;
     std::vector<std::int32_t> partIds; ///< empty if the library set none
     HostPolyhedra polyhedra;           ///< of the elements of type `DDP_POLY`, in element order
     HostCallRecord calls;
 
-    /// Elements set so far: 0 for a group that the library left empty.
+    /// Elements set so far; 0 for a group that the library left empty.
     std::size_t elementCount() const { return types.size(); }
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPElementGroup"); }
@@ -134,7 +134,7 @@ public:
     void setElementPartIds(const std::int32_t* values, std::uint64_t count) override;
 };
 
-/// Keeps a whole geometry. Groups stand in the order in which the library made them.
+/// Keeps a whole geometry. Groups are in the order in which the library made them.
 class HostGeometry final : public DDPGeometry
 {
 public:
@@ -143,7 +143,7 @@ public:
     std::deque<HostElementGroup> elementGroups;
     HostCallRecord calls;
 
-    /// The nodes that this element group counts in, or null if it is bound to an id that was never given out.
+    /// The nodes that this element group refers to, or null if it is bound to an id that was never given out.
     const HostNodeGroup* nodesOf(const HostElementGroup& group) const;
 
     /// Bytes of all arrays kept.

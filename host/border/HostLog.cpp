@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The word in front of a shown line; other numbers than the known three show without a rank.
+/// The prefix of a shown line; unknown levels show as plain "log".
 const char* levelName(std::int32_t level)
 {
     switch (level) {
@@ -46,7 +46,7 @@ void HostLog::add(std::int32_t level, const char* text)
     const std::lock_guard lock(m_mutex);
     m_lines.push_back({level, text, std::this_thread::get_id()});
     if (level <= m_shownLevel) {
-        // One write a line, so that lines of several threads do not mix with each other or with the progress bar.
+        // One write per line, so that lines of several threads do not mix with each other or with the progress bar.
         const std::string line = fmt::format("{}: {}\n", levelName(level), text);
         static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
     }

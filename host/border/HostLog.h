@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-/// Levels of the library's log lines, smaller is graver.
+/// Levels of the library's log lines; smaller is more severe.
 inline constexpr std::int32_t LOG_ERROR = 1;
 inline constexpr std::int32_t LOG_INFO = 3;
 inline constexpr std::int32_t LOG_DEBUG = 4;
@@ -20,10 +20,10 @@ struct HostLogLine
     std::thread::id thread; ///< the thread that logged it
 };
 
-/// Takes the library's log lines, keeps them and shows the grave ones on stderr.
+/// Receives the library's log lines, keeps them and shows the severe ones on stderr.
 ///
-/// The interface's callback is a bare function without an object, so there is one log in the process. Worker threads
-/// log at the same time; every member may be called from any thread.
+/// The interface's callback is a plain function without an object, so there is one log per process. Worker threads log
+/// concurrently; every member may be called from any thread.
 class HostLog
 {
 public:
@@ -33,13 +33,13 @@ public:
     /// The function to put into the init record.
     static void receive(std::int32_t level, const char* text);
 
-    /// Shows lines of this level and graver ones; errors show by default. 0 shows nothing, for tests.
+    /// Shows lines of this level and more severe ones; by default, errors. 0 shows nothing, for tests.
     void setShownLevel(std::int32_t level);
 
     /// All lines since the last `clear`, in order of arrival.
     std::vector<HostLogLine> lines() const;
 
-    /// Forgets all lines; what is shown stays as it is set.
+    /// Forgets all lines; the shown level stays as it is.
     void clear();
 
 private:

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-// Values of the interface's kind and mapping of a result.
+// Values that the interface uses for the kind and mapping of a result.
 inline constexpr std::int32_t KIND_SCALAR = 0;
 inline constexpr std::int32_t KIND_VECTOR = 1;
 inline constexpr std::int32_t KIND_DISPLACEMENT = 2;
@@ -21,7 +21,7 @@ inline constexpr std::int32_t KIND_TENSOR = 4;
 inline constexpr std::int32_t MAPPING_NODE = 0;
 inline constexpr std::int32_t MAPPING_ELEMENT = 1;
 
-/// What a declared group is, from the calls that declare it.
+/// What a declared group is, derived from the calls that declare it.
 enum class HostGroupKind
 {
     Part,     ///< a mesh with its cells; declared by `addPart`, or as a group without parent and type if it has zones
@@ -31,7 +31,7 @@ enum class HostGroupKind
     Surface
 };
 
-/// One state as it is declared.
+/// One declared state.
 struct HostState
 {
     std::int32_t id;
@@ -49,9 +49,9 @@ struct HostGroup
     std::optional<std::int32_t> boundaryFlag;
     std::map<std::string, std::string> properties;
 
-    /// What the group is; settled only when all of its declaration has come.
+    /// What the group is; valid only once the group is fully declared.
     HostGroupKind kind() const;
-    /// The property "type", or the empty text.
+    /// The property "type", or an empty string.
     std::string type() const;
 };
 
@@ -80,8 +80,8 @@ public:
 
 /// Records the description of a case.
 ///
-/// The library sees three objects, metadata, geometry info and group info; here they are faces of one record, because
-/// each call of the two others belongs to the one case. All calls are listed in their order.
+/// The library sees three objects: metadata, geometry info and group info. Here all three fill one record, because they
+/// describe one case. All calls are listed in order.
 class HostMetaData final : public DDPMetaData
 {
 public:
@@ -96,16 +96,16 @@ public:
     std::optional<std::int32_t> geometryMode;
     std::vector<HostGroup> groups; ///< parts and groups in order of declaration
     std::vector<HostState> states;
-    std::deque<HostResultInfo> results; ///< a deque, because the library holds on to the entry that it fills
-    std::vector<std::string> calls;     ///< each call as text, as in "addState(1)"
+    std::deque<HostResultInfo> results; ///< a deque, because the library keeps a pointer to the entry that it fills
+    std::vector<std::string> calls;     ///< each call as text, such as "addState(1)"
 
-    /// The groups that get an element group, in the order in which the geometry makes them: all but cell zones.
+    /// The groups that get an element group, in the order in which the geometry makes them: all except cell zones.
     std::vector<const HostGroup*> geometryGroups() const;
 
-    /// The declared group of this id, or null.
+    /// The declared group with this id, or null.
     const HostGroup* findGroup(std::int32_t id) const;
 
-    /// The result whose node average this one is, or null: the average has the key stem_N of the source's stem_E.
+    /// The result that this one is the node average of, or null: the source has the key stem_E and its average stem_N.
     const HostResultInfo* sourceOfAverage(const HostResultInfo& result) const;
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPMetaData"); }
@@ -120,7 +120,7 @@ public:
                              std::int32_t mapping) override;
 
 private:
-    /// Takes parts, and hands out the object that takes groups.
+    /// Receives parts, and hands out the object that receives groups.
     class GeometryInfo final : public DDPGeometryInfo
     {
     public:
@@ -136,7 +136,7 @@ private:
         HostMetaData& m_owner;
     };
 
-    /// Takes groups. The library may ask for it as often as it likes and always gets this one.
+    /// Receives groups. The library may ask for it repeatedly and always gets this object.
     class GroupInfo final : public DDPElementGroupInfo
     {
     public:
@@ -153,9 +153,9 @@ private:
         HostMetaData& m_owner;
     };
 
-    /// The group to describe; null, with a fault noted, for an id that was not declared.
+    /// The group with this id; null, with a fault noted, if it was not declared.
     HostGroup* declaredGroup(std::int32_t id);
-    /// Adds a group or a part; an id that is taken already is noted as a fault, and stays.
+    /// Adds a group or a part; if its id is already taken, that is noted as a fault and both are kept.
     void declareGroup(std::int32_t id, const char* name, bool asPart);
 
     GeometryInfo m_geometryInfo;

@@ -12,7 +12,7 @@
 /// One change of the list of states.
 struct HostNotice
 {
-    /// Which operation told it.
+    /// The operation that reported it.
     enum class Kind
     {
         Update,

@@ -8,10 +8,10 @@
 
 namespace {
 
-/// Nothing for a text that means neither, so that a typing mistake does not pass for "off".
+/// Empty for a text that means neither, so that a typing mistake does not count as "off".
 std::optional<bool> boolFromText(std::string text)
 {
-    // Not std::tolower: what it makes of a byte depends on the locale.
+    // Not std::tolower, which depends on the locale.
     std::ranges::for_each(text, [](char& c) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
     if (text == "on" || text == "true" || text == "yes" || text == "1") {
         return true;
@@ -22,7 +22,7 @@ std::optional<bool> boolFromText(std::string text)
     return std::nullopt;
 }
 
-/// Lists what the provider declares: the settings belong to the library, and no other list of them could be complete.
+/// Lists the settings that the provider declares: they belong to the library, so no other list could be complete.
 [[noreturn]] void refuseUnknownKey(const std::string& key, const HostProviderInfo& provider)
 {
     std::string known;

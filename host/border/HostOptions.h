@@ -9,17 +9,18 @@
 #include <string>
 #include <vector>
 
-/// The settings that the user gave for one case.
+/// The user's settings for one case.
 class HostOptions final : public DDPInitOptions
 {
 public:
-    /// Options from texts of the form KEY=VALUE, checked against what the provider declares.
+    /// Parses texts of the form KEY=VALUE and checks them against what the provider declares.
     ///
-    /// A boolean takes on, off, true, false, yes, no, 1 and 0 in any case; of a key given twice the last value holds.
+    /// A boolean accepts on, off, true, false, yes, no, 1 and 0 in any case. If a key is given twice, the last value
+    /// wins.
     /// @throws HostError of `Usage` for a text without "=", an unknown key or a bad boolean
     static HostOptions parse(const std::vector<std::string>& texts, const HostProviderInfo& provider);
 
-    /// Gives a setting without a check, for callers that know the provider.
+    /// Sets an option without a check, for callers that know the provider.
     void setBool(const std::string& key, bool value) { m_bools[key] = value; }
     void setString(const std::string& key, const std::string& value) { m_strings[key] = DDPString(value.c_str()); }
 

@@ -12,13 +12,13 @@
 struct HostSetting
 {
     std::string key;
-    std::string label;         ///< what a host with windows would show
+    std::string label;         ///< what a graphical host would show
     bool isBool;               ///< otherwise the setting is a text
-    bool boolDefault;          ///< of a boolean
-    std::string stringDefault; ///< of a text
+    bool boolDefault;          ///< for a boolean
+    std::string stringDefault; ///< for a text
 };
 
-/// Records what a factory tells about its provider.
+/// Records what a factory reports about its provider.
 class HostProviderInfo final : public DDPDataProviderInfo
 {
 public:
@@ -26,7 +26,7 @@ public:
     std::string fileMask;
     std::vector<HostSetting> settings; ///< in order of declaration
 
-    /// The setting of this key, or null.
+    /// The setting with this key, or null.
     const HostSetting* find(const std::string& key) const
     {
         for (const HostSetting& setting : settings) {

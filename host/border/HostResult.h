@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-/// What a library delivers for a value that it does not have.
+/// What a library delivers for a missing value.
 inline constexpr double UNDEFINED_VALUE = std::numeric_limits<double>::max();
 
 /// One result of one state.
@@ -31,16 +31,16 @@ private:
     std::int32_t m_stateId;
 };
 
-/// Keeps the values of one group; of several calls the last one holds.
+/// Keeps the values of one group; the last of several calls wins.
 class HostValueGroup final : public DDPResultValueGroup
 {
 public:
-    std::vector<double> values;                                 ///< `dimension` values an item
-    std::int32_t dimension = 0;                                 ///< components of an item; 0 as long as nothing was set
+    std::vector<double> values;                                 ///< `dimension` values per item
+    std::int32_t dimension = 0;                                 ///< components per item; 0 until values are set
     std::vector<std::pair<std::int32_t, std::uint64_t>> shapes; ///< components and items of each call
     HostCallRecord calls;
 
-    /// Whole items set so far: 0 for a group that the library left empty.
+    /// Complete items set so far; 0 for a group that the library left empty.
     std::size_t itemCount() const { return dimension > 0 ? values.size() / static_cast<std::size_t>(dimension) : 0; }
 
     void reserved0() override { BorderFaults::get().addReservedRow("DDPResultValueGroup"); }
@@ -48,7 +48,7 @@ public:
     void setValues(const double* array, std::int32_t componentCount, std::uint64_t items) override;
 };
 
-/// Keeps one result of one state. Groups stand in the order in which the library made them.
+/// Keeps one result of one state. Groups are in the order in which the library made them.
 class HostResult final : public DDPResult
 {
 public:

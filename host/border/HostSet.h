@@ -8,11 +8,11 @@
 #include <cstdint>
 #include <vector>
 
-/// Keeps the items of one set, one entry a call.
+/// Keeps the items of one set, one entry per call.
 class HostSet final : public DDPSet
 {
 public:
-    /// What one call brought.
+    /// The items of one call.
     struct Items
     {
         std::int32_t kind;

@@ -17,10 +17,10 @@ namespace {
 constexpr const char* LIBRARY_NAME = "libOpenFoamPlugin.so";
 constexpr const char* ENTRY_NAME = "initializeDataProviderPlugin";
 
-// The callbacks of the init record carry no object. They run inside the entry alone, on the thread that calls it.
+// The callbacks of the init record do not carry an object. They run only inside the entry, on the thread that calls it.
 thread_local PluginLibrary* loadingLibrary = nullptr;
 
-/// Directs the callbacks to one library for the length of a scope, also when the entry throws.
+/// Directs the callbacks to one library for the duration of a scope, even if the entry throws.
 class LoadingScope
 {
 public:
@@ -30,22 +30,21 @@ public:
     LoadingScope& operator=(const LoadingScope&) = delete;
 };
 
-/// Where this program lies, whatever name it was called by and from whichever folder; empty if the system does not
-/// tell.
+/// The folder of this program, however it was called; empty if the system does not know.
 std::filesystem::path programFolder()
 {
     std::error_code error;
     return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
 }
 
-/// Waits until the worker threads that the library's loops left behind have ended.
+/// Waits until the worker threads that the library's loops started have ended.
 ///
-/// They still run code of the library and of what it brought along, which must not go from under them. This also makes
-/// the host itself need TBB, so that the workers' own code stays.
+/// They still run code of the library and of its dependencies, which must not be unloaded under them. This also makes
+/// the host itself depend on TBB, so that the workers' own code stays loaded.
 void joinWorkers()
 {
     tbb::task_scheduler_handle workers{tbb::attach{}};
-    // False if someone else in the process still uses them; then they are none of ours to end.
+    // False if someone else in the process still uses them; then they are not ours to end.
     (void)tbb::finalize(workers, std::nothrow);
 }
 
@@ -72,7 +71,7 @@ std::filesystem::path PluginLibrary::locate(const std::string& given)
             return candidate;
         }
     }
-    refuse(fmt::format("no {} beside the program; name it with --plugin or DDP_PLUGIN", LIBRARY_NAME));
+    refuse(fmt::format("no {} next to the program; name it with --plugin or DDP_PLUGIN", LIBRARY_NAME));
 }
 
 PluginLibrary::PluginLibrary(const std::filesystem::path& file, Registration answer) : m_file(file), m_answer(answer)
@@ -92,7 +91,7 @@ PluginLibrary::~PluginLibrary()
 
 void PluginLibrary::load()
 {
-    // A name without a slash would make the loader search its own folders instead of the one that was meant.
+    // For a name without a slash the loader would search its own folders.
     const std::string path = std::filesystem::absolute(m_file).string();
     m_handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (m_handle == nullptr) {
@@ -120,7 +119,7 @@ void PluginLibrary::runEntry()
 void PluginLibrary::checkRegistration() const
 {
     if (m_registration.apiVersion != DDP_API_VERSION_MAJOR && m_registration.apiVersion != 0) {
-        refuse(fmt::format("the library speaks version {} of the interface, this host version {}",
+        refuse(fmt::format("the library uses version {} of the interface, this host version {}",
                            m_registration.apiVersion, DDP_API_VERSION_MAJOR));
     }
     if (!m_registered || m_exitFunction == nullptr) {
@@ -153,7 +152,7 @@ std::int32_t PluginLibrary::onRegister(const char* providerName, DDPFactoryRegis
     }
     library->m_providerName = providerName;
     library->m_registration = *registration;
-    // A factory of another version has other tables, so not one row of it may be called.
+    // The operation tables of another version differ, so no operation of that factory may be called.
     library->m_registered =
         library->m_answer == Registration::Accept && registration->apiVersion == DDP_API_VERSION_MAJOR;
     return library->m_registered ? 1 : 0;

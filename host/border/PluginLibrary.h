@@ -13,21 +13,21 @@
 
 /// The loaded plug-in: its code, its registration and its factory.
 ///
-/// Loading runs the whole start of the interface: `dlopen`, the entry with a filled init record, the registration and
-/// the factory's description of itself. The destructor runs it backwards: factory destroyed, exit function, `dlclose`.
-/// Log lines go to `HostLog`. One thread uses an object.
+/// Loading runs the complete start-up sequence of the interface: `dlopen`, the entry with a filled init record, the
+/// registration and the factory's description of itself. The destructor reverses it: factory destroyed, exit function,
+/// `dlclose`. Log lines go to `HostLog`. One thread uses an object.
 class PluginLibrary
 {
 public:
-    /// What the host answers to a registration.
+    /// How the host answers a registration.
     enum class Registration
     {
         Accept,
-        Refuse ///< for tests: the entry must then return null
+        Refuse ///< for tests; the entry must then return null
     };
 
-    /// The library's file: `given` unless empty, else the environment's DDP_PLUGIN, else the first that exists beside
-    /// the program, in the library folder it was installed with, or in the build tree.
+    /// The library's file: `given` unless empty, else the environment variable DDP_PLUGIN, else the first that exists
+    /// next to the program, in the library folder of the same installation, or in the build tree.
     /// @throws HostError of `LibraryRefused` when there is none
     static std::filesystem::path locate(const std::string& given);
 
@@ -39,11 +39,11 @@ public:
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
 
-    /// The file as it was given.
+    /// The file as given.
     const std::filesystem::path& file() const { return m_file; }
-    /// The name that the library registered its factory under, not the one that it shows.
+    /// The name that the library registered its factory under, not its display name.
     const std::string& providerName() const { return m_providerName; }
-    /// The major version that the registration claims.
+    /// The major version that the registration states.
     std::int64_t apiVersion() const { return m_registration.apiVersion; }
 
     /// The entries of `setPluginInfo` in order of the calls.
@@ -54,7 +54,7 @@ public:
 
     /// The registered factory; not to be used after a refused registration.
     DDPDataProviderFactory& factory() const { return *m_registration.factory; }
-    /// What the factory told of its provider and its settings when the library was loaded.
+    /// What the factory reported about its provider and settings when the library was loaded.
     const HostProviderInfo& providerInfo() const { return m_providerInfo; }
 
 private:

@@ -64,7 +64,7 @@ Vector3 areaVector(const std::vector<double>& coordinates, std::span<const std::
     if (face.empty()) {
         return sum;
     }
-    // From the face's own first node, so that a mesh far from the origin loses no digits.
+    // Relative to the face's first node, so that a mesh far from the origin loses no digits.
     const Vector3 origin = nodeAt(coordinates, face[0]);
     for (std::size_t k = 1; k + 1 < face.size(); ++k) {
         const Vector3 normal =
@@ -81,7 +81,7 @@ double volumeUnder(const std::vector<double>& coordinates, std::span<const std::
     if (face.empty()) {
         return 0;
     }
-    // A fan around the middle, so that both cells of a warped face take the same surface whatever node it starts with.
+    // A fan around the centre, so that both cells of a warped face use the same surface, whatever node it starts with.
     Vector3 middle = {};
     for (const std::int32_t node : face) {
         const Vector3 corner = minus(nodeAt(coordinates, node), apex);

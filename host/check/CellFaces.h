@@ -12,15 +12,15 @@
 
 using Vector3 = std::array<double, 3>;
 
-/// A solid's faces as the interface draws its nodes, counter-clockwise seen from outside; unused places hold -1.
+/// The faces of a solid in the interface's node order, counter-clockwise seen from outside; unused places hold -1.
 ///
-/// Empty for a general element and for types that are no solids.
+/// Empty for a general element and for types that are not solids.
 std::span<const std::array<int, 4>> facesOfSolid(std::int32_t type);
 
-/// The area vector of a polygon: along its normal, as long as its area.
+/// The area vector of a polygon: along its normal, with its area as length.
 Vector3 areaVector(const std::vector<double>& coordinates, std::span<const std::int32_t> face);
 
-/// The part of a cell's volume under one outward face, seen from a point; its faces' sum is the volume.
+/// The part of a cell's volume between one of its faces and a point; the sum over all faces is the volume.
 double volumeUnder(const std::vector<double>& coordinates, std::span<const std::int32_t> face, const Vector3& apex);
 
 double lengthOf(const Vector3& vector);
@@ -29,7 +29,7 @@ Vector3 nodeAt(const std::vector<double>& coordinates, std::int32_t node);
 /// Calls `visit(element, nodes)` for each face of each element of a sound group, element after element.
 ///
 /// A solid has the faces of its shape and a general element those of its table; a flat element is a face itself. The
-/// nodes are positions in the node group and valid for the call alone.
+/// nodes are positions in the node group, valid only during the call.
 template <typename Visit>
 void forEachFace(const HostElementGroup& elements, Visit visit)
 {

@@ -6,27 +6,27 @@
 
 class CheckRun;
 
-/// One check of the library: what it claims, and the work that finds out.
+/// One check of the library: what it claims, and the function that verifies it.
 struct Check
 {
-    std::string_view name;  ///< area, point, matter, as in "load.twice"
-    std::string_view claim; ///< what holds for a good library, in one sentence
-    bool needsCase;         ///< made once for each case; the others once for the library
-    bool silent;            ///< whatever its process writes to stdout or stderr is a finding
+    std::string_view name;  ///< area, point, subject, such as "load.twice"
+    std::string_view claim; ///< what holds for a correct library, in one sentence
+    bool needsCase;         ///< run once for each case; the others once for the library
+    bool silent;            ///< anything that its process writes to stdout or stderr is a finding
     void (*run)(CheckRun& run);
 };
 
 /// All checks, those of the library first.
 std::span<const Check> allChecks();
 
-/// Whether the library opens the case at all, which is asked before all else and is none of the checks.
+/// Whether the library opens the case at all. It runs before all checks and is not one of them.
 const Check& openingCheck();
 
-/// The check of this name, or null.
+/// The check with this name, or null.
 const Check* findCheck(std::string_view name);
 
-// The work of the checks, by the file that it stands in. Each notes its findings in the run and throws nothing but
-// `HostError` and `CheckSkipped`.
+// The functions of the checks, by source file. Each notes its findings in the run and throws nothing but `HostError`
+// and `CheckSkipped`.
 
 // LibraryChecks.cpp
 void checkLoadTwice(CheckRun& run);

@@ -15,8 +15,8 @@ namespace {
 
 using Line = nlohmann::ordered_json;
 
-/// Writes one line at once, so that it is out before a crash. A parent that is gone reads nothing, and then nothing is
-/// lost.
+/// Writes one line immediately, so that it gets out before a crash. If the parent is gone, nobody reads the line, so a
+/// failed write does not matter.
 void writeLine(const Line& line)
 {
     const std::string text = line.dump(-1, ' ', false, Line::error_handler_t::replace) + "\n";
@@ -35,28 +35,28 @@ void reportFinding(const std::string& finding)
     writeLine({{"finding", finding}});
 }
 
-/// Makes the check; whatever the library lets out of a call is a finding as well.
+/// Runs the check; anything that the library throws is a finding as well.
 Line endOf(const Check& check, CheckRun& run)
 {
     try {
         check.run(run);
     } catch (const CheckSkipped& skipped) {
-        // What was found before counts for more.
+        // Earlier findings take precedence.
         if (run.findingCount() == 0) {
             return {{"end", "skipped"}, {"reason", skipped.reason}};
         }
     } catch (const HostError& error) {
-        // Neither is the library's fault: a file that is none, and a setting that it does not have.
+        // Neither is the library's fault: a file that is not a library, and a setting that it does not have.
         if ((error.code() == ExitCode::LibraryRefused && !run.hasLoaded()) || error.code() == ExitCode::Usage) {
             return {{"end", "skipped"}, {"reason", error.what()}, {"stop", static_cast<int>(error.code())}};
         }
-        // Asked first and alone; a case that opened once is not refused later without a fault.
+        // Only the opening check may find a case refused; if a case has opened once, a later refusal is a fault.
         if (error.code() == ExitCode::CaseRefused && &check == &openingCheck()) {
             return {{"end", "skipped"}, {"reason", error.what()}, {"refused", true}};
         }
         run.fail(error.what());
     } catch (const std::filesystem::filesystem_error& error) {
-        // The check's own: one of the library's would have come as a HostError.
+        // Thrown by the check itself: one from the library would have arrived as a HostError.
         return {{"end", "skipped"}, {"reason", error.what()}};
     } catch (const std::exception& error) {
         run.fail(error.what());
@@ -95,7 +95,7 @@ void runCheckChild(std::string_view checkName, const CheckTask& task)
 {
     const Check* const check = findCheck(checkName);
     if (check == nullptr) {
-        throw HostError(ExitCode::Usage, "there is no check of the name " + std::string(checkName));
+        throw HostError(ExitCode::Usage, "there is no check named " + std::string(checkName));
     }
     HostLog::get().setShownLevel(0);
     CheckRun run(task, reportFinding);
@@ -120,7 +120,7 @@ bool readCheckResult(const std::string& text, CheckOutcome* outcome)
         outcome->stopCode = line.value("stop", 0);
         const std::size_t count = line.value("findings", std::size_t{0});
         if (count > outcome->findings.size()) {
-            outcome->findings.push_back(std::to_string(count - outcome->findings.size()) + " more of the kind");
+            outcome->findings.push_back(std::to_string(count - outcome->findings.size()) + " more findings");
         }
         return true;
     }

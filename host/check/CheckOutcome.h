@@ -8,25 +8,25 @@
 enum class CheckVerdict
 {
     Passed,
-    Skipped,  ///< it could not be made, which says nothing of the library
+    Skipped,  ///< it could not run, which says nothing about the library
     Failed,   ///< it found something
-    TimedOut, ///< it was ended, because it took too long
+    TimedOut, ///< it took too long and was stopped
     Crashed   ///< its process ended without a result
 };
 
-/// The word for a verdict, in text and document alike.
+/// The word for a verdict, in text and JSON alike.
 const char* verdictName(CheckVerdict verdict);
 
-/// What came of one check.
+/// The result of one check.
 struct CheckOutcome
 {
     CheckVerdict verdict = CheckVerdict::Crashed;
-    std::vector<std::string> findings; ///< what is wrong, a sentence each; also of a check that crashed behind them
+    std::vector<std::string> findings; ///< what is wrong, one sentence each; kept even if the check crashed later
     std::string reason;                ///< why it was skipped, or how it crashed
-    bool refused = false;              ///< the library does not open the case; of the opening check alone
-    int stopCode = 0;                  ///< unless 0, no check can be made, and the run ends with this code
+    bool refused = false;              ///< the library does not open the case; set only by the opening check
+    int stopCode = 0;                  ///< unless 0, no check can run, and the whole run ends with this code
     double seconds = 0;                ///< from the start of the process to its end
 
-    /// True for every verdict that speaks against the library.
+    /// True for every verdict that counts against the library.
     bool bad() const { return verdict != CheckVerdict::Passed && verdict != CheckVerdict::Skipped; }
 };

@@ -17,7 +17,7 @@
 
 namespace {
 
-// A library in a loop of prints must not fill the memory of the program that waits for it.
+// A library that prints in an endless loop must not fill the memory of the program that waits for it.
 constexpr std::size_t MOST_OUTPUT = 1 << 20;
 
 [[noreturn]] void fail(const char* what, int error)
@@ -25,18 +25,18 @@ constexpr std::size_t MOST_OUTPUT = 1 << 20;
     throw HostError(ExitCode::Misbehaved, fmt::format("cannot {} for a check: {}", what, std::strerror(error)));
 }
 
-/// Both ends of a pipe that no other child inherits. The reading end does not block.
+/// Both ends of a pipe that no other child inherits. The read end does not block.
 std::array<int, 2> makePipe()
 {
     std::array<int, 2> ends = {};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        fail("make a pipe", errno);
+        fail("create a pipe", errno);
     }
     fcntl(ends[0], F_SETFL, O_NONBLOCK);
     return ends;
 }
 
-/// How the new process differs from this one; gone with the scope.
+/// How the new process differs from this one; released at the end of the scope.
 struct SpawnPlan
 {
     posix_spawn_file_actions_t actions = {};
@@ -66,7 +66,7 @@ struct SpawnPlan
     SpawnPlan& operator=(const SpawnPlan&) = delete;
 };
 
-/// The last line of a text, where a crashed process says its last word.
+/// The last line of a text, which usually says why a process crashed.
 std::string lastLine(std::string text)
 {
     while (!text.empty() && text.back() == '\n') {
@@ -104,7 +104,7 @@ CheckProcess::CheckProcess(const std::vector<std::string>& arguments)
 
 CheckProcess::~CheckProcess()
 {
-    // The group outlives its first process if that has left children behind.
+    // The group outlives its first process if that has left children running.
     kill();
     if (m_process > 0 && !m_ended) {
         waitpid(m_process, &m_status, 0);
@@ -122,7 +122,7 @@ void CheckProcess::kill() const
 
 bool CheckProcess::advance(std::chrono::duration<double> limit)
 {
-    // Asked first: what an ended process has written is in the pipe by then.
+    // Checked before reading: once a process has ended, all its output is in the pipe.
     m_ended = m_ended || waitpid(m_process, &m_status, WNOHANG) == m_process;
     m_result.drain();
     m_output.drain();
@@ -142,7 +142,7 @@ CheckOutcome CheckProcess::outcome() const
     const bool complete = readCheckResult(m_result.text, &outcome);
     if (m_timedOut) {
         outcome.verdict = CheckVerdict::TimedOut;
-        outcome.reason = fmt::format("no end within {} seconds", m_limit);
+        outcome.reason = fmt::format("still running after {} seconds", m_limit);
     } else if (!complete || !WIFEXITED(m_status) || WEXITSTATUS(m_status) != 0) {
         outcome.verdict = CheckVerdict::Crashed;
         const std::string how = WIFSIGNALED(m_status) ? fmt::format("by signal {}", WTERMSIG(m_status))

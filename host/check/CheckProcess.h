@@ -10,29 +10,29 @@
 
 #include <sys/types.h>
 
-/// A process of this program that makes one check.
+/// A process of this program that runs one check.
 ///
-/// A new program and not only a fork, because threads do not survive a fork. It has a process group of its own, which
-/// ends as a whole when the object goes, so nothing of it is left behind.
+/// A new program rather than just a fork, because threads do not survive a fork. It has its own process group, which is
+/// killed as a whole with the object, so no process is left running.
 class CheckProcess
 {
 public:
     /// Starts the program with these arguments.
-    /// @throws HostError of `Misbehaved` when the system makes no process
+    /// @throws HostError of `Misbehaved` when the system cannot start a process
     explicit CheckProcess(const std::vector<std::string>& arguments);
     ~CheckProcess();
 
     CheckProcess(const CheckProcess&) = delete;
     CheckProcess& operator=(const CheckProcess&) = delete;
 
-    /// The descriptors to wait for, each until something is to read or until its end; -1 behind that.
+    /// The descriptors to wait for, each until there is something to read or it ends; -1 after its end.
     std::array<int, 2> descriptors() const { return {m_result.descriptor, m_output.descriptor}; }
 
-    /// Takes what has come, without waiting.
-    /// @return true if the process has ended, in time or because it is past the limit, and all of it is read
+    /// Reads what has arrived, without waiting.
+    /// @return true if the process has ended, by itself or at the time limit, and all its output has been read
     bool advance(std::chrono::duration<double> limit);
 
-    /// What came of the check; only behind the end.
+    /// The result of the check; valid only after the process has ended.
     CheckOutcome outcome() const;
 
     /// What it wrote to stdout and stderr.
@@ -41,7 +41,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// One pipe and what has come through it.
+    /// One pipe and what has been read from it.
     struct Channel
     {
         int descriptor = -1;

@@ -14,7 +14,7 @@ namespace {
 constexpr std::array<CheckVerdict, 5> VERDICTS = {CheckVerdict::Passed, CheckVerdict::Skipped, CheckVerdict::Failed,
                                                   CheckVerdict::TimedOut, CheckVerdict::Crashed};
 
-/// What is counted, in words; passed and failed ones also if there are none.
+/// The tally in words; passed and failed are listed even if there are none.
 std::string tallyText(const CheckTally& tally)
 {
     std::string text;
@@ -55,7 +55,7 @@ std::string subjectLines(const std::vector<CheckJob>& jobs)
     return table.text(0);
 }
 
-/// One line a job: all that it found, and how it ended if not by itself.
+/// One line per job: all its findings, and how it ended if it did not end normally.
 std::string failureLine(const CheckJob& job, const std::string& userOptions)
 {
     std::vector<std::string> sentences = job.outcome.findings;
@@ -64,12 +64,12 @@ std::string failureLine(const CheckJob& job, const std::string& userOptions)
     }
     std::string line = fmt::format("{} {} ({}): {}; repeat: {}", verdictName(job.outcome.verdict), job.check->name,
                                    subjectName(job), fmt::join(sentences, "; "), repeatCommand(job, userOptions));
-    // A name or a text of the library may hold a line feed, and a line is promised.
+    // Names and texts of the library may contain line feeds, but each job gets one line.
     std::ranges::replace(line, '\n', ' ');
     return line + "\n";
 }
 
-/// Skipped checks of one reason share a line, since most samples lack the same things.
+/// Checks skipped for the same reason share a line, since most samples lack the same things.
 std::string skippedLines(const std::vector<CheckJob>& jobs)
 {
     std::map<std::pair<std::string, std::string>, std::vector<std::string>> subjects;

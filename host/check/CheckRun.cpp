@@ -7,7 +7,7 @@
 
 namespace {
 
-// A broken array of a million entries has a million findings, of which nobody reads the sixth.
+// A broken array of a million entries gives a million findings, of which nobody reads the sixth.
 constexpr std::size_t MOST_FINDINGS = 5;
 
 constexpr std::size_t FEW_STATES = 3;
@@ -16,7 +16,7 @@ constexpr std::size_t FEW_STATES = 3;
 
 CheckedCase::CheckedCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath,
                          HostOptions options)
-    : m_library(std::move(library)), m_options(std::move(options)), m_session(*m_library, casePath, m_options)
+    : m_library(std::move(library)), m_options(std::move(options)), m_opened(*m_library, casePath, m_options)
 {}
 
 std::unique_ptr<HostMetaData> CheckedCase::metaData()
@@ -49,7 +49,7 @@ std::unique_ptr<HostResult> CheckedCase::result(std::int32_t resultId, std::int3
 std::vector<HostNotice> CheckedCase::poll()
 {
     HostNotifications notifications;
-    m_session.poll(&notifications);
+    m_opened.poll(&notifications);
     return notifications.notices;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "border/CaseSession.h"
+#include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
 
 #include <filesystem>
@@ -10,17 +10,17 @@
 #include <string>
 #include <vector>
 
-/// What one process has to check.
+/// The task of one process.
 struct CheckTask
 {
     std::filesystem::path library;
-    std::filesystem::path casePath;     ///< empty for a check that needs none
+    std::filesystem::path casePath;     ///< empty for a check that does not need one
     std::vector<std::string> settings;  ///< as KEY=VALUE
-    std::vector<std::string> preferred; ///< the same, given if the library has such a setting; `settings` win
-    std::filesystem::path workFolder;   ///< for files of the check; whoever made it removes it
+    std::vector<std::string> preferred; ///< the same, used only if the library has such a setting; `settings` win
+    std::filesystem::path workFolder;   ///< for files of the check; whoever created it removes it
 };
 
-/// Ends a check that cannot be made.
+/// Ends a check that cannot run.
 struct CheckSkipped
 {
     std::string reason;
@@ -28,17 +28,17 @@ struct CheckSkipped
 
 /// A loaded library with one open case, for checks.
 ///
-/// Unlike `CaseSession` it hands deliveries on as they come, with every fault in them: what is wrong there is for the
-/// one check to tell that claims it. Faults of the calls themselves still end the check by a `HostError`.
+/// Unlike `OpenedCase` it hands deliveries on as they are, with every fault in them, because each fault is reported
+/// only by the check that looks for it. Faults in the calls themselves still end the check with a `HostError`.
 class CheckedCase
 {
 public:
     CheckedCase(std::shared_ptr<PluginLibrary> library, const std::filesystem::path& casePath, HostOptions options);
 
     const HostOptions& options() const { return m_options; }
-    DDPDataProvider& provider() { return m_session.provider(); }
+    DDPDataProvider& provider() { return m_opened.provider(); }
 
-    /// Asks anew each time, as all the following do.
+    /// Makes a new request on each call, as do all of the following.
     std::unique_ptr<HostMetaData> metaData();
     std::unique_ptr<HostGeometry> geometry();
     /// Null if the library has no such result.
@@ -48,31 +48,31 @@ public:
 private:
     std::shared_ptr<PluginLibrary> m_library;
     HostOptions m_options;
-    CaseSession m_session;
+    OpenedCase m_opened;
 };
 
-/// The metadata and the geometry of a case, with arrays that can be walked by their counts.
+/// Metadata and geometry of a case, with arrays that can safely be walked by their counts.
 struct SoundGeometry
 {
     std::unique_ptr<CheckedCase> open;
     std::unique_ptr<HostMetaData> metaData;
     std::unique_ptr<HostGeometry> geometry;
-    std::vector<const HostGroup*> groups; ///< of each element group its declaration
+    std::vector<const HostGroup*> groups; ///< the declaration of each element group
 
     /// Skips the check if no part has a cell.
     void needCells() const;
 };
 
-/// One check on its way: what it works on and what it has found.
+/// A running check: what it works on and what it has found.
 class CheckRun
 {
 public:
-    /// @param report takes each finding as it comes, so that it is not lost in a later crash
+    /// @param report receives each finding immediately, so that a later crash does not lose it
     CheckRun(CheckTask task, std::function<void(const std::string&)> report);
 
     const CheckTask& task() const { return m_task; }
 
-    /// Notes that something is wrong, in a sentence. Of many findings the first few are kept.
+    /// Notes in one sentence that something is wrong. Only the first few findings are kept.
     void fail(const std::string& finding);
 
     /// Notes a finding unless the condition holds.
@@ -88,21 +88,21 @@ public:
     /// Loads the library.
     std::unique_ptr<PluginLibrary> load(PluginLibrary::Registration answer = PluginLibrary::Registration::Accept) const;
 
-    /// True once the library was loaded: that it does not load again is a finding then, and no wrong file.
+    /// True once the library has been loaded: if it does not load again, that is a finding and not a wrong file.
     bool hasLoaded() const { return m_loaded; }
 
-    /// The settings of the task, as this library takes them.
+    /// The settings of the task, limited to those that this library has.
     HostOptions options(const PluginLibrary& library) const;
 
     /// Loads the library and opens the case.
     std::unique_ptr<CheckedCase> open() const { return open(m_task.casePath); }
-    /// The same with another case of the same settings.
+    /// The same for another case with the same settings.
     std::unique_ptr<CheckedCase> open(const std::filesystem::path& casePath) const { return open(load(), casePath); }
     std::unique_ptr<CheckedCase> open(std::shared_ptr<PluginLibrary> library,
                                       const std::filesystem::path& casePath) const;
 
-    /// Opens the case and takes its geometry.
-    /// @throws CheckSkipped if its arrays are broken, which another check tells
+    /// Opens the case and requests its geometry.
+    /// @throws CheckSkipped if its arrays are broken, which another check reports
     SoundGeometry openGeometry() const;
 
 private:
@@ -112,5 +112,5 @@ private:
     mutable bool m_loaded = false;
 };
 
-/// The states that checks of values look at: all of a few, else the first, the middle and the last.
+/// The states that checks of values look at: all if there are few, else the first, the middle and the last.
 std::vector<const HostState*> sampleOfStates(const HostMetaData& metaData);

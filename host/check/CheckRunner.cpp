@@ -14,8 +14,8 @@
 
 namespace {
 
-// Pipes wake the wait, so this only bounds how late a limit is seen. Behind closed pipes an end is near, and nothing
-// wakes the wait for that.
+// Pipes end the wait, so this only bounds how late a time limit is noticed. Once its pipes are closed a process ends
+// soon, and nothing ends the wait for that.
 constexpr int WAIT_MILLISECONDS = 20;
 constexpr int WAIT_FOR_END_MILLISECONDS = 1;
 
@@ -46,7 +46,7 @@ std::vector<std::string> argumentsOf(const CheckJob& job, const CheckRunOptions&
     return arguments;
 }
 
-/// The jobs of one run, some of them on their way.
+/// The jobs of one run, some of them running.
 class Schedule
 {
 public:
@@ -78,7 +78,7 @@ public:
         poll(watched.data(), watched.size(), someClosed ? WAIT_FOR_END_MILLISECONDS : WAIT_MILLISECONDS);
     }
 
-    /// Takes the ended jobs out. @return their number
+    /// Removes the finished jobs. @return their number
     std::size_t collect()
     {
         return std::erase_if(m_running, [this](const RunningJob& running) {

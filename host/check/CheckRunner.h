@@ -10,17 +10,17 @@
 #include <string>
 #include <vector>
 
-/// One check of one case, or of the library alone.
+/// One check of one case, or of the library without a case.
 struct CheckJob
 {
     const Check* check;
-    std::string subject; ///< the case as the user named it, the name of a sample, or empty for the library
+    std::string subject; ///< the case as given by the user, the name of a sample, or empty for the library
     std::filesystem::path casePath;
     bool sample = false;
-    std::vector<std::string> settings; ///< of the sample; those of the user come behind them
-    CheckOutcome outcome;              ///< filled when it has run
+    std::vector<std::string> settings; ///< of the sample; those of the user come after them
+    CheckOutcome outcome;              ///< set once it has run
 
-    /// The text that patterns are matched against, as in "load.twice" or "poll.remove@moving" for a sample.
+    /// The text that patterns are matched against, such as "load.twice" or, for a sample, "poll.remove@moving".
     std::string id() const { return std::string(check->name) + (sample ? "@" + subject : ""); }
 };
 
@@ -29,17 +29,17 @@ struct CheckRunOptions
 {
     std::filesystem::path library;
     std::vector<std::string> settings; ///< as KEY=VALUE
-    int threads = 0;                   ///< 0 leaves the number to the machine
-    std::size_t parallelJobs = 1;      ///< so many processes at a time
+    int threads = 0;                   ///< 0 uses the default of the machine
+    std::size_t parallelJobs = 1;      ///< the most processes that run at once
     double timeLimit = 60;             ///< seconds for one job
-    std::filesystem::path workFolder;  ///< each job gets a folder of its own in it
+    std::filesystem::path workFolder;  ///< each job gets its own folder in it
 };
 
-/// Runs all jobs, each in a process of its own, and fills in what came of them.
+/// Runs each job in its own process and fills in the outcomes.
 ///
-/// @param onDone called behind each job
-/// @param goOn   asked many times a second; false ends what runs
-/// @return false if it was ended; what has not run is then skipped
-/// @throws HostError of `LibraryRefused` when there is no library in the file, of `Usage` for a setting that it lacks
+/// @param onDone called after each job
+/// @param goOn   called many times a second; false stops the running jobs
+/// @return false if it was stopped; jobs that have not run are then skipped
+/// @throws HostError of `LibraryRefused` when the file is not a library, of `Usage` for a setting that it lacks
 bool runChecks(std::vector<CheckJob>* jobs, const CheckRunOptions& options, const std::function<void()>& onDone,
                const std::function<bool()>& goOn);

@@ -10,10 +10,10 @@
 
 namespace {
 
-// What rounding leaves of a sum of areas, seen from the sum of their sizes.
+// What rounding may leave of a vector sum of areas, relative to the sum of their sizes.
 constexpr double ROUNDING = 1e-9;
 
-/// Spreads the bits of a number over a word.
+/// Mixes the bits of a number over the whole word.
 std::uint64_t mixed(std::uint64_t value)
 {
     value ^= value >> 31;
@@ -23,12 +23,12 @@ std::uint64_t mixed(std::uint64_t value)
     return value ^ (value >> 32);
 }
 
-/// One face of one cell. Faces of the same nodes have the same key, whatever node they start with and whichever way
-/// they run; a key of 64 bits leaves no room for chance in meshes that fit into a memory.
+/// One face of one cell. Faces with the same nodes have the same key, whatever node they start with and whichever way
+/// they run. With 64 bits, accidental matches are negligible in any mesh that fits into memory.
 struct CellFace
 {
     std::uint64_t key;
-    bool forward; ///< which of the two ways it runs
+    bool forward; ///< which of the two directions it runs in
     std::uint32_t cell;
 };
 
@@ -46,7 +46,7 @@ CellFace cellFaceOf(std::span<const std::int32_t> nodes, std::size_t cell)
     return face;
 }
 
-/// The same for faces of groups that number their nodes each for themselves: made of the places of the nodes.
+/// The same for faces of groups that number their nodes independently: computed from the positions of the nodes.
 std::uint64_t placeKey(const std::vector<double>& coordinates, std::span<const std::int32_t> nodes)
 {
     std::uint64_t key = 0;
@@ -60,8 +60,8 @@ std::uint64_t placeKey(const std::vector<double>& coordinates, std::span<const s
     return key;
 }
 
-/// Sorts and leaves of each key one entry if it stands there an odd number of times, else none: two faces in one place,
-/// as of a baffle or between unconnected cells, bound nothing.
+/// Sorts, and keeps one entry of each key that occurs an odd number of times and none of the others: two faces in one
+/// place, as in a baffle or between unconnected cells, bound nothing.
 void keepUnpaired(std::vector<std::uint64_t>* keys)
 {
     std::ranges::sort(*keys);
@@ -83,7 +83,7 @@ std::size_t countMissing(const std::vector<std::uint64_t>& keys, const std::vect
     return missing.size();
 }
 
-/// The surface of one part: its cells' faces, and those of them that no second cell has.
+/// The surface of one part: the faces of its cells, and among them those that belong to one cell only.
 class PartSurface
 {
 public:
@@ -92,7 +92,7 @@ public:
           m_coordinates(sound.geometry->nodesOf(m_elements)->coordinates)
     {}
 
-    /// The faces of each cell close it.
+    /// Checks that the faces of each cell close it.
     void checkCells()
     {
         Vector3 sum = {};
@@ -115,7 +115,7 @@ public:
         finish();
     }
 
-    /// Each face has one cell, or two that see it from its two sides.
+    /// Checks that each face has one cell, or two on opposite sides.
     void pairFaces()
     {
         std::vector<CellFace> faces;
@@ -135,7 +135,7 @@ public:
         std::ranges::sort(m_outerKeys);
     }
 
-    /// The outer faces together close the part.
+    /// Checks that the outer faces together close the part.
     void checkOuter()
     {
         Vector3 sum = {};
@@ -151,7 +151,7 @@ public:
         }
     }
 
-    /// The outer faces are those of the patches.
+    /// Checks that the outer faces are those of the patches.
     void checkPatches(std::vector<std::uint64_t> patchPlaces)
     {
         keepUnpaired(&patchPlaces);
@@ -159,7 +159,7 @@ public:
         const std::size_t unpatched = countMissing(m_outerPlaces, patchPlaces);
         const std::size_t loose = countMissing(patchPlaces, m_outerPlaces);
         m_run.expect(unpatched == 0, fmt::format("{}: {} outer faces are in no patch", m_name, unpatched));
-        m_run.expect(loose == 0, fmt::format("{}: {} faces of patches are no outer faces", m_name, loose));
+        m_run.expect(loose == 0, fmt::format("{}: {} faces of patches are not outer faces", m_name, loose));
     }
 
 private:
@@ -222,7 +222,7 @@ void checkClosedSurfaces(CheckRun& run)
                 });
             }
         }
-        // Without patches, or with some of them hidden, there is nothing to hold the outer faces against.
+        // Without patches, or with some of them hidden, there is nothing to compare the outer faces with.
         if (!patchPlaces.empty() && !hides) {
             surface.checkPatches(std::move(patchPlaces));
         }

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// A hash of bytes, eight at a time: digests of large cases are bound by memory, not by this.
+/// A hash of bytes, eight at a time, so that memory and not the hash limits the speed for large cases.
 std::uint64_t hashOf(const unsigned char* bytes, std::size_t count)
 {
     std::uint64_t hash = 0xCBF29CE484222325U + count;
@@ -81,7 +81,7 @@ void DeliveryDigest::addResult(const HostResultInfo& info, const HostState& stat
 {
     const std::string name = fmt::format("{} at {}", info.name, state.referenceValue);
     const std::size_t groups = result == nullptr ? 0 : result->groups.size();
-    add(result == nullptr ? "that there is no " + name : "the groups of " + name, &groups, sizeof(groups));
+    add(result == nullptr ? "the presence of " + name : "the groups of " + name, &groups, sizeof(groups));
     for (std::size_t i = 0; i < groups; ++i) {
         add(fmt::format("value group {} of {}", i, name), result->groups[i].values);
     }

@@ -8,16 +8,16 @@
 #include <utility>
 #include <vector>
 
-/// What a library delivered, small enough to keep and to compare: a hash of each array, with its name.
+/// A compact record of what a library delivered: the name and hash of each array.
 class DeliveryDigest
 {
 public:
     void addMetaData(const HostMetaData& metaData);
     void addGeometry(const HostMetaData& metaData, const HostGeometry& geometry);
-    /// @param result null for one that the library does not have
+    /// @param result null if the library does not have it
     void addResult(const HostResultInfo& info, const HostState& state, const HostResult* result);
 
-    /// What differs first, in words; empty if the two are equal.
+    /// The name of the first difference; empty if the two are equal.
     std::string differenceTo(const DeliveryDigest& other) const;
 
 private:
@@ -28,5 +28,5 @@ private:
     std::vector<std::pair<std::string, std::uint64_t>> m_entries;
 };
 
-/// Asks for everything in the host's order, metadata, geometry and the results of a few states, and digests it.
+/// Requests everything in the host's order (metadata, geometry, the results of a few states) and digests it.
 DeliveryDigest digestOf(CheckedCase& open);

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The bytes of a file, with access by offsets that the file itself names.
+/// The bytes of a file, with checked access by offsets that the file itself contains.
 class ElfFile
 {
 public:
@@ -27,7 +27,7 @@ public:
         }
     }
 
-    /// A copy of the record at an offset, since nothing in a file need be aligned.
+    /// A copy of the record at an offset, since records in a file need not be aligned.
     template <typename Record>
     Record at(std::uint64_t offset) const
     {
@@ -52,7 +52,7 @@ public:
 private:
     [[noreturn]] void refuse() const
     {
-        throw HostError(ExitCode::LibraryRefused, m_path.string() + " is no sound library file");
+        throw HostError(ExitCode::LibraryRefused, m_path.string() + " is not a valid library file");
     }
 
     std::filesystem::path m_path;
@@ -63,7 +63,7 @@ bool isOffered(const Elf64_Sym& symbol)
 {
     const unsigned binding = ELF64_ST_BIND(symbol.st_info);
     const unsigned visibility = ELF64_ST_VISIBILITY(symbol.st_other);
-    // A version's own name stands in the table as an absolute object of no use to anybody.
+    // The table lists the name of each symbol version as an absolute object, which nobody can use.
     return symbol.st_shndx != SHN_UNDEF && symbol.st_shndx != SHN_ABS && binding != STB_LOCAL &&
            (visibility == STV_DEFAULT || visibility == STV_PROTECTED);
 }

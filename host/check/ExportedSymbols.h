@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-/// The names that a shared library offers to others, sorted: the defined symbols of its dynamic table.
+/// The names that a shared library exports, sorted: the defined symbols of its dynamic table.
 ///
-/// Read from the file and not by a tool, which a machine of users need not have. Reads 64-bit files of this machine's
-/// byte order, and nothing outside the file whatever its tables claim.
+/// Parsed here, because users' machines need not have a tool for it. Reads 64-bit files in this machine's byte order,
+/// and never outside the file, whatever its tables claim.
 /// @throws HostError of `LibraryRefused` for any other file
 std::vector<std::string> exportedSymbols(const std::filesystem::path& library);

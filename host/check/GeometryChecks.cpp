@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Checks of the groups of one geometry: how they are made and filled, and what they hold.
+// Checks of the groups of one geometry: how they are created and filled, and what they hold.
 #include "border/DeliveryCheck.h"
 #include "border/HostSet.h"
 #include "check/CellFaces.h"
@@ -16,7 +16,7 @@ namespace {
 
 using Operations = std::vector<std::string>;
 
-/// A delivery that may hold any fault, with the declarations as far as there are any.
+/// A delivery that may contain any fault, with the declarations as far as there are any.
 struct RawGeometry
 {
     std::unique_ptr<CheckedCase> open;
@@ -56,7 +56,7 @@ bool isElementOrder(const Operations& operations)
     return true;
 }
 
-/// True if the entries count up by one from the first number.
+/// True if the entries count up by one from `first`.
 bool countsFrom(const std::vector<std::int32_t>& entries, std::int32_t first)
 {
     for (const std::int32_t entry : entries) {
@@ -67,7 +67,7 @@ bool countsFrom(const std::vector<std::int32_t>& entries, std::int32_t first)
     return true;
 }
 
-/// The ids of a part and of the cell zones in it.
+/// The ids of a part and its cell zones.
 std::set<std::int32_t> idsWithin(const HostMetaData& metaData, const HostGroup& part)
 {
     std::set<std::int32_t> ids = {part.id};
@@ -95,7 +95,7 @@ const char* typeName(std::int32_t type)
     }
 }
 
-/// Compares the nodes of each general element in its faces, in its count and in the connectivity.
+/// Compares the nodes of each general element: those of its faces, their count and the connectivity.
 void checkNodesOfPolyhedra(CheckRun& run, const std::string& name, const HostElementGroup& elements)
 {
     std::vector<std::set<std::int32_t>> fromFaces(elements.elementCount());
@@ -114,8 +114,8 @@ void checkNodesOfPolyhedra(CheckRun& run, const std::string& name, const HostEle
             const auto listed = std::span(elements.connectivity).subspan(node, size);
             if (fromFaces[element] != std::set<std::int32_t>(listed.begin(), listed.end()) ||
                 fromFaces[element].size() != size) {
-                run.fail(fmt::format("{}: element {} lists {} nodes, its faces have {}, or others", name, element, size,
-                                     fromFaces[element].size()));
+                run.fail(fmt::format("{}: element {} lists {} nodes, its faces have {} or different ones", name,
+                                     element, size, fromFaces[element].size()));
             }
             ++polyhedron;
         }
@@ -151,7 +151,7 @@ void checkGeometryOrder(CheckRun& run)
 
 void checkGeometryThreads(CheckRun& run)
 {
-    // Long enough that a second thread meets the first one in the group, short enough for a few hundred groups.
+    // Long enough for a second thread to meet the first one in the group, short enough for a few hundred groups.
     HostCallRecord::setStall(std::chrono::milliseconds(2));
     const RawGeometry raw(run);
     if (raw.geometry->elementGroups.empty()) {
@@ -179,7 +179,7 @@ void checkGeometryIds(CheckRun& run)
         const bool fromOne = kind == HostGroupKind::Part || kind == HostGroupKind::Surface;
         run.expect(countsFrom(nodes.ids, fromOne ? 1 : 0) && nodes.ids.size() == nodes.nodeCount(),
                    fmt::format("{}: the node ids do not count from {}", sound.groups[i]->name, fromOne ? 1 : 0));
-        // The faces of a face zone are not numbered: hosts get the same id for each.
+        // Compatibility (docs/compatibility.md, "face zone ids 0"): all faces of a face zone have the same id.
         const std::int32_t first = kind == HostGroupKind::Surface ? 1 : 0;
         run.expect(kind == HostGroupKind::FaceZone || countsFrom(elements.ids, first),
                    fmt::format("{}: the element ids do not count from {}", sound.groups[i]->name, first));
@@ -199,7 +199,7 @@ void checkPartIds(CheckRun& run)
                    fmt::format("{} has {} part ids", group.name, wanted ? "no" : "needless"));
         const auto other = std::ranges::find_if(partIds, [&](std::int32_t id) { return !allowed.contains(id); });
         if (other != partIds.end()) {
-            run.fail(fmt::format("element {} of {}, which has the id {}, shows in {}", other - partIds.begin(),
+            run.fail(fmt::format("element {} of {}, which has the id {}, has the part id {}", other - partIds.begin(),
                                  group.name, group.id, *other));
         }
     }
@@ -248,7 +248,7 @@ void checkCellVolumes(CheckRun& run)
             volumes[element] += volumeUnder(coordinates, nodes, apexes[element]);
         });
         for (std::size_t element = 0; element < volumes.size(); ++element) {
-            // Not "<= 0", which a volume that is not a number would pass.
+            // Not "<= 0": that would let NaN pass.
             if (!(volumes[element] > 0)) {
                 run.fail(fmt::format("{}: cell {}, a {}, has the volume {}", sound.groups[i]->name, element,
                                      typeName(elements.types[element]), volumes[element]));
@@ -260,7 +260,8 @@ void checkCellVolumes(CheckRun& run)
 void checkSets(CheckRun& run)
 {
     const SoundGeometry sound = run.openGeometry();
-    // Zones are numbered from 1 within their part, and the first part that has the number answers.
+    // Compatibility (docs/compatibility.md, "zone ids per part"): numbers start at 1 in each part, and the set comes
+    // from the first part that has the number.
     std::vector<std::vector<const HostGroup*>> zonesByPart;
     std::vector<const HostElementGroup*> cellsByPart;
     for (std::size_t i = 0; i < sound.groups.size(); ++i) {
@@ -293,7 +294,8 @@ void checkSets(CheckRun& run)
             run.fail(fmt::format("set {} is not that of part {}", number, part));
             continue;
         }
-        // Where zones overlap the last one shows, so a zone may show fewer cells than its set has, but no others.
+        // Where zones overlap the last one wins, so a set may hold more cells than have the id of its zone, but not
+        // fewer.
         const HostElementGroup& cells = *cellsByPart[part];
         std::vector<bool> inSet(cells.elementCount());
         for (const std::int32_t id : set.items[0].ids) {
@@ -305,7 +307,7 @@ void checkSets(CheckRun& run)
         }
         for (std::size_t cell = 0; cell < cells.partIds.size(); ++cell) {
             if (cells.partIds[cell] == zonesByPart[part][number - 1]->id && !inSet[cell]) {
-                run.fail(fmt::format("cell {} shows in zone {} and is not in its set", cell, number));
+                run.fail(fmt::format("cell {} has the id of zone {} but is not in its set", cell, number));
             }
         }
     }

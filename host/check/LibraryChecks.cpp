@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Checks of the library without a case. The names and texts here are those that hosts know the library by.
+// Checks of the library without a case. Hosts identify the library by the names and texts here.
 #include "check/Check.h"
 #include "check/CheckRun.h"
 #include "check/ExportedSymbols.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// What a loaded library tells of itself, as one text to compare.
+/// What a loaded library reports about itself, as one text to compare.
 std::string descriptionOf(const PluginLibrary& library)
 {
     std::string text = fmt::format("{}, version {}", library.providerName(), library.apiVersion());
@@ -36,7 +36,7 @@ void checkLoadTwice(CheckRun& run)
         if (round == 0) {
             first = description;
         }
-        run.expect(description == first, fmt::format("it told '{}' at first and now '{}'", first, description));
+        run.expect(description == first, fmt::format("it reported '{}' at first and now '{}'", first, description));
     }
 }
 
@@ -45,12 +45,12 @@ void checkRefusedRegistration(CheckRun& run)
     {
         const std::unique_ptr<PluginLibrary> library = run.load(PluginLibrary::Registration::Refuse);
         run.expect(!library->hasExitFunction(), "the entry returns an exit function to a host that refused");
-        run.expect(library->pluginInfo().size() == 3, "a host that refuses is not told what the library is");
-        // The library leaves the refused factory alive, since the host has seen it; this host destroys it.
+        run.expect(library->pluginInfo().size() == 3, "the library does not identify itself to a host that refuses");
+        // The library leaves a refused factory alive, since the host has a pointer to it; this host destroys it.
         const std::unique_ptr<DDPDataProviderFactory> refused(&library->factory());
-        run.expect(!refused->isSupportedByProvider(DDPString("")), "the factory takes an empty path");
+        run.expect(!refused->isSupportedByProvider(DDPString("")), "the factory accepts an empty path");
     }
-    run.expect(run.load()->hasExitFunction(), "after a refusal the library does not load again");
+    run.expect(run.load()->hasExitFunction(), "the library does not load again after a refusal");
 }
 
 void checkExportedSymbol(CheckRun& run)
@@ -116,7 +116,7 @@ void checkSupportedPaths(CheckRun& run)
         const char* path;
         bool supported;
     };
-    // Only the name counts, in any case and behind either slash; the files need not exist.
+    // Only the file name counts, in any case and after either kind of slash; the files need not exist.
     static constexpr std::array<Row, 14> TABLE = {{{"/no/such/case.foam", true},
                                                    {"case.foam", true},
                                                    {"CASE.FOAM", true},
@@ -136,6 +136,6 @@ void checkSupportedPaths(CheckRun& run)
         const DDPString path(row.path);
         const bool supported =
             callLibrary("isSupportedByProvider", [&] { return library->factory().isSupportedByProvider(path); });
-        run.expect(supported == row.supported, fmt::format("'{}' is {}", row.path, supported ? "taken" : "refused"));
+        run.expect(supported == row.supported, fmt::format("'{}' is {}", row.path, supported ? "accepted" : "refused"));
     }
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Checks of a case from its opening to its end: what may be called when, and that the same is delivered each time.
+// Checks of a case from opening to closing: which calls are allowed when, and that each time delivers the same.
 #include "border/HostSet.h"
 #include "check/Check.h"
 #include "check/CheckRun.h"
@@ -23,10 +23,10 @@ constexpr std::int32_t GREATEST_ID = std::numeric_limits<std::int32_t>::max();
 void expectEqual(CheckRun& run, const DeliveryDigest& first, const DeliveryDigest& second, const std::string& when)
 {
     const std::string difference = first.differenceTo(second);
-    run.expect(difference.empty(), fmt::format("{}, {} is another", when, difference));
+    run.expect(difference.empty(), fmt::format("{}, {} differs", when, difference));
 }
 
-/// Ids that nothing of these has.
+/// Ids that no group, state or result has.
 template <typename Items>
 std::vector<std::int32_t> foreignIds(const Items& items)
 {
@@ -72,7 +72,7 @@ void checkOpening(CheckRun& run)
 void checkReload(CheckRun& run)
 {
     const DeliveryDigest first = digestOf(*run.open());
-    expectEqual(run, first, digestOf(*run.open()), "loaded again");
+    expectEqual(run, first, digestOf(*run.open()), "after loading again");
 }
 
 void checkSettingsAsked(CheckRun& run)
@@ -91,9 +91,9 @@ void checkOddCallOrders(CheckRun& run)
     const std::shared_ptr<PluginLibrary> library = run.load();
     DDPDataProviderFactory& factory = library->factory();
     const HostOptions options = run.options(*library);
-    const DDPString path(CaseSession::tokenFile(run.task().casePath).c_str());
+    const DDPString path(OpenedCase::tokenFile(run.task().casePath).c_str());
     callLibrary("destroyProviderInstance of nothing", [&] { factory.destroyProviderInstance(nullptr); });
-    callLibrary("a provider that opens nothing",
+    callLibrary("a provider that never opens a case",
                 [&] { factory.destroyProviderInstance(factory.createProviderInstance()); });
     callLibrary("a provider that is never closed", [&] {
         DDPDataProvider* const provider = factory.createProviderInstance();
@@ -109,11 +109,11 @@ void checkOddCallOrders(CheckRun& run)
     const std::unique_ptr<CheckedCase> open = run.open();
     const std::unique_ptr<HostMetaData> metaData = open->metaData();
     for (const HostResultInfo& result : metaData->results) {
-        // Without a geometry the values have no counts; what comes may be empty, but must not do harm.
+        // Without a geometry the number of values is unknown; the delivery may be empty, but must not do damage.
         (void)open->result(result.id, metaData->states.front().id);
     }
-    expectEqual(run, usual, digestOf(*open), "asked for results before the geometry");
-    expectEqual(run, usual, digestOf(*open), "asked for all of it again");
+    expectEqual(run, usual, digestOf(*open), "after results were requested before the geometry");
+    expectEqual(run, usual, digestOf(*open), "when everything was requested again");
 }
 
 void checkGarbageIds(CheckRun& run)
@@ -141,29 +141,29 @@ void checkGarbageIds(CheckRun& run)
                    "there is a visibility");
     }
     checkForeignResults(run, *open, *metaData);
-    expectEqual(run, before, digestOf(*open), "asked for what does not exist");
+    expectEqual(run, before, digestOf(*open), "after requests for things that do not exist");
 }
 
 void checkEqualOpenings(CheckRun& run)
 {
-    // Both at once, as a host with two windows has them, and each asked in turns.
+    // Both open at once, as in a host with two windows, and queried in turns.
     const std::shared_ptr<PluginLibrary> library = run.load();
     const std::unique_ptr<CheckedCase> first = run.open(library, run.task().casePath);
     const std::unique_ptr<CheckedCase> second = run.open(library, run.task().casePath);
     const DeliveryDigest digest = digestOf(*first);
-    expectEqual(run, digest, digestOf(*second), "opened twice");
-    expectEqual(run, digest, digestOf(*first), "asked behind the other opening");
+    expectEqual(run, digest, digestOf(*second), "when opened a second time");
+    expectEqual(run, digest, digestOf(*first), "queried after the other opening");
 }
 
 void checkEqualThreads(CheckRun& run)
 {
     std::optional<DeliveryDigest> first;
     for (const int threads : {1, 2, 8}) {
-        // Outlives the arena: unloading ends the workers, which cannot be done from among them.
+        // Outlives the arena: unloading ends the workers, which none of them could do itself.
         const std::unique_ptr<CheckedCase> open = run.open();
         DeliveryDigest digest;
         {
-            // The control lets more threads in than the machine has processors; the arena has room for as many.
+            // The control allows more threads than the machine has processors; the arena has room for that many.
             const tbb::global_control limit(tbb::global_control::max_allowed_parallelism,
                                             static_cast<std::size_t>(threads));
             tbb::task_arena arena(threads);

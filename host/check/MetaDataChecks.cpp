@@ -11,11 +11,11 @@
 
 namespace {
 
-// What a host is told beside title and description: the mode, and that of the states if there are two or more.
+// What a host gets besides title and description: the mode, and the mode of the states if there are two or more.
 constexpr std::int32_t MODE = 4;
 constexpr std::int32_t STATE_MODE = 4;
 
-/// The place of a call in the order of a description; groups and what is told of them share one.
+/// The position of a call in the order of a description; groups and their properties share one.
 int stageOf(const std::string& call)
 {
     static const std::vector<std::string> STAGES = {"setSimulationInfo(", "setGeometryMode(0)", "", "addState(",
@@ -39,7 +39,7 @@ void checkMetaDataOrder(CheckRun& run)
                "the first calls are not setSimulationInfo and setGeometryMode(0)");
     for (std::size_t i = 1; i < calls.size(); ++i) {
         run.expect(stageOf(calls[i - 1]) <= stageOf(calls[i]) && (i < 2 || stageOf(calls[i]) >= 2),
-                   fmt::format("{} stands behind {}", calls[i], calls[i - 1]));
+                   fmt::format("{} comes after {}", calls[i], calls[i - 1]));
     }
     const std::int32_t stateMode = metaData->states.size() < 2 ? 0 : STATE_MODE;
     run.expect(metaData->mode == MODE && metaData->stateMode == stateMode,
@@ -52,7 +52,7 @@ void checkDeclaredGroups(CheckRun& run)
     std::int32_t last = 0;
     for (const HostGroup& group : metaData->groups) {
         const std::string name = fmt::format("group {}, '{}',", group.id, group.name);
-        run.expect(group.id > last, fmt::format("{} stands behind {}", name, last));
+        run.expect(group.id > last, fmt::format("{} comes after {}", name, last));
         last = group.id;
         run.expect(!group.name.empty(), name + " has no name");
         const bool boundary = group.kind() == HostGroupKind::Boundary;
@@ -64,7 +64,7 @@ void checkDeclaredGroups(CheckRun& run)
         if (group.kind() != HostGroupKind::Surface) {
             const HostGroup* const parent = metaData->findGroup(group.parentId.value_or(0));
             run.expect(parent != nullptr && parent < &group && parent->kind() == HostGroupKind::Part,
-                       name + " hangs under no part that stands before it");
+                       name + " does not belong to a part declared before it");
         }
     }
 }
@@ -93,10 +93,10 @@ void checkDeclaredResults(CheckRun& run)
     std::int32_t next = 1;
     for (const HostResultInfo& result : metaData->results) {
         const std::string name = fmt::format("result {}, '{}',", result.id, result.name);
-        run.expect(result.id == next, fmt::format("{} stands where {} is due", name, next));
+        run.expect(result.id == next, fmt::format("{} comes where {} is expected", name, next));
         next = result.id + 1;
         run.expect(!result.name.empty() && !result.key.empty() && keys.insert(result.key).second,
-                   name + " has no name, or no key of its own");
+                   name + " has no name or no unique key");
         run.expect(KINDS.contains(result.kind) && (result.mapping == MAPPING_NODE || result.mapping == MAPPING_ELEMENT),
                    fmt::format("{} has the kind {} and the mapping {}", name, result.kind, result.mapping));
         run.expect((result.displacementFlag == 1) == (result.kind == KIND_DISPLACEMENT),

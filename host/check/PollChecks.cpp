@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Checks of polling: which notices follow which change of the folders, on a copy of the case.
+// Checks of polling, on a copy of the case: which change of the folders leads to which notices.
 #include "check/Check.h"
 #include "check/CheckRun.h"
 
@@ -14,13 +14,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A copy for each of these checks must not fill a disk.
+// Each of these checks makes a copy, which must not fill the disk.
 constexpr std::uintmax_t MOST_COPIED_BYTES = 200'000'000;
 
-// A change numbers the states anew from here, in the order of time.
+// Compatibility (docs/compatibility.md, "renewed ids from 1001"): a change renumbers the states from here, in order of
+// time.
 constexpr std::int32_t FIRST_ID = 1001;
 
-/// The number that a folder's name starts with, which is its time.
+/// The time of a folder: the number that its name starts with.
 std::optional<double> timeOf(const fs::path& folder)
 {
     const std::string name = folder.filename().string();
@@ -38,8 +39,8 @@ std::uintmax_t bytesIn(const fs::path& folder)
     return bytes;
 }
 
-/// Copies a folder with all in it. Folders are made anew, because those of a case may be closed to writing; a link to a
-/// folder stays one, since it may lead anywhere.
+/// Copies a folder with all its content. Folders are created afresh, because those of a case may be read-only; a link
+/// to a folder stays a link, since it may point anywhere.
 void copyFolder(const fs::path& source, const fs::path& target)
 {
     fs::create_directories(target);
@@ -55,15 +56,15 @@ void copyFolder(const fs::path& source, const fs::path& target)
     }
 }
 
-/// An open copy of the case, whose folders the checks change, and what its polls have to tell.
+/// An open copy of the case, whose folders the checks change, and the notices expected from its polls.
 class PolledCase
 {
 public:
     explicit PolledCase(CheckRun& run) : m_run(run)
     {
-        const fs::path source = CaseSession::tokenFile(run.task().casePath).parent_path();
+        const fs::path source = OpenedCase::tokenFile(run.task().casePath).parent_path();
         if (const std::uintmax_t bytes = bytesIn(source); bytes > MOST_COPIED_BYTES) {
-            throw CheckSkipped{fmt::format("the case has {} MB, and at most {} are copied", bytes / 1'000'000,
+            throw CheckSkipped{fmt::format("the case has {} MB, but at most {} MB are copied", bytes / 1'000'000,
                                            MOST_COPIED_BYTES / 1'000'000)};
         }
         m_folder = run.task().workFolder / source.filename();
@@ -79,14 +80,14 @@ public:
     void needStates(std::size_t count) const
     {
         if (m_times.size() < count) {
-            throw CheckSkipped{fmt::format("the case has {} states, and {} are needed", m_times.size(), count)};
+            throw CheckSkipped{fmt::format("the case has {} states, but {} are needed", m_times.size(), count)};
         }
     }
 
-    /// The times of the states, as they stand in the folder by now.
+    /// The times of the states that are now in the folder.
     const std::vector<double>& times() const { return m_times; }
 
-    /// Makes a time folder like the last one.
+    /// Creates a time folder like the last one.
     void addTime(double time)
     {
         copyFolder(folderOf(m_times.back()), m_folder / fmt::format("{}", time));
@@ -101,7 +102,7 @@ public:
 
     void addForeignFolder() { fs::create_directory(m_folder / "foreignFolder"); }
 
-    /// Polls and compares the notices with these; what happened since the last poll is told in words.
+    /// Polls and compares the notices; `when` describes what happened since the last poll.
     void expectPoll(const std::string& when, const std::vector<std::string>& wanted)
     {
         std::vector<std::string> found;
@@ -122,7 +123,7 @@ public:
         return fmt::format("add {} {}", FIRST_ID + static_cast<int>(position), m_times[position]);
     }
 
-    /// An update for each state there is.
+    /// An update for every state.
     std::vector<std::string> updateAll() const
     {
         std::vector<std::string> notices;
@@ -133,7 +134,7 @@ public:
     }
 
 private:
-    /// A name that does not tell the time of the notice counts as a part of it.
+    /// Includes the name only if it does not match the time of the notice.
     static std::string textOf(const HostNotice& notice)
     {
         if (notice.kind == HostNotice::Kind::Remove) {
@@ -154,7 +155,7 @@ private:
             }
         }
         if (found.size() != 1) {
-            throw CheckSkipped{fmt::format("{} folders are named for the time {}", found.size(), time)};
+            throw CheckSkipped{fmt::format("{} folders are named after the time {}", found.size(), time)};
         }
         return found.front();
     }
@@ -166,12 +167,13 @@ private:
     std::vector<double> m_times;
 };
 
-double timeBehind(const std::vector<double>& times)
+double timeAfter(const std::vector<double>& times)
 {
     return times.size() < 2 ? times.back() + 1 : times.back() + (times.back() - times.front());
 }
 
-/// The notices of a removal: the states left, then positions from their number up to and including the old one.
+/// The notices of a removal: the remaining states, then the positions from their count up to and including the old
+/// count. Compatibility (docs/compatibility.md, "remove one more position").
 std::vector<std::string> removalNotices(const PolledCase& polled, std::size_t oldCount)
 {
     std::vector<std::string> notices = polled.updateAll();
@@ -195,14 +197,15 @@ void checkPollAddAtEnd(CheckRun& run)
 {
     PolledCase polled(run);
     polled.needStates(1);
-    polled.addTime(timeBehind(polled.times()));
+    polled.addTime(timeAfter(polled.times()));
     polled.expectPoll("a folder was added at the end", {polled.add(polled.times().size() - 1)});
-    // The poll behind a change tells all states again and looks at no folder.
+    // Compatibility (docs/compatibility.md, "announce all on the next poll"): it reports all states and looks at no
+    // folder.
     const std::vector<std::string> all = polled.updateAll();
-    polled.addTime(timeBehind(polled.times()));
-    polled.expectPoll("the poll behind it", all);
-    polled.expectPoll("the poll behind that, with a further folder", {polled.add(polled.times().size() - 1)});
-    polled.expectPoll("the poll behind the further folder", polled.updateAll());
+    polled.addTime(timeAfter(polled.times()));
+    polled.expectPoll("the poll after that", all);
+    polled.expectPoll("the next poll, with another folder", {polled.add(polled.times().size() - 1)});
+    polled.expectPoll("the poll after the other folder", polled.updateAll());
     polled.expectPoll("nothing more has changed", {});
 }
 
@@ -218,7 +221,7 @@ void checkPollAddInMiddle(CheckRun& run)
     polled.addTime(before + (after - before) / 2);
     const std::size_t last = polled.times().size() - 1;
     polled.expectPoll("a folder was added in the middle", {polled.update(last - 1), polled.add(last)});
-    polled.expectPoll("the poll behind it", polled.updateAll());
+    polled.expectPoll("the poll after that", polled.updateAll());
     polled.expectPoll("nothing more has changed", {});
 }
 
@@ -229,7 +232,7 @@ void checkPollRemove(CheckRun& run)
     const std::size_t oldCount = polled.times().size();
     polled.removeTime(oldCount / 2);
     polled.expectPoll("a folder was removed", removalNotices(polled, oldCount));
-    polled.expectPoll("the poll behind it", polled.updateAll());
+    polled.expectPoll("the poll after that", polled.updateAll());
 }
 
 void checkPollRemoveAndAdd(CheckRun& run)
@@ -239,17 +242,17 @@ void checkPollRemoveAndAdd(CheckRun& run)
     const std::size_t oldCount = polled.times().size();
     polled.removeTime(oldCount / 2);
     std::vector<std::string> wanted = removalNotices(polled, oldCount);
-    polled.addTime(timeBehind(polled.times()) + 1);
+    polled.addTime(timeAfter(polled.times()) + 1);
     wanted.push_back(polled.add(polled.times().size() - 1));
     polled.expectPoll("a folder was removed and one added", wanted);
-    polled.expectPoll("the poll behind it", polled.updateAll());
+    polled.expectPoll("the poll after that", polled.updateAll());
 }
 
 void checkPollForeignFolder(CheckRun& run)
 {
     PolledCase polled(run);
     polled.addForeignFolder();
-    polled.expectPoll("a folder was added that is no time", {});
-    polled.expectPoll("the poll behind it", polled.updateAll());
+    polled.expectPoll("a folder was added that is not a time", {});
+    polled.expectPoll("the poll after that", polled.updateAll());
     polled.expectPoll("nothing more has changed", {});
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// One result of one state, as a check looks at it.
+/// One result of one state, as the checks see it.
 struct Delivery
 {
     const SoundGeometry& sound;
@@ -23,9 +23,10 @@ struct Delivery
     std::string name() const { return fmt::format("{} at {}", info.name, state.referenceValue); }
 };
 
-/// Asks for each declared result at a few states and hands them on.
+/// Requests each declared result at a few states and hands it on.
 ///
-/// The displacements of a state without points of its own are no result; every other one is delivered, be it undefined.
+/// Displacements are missing for a state without its own points; every other result is delivered, if only with
+/// undefined values.
 template <typename Visit>
 void forEachDelivery(CheckRun& run, Visit visit)
 {
@@ -39,7 +40,7 @@ void forEachDelivery(CheckRun& run, Visit visit)
             if (result != nullptr) {
                 visit(Delivery{sound, info, *state, *result});
             } else if (info.kind != KIND_DISPLACEMENT) {
-                run.fail(fmt::format("there is no {} at {}", info.name, state->referenceValue));
+                run.fail(fmt::format("{} at {} is missing", info.name, state->referenceValue));
             }
         }
     }
@@ -75,18 +76,18 @@ void checkValueGroups(CheckRun& run)
             all += group->kind() == HostGroupKind::FaceZone ? 0U : 1U;
             surfaces += group->kind() == HostGroupKind::Surface ? 1U : 0U;
         }
-        // A result that the state lacks, and the displacements, do not reach the surfaces.
+        // Surfaces have no displacements, and no values of a result that the state lacks.
         const std::size_t found = delivery.result.groups.size();
         run.expect(found == all || found == all - surfaces,
-                   fmt::format("{} has {} value groups where {} groups take values", delivery.name(), found, all));
+                   fmt::format("{} has {} value groups where {} groups need values", delivery.name(), found, all));
         const bool isOwn = belongsToItsGroups(*delivery.sound.metaData, delivery.info, delivery.state.id);
         for (std::size_t i = 0; i < delivery.sound.groups.size(); ++i) {
             const HostValueGroup* const values = valuesOfGroup(*delivery.sound.metaData, delivery.result, i);
             const std::size_t items = itemsOf(delivery, i);
-            // Lengths tell groups apart. Only a surface whose file cannot be read is left without values.
+            // Groups are recognised by their lengths. Only a surface whose file cannot be read has no values.
             run.expect(values == nullptr || values->itemCount() == items || !isOwn ||
                            (values->itemCount() == 0 && delivery.sound.groups[i]->kind() == HostGroupKind::Surface),
-                       fmt::format("{} has {} items at the place of {}, which has {}", delivery.name(),
+                       fmt::format("{} has {} items in the position of {}, which has {}", delivery.name(),
                                    values == nullptr ? 0 : values->itemCount(), delivery.sound.groups[i]->name, items));
         }
     });
@@ -112,9 +113,10 @@ void checkReplacedValues(CheckRun& run)
     forEachDelivery(run, [&](const Delivery& delivery) {
         for (std::size_t i = 0; i < delivery.result.groups.size(); ++i) {
             const auto& shapes = delivery.result.groups[i].shapes;
-            run.expect(std::ranges::all_of(shapes, [&](const auto& shape) { return shape == shapes.front(); }),
-                       fmt::format("{}: the calls that set value group {} differ in length, so they add or cut",
-                                   delivery.name(), i));
+            run.expect(
+                std::ranges::all_of(shapes, [&](const auto& shape) { return shape == shapes.front(); }),
+                fmt::format("{}: the calls that set value group {} differ in length, so one does not replace the other",
+                            delivery.name(), i));
         }
         DeliveryDigest first;
         first.addResult(delivery.info, delivery.state, &delivery.result);
@@ -122,7 +124,7 @@ void checkReplacedValues(CheckRun& run)
         second.addResult(delivery.info, delivery.state,
                          delivery.sound.open->result(delivery.info.id, delivery.state.id).get());
         const std::string difference = first.differenceTo(second);
-        run.expect(difference.empty(), fmt::format("asked for again, {} is another", difference));
+        run.expect(difference.empty(), fmt::format("requested again, {} differs", difference));
     });
 }
 
@@ -132,7 +134,7 @@ void checkValueThreads(CheckRun& run)
     if (sound.metaData->results.empty()) {
         throw CheckSkipped{"the case has no results"};
     }
-    // Long enough that a second thread meets the first one in the group.
+    // Long enough for a second thread to meet the first one in the group.
     HostCallRecord::setStall(std::chrono::milliseconds(2));
     for (const HostResultInfo& info : sound.metaData->results) {
         (void)sound.open->result(info.id, sound.metaData->states.back().id);

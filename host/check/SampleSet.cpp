@@ -8,9 +8,9 @@
 
 namespace {
 
-// Large enough to have inner cells everywhere, small enough that a process takes longer to start than to read it.
+// Large enough for inner cells everywhere, small enough that starting a process takes longer than reading the case.
 constexpr int SAMPLE_CELLS = 300;
-// Three, so that there is a middle one.
+// Three, so that there is one in the middle.
 constexpr int SAMPLE_STATES = 3;
 
 struct SampleForm

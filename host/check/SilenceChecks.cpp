@@ -33,12 +33,12 @@ void liveThrough(const CheckRun& run)
     (void)open->poll();
 }
 
-/// Notes each fact that is new, gone or another.
+/// Notes each fact that is new, missing or different.
 void expectSame(CheckRun& run, const Facts& before, const Facts& after)
 {
     for (const auto& [name, value] : before) {
         const auto found = after.find(name);
-        run.expect(found != after.end(), name + " is gone");
+        run.expect(found != after.end(), name + " is missing");
         run.expect(found == after.end() || found->second == value,
                    fmt::format("{} was {} and is {}", name, value, found == after.end() ? "" : found->second));
     }
@@ -47,7 +47,7 @@ void expectSame(CheckRun& run, const Facts& before, const Facts& after)
     }
 }
 
-/// Size and time of change of all below a folder.
+/// Size and modification time of everything below a folder.
 void addFiles(const fs::path& folder, Facts* facts)
 {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
@@ -59,7 +59,7 @@ void addFiles(const fs::path& folder, Facts* facts)
     }
 }
 
-/// What of a signal's handling an outsider can set.
+/// The part of a signal's handling that another library can change.
 std::string handlingOf(int signalNumber)
 {
     struct sigaction action = {};
@@ -69,7 +69,7 @@ std::string handlingOf(int signalNumber)
     return fmt::format("{} {:x}", reinterpret_cast<const void*>(action.sa_sigaction), action.sa_flags);
 }
 
-/// All that a process has once and that a library must leave to its host.
+/// Everything that exists once per process and that a library must leave to its host.
 Facts processFacts()
 {
     Facts facts;
@@ -93,7 +93,7 @@ Facts processFacts()
     for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
         std::error_code error;
         const std::string target = fs::read_symlink(entry.path(), error).string();
-        // The one that lists them is gone by now.
+        // The descriptor used for listing is closed by now.
         if (!error && !target.ends_with("/fd")) {
             facts["the descriptor " + entry.path().filename().string()] = target;
         }
@@ -105,14 +105,14 @@ Facts processFacts()
 
 void checkSilentOutput(CheckRun& run)
 {
-    // Whatever comes is seen from outside, where the process's stdout and stderr end.
+    // The parent process reads stdout and stderr and reports any output.
     liveThrough(run);
 }
 
 void checkFilesUntouched(CheckRun& run)
 {
-    const fs::path caseFolder = fs::absolute(CaseSession::tokenFile(run.task().casePath).parent_path());
-    // A library that writes without being told where does it in one of these.
+    const fs::path caseFolder = fs::absolute(OpenedCase::tokenFile(run.task().casePath).parent_path());
+    // A library that writes files without being given a path writes them in one of these folders.
     const fs::path folder = run.task().workFolder / "empty";
     fs::create_directory(folder);
     fs::current_path(folder);
@@ -132,7 +132,7 @@ void checkFilesUntouched(CheckRun& run)
 
 void checkProcessUntouched(CheckRun& run)
 {
-    // The loading of TBB is not the library's doing; this program needs it too, so it is there already.
+    // Loading TBB is not the library's doing; this program depends on it too, so it is loaded already.
     const Facts before = processFacts();
     liveThrough(run);
     expectSame(run, before, processFacts());

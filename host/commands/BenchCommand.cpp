@@ -20,12 +20,12 @@ struct BenchOptions
     int repeats = 3;
 };
 
-/// One kind of work on one case, measured once a repeat.
+/// One kind of work on one case, measured once per repeat.
 struct BenchPhase
 {
     std::string name;
     std::vector<ProcessCost> costs;
-    std::size_t hostBytes = 0; ///< what the host keeps of the delivery
+    std::size_t hostBytes = 0; ///< size of the host's copy of the delivery
 };
 
 struct BenchCase
@@ -40,28 +40,29 @@ class CaseBench
 public:
     CaseBench(HostContext& context, const std::string& casePath) : m_context(context) { m_case.casePath = casePath; }
 
-    /// One full life of a case. A new session each time, because a provider keeps what it has read about a case.
+    /// Opens a case and requests everything once. It is reopened for each repeat, because a provider caches what it has
+    /// read.
     void runOnce()
     {
         m_phase = 0;
-        std::unique_ptr<CaseSession> session;
+        std::unique_ptr<OpenedCase> opened;
         record("init", [&] {
-            session = m_context.open(m_case.casePath);
+            opened = m_context.open(m_case.casePath);
             return std::size_t{0};
         });
         const HostMetaData* metaData = nullptr;
         record("metadata", [&] {
-            metaData = &session->metaData();
+            metaData = &opened->metaData();
             return std::size_t{0};
         });
-        record("geometry", [&] { return session->geometry().byteCount(); });
-        // The last state, because the first one of a run has uniform fields more often than not.
+        record("geometry", [&] { return opened->geometry().byteCount(); });
+        // The last state, because the fields of the first one are usually uniform.
         for (const HostState* const state : selectStates(*metaData, "last")) {
             for (const HostResultInfo& info : metaData->results) {
-                // Outlives the measurement: to let go of a result is no part of getting it.
+                // Outlives the measurement: releasing a result is not part of getting it.
                 std::unique_ptr<HostResult> result;
                 record(info.name, [&] {
-                    result = session->result(info, state->id);
+                    result = opened->result(info, state->id);
                     return result == nullptr ? 0 : result->byteCount();
                 });
             }
@@ -71,7 +72,7 @@ public:
     const BenchCase& result() const { return m_case; }
 
 private:
-    /// Measures a piece of work that returns the bytes the host keeps of it.
+    /// Measures a piece of work that returns the size of the host's copy in bytes.
     template <typename Work>
     void record(const std::string& name, Work work)
     {
@@ -89,7 +90,7 @@ private:
     std::size_t m_phase = 0;
 };
 
-/// The middle of a figure over the repeats; of an even number the mean of the two in the middle.
+/// The median of a figure over the repeats; of an even number, the mean of the two in the middle.
 template <typename Figure>
 double medianOf(const std::vector<ProcessCost>& costs, Figure figure)
 {
@@ -121,7 +122,7 @@ struct PhaseFigures
     {}
 };
 
-/// Megabytes are of 1000 kilobytes throughout, as rates of disks are given.
+/// Megabytes are millions of bytes throughout, the usual unit for disk rates.
 nlohmann::ordered_json benchDocument(const std::vector<BenchCase>& cases, const HostContext& context,
                                      const BenchOptions& options)
 {
@@ -163,10 +164,10 @@ std::string benchText(const std::vector<BenchCase>& cases, const TextStyle& styl
     return text;
 }
 
-/// Repeats stand in the inner loop, so that all runs of a case find the same state of the system's file cache.
+/// Repeats are the inner loop, so that all runs of a case find the system's file cache in the same state.
 ExitCode runBench(HostContext& context, const BenchOptions& options)
 {
-    // Loaded here, so that the time for that is in no phase.
+    // Loaded here, so that no phase includes the time for it.
     context.library();
     ProgressBar progress(context.showsProgress(), "bench", "runs",
                          options.casePaths.size() * static_cast<std::size_t>(options.repeats));
@@ -193,9 +194,9 @@ void addBenchCommand(CLI::App* app, HostContext* context)
 {
     const auto options = std::make_shared<BenchOptions>();
     CLI::App* const command =
-        app->add_subcommand("bench", "Measure time, reading rate and memory of opening, geometry and each result");
-    command->add_option("CASE", options->casePaths, "Case folders, or the paths of their case.foam")->required();
-    command->add_option("--repeat", options->repeats, "Take the medians of so many runs, 3 by default")
+        app->add_subcommand("bench", "Measure time, read rate and memory for opening, geometry and each result");
+    command->add_option("CASE", options->casePaths, "Case folders or paths to their case.foam")->required();
+    command->add_option("--repeat", options->repeats, "Report the medians of N runs, 3 by default")
         ->type_name("N")
         ->check(CLI::Range(1, 1000).description(""));
     command->callback([=] { context->command = [=] { return runBench(*context, *options); }; });

@@ -31,7 +31,7 @@ struct CheckArguments
     double timeLimit = 60;
 };
 
-/// A folder for samples, copies and whatever else the checks write, gone with the run.
+/// A folder for samples, copies and other files of the checks, removed at the end of the run.
 class WorkFolder
 {
 public:
@@ -39,7 +39,7 @@ public:
     {
         std::string pattern = (std::filesystem::temp_directory_path() / "ddphost-check-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr) {
-            throw HostError(ExitCode::CannotWrite, fmt::format("cannot make {}: {}", pattern, std::strerror(errno)));
+            throw HostError(ExitCode::CannotWrite, fmt::format("cannot create {}: {}", pattern, std::strerror(errno)));
         }
         m_path = pattern;
     }
@@ -64,11 +64,11 @@ std::regex patternOf(const std::string& option, const std::string& text)
     try {
         return std::regex(text);
     } catch (const std::regex_error&) {
-        throw HostError(ExitCode::Usage, fmt::format("{}: '{}' is no regular expression", option, text));
+        throw HostError(ExitCode::Usage, fmt::format("{}: '{}' is not a regular expression", option, text));
     }
 }
 
-/// Takes what the patterns of the user leave of the jobs.
+/// Selects the jobs that match the user's patterns.
 class JobFilter
 {
 public:
@@ -86,10 +86,10 @@ public:
 private:
     std::regex m_include;
     std::regex m_exclude;
-    bool m_excludes; ///< an empty pattern meets every text
+    bool m_excludes; ///< needed because an empty pattern matches every text
 };
 
-/// All jobs that the patterns leave, without the paths of samples, which are not written yet.
+/// All jobs that match the patterns. Samples have no path yet, as they are not written yet.
 std::vector<CheckJob> planJobs(const CheckArguments& arguments)
 {
     const JobFilter filter(arguments);
@@ -112,13 +112,13 @@ std::vector<CheckJob> planJobs(const CheckArguments& arguments)
         }
     }
     if (jobs.empty()) {
-        throw HostError(ExitCode::Usage, "--include and --exclude leave no check");
+        throw HostError(ExitCode::Usage, "no check matches --include and --exclude");
     }
     return jobs;
 }
 
-/// Refuses cases that the library does not open, before anything else is done.
-/// A library that crashes over one is left to the checks, which tell it.
+/// Refuses cases that the library does not open, before doing anything else. If the library crashes over one, the
+/// checks report that.
 void probeCases(const std::vector<CheckJob>& jobs, const CheckRunOptions& options, const InterruptWait& interrupt)
 {
     std::vector<CheckJob> probes;
@@ -150,7 +150,7 @@ void writeSamples(const std::filesystem::path& folder, std::vector<CheckJob>* jo
     }
 }
 
-/// The options of this run that a repetition needs, each behind a blank.
+/// The options of this run that are needed to reproduce it, each after a space.
 std::string repeatedOptions(const HostContext& context, const CheckArguments& arguments)
 {
     std::string text;
@@ -204,7 +204,7 @@ nlohmann::ordered_json checkDocument(const std::vector<CheckJob>& jobs, const st
     return document;
 }
 
-/// A run that checks nothing must not pass for a good one.
+/// A run that checks nothing must not count as a success.
 ExitCode exitCodeOf(const std::vector<CheckJob>& jobs)
 {
     const CheckTally tally = tallyOf(jobs);
@@ -224,7 +224,7 @@ ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
     CheckRunOptions options;
     options.library = std::filesystem::absolute(PluginLibrary::locate(context.options.plugin));
     if (!std::filesystem::exists(options.library)) {
-        throw HostError(ExitCode::LibraryRefused, fmt::format("there is no library {}", options.library.string()));
+        throw HostError(ExitCode::LibraryRefused, fmt::format("there is no library file {}", options.library.string()));
     }
     const WorkFolder work;
     options.settings = context.options.settings;
@@ -250,7 +250,7 @@ ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
     return exitCodeOf(jobs);
 }
 
-/// The command that the processes of checks run, not meant for users.
+/// The command that the processes of checks run; hidden from users.
 void addCheckChild(CLI::App* app, HostContext* context)
 {
     struct ChildArguments
@@ -259,16 +259,16 @@ void addCheckChild(CLI::App* app, HostContext* context)
         CheckTask task;
     };
     const auto arguments = std::make_shared<ChildArguments>();
-    CLI::App* const command = app->add_subcommand("check-one", "Make one check in this process")->group("");
+    CLI::App* const command = app->add_subcommand("check-one", "Run one check in this process")->group("");
     command->add_option("CHECK", arguments->check)->required();
     command->add_option("--case", arguments->task.casePath);
     command->add_option("--work", arguments->task.workFolder)->required();
     command->add_option("--prefer", arguments->task.preferred)->allow_extra_args(false);
     command->callback([=] {
         context->command = [=] {
-            // Its parent may be killed without a chance to end it.
+            // Its parent may be killed without a chance to stop it.
             prctl(PR_SET_PDEATHSIG, SIGKILL);
-            // Absolute, because a check may go to another folder.
+            // Absolute, because a check may change the working folder.
             arguments->task.library = std::filesystem::absolute(PluginLibrary::locate(context->options.plugin));
             if (!arguments->task.casePath.empty()) {
                 arguments->task.casePath = std::filesystem::absolute(arguments->task.casePath);
@@ -285,19 +285,16 @@ void addCheckChild(CLI::App* app, HostContext* context)
 void addCheckCommand(CLI::App* app, HostContext* context)
 {
     const auto arguments = std::make_shared<CheckArguments>();
-    CLI::App* const command =
-        app->add_subcommand("check", "Check the library itself, each check in a process of its own");
+    CLI::App* const command = app->add_subcommand("check", "Check the library itself, each check in its own process");
     command->add_option("CASE", arguments->casePaths,
-                        "Case folders, or the paths of their case.foam; without one, built-in samples are checked");
-    command->add_option("--include", arguments->include, "Make the checks whose name contains the pattern")
-        ->type_name("RE");
-    command->add_option("--exclude", arguments->exclude, "Leave out the checks whose name contains the pattern")
-        ->type_name("RE");
-    command->add_flag("--only-failed", arguments->onlyFailed, "Show only what failed, the tally and the verdict");
-    command->add_option("-j,--jobs", arguments->jobs, "So many processes at a time; by default as many as processors")
+                        "Case folders or paths to their case.foam; if none is given, built-in samples are checked");
+    command->add_option("--include", arguments->include, "Run only checks whose name matches RE")->type_name("RE");
+    command->add_option("--exclude", arguments->exclude, "Skip checks whose name matches RE")->type_name("RE");
+    command->add_flag("--only-failed", arguments->onlyFailed, "Show only failed checks, the tally and the verdict");
+    command->add_option("-j,--jobs", arguments->jobs, "Run at most N checks in parallel; by default one per processor")
         ->type_name("N")
         ->check(CLI::Range(1, 1024).description(""));
-    command->add_option("--timeout", arguments->timeLimit, "Seconds for one check, 60 by default")
+    command->add_option("--timeout", arguments->timeLimit, "Stop a check after S seconds, 60 by default")
         ->type_name("S")
         ->check(CLI::Range(0.01, 86400.0).description(""));
     command->callback([=] { context->command = [=] { return runCheck(*context, *arguments); }; });

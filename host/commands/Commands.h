@@ -3,15 +3,15 @@
 
 #include "commands/HostContext.h"
 
-// Each function declares one command: its options, its help, and the work that `HostContext::command` then is.
+// Each function declares one command: its options, its help, and the function that goes into `HostContext::command`.
 
-/// Shows what a case holds.
+/// Shows what a case contains.
 void addInfoCommand(CLI::App* app, HostContext* context);
 
 /// Writes what the library delivers as VTK files.
 void addExportCommand(CLI::App* app, HostContext* context);
 
-/// Writes a case to try things with.
+/// Writes a sample case.
 void addSampleCommand(CLI::App* app, HostContext* context);
 
 /// Shows the range of each result.
@@ -20,8 +20,8 @@ void addStatsCommand(CLI::App* app, HostContext* context);
 /// Shows the changes of the list of states as they happen.
 void addWatchCommand(CLI::App* app, HostContext* context);
 
-/// Measures what opening a case, its geometry and its results cost.
+/// Measures the cost of opening a case, of its geometry and of its results.
 void addBenchCommand(CLI::App* app, HostContext* context);
 
-/// Checks the library, without a case and with cases or samples.
+/// Checks the library, both without a case and with cases or samples.
 void addCheckCommand(CLI::App* app, HostContext* context);

@@ -29,7 +29,7 @@ struct ExportOptions
     bool overwrite = false;
 };
 
-/// One group that is written, and the name of its file in the folder of each state.
+/// One exported group, and the name of its file in the folder of each state.
 struct ExportedGroup
 {
     const HostGroup* group;
@@ -38,29 +38,29 @@ struct ExportedGroup
     std::string fileName;
 };
 
-/// One set of files with its index: of one state, or of the bare geometry.
+/// One set of files with its index: for one state, or for the geometry only.
 struct ExportedState
 {
     std::string stem; ///< name of the folder; the index is named after it
     const HostState* state;
 };
 
-/// The results of one state in the order of the selection; null where the library has none, or has those of other
+/// The results of one state in the order of the selection; null if the library has none, or has only values of other
 /// parts.
 using StateResults = std::vector<std::unique_ptr<HostResult>>;
 
-/// True if the values can stand in for the points: one place for each node, and none of them missing.
+/// True if the values can replace the points: one position for each node, and none missing.
 bool isWholePoints(const HostValueGroup& values, std::size_t nodeCount)
 {
     return values.dimension == 3 && values.itemCount() == nodeCount &&
            std::ranges::none_of(values.values, [](double value) { return value == UNDEFINED_VALUE; });
 }
 
-/// One result as an array that viewers show.
+/// One result as an array for viewers.
 VtkArray makeArray(const std::string& name, const HostValueGroup& values)
 {
     VtkArray array = {name, values.dimension, values.values};
-    // Viewers know no undefined value of their own; NaN is what they leave blank.
+    // Viewers have no undefined value; they leave NaN blank.
     std::ranges::replace(array.values, UNDEFINED_VALUE, std::numeric_limits<double>::quiet_NaN());
     return array;
 }
@@ -70,8 +70,8 @@ class Exporter
 {
 public:
     Exporter(HostContext& context, const ExportOptions& options)
-        : m_context(context), m_options(options), m_session(context.open(options.casePath)),
-          m_metaData(m_session->metaData()), m_geometry(m_session->geometry())
+        : m_context(context), m_options(options), m_opened(context.open(options.casePath)),
+          m_metaData(m_opened->metaData()), m_geometry(m_opened->geometry())
     {}
 
     void run()
@@ -88,7 +88,7 @@ public:
     }
 
 private:
-    /// Settles groups, states and all file names before anything is read or written for them.
+    /// Determines groups, states and all file names before anything is read or written for them.
     void selectWhatToWrite()
     {
         const std::vector<const HostGroup*> declared = m_metaData.geometryGroups();
@@ -111,7 +111,7 @@ private:
         }
     }
 
-    /// Patches of several parts share their names, so the part's name goes in front.
+    /// Patches of different parts may have the same name, so the name of the part is prepended.
     std::string qualifiedName(const HostGroup& group) const
     {
         const HostGroup* const parent = group.parentId ? m_metaData.findGroup(*group.parentId) : nullptr;
@@ -121,7 +121,7 @@ private:
     fs::path indexPath(const ExportedState& state) const { return fs::path(m_options.folder) / (state.stem + ".vtm"); }
     fs::path seriesPath() const { return fs::path(m_options.folder) / "case.vtm.series"; }
 
-    /// Looks at all targets before the first is written, so that a refusal leaves nothing half done.
+    /// Checks all targets before writing the first one, so that a refusal leaves nothing half done.
     void refuseToOverwrite() const
     {
         if (m_options.overwrite) {
@@ -143,7 +143,7 @@ private:
         }
     }
 
-    /// The index comes last: it never names a file that is not there.
+    /// The index is written last, so that it never names a missing file.
     void writeState(const ExportedState& state, ProgressBar* progress)
     {
         const StateResults results = readResults(state);
@@ -155,18 +155,18 @@ private:
         writeVtm(indexPath(state), indexEntries(state), m_options.overwrite);
     }
 
-    /// Reads all results of a state before the first group, because one result delivers all groups at once.
+    /// Reads all results of a state before writing the first group, because a result delivers all groups at once.
     StateResults readResults(const ExportedState& state)
     {
         StateResults results;
         for (const HostResultInfo* const info : m_results) {
             const bool isOwn = belongsToItsGroups(m_metaData, *info, state.state->id);
-            results.push_back(isOwn ? m_session->result(*info, state.state->id) : nullptr);
+            results.push_back(isOwn ? m_opened->result(*info, state.state->id) : nullptr);
         }
         return results;
     }
 
-    /// The grid is made afresh for each state; it costs less than keeping the grids of all groups would.
+    /// The grid is rebuilt for each state, which costs less than keeping the grids of all groups.
     void writeGroup(const ExportedState& state, const ExportedGroup& group, const StateResults& results)
     {
         const HostElementGroup& elements = m_geometry.elementGroups[group.index];
@@ -196,7 +196,7 @@ private:
         arrays.push_back(makeArray(info.name, values));
     }
 
-    /// A block for each part with its cells and surfaces; what hangs under no part stands beside them.
+    /// A block for each part with its cells and surfaces; groups without a part are at the same level as these blocks.
     std::vector<VtkIndexEntry> indexEntries(const ExportedState& state) const
     {
         std::vector<VtkIndexEntry> entries;
@@ -219,7 +219,7 @@ private:
         return entries;
     }
 
-    /// The times come from the states, so that an animation runs in the time of the simulation.
+    /// The times come from the states, so that an animation runs in simulation time.
     void writeSeriesIndex() const
     {
         std::vector<VtkSeriesEntry> entries;
@@ -231,7 +231,7 @@ private:
 
     HostContext& m_context;
     const ExportOptions& m_options;
-    std::unique_ptr<CaseSession> m_session;
+    std::unique_ptr<OpenedCase> m_opened;
     const HostMetaData& m_metaData;
     const HostGeometry& m_geometry;
     std::vector<ExportedGroup> m_groups;
@@ -245,14 +245,14 @@ void addExportCommand(CLI::App* app, HostContext* context)
 {
     const auto options = std::make_shared<ExportOptions>();
     CLI::App* const command = app->add_subcommand("export", "Write what the library delivers as VTK XML files");
-    command->add_option("CASE", options->casePath, "A case folder, or the path of its case.foam")->required();
-    command->add_option("-o,--output", options->folder, "The folder to write to")->type_name("DIR")->required();
-    command->add_option("--part", options->partPattern, "Only the parts and groups whose name contains this")
+    command->add_option("CASE", options->casePath, "A case folder or the path to its case.foam")->required();
+    command->add_option("-o,--output", options->folder, "Write to this folder")->type_name("DIR")->required();
+    command->add_option("--part", options->partPattern, "Only parts and groups whose name matches RE")->type_name("RE");
+    command->add_option("--state", options->state, "Write values too, for these states: last, all, a time or #ID")
+        ->type_name("STATE");
+    command->add_option("--result", options->resultPattern, "Only results whose name or key matches RE")
         ->type_name("RE");
-    command->add_option("--state", options->state, "Write values too: last, all, a time, or #ID")->type_name("STATE");
-    command->add_option("--result", options->resultPattern, "Only the results whose name or key contains this")
-        ->type_name("RE");
-    command->add_flag("--overwrite", options->overwrite, "Replace files that exist");
+    command->add_flag("--overwrite", options->overwrite, "Replace existing files");
     command->callback([=] {
         context->command = [=] {
             Exporter(*context, *options).run();

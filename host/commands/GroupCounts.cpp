@@ -5,7 +5,7 @@
 
 namespace {
 
-/// One number serves general faces and general cells; the group tells which it is.
+/// General faces and general cells have the same type number; the kind of group decides which it is.
 const char* typeName(std::int32_t type, bool surface)
 {
     switch (type) {
@@ -26,7 +26,7 @@ const char* typeName(std::int32_t type, bool surface)
     }
 }
 
-/// The box about all nodes, used by elements or not.
+/// The bounding box of all nodes, whether used by elements or not.
 void measure(const std::vector<double>& coordinates, GroupCounts* counts)
 {
     if (coordinates.empty()) {

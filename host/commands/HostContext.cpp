@@ -13,7 +13,7 @@
 
 namespace {
 
-// By the number of -v on the command line.
+// Indexed by the number of -v on the command line.
 constexpr std::array<std::int32_t, 3> SHOWN_LEVELS = {LOG_ERROR, LOG_INFO, LOG_DEBUG};
 
 } // namespace
@@ -23,7 +23,7 @@ void HostContext::applyOptions()
     const int verbosity = options.quiet ? 0 : std::min(options.verbosity, 2);
     HostLog::get().setShownLevel(SHOWN_LEVELS[static_cast<std::size_t>(verbosity)]);
     if (options.threads > 0) {
-        // The library's loops run on the TBB of the process, so the limit holds for them too.
+        // The library uses the same TBB as this process, so the limit applies to its loops too.
         m_threadLimit = std::make_shared<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
                                                               static_cast<std::size_t>(options.threads));
     }
@@ -37,13 +37,13 @@ PluginLibrary& HostContext::library()
     return *m_library;
 }
 
-std::unique_ptr<CaseSession> HostContext::open(const std::string& casePath)
+std::unique_ptr<OpenedCase> HostContext::open(const std::string& casePath)
 {
     PluginLibrary& loaded = library();
     if (!m_settings) {
         m_settings = std::make_unique<HostOptions>(HostOptions::parse(options.settings, loaded.providerInfo()));
     }
-    return std::make_unique<CaseSession>(loaded, casePath, *m_settings);
+    return std::make_unique<OpenedCase>(loaded, casePath, *m_settings);
 }
 
 bool HostContext::showsProgress() const

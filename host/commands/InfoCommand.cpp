@@ -18,7 +18,7 @@ struct InfoOptions
     bool counts = false;
 };
 
-/// The number has a gap where the interface has a kind that no provider here uses.
+/// The gap in the numbers is a kind of the interface that no provider here uses.
 const char* kindName(std::int32_t kind)
 {
     switch (kind) {
@@ -40,16 +40,16 @@ const char* mappingName(std::int32_t mapping)
     return mapping == MAPPING_NODE ? "node" : "element";
 }
 
-/// Descriptions end in a line feed or not, as the provider likes.
+/// Descriptions may or may not end in a line feed.
 std::string trimmed(const std::string& text)
 {
     return text.substr(0, text.find_last_not_of(" \n") + 1);
 }
 
-/// The counts of each group that has an element group, by group id; empty unless they were asked for.
+/// The counts of each group that has an element group, by group id; empty unless requested.
 using CountsById = std::map<std::int32_t, GroupCounts>;
 
-/// Counts by group id, because the tree is walked by declared groups and not in the order of the geometry.
+/// Counts by group id, because the tree lists groups as declared and not in the order of the geometry.
 CountsById countAll(const HostMetaData& metaData, const HostGeometry& geometry)
 {
     CountsById counts;
@@ -76,7 +76,7 @@ std::vector<const HostGroup*> groupsOf(const HostMetaData& metaData, HostGroupKi
 
 // The document.
 
-/// Keys that do not apply are left out rather than null: a cell zone has no nodes to count.
+/// Keys that do not apply are omitted rather than null: a cell zone has no node count.
 Json groupDocument(const HostGroup& group, const CountsById& counts)
 {
     Json document = {{"id", group.id}, {"name", group.name}};
@@ -102,7 +102,7 @@ Json groupList(const std::vector<const HostGroup*>& groups, const CountsById& co
     return list;
 }
 
-/// The three lists are always there, if need be empty, so that a reader can walk them without asking.
+/// The three lists are always present, even if empty, so that a reader can walk them without checking.
 Json partDocument(const HostMetaData& metaData, const HostGroup& part, const CountsById& counts)
 {
     Json document = groupDocument(part, counts);
@@ -112,7 +112,7 @@ Json partDocument(const HostMetaData& metaData, const HostGroup& part, const Cou
     return document;
 }
 
-/// Names instead of the interface's numbers, which mean nothing outside of it.
+/// Names instead of the interface's numbers, which mean nothing outside it.
 Json resultDocument(const HostMetaData& metaData, const HostResultInfo& result)
 {
     const HostResultInfo* const source = metaData.sourceOfAverage(result);
@@ -151,7 +151,7 @@ Json infoDocument(HostContext& context, const HostMetaData& metaData, const Coun
 
 // The tree.
 
-/// All counts on one line; types that do not occur take no room.
+/// All counts on one line; types that do not occur are left out.
 std::string countsText(const GroupCounts& counts)
 {
     std::string text = fmt::format("{} nodes", counts.nodes);
@@ -183,7 +183,7 @@ std::string groupSection(const std::string& title, const std::vector<const HostG
     return std::string(indent, ' ') + title + "\n" + table.text(indent + 2);
 }
 
-/// One part with what hangs under it, indented as a tree.
+/// One part and its groups, indented as a tree.
 std::string partSection(const HostMetaData& metaData, const HostGroup& part, const CountsById& counts,
                         const TextStyle& style)
 {
@@ -207,7 +207,7 @@ std::string stateSection(const HostMetaData& metaData)
     return table.text(2);
 }
 
-/// One line a result; a unit that is missing shows as a dash to keep the columns readable.
+/// One line per result; a missing unit is shown as a dash to keep the columns readable.
 std::string resultSection(const HostMetaData& metaData)
 {
     TextTable table(std::vector(7, TextTable::Align::Left));
@@ -235,9 +235,9 @@ std::string infoTree(const HostMetaData& metaData, const CountsById& counts, con
 
 ExitCode runInfo(HostContext& context, const InfoOptions& options)
 {
-    const std::unique_ptr<CaseSession> session = context.open(options.casePath);
-    const HostMetaData& metaData = session->metaData();
-    const CountsById counts = options.counts ? countAll(metaData, session->geometry()) : CountsById();
+    const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
+    const HostMetaData& metaData = opened->metaData();
+    const CountsById counts = options.counts ? countAll(metaData, opened->geometry()) : CountsById();
     if (context.options.json) {
         writeDocument(infoDocument(context, metaData, counts));
     } else {
@@ -251,8 +251,8 @@ ExitCode runInfo(HostContext& context, const InfoOptions& options)
 void addInfoCommand(CLI::App* app, HostContext* context)
 {
     const auto options = std::make_shared<InfoOptions>();
-    CLI::App* const command = app->add_subcommand("info", "Show what a case holds: parts, groups, states, results");
-    command->add_option("CASE", options->casePath, "A case folder, or the path of its case.foam")->required();
-    command->add_flag("--counts", options->counts, "Read the meshes too and show what they hold");
+    CLI::App* const command = app->add_subcommand("info", "Show what a case contains: parts, groups, states, results");
+    command->add_option("CASE", options->casePath, "A case folder or the path to its case.foam")->required();
+    command->add_flag("--counts", options->counts, "Read the meshes too and show node and element counts");
     command->callback([=] { context->command = [=] { return runInfo(*context, *options); }; });
 }

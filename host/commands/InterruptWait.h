@@ -6,14 +6,14 @@
 
 #include <signal.h>
 
-/// Waits for an interrupt without a handler: the signals are blocked and fetched.
+/// Waits for an interrupt without a signal handler: the signals are blocked and polled.
 ///
-/// A signal that comes during other work stays pending until it is asked for, so nothing is cut off. Made before the
-/// library is loaded, so that its threads leave the signals to this one.
+/// A signal that arrives during other work stays pending until the next wait, so nothing is cut off. Create it before
+/// the library is loaded, so that the library's threads leave the signals to this one.
 class InterruptWait
 {
 public:
-    /// Blocks the signals for this thread and all that it makes from now on.
+    /// Blocks the signals for this thread and all threads that it starts from now on.
     InterruptWait()
     {
         sigemptyset(&m_signals);
@@ -27,7 +27,7 @@ public:
     InterruptWait(const InterruptWait&) = delete;
     InterruptWait& operator=(const InterruptWait&) = delete;
 
-    /// @return true if an interrupt came within the time
+    /// @return true if an interrupt arrived in time
     bool waitFor(double seconds) const
     {
         timespec time = {};

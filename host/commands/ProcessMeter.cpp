@@ -6,10 +6,10 @@
 
 namespace {
 
-// The system gives memory in this unit, whatever it calls it.
+// The system reports memory in this unit, whatever it calls it.
 constexpr std::uint64_t KILOBYTE = 1024;
 
-/// The number behind a key in one of the system's files about this process.
+/// The number after a key in one of the system's files about this process.
 std::uint64_t figureOf(const char* file, const std::string& key)
 {
     std::ifstream stream(file);
@@ -26,7 +26,7 @@ std::uint64_t bytesRead()
     return figureOf("/proc/self/io", "rchar:");
 }
 
-/// Sets the peak back to the present size, so that each piece of work shows its own.
+/// Resets the peak to the current size, so that each piece of work shows its own peak.
 void resetPeak()
 {
     std::ofstream("/proc/self/clear_refs") << "5";

@@ -4,24 +4,24 @@
 #include <chrono>
 #include <cstdint>
 
-/// What one piece of work cost this process.
+/// The cost of one piece of work to this process.
 struct ProcessCost
 {
-    double seconds = 0;           ///< by the clock on the wall, not of the processor
-    std::uint64_t bytesRead = 0;  ///< by read calls, whether from disk or from the system's cache
+    double seconds = 0;           ///< wall-clock time, not processor time
+    std::uint64_t bytesRead = 0;  ///< by read calls, whether from disk or the system's cache
     std::uint64_t peakMemory = 0; ///< highest resident size while it ran, in bytes
 };
 
-/// Measures the time from its construction to `stop`, with the figures that the system keeps of the process.
+/// Measures the time from construction to `stop`, and the system's figures for the process.
 ///
-/// The peak is that of the whole process, so what is held from earlier work counts in. Figures that the system does not
-/// give are 0.
+/// The peak is that of the whole process, so memory still held from earlier work is included. Figures that the system
+/// does not provide are 0.
 class ProcessMeter
 {
 public:
     ProcessMeter();
 
-    /// The cost since construction; may be asked for more than once.
+    /// The cost since construction; may be called more than once.
     ProcessCost stop() const;
 
 private:

@@ -14,7 +14,7 @@ std::map<std::string, SampleKind> sampleKinds()
             {"moving", SampleKind::Moving}, {"surface", SampleKind::Surface}};
 }
 
-// 2 billion labels are the format's end; the numbers of faces and face nodes get there first.
+// The format ends at 2 billion labels; the numbers of faces and face nodes reach that first.
 constexpr int MOST_CELLS = 50'000'000;
 
 struct SampleArguments
@@ -46,17 +46,17 @@ ExitCode runSample(const HostContext& context, const SampleArguments& arguments)
 void addSampleCommand(CLI::App* app, HostContext* context)
 {
     const auto arguments = std::make_shared<SampleArguments>();
-    CLI::App* const command = app->add_subcommand("sample", "Write an OpenFOAM case of any size to try things with");
-    command->add_option("DIR", arguments->folder, "The folder of the new case")->required();
+    CLI::App* const command = app->add_subcommand("sample", "Write a sample OpenFOAM case of any size");
+    command->add_option("DIR", arguments->folder, "The folder for the new case")->required();
     command
         ->add_option("--kind", arguments->options.kind,
                      "hex (the default), poly, mixed, zones, regions, decomposed, moving or surface")
         ->type_name("KIND")
         ->transform(CLI::CheckedTransformer(sampleKinds()).description(""));
-    command->add_option("--cells", arguments->options.cells, "About so many cells, 1000 by default")
+    command->add_option("--cells", arguments->options.cells, "Write about N cells, 1000 by default")
         ->type_name("N")
         ->check(CLI::Range(1, MOST_CELLS).description(""));
-    command->add_option("--states", arguments->options.states, "So many time folders, 2 by default")
+    command->add_option("--states", arguments->options.states, "Write N time folders, 2 by default")
         ->type_name("N")
         ->check(CLI::Range(1, 100'000).description(""));
     command->add_flag("--binary", arguments->options.format.binary, "Write mesh lists and fields in binary");

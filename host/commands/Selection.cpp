@@ -21,17 +21,17 @@ bool readWhole(const std::string& text, Number* value)
     return error == std::errc() && end == text.data() + text.size();
 }
 
-/// Compiles a pattern of the command line; a mistake in it is the user's, so it names the option.
+/// Compiles a pattern from the command line; an error names the option, since the mistake is the user's.
 std::regex compiled(const std::string& pattern, const char* option)
 {
     try {
         return std::regex(pattern);
     } catch (const std::regex_error& error) {
-        throw HostError(ExitCode::Usage, fmt::format("{}: '{}' is no regular expression", option, pattern));
+        throw HostError(ExitCode::Usage, fmt::format("{}: '{}' is not a regular expression", option, pattern));
     }
 }
 
-/// The state closest to a time, or null if even that is another one.
+/// The state closest to a time, or null if none is close enough.
 const HostState* stateNearest(const HostMetaData& metaData, double time)
 {
     const HostState* nearest = nullptr;
@@ -46,7 +46,7 @@ const HostState* stateNearest(const HostMetaData& metaData, double time)
     return near ? nearest : nullptr;
 }
 
-/// Reads "#ID" or a time. Numbers are read without any locale and must take up the whole text.
+/// Reads "#ID" or a time. Numbers are independent of the locale and must fill the whole text.
 const HostState* stateNamed(const HostMetaData& metaData, const std::string& text)
 {
     std::int32_t id = 0;
@@ -70,7 +70,7 @@ std::vector<const HostState*> selectStates(const HostMetaData& metaData, const s
         return all;
     }
     if (text == "last") {
-        // By time and not by position: the interface does not promise an order.
+        // By time and not by position, because the interface does not promise an order.
         return {*std::ranges::max_element(all, {}, [](const HostState* state) { return state->referenceValue; })};
     }
     const HostState* const state = stateNamed(metaData, text);
@@ -90,7 +90,7 @@ std::vector<const HostResultInfo*> selectResults(const HostMetaData& metaData, c
         }
     }
     if (selected.empty() && !pattern.empty()) {
-        throw HostError(ExitCode::Usage, fmt::format("--result: no result meets '{}'", pattern));
+        throw HostError(ExitCode::Usage, fmt::format("--result: no result matches '{}'", pattern));
     }
     return selected;
 }
@@ -106,7 +106,7 @@ std::vector<std::size_t> selectGroups(const HostMetaData& metaData, const std::s
         }
     }
     if (selected.empty() && !pattern.empty()) {
-        throw HostError(ExitCode::Usage, fmt::format("--part: no part or group meets '{}'", pattern));
+        throw HostError(ExitCode::Usage, fmt::format("--part: no part or group matches '{}'", pattern));
     }
     return selected;
 }

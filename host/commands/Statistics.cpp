@@ -10,7 +10,7 @@ namespace {
 ComponentStatistics statisticsOfComponent(const HostValueGroup& group, std::size_t component)
 {
     ComponentStatistics result;
-    // Millions of values near to each other: a double sum would lose digits that the mean still has.
+    // A double would lose digits of the mean when summing millions of similar values.
     long double sum = 0;
     result.items = group.itemCount();
     result.least = std::numeric_limits<double>::infinity();

@@ -6,13 +6,13 @@
 #include <cstddef>
 #include <vector>
 
-/// One component of the values of one group, in figures.
+/// Statistics of one component of the values of one group.
 ///
-/// Every value is counted once: as undefined, as NaN, as infinite or as one of `items` minus those. Least, greatest and
-/// mean are of the latter; with none of them they are NaN.
+/// Each value is either undefined, NaN, infinite or ordinary. Least, greatest and mean are those of the ordinary
+/// values; if there are none, they are NaN.
 struct ComponentStatistics
 {
-    std::size_t items = 0;     ///< all of them, whatever their values
+    std::size_t items = 0;     ///< all items, whatever their values
     std::size_t undefined = 0; ///< the interface's mark for a missing value
     std::size_t notANumber = 0;
     std::size_t infinite = 0;

@@ -37,17 +37,17 @@ std::vector<std::string> columnNames()
             "mean",   "greatest", "undefined", "nan",       "infinite"};
 }
 
-/// Holds one result at a time: a case may have many more values than memory. A result that a group or a state lacks
-/// makes no row.
-std::vector<StatsRow> collectRows(CaseSession& session, const StatsOptions& options)
+/// Holds one result at a time, because all values of a case may not fit into memory. A result that a group or a state
+/// lacks gives no row.
+std::vector<StatsRow> collectRows(OpenedCase& opened, const StatsOptions& options)
 {
-    const HostMetaData& metaData = session.metaData();
+    const HostMetaData& metaData = opened.metaData();
     const std::vector<const HostGroup*> groups = metaData.geometryGroups();
     const std::vector<std::size_t> selectedGroups = selectGroups(metaData, options.partPattern);
     std::vector<StatsRow> rows;
     for (const HostResultInfo* const info : selectResults(metaData, options.resultPattern)) {
         for (const HostState* const state : selectStates(metaData, options.state)) {
-            const std::unique_ptr<HostResult> result = session.result(*info, state->id);
+            const std::unique_ptr<HostResult> result = opened.result(*info, state->id);
             for (const std::size_t index : selectedGroups) {
                 const HostValueGroup* const values =
                     result == nullptr ? nullptr : valuesOfGroup(metaData, *result, index);
@@ -64,7 +64,7 @@ std::vector<StatsRow> collectRows(CaseSession& session, const StatsOptions& opti
     return rows;
 }
 
-/// The cells of a row, in the order of the column names. Numbers are as short as they can be without loss.
+/// The cells of a row, in the order of the column names. Numbers are as short as possible without loss.
 std::vector<std::string> cellsOf(const StatsRow& row)
 {
     const ComponentStatistics& figures = row.figures;
@@ -81,7 +81,7 @@ std::vector<std::string> cellsOf(const StatsRow& row)
             fmt::format("{}", figures.infinite)};
 }
 
-/// Quotes a field only where it has to be, and doubles the quotes in it, as spreadsheets expect.
+/// Quotes a field only if necessary, and doubles the quotes in it, as spreadsheets expect.
 std::string csvField(const std::string& text)
 {
     if (text.find_first_of(",\"\r\n") == std::string::npos) {
@@ -112,7 +112,7 @@ std::string csvText(const std::vector<StatsRow>& rows)
     return text;
 }
 
-/// The head is faint, so that it is not taken for data.
+/// The header row is faint, so that it does not look like data.
 std::string tableText(const std::vector<StatsRow>& rows, const TextStyle& style)
 {
     using Align = TextTable::Align;
@@ -122,7 +122,7 @@ std::string tableText(const std::vector<StatsRow>& rows, const TextStyle& style)
     table.add(columnNames());
     for (const StatsRow& row : rows) {
         std::vector<std::string> cells = cellsOf(row);
-        // Six digits are enough to look at; the other forms have them all.
+        // Six digits are enough to look at; CSV and JSON have all of them.
         cells[5] = fmt::format("{:g}", row.figures.least);
         cells[6] = fmt::format("{:g}", row.figures.mean);
         cells[7] = fmt::format("{:g}", row.figures.greatest);
@@ -139,7 +139,7 @@ nlohmann::ordered_json statsDocument(const std::vector<StatsRow>& rows)
     document["rows"] = nlohmann::ordered_json::array();
     for (const StatsRow& row : rows) {
         const ComponentStatistics& figures = row.figures;
-        // What is no number becomes null: JSON has no NaN.
+        // NaN becomes null, since JSON does not have it.
         document["rows"].push_back({{"result", row.result->name},
                                     {"resultId", row.result->id},
                                     {"stateId", row.state->id},
@@ -160,8 +160,8 @@ nlohmann::ordered_json statsDocument(const std::vector<StatsRow>& rows)
 
 ExitCode runStats(HostContext& context, const StatsOptions& options)
 {
-    const std::unique_ptr<CaseSession> session = context.open(options.casePath);
-    const std::vector<StatsRow> rows = collectRows(*session, options);
+    const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
+    const std::vector<StatsRow> rows = collectRows(*opened, options);
     if (context.options.json) {
         writeDocument(statsDocument(rows));
     } else {
@@ -179,12 +179,12 @@ void addStatsCommand(CLI::App* app, HostContext* context)
     const auto options = std::make_shared<StatsOptions>();
     CLI::App* const command = app->add_subcommand(
         "stats", "Show the range of each result by group and component; NaN and infinite values are findings");
-    command->add_option("CASE", options->casePath, "A case folder, or the path of its case.foam")->required();
-    command->add_option("--result", options->resultPattern, "Only the results whose name or key contains this")
+    command->add_option("CASE", options->casePath, "A case folder or the path to its case.foam")->required();
+    command->add_option("--result", options->resultPattern, "Only results whose name or key matches RE")
         ->type_name("RE");
-    command->add_option("--state", options->state, "last (the default), all, a time, or #ID")->type_name("STATE");
-    command->add_option("--part", options->partPattern, "Only the parts and groups whose name contains this")
-        ->type_name("RE");
+    command->add_option("--state", options->state, "Which states: last (the default), all, a time or #ID")
+        ->type_name("STATE");
+    command->add_option("--part", options->partPattern, "Only parts and groups whose name matches RE")->type_name("RE");
     command->add_flag("--csv", options->csv, "Write comma-separated values with all digits");
     command->callback([=] { context->command = [=] { return runStats(*context, *options); }; });
 }

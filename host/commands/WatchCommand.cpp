@@ -11,10 +11,10 @@ struct WatchOptions
 {
     std::string casePath;
     double interval = 1.0;
-    int count = 0; ///< 0 polls until the interrupt
+    int count = 0; ///< 0 polls until interrupted
 };
 
-/// The word for a notice, in text and document alike.
+/// The word for a notice, in text and JSON alike.
 const char* eventName(HostNotice::Kind kind)
 {
     switch (kind) {
@@ -28,7 +28,8 @@ const char* eventName(HostNotice::Kind kind)
     return "";
 }
 
-/// One line for one notice. As JSON each line is a document of its own, since the output has no end to close a list at.
+/// One line per notice. As JSON each line is a separate document, since the output never ends and so could not close a
+/// list.
 std::string noticeLine(const HostNotice& notice, bool json)
 {
     const bool removal = notice.kind == HostNotice::Kind::Remove;
@@ -48,19 +49,19 @@ std::string noticeLine(const HostNotice& notice, bool json)
     return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
-/// Waits before each poll: the metadata have just told the present state of the case.
+/// Waits before each poll, because the metadata have just given the current state of the case.
 ExitCode runWatch(HostContext& context, const WatchOptions& options)
 {
     const InterruptWait interrupt;
-    const std::unique_ptr<CaseSession> session = context.open(options.casePath);
-    // Settles the ids that the notices are about.
-    session->metaData();
+    const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
+    // Assigns the ids that the notices refer to.
+    opened->metaData();
     for (int polls = 0; options.count == 0 || polls < options.count; ++polls) {
         if (interrupt.waitFor(options.interval)) {
             break;
         }
         HostNotifications notifications;
-        session->poll(&notifications);
+        opened->poll(&notifications);
         for (const HostNotice& notice : notifications.notices) {
             writeToStdout(noticeLine(notice, context.options.json));
         }
@@ -73,12 +74,13 @@ ExitCode runWatch(HostContext& context, const WatchOptions& options)
 void addWatchCommand(CLI::App* app, HostContext* context)
 {
     const auto options = std::make_shared<WatchOptions>();
-    CLI::App* const command = app->add_subcommand("watch", "Poll a case and show states that come, change and go");
-    command->add_option("CASE", options->casePath, "A case folder, or the path of its case.foam")->required();
+    CLI::App* const command =
+        app->add_subcommand("watch", "Poll a case and show states that are added, changed or removed");
+    command->add_option("CASE", options->casePath, "A case folder or the path to its case.foam")->required();
     command->add_option("--interval", options->interval, "Seconds between polls, 1 by default")
         ->type_name("S")
         ->check(CLI::Range(0.0, 86400.0).description(""));
-    command->add_option("--count", options->count, "End after so many polls, not with an interrupt only")
+    command->add_option("--count", options->count, "Stop after N polls instead of polling until interrupted")
         ->type_name("N")
         ->check(CLI::PositiveNumber.description(""));
     command->callback([=] { context->command = [=] { return runWatch(*context, *options); }; });

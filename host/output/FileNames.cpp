@@ -5,16 +5,16 @@
 
 namespace {
 
-// Leaves room for a number and the extension in the 255 bytes that file systems give a name.
+// Leaves room for a number and the extension in the 255 bytes that file systems allow for a name.
 constexpr std::size_t LONGEST_STEM = 200;
 
-/// Not `std::isalnum`: what it takes for a letter depends on the locale.
+/// Not `std::isalnum`, which depends on the locale.
 bool isLetterOrDigit(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-/// Byte by byte: whatever a name is encoded in, what comes out is plain ASCII.
+/// Byte by byte, so that the result is plain ASCII whatever the encoding of the name.
 std::string sanitised(const std::string& name)
 {
     std::string stem = name.substr(0, LONGEST_STEM);

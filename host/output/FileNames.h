@@ -4,15 +4,15 @@
 #include <set>
 #include <string>
 
-/// Makes file names of the names of groups and keeps them apart.
+/// Makes unique file names from the names of groups.
 ///
-/// A group's name comes from a case file and may hold anything, a path of its own among it. Letters, digits, "-", "."
-/// and "_" stay, any other byte becomes "_", and a leading "." gets one in front. Names that differ in case only are
-/// kept apart too, since some file systems do not.
+/// The name of a group comes from a case file and may contain anything, even a path. Letters, digits, "-", "." and "_"
+/// stay, any other byte becomes "_", and a "_" is put before a leading ".". Names that differ only in case get a number
+/// too, since some file systems do not distinguish them.
 class FileNames
 {
 public:
-    /// A name that was not given out before: the stem, if need be numbered, and the extension.
+    /// A name not given out before: the stem, with a number if necessary, and the extension.
     std::string unique(const std::string& groupName, const std::string& extension);
 
 private:

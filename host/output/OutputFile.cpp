@@ -52,6 +52,6 @@ void makeFolder(const std::filesystem::path& folder)
     std::filesystem::create_directories(folder, error);
     if (error) {
         throw HostError(ExitCode::CannotWrite,
-                        fmt::format("cannot make the folder {}: {}", folder.string(), error.message()));
+                        fmt::format("cannot create the folder {}: {}", folder.string(), error.message()));
     }
 }

@@ -8,16 +8,16 @@
 #include <string>
 #include <string_view>
 
-/// A file of the host's output that is written from start to end.
+/// An output file of the host that is written from start to end.
 ///
-/// Creating it fails if the file exists and `overwrite` is false; so nothing of the user's is lost even if another
-/// program made the file a moment ago. All members throw `HostError` of `CannotWrite`.
+/// Creating it fails if the file exists and `overwrite` is false, even if another program created the file a moment
+/// ago, so no user data is lost. All members throw `HostError` of `CannotWrite`.
 class OutputFile
 {
 public:
     OutputFile(const std::filesystem::path& path, bool overwrite);
 
-    /// Closes the file silently; a writer that has done its work calls `close`.
+    /// Closes the file and ignores errors; call `close` after writing.
     ~OutputFile();
 
     OutputFile(const OutputFile&) = delete;
@@ -27,7 +27,7 @@ public:
     void write(const void* bytes, std::size_t count);
     void write(std::string_view text) { write(text.data(), text.size()); }
 
-    /// Closes the file and tells whether all of it arrived on the disk's side.
+    /// Closes the file and throws unless all of it was written.
     void close();
 
 private:
@@ -37,6 +37,6 @@ private:
     std::FILE* m_file;
 };
 
-/// Makes a folder and those above it.
+/// Creates a folder and its parents.
 /// @throws HostError of `CannotWrite`
 void makeFolder(const std::filesystem::path& folder);

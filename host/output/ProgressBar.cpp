@@ -12,7 +12,7 @@ namespace {
 constexpr std::chrono::milliseconds REDRAW_INTERVAL(100);
 constexpr std::size_t BAR_WIDTH = 30;
 
-/// Minutes and seconds; hours stay minutes, which is enough for a bar.
+/// Minutes and seconds; hours are shown as minutes, which is enough for a progress bar.
 std::string timeText(double seconds)
 {
     const long whole = std::lround(seconds);

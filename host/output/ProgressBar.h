@@ -5,21 +5,21 @@
 #include <cstdint>
 #include <string>
 
-/// A bar on stderr with share, rate and time left.
+/// A progress bar on stderr with percentage, rate and time left.
 ///
-/// A bar that is not shown costs nothing and prints nothing. It redraws a few times a second at most, and takes its
-/// line away when it goes, so that nothing of it stays in the terminal.
+/// A bar that is not shown costs nothing and prints nothing. It redraws at most a few times a second, and its
+/// destructor clears its line, so that nothing is left in the terminal.
 class ProgressBar
 {
 public:
-    /// @param unit what is counted, as in "groups"
+    /// @param unit what is counted, such as "groups"
     ProgressBar(bool shown, std::string label, std::string unit, std::uint64_t total);
     ~ProgressBar();
 
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// Counts so much as done.
+    /// Counts this many units as done.
     void advance(std::uint64_t amount = 1);
 
 private:

@@ -10,13 +10,13 @@
 
 namespace {
 
-/// Looks at stdout alone: stderr carries no coloured text.
+/// Looks only at stdout, since stderr has no coloured text.
 bool wantsColor(ColorMode mode)
 {
     if (mode != ColorMode::Auto) {
         return mode == ColorMode::Always;
     }
-    // By custom NO_COLOR counts only if it is not empty.
+    // By convention NO_COLOR counts only if it is not empty.
     const char* const noColor = std::getenv("NO_COLOR");
     return (noColor == nullptr || *noColor == '\0') && isatty(STDOUT_FILENO) != 0;
 }

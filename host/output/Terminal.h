@@ -11,16 +11,16 @@ enum class ColorMode
     Never
 };
 
-/// Puts emphasis on text for stdout, or leaves it as it is where no colour is wanted.
+/// Emphasises text for stdout, or leaves it as it is if colour is not wanted.
 class TextStyle
 {
 public:
-    /// Looks at terminal and environment once, here.
+    /// Examines terminal and environment once, here.
     explicit TextStyle(ColorMode mode);
 
-    /// Text that heads something.
+    /// For headings.
     std::string strong(const std::string& text) const { return wrapped("1", text); }
-    /// Text that is only there to guide the eye.
+    /// For less important text.
     std::string faint(const std::string& text) const { return wrapped("2", text); }
 
 private:

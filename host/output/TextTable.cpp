@@ -10,11 +10,11 @@ constexpr std::size_t COLUMN_GAP = 2;
 /// The number of characters of a UTF-8 text.
 std::size_t shownWidth(const std::string& text)
 {
-    // Continuation bytes of UTF-8 take no room of their own.
+    // Continuation bytes of UTF-8 do not count as characters.
     return static_cast<std::size_t>(std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
-/// Fills a cell up to the width of its column, on the side away from its text.
+/// Pads a cell to the width of its column, on the side opposite its text.
 std::string padded(const std::string& text, std::size_t width, TextTable::Align align)
 {
     const std::string blanks(width - shownWidth(text), ' ');

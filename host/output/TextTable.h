@@ -7,27 +7,27 @@
 
 /// Columns of text for a terminal.
 ///
-/// Widths count code points, not bytes, so that UTF-8 names line up; characters of double width do not.
+/// Widths count code points, not bytes, so that UTF-8 names line up, except for double-width characters.
 class TextTable
 {
 public:
-    /// The side of a column on which its text stands.
+    /// The side of a column that its text is aligned to.
     enum class Align
     {
         Left,
         Right
     };
 
-    /// A table with one entry a column, and no rows.
+    /// A table with one alignment per column and no rows.
     explicit TextTable(std::vector<Align> columns) : m_columns(std::move(columns)) {}
 
-    /// Adds a row; it may be shorter than the columns.
+    /// Adds a row, which may have fewer cells than there are columns.
     void add(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
 
-    /// True if there is no row yet.
+    /// True if there are no rows yet.
     bool empty() const { return m_rows.empty(); }
 
-    /// All rows, each behind `indent` blanks and without blanks at its end.
+    /// All rows, each indented by `indent` spaces and without trailing spaces.
     std::string text(std::size_t indent) const;
 
 private:

@@ -18,10 +18,10 @@ constexpr std::uint8_t VTK_TYPE_WEDGE = 13;
 constexpr std::uint8_t VTK_TYPE_PYRAMID = 14;
 constexpr std::uint8_t VTK_TYPE_POLYHEDRON = 42;
 
-// The one shape whose order differs: both triangles of a wedge run the other way round.
+// The only shape whose node order differs: both triangles of a wedge run in the opposite direction.
 constexpr std::array<std::size_t, 6> WEDGE_ORDER = {0, 2, 1, 3, 5, 4};
 
-/// The VTK type of a host element; a general one is a polygon or a polyhedron by the group that it is in.
+/// The VTK type of a host element; a general one is a polygon or a polyhedron, depending on its group.
 std::uint8_t vtkType(std::int32_t type, bool surface)
 {
     switch (type) {
@@ -50,7 +50,7 @@ public:
         : m_elements(elements), m_surface(surface), m_grid(*grid)
     {}
 
-    /// A grid without polyhedra has no face offsets at all: the file leaves both arrays out then.
+    /// A grid without polyhedra has no face offsets: the file then omits both arrays.
     void build()
     {
         m_grid.connectivity.reserve(m_elements.connectivity.size());
@@ -65,7 +65,7 @@ public:
     }
 
 private:
-    /// Moves all four positions on, so that each element finds its own entries in the tables.
+    /// Advances all four positions, so that each element finds its own entries in the tables.
     void append(std::int32_t type)
     {
         const bool general = type == DDP_POLY;
@@ -84,7 +84,7 @@ private:
         m_node += count;
     }
 
-    /// Copies the nodes of one element in the order of VTK.
+    /// Copies the nodes of one element in VTK order.
     void appendNodes(std::int32_t type, std::size_t count)
     {
         for (std::size_t k = 0; k < count; ++k) {
@@ -93,7 +93,7 @@ private:
         }
     }
 
-    /// The faces of one polyhedron keep their order and their sense, which is outward on both sides of the border.
+    /// The faces of a polyhedron keep their order and direction, since both the interface and VTK have them outward.
     void appendFaces()
     {
         const HostPolyhedra& tables = m_elements.polyhedra;

@@ -12,10 +12,10 @@
 
 namespace {
 
-// The arrays are written as they lie in memory, and the files say so.
+// The arrays are written as they are in memory, so the files declare this byte order.
 constexpr const char* BYTE_ORDER_NAME = std::endian::native == std::endian::little ? "LittleEndian" : "BigEndian";
 
-/// Makes a name safe for an attribute: names of groups and results come from files and may hold anything.
+/// Makes a name safe for an attribute: names of groups and results come from files and may contain anything.
 std::string escaped(std::string_view text)
 {
     std::string result;
@@ -34,14 +34,14 @@ std::string escaped(std::string_view text)
             result += "&quot;";
             break;
         default:
-            // Control characters have no place in XML, not even escaped.
+            // XML does not allow control characters, not even escaped.
             result += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
         }
     }
     return result;
 }
 
-/// The head of every file; 64-bit block sizes, because arrays of large meshes pass 4 GB.
+/// The start of every file; block sizes are 64-bit, because arrays of large meshes exceed 4 GB.
 std::string fileOpening(const char* type)
 {
     return fmt::format("<?xml version=\"1.0\"?>\n<VTKFile type=\"{}\" version=\"1.0\" byte_order=\"{}\" "
@@ -49,7 +49,7 @@ std::string fileOpening(const char* type)
                        type, BYTE_ORDER_NAME);
 }
 
-/// Builds the XML of a data file and gathers the arrays that its appended section has to hold.
+/// Builds the XML of a data file and collects the arrays for its appended section.
 ///
 /// The arrays are borrowed until `writeTo` has run.
 class AppendedDocument
@@ -63,7 +63,7 @@ public:
     /// Markup between the arrays.
     void text(std::string_view xml) { m_xml += xml; }
 
-    /// Declares an array at the present place and takes its bytes in line for the appended section.
+    /// Declares an array here and queues its bytes for the appended section.
     template <typename Value>
     void array(std::string_view name, const char* vtkType, int components, const std::vector<Value>& values)
     {
@@ -74,7 +74,7 @@ public:
         m_offset += sizeof(std::uint64_t) + m_blocks.back().byteCount;
     }
 
-    /// Writes markup and arrays one after the other; the arrays go out from where they lie, without a copy.
+    /// Writes the markup, then the arrays, without copying them.
     void writeTo(OutputFile* file)
     {
         m_xml += fmt::format("</{}>\n<AppendedData encoding=\"raw\">\n_", m_type);
@@ -100,7 +100,7 @@ private:
     std::uint64_t m_offset = 0;
 };
 
-/// The head of a piece, the same for solids and surfaces. Readers want it in this order.
+/// The start of a piece, the same for solids and surfaces. Readers expect this order.
 void addDataArrays(AppendedDocument* document, const VtkGrid& grid)
 {
     document->text("<PointData>\n");
@@ -117,14 +117,14 @@ void addDataArrays(AppendedDocument* document, const VtkGrid& grid)
     document->text("</Points>\n");
 }
 
-/// Nodes of all cells and the end of each cell in them.
+/// The nodes of all cells, and the end of each cell among them.
 void addConnectivity(AppendedDocument* document, const VtkGrid& grid)
 {
     document->array("connectivity", "Int64", 1, grid.connectivity);
     document->array("offsets", "Int64", 1, grid.offsets);
 }
 
-/// Entries are numbered anew in each block, as readers expect.
+/// Numbering restarts in each block, as readers expect.
 void appendIndexEntries(const std::vector<VtkIndexEntry>& entries, std::string* xml)
 {
     for (std::size_t i = 0; i < entries.size(); ++i) {

@@ -9,10 +9,10 @@
 
 /// Writes a grid of solid cells as VTK XML unstructured grid.
 ///
-/// Arrays stand raw in the appended section, doubles with all their bits. Throws as `OutputFile` does.
+/// Arrays are raw in the appended section, with all bits of doubles. Throws as `OutputFile` does.
 void writeVtu(const std::filesystem::path& path, const VtkGrid& grid, bool overwrite);
 
-/// Writes a grid of polygons as VTK XML polygonal data, in the same form.
+/// Writes a grid of polygons as VTK XML polygonal data, in the same format.
 void writeVtp(const std::filesystem::path& path, const VtkGrid& grid, bool overwrite);
 
 /// One entry of an index: a data set, or a named block of entries.
@@ -33,5 +33,5 @@ struct VtkSeriesEntry
     double time;
 };
 
-/// Writes the index over the states of a case that viewers take for an animation.
+/// Writes the index of the states of a case, which viewers use for an animation.
 void writeSeries(const std::filesystem::path& path, const std::vector<VtkSeriesEntry>& entries, bool overwrite);

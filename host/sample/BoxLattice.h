@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// A block of equal cubes from the origin on; cells and nodes are numbered with x fastest.
+/// A block of equal cubes with one corner at the origin; cells and nodes are numbered with x fastest.
 ///
 ///         7--------6        sides in the order low x, high x, low y, high y, low z, high z;
 ///        /|       /|        the nodes of a side run counter-clockwise seen from outside
@@ -17,7 +17,7 @@
 ///       0--------1     +--x
 struct BoxLattice
 {
-    // A power of two: coordinates are exact in binary, and in six decimal digits for up to 799 cells in a row.
+    // A power of two: coordinates are exact in binary, and also in six decimal digits for up to 799 cells in a row.
     static constexpr double SPACING = 0.125;
 
     /// The nodes of one side of a cube.
@@ -62,5 +62,5 @@ struct BoxLattice
     }
 };
 
-/// A lattice of about so many cubes, as close to a cube itself as that goes.
+/// A lattice of about this many cubes, as close to a cube in shape as possible.
 BoxLattice latticeOfAbout(int cubes);

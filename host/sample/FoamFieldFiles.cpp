@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A field as the file needs it: its names, and its value at any place.
+/// What a file needs of a field: its names, and its value at any place.
 struct FieldForm
 {
     std::string_view object;
@@ -21,7 +21,7 @@ struct FieldForm
     std::function<SamplePoint(const SamplePoint&)> valueAt; ///< a scalar is the first component
 };
 
-/// The values of a field at some places, component by component and place by place.
+/// The values of a field at some places, place by place with all components together.
 std::vector<double> valuesAt(const FieldForm& form, std::span<const SamplePoint> places)
 {
     std::vector<double> values;
@@ -44,10 +44,10 @@ std::vector<double> valuesAtPoints(const FieldForm& form, const SampleMesh& mesh
     return valuesAt(form, places);
 }
 
-/// One field file, written from top to bottom: the caller keeps to the order of the members.
+/// One field file, written from top to bottom: the members must be called in order.
 ///
-/// The layout, blanks at line ends among it, is that of OpenFOAM's own writer: readers that look for a "(" or a ";" on
-/// a line depend on what else stands there.
+/// The layout, including spaces at line ends, is that of OpenFOAM's own writer: readers that look for a "(" or a ";" on
+/// a line depend on what else is on it.
 class FieldFile
 {
 public:
@@ -65,7 +65,7 @@ public:
         m_file.text("\nboundaryField\n{\n");
     }
 
-    /// Opens the entry of one patch; every entry has a type, and it comes first.
+    /// Opens the entry of one patch; each entry starts with a type.
     void beginPatch(const SamplePatch& patch, std::string_view type)
     {
         m_file.text(fmt::format("    {}\n    {{\n        {:<16}{};\n", patch.name, "type", type));
@@ -78,7 +78,7 @@ public:
 
     void listEntry(std::string_view key, std::span<const double> values)
     {
-        // A list of nothing has no type that could be named, so it is written without one.
+        // OpenFOAM writes an empty list without its type.
         if (values.empty()) {
             entry(key, "nonuniform 0()");
             return;
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    /// The list with the ";" that ends its entry: behind raw bytes on the same line, behind text on its own.
+    /// The list and the ";" that ends its entry: on the same line after raw bytes, on its own line after text.
     void list(std::span<const double> values)
     {
         m_file.valueList(values, m_form.dimension);
@@ -107,21 +107,21 @@ private:
     FoamOutput m_file;
 };
 
-/// True for patches whose type has to be the type of every field's entry, too.
+/// True for patches whose type must also be the type of their entry in every field.
 bool constrains(const SamplePatch& patch)
 {
     return patch.type == "symmetryPlane" || patch.type == "processor";
 }
 
-/// What a cell field says of one patch.
+/// The entry of a cell field for one patch.
 struct PatchForm
 {
     std::string_view type;
     std::vector<std::pair<std::string_view, std::string_view>> entries = {};
-    bool listsValues = false; ///< a list of the values at the faces stands at the end
+    bool listsValues = false; ///< the entry ends with a list of the values at the faces
 };
 
-/// The n-th patch of a box gets the n-th form, so that all of them occur; the third is a symmetry plane in a box.
+/// The n-th patch of a box gets the n-th form, so that all forms occur; in a box the third patch is a symmetry plane.
 PatchForm patchForm(const FieldForm& form, const SamplePatch& patch, std::size_t number)
 {
     const bool scalar = form.dimension == 1;
@@ -147,7 +147,7 @@ PatchForm patchForm(const FieldForm& form, const SamplePatch& patch, std::size_t
     }
 }
 
-/// Writes one entry; `values` are those at the centres of the faces.
+/// Writes one entry; `values` are those at the face centres.
 void writeCellPatch(FieldFile* file, const SamplePatch& patch, const PatchForm& form, std::span<const double> values)
 {
     file->beginPatch(patch, form.type);
@@ -176,7 +176,7 @@ void writeCellField(const FoamPlace& place, const FieldForm& form, const SampleM
     file.end();
 }
 
-/// Patches of a point field carry no values here: the points of a patch take theirs from the inner field.
+/// Patches of a point field have no values here: the points of a patch take theirs from the internal field.
 void writePointField(const FoamPlace& place, const FieldForm& form, const SampleMesh& mesh, const FoamFormat& format)
 {
     FieldFile file(place, form, format);
@@ -194,10 +194,12 @@ void writeFields(const FoamPlace& place, const SampleMesh& mesh, const SampleMea
                  const FoamFormat& format)
 {
     const auto temperature = [time](const SamplePoint& at) { return SamplePoint{sampleTemperature(at, time), 0, 0}; };
+    const auto pressure = [time](const SamplePoint& at) { return SamplePoint{samplePressure(at, time), 0, 0}; };
     const auto velocity = [time](const SamplePoint& at) { return sampleVelocity(at, time); };
     makeFolder(place.caseFolder / place.location);
     writeCellField(place, {"T", "volScalarField", "0 0 0 1 0 0 0", "scalar", 1, temperature}, mesh, measures, format);
     writeCellField(place, {"U", "volVectorField", "0 1 -1 0 0 0 0", "vector", 3, velocity}, mesh, measures, format);
+    writeCellField(place, {"p", "volScalarField", "0 2 -2 0 0 0 0", "scalar", 1, pressure}, mesh, measures, format);
     writePointField(place, {"pointT", "pointScalarField", "0 0 0 1 0 0 0", "scalar", 1, temperature}, mesh, format);
 }
 

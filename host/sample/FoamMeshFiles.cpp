@@ -5,10 +5,10 @@
 
 namespace {
 
-// Lists up to this length stand on the line of their key, as OpenFOAM writes them.
+// Lists up to this length are on the line of their key, as OpenFOAM writes them.
 constexpr std::size_t SHORT_LIST = 10;
 
-/// The note carries the counts of the mesh: readers take the number of cells from there alone.
+/// The note contains the counts of the mesh; it is where readers find the number of cells.
 void writeLabelFile(const FoamPlace& place, const std::string& object, const std::vector<std::int32_t>& labels,
                     const std::string& note, const FoamFormat& format)
 {
@@ -19,7 +19,7 @@ void writeLabelFile(const FoamPlace& place, const std::string& object, const std
     file.footer();
 }
 
-/// The two forms are different classes, not one class in two formats.
+/// Ascii and binary faces are different classes, not one class in two formats.
 void writeFaces(const FoamPlace& place, const SampleMesh& mesh, const FoamFormat& format)
 {
     FoamOutput file(place.file("faces"), format);
@@ -29,7 +29,7 @@ void writeFaces(const FoamPlace& place, const SampleMesh& mesh, const FoamFormat
     file.footer();
 }
 
-/// A dictionary, so it is plain text beside binary lists too.
+/// A dictionary, so it is plain text even with binary lists.
 void writeBoundary(const FoamPlace& place, const std::vector<SamplePatch>& patches)
 {
     FoamOutput file(place.file("boundary"));
@@ -47,7 +47,7 @@ void writeBoundary(const FoamPlace& place, const std::vector<SamplePatch>& patch
     file.footer();
 }
 
-/// One labels entry of a zone, short or long.
+/// The labels entry of a zone, short or long.
 void writeZoneLabels(FoamOutput* file, const std::string& key, const std::vector<std::int32_t>& labels)
 {
     file->text(fmt::format("{:<16}List<label> ", key));
@@ -60,7 +60,7 @@ void writeZoneLabels(FoamOutput* file, const std::string& key, const std::vector
     file->text("\n;\n");
 }
 
-/// One value for all faces has a short form of its own.
+/// There is a short form for a value that applies to all faces.
 void writeFlips(FoamOutput* file, const SampleFaceZone& zone)
 {
     if (zone.flips.size() == 1) {
@@ -116,7 +116,7 @@ void writeFaceZones(const FoamPlace& place, const std::vector<SampleFaceZone>& z
     file.text(fmt::format("{}\n(\n", zones.size()));
     for (const SampleFaceZone& zone : zones) {
         file.text(fmt::format("{}\n{{\n    type faceZone;\n", zone.name));
-        // The count of a face zone stands on a line of its own, for the readers that look for it there.
+        // The count of a face zone is on its own line, where some readers expect it.
         file.text(fmt::format("{:<16}List<label> \n", "faceLabels"));
         file.labelList(zone.faces);
         file.text("\n;\n");

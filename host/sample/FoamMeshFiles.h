@@ -16,15 +16,15 @@ struct SampleCellZone
     std::vector<std::int32_t> cells; ///< labels, ascending
 };
 
-/// A named set of faces; `flips` has one entry a face, or one entry that holds for all.
+/// A named set of faces; `flips` has one entry per face, or one entry that applies to all.
 struct SampleFaceZone
 {
     std::string name;
     std::vector<std::int32_t> faces; ///< labels, in any order
-    std::vector<bool> flips;         ///< true where the zone looks against the face's normal
+    std::vector<bool> flips;         ///< true where the zone faces against the face's normal
 };
 
-/// The head of every dictionary and list tells where its file lies; this is the case's folder and the place below it.
+/// The folder of the case and a folder in it. Separate, because the header of each file contains the latter.
 struct FoamPlace
 {
     std::filesystem::path caseFolder;
@@ -37,10 +37,10 @@ struct FoamPlace
 /// Writes `points`, `faces`, `owner`, `neighbour` and `boundary`, and makes the folder.
 void writeMeshFiles(const FoamPlace& place, const SampleMesh& mesh, const FoamFormat& format);
 
-/// Writes `points` alone, as for a moved mesh.
+/// Writes only `points`, as for a moved mesh.
 void writePoints(const FoamPlace& place, const std::vector<double>& points, const FoamFormat& format);
 
-/// Writes `cellZones`. Zone files are ascii also beside binary lists: they are small, and each file tells its format.
+/// Writes `cellZones`. Zone files are ascii even with binary lists: they are small, and each file states its format.
 void writeCellZones(const FoamPlace& place, const std::vector<SampleCellZone>& zones);
 
 /// Writes `faceZones`, in ascii too.

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
-// No number takes more characters than this; a double in six digits takes 13.
+// No number is longer than this; a double in six digits has up to 13 characters.
 constexpr std::size_t NUMBER_ROOM = 32;
 constexpr int DIGITS = 6;
 
@@ -21,7 +21,7 @@ constexpr std::string_view RULE = "// ******************************************
 
 } // namespace
 
-/// A plain or a compressed file behind one face.
+/// A plain or a compressed file.
 class FoamOutput::Sink
 {
 public:

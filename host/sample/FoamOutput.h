@@ -19,23 +19,24 @@ struct FoamFormat
     bool gzip = false;   ///< each file with the extension .gz, at OpenFOAM's level 6
 };
 
-/// What the head of a file says.
+/// The header of a file.
 struct FoamHeader
 {
-    std::string_view className; ///< what the file holds, as in "vectorField"
+    std::string_view className; ///< the type of the content, such as "vectorField"
     std::string_view location;  ///< folder below the case; left out if empty
     std::string_view object;    ///< name of the file without any extension
     std::string_view note;      ///< left out if empty
 };
 
-/// Writes one file in the OpenFOAM format, fast: into a large buffer, numbers by `std::to_chars`.
+/// Writes one file in the OpenFOAM format, fast: with a large buffer and `std::to_chars`.
 ///
-/// Numbers are independent of any locale and look like those of OpenFOAM's general notation with six digits. A sibling
-/// of the other compression is removed, since readers take a .gz before the plain file. Throws as `OutputFile` does.
+/// Numbers do not depend on the locale and look like OpenFOAM's general notation with six digits. If the same file
+/// exists compressed and this one is plain, or the other way round, it is removed, since readers prefer a .gz to a
+/// plain file. Throws as `OutputFile` does.
 class FoamOutput
 {
 public:
-    /// Dictionaries and the like: plain text whatever the format of the lists is.
+    /// For dictionaries and the like: plain text, whatever the format of the lists.
     explicit FoamOutput(const std::filesystem::path& path) : FoamOutput(path, FoamFormat()) {}
 
     FoamOutput(const std::filesystem::path& path, const FoamFormat& format);
@@ -44,25 +45,25 @@ public:
     FoamOutput(const FoamOutput&) = delete;
     FoamOutput& operator=(const FoamOutput&) = delete;
 
-    /// True if lists go out as raw bytes.
+    /// True if lists are written as raw bytes.
     bool binary() const { return m_format.binary; }
 
     /// Appends characters as they are.
     void text(std::string_view characters) { bytes(characters.data(), characters.size()); }
     /// Appends bytes as they are.
     void bytes(const void* data, std::size_t count);
-    /// Appends an integer in decimal digits, whatever the format is.
+    /// Appends an integer in decimal digits, whatever the format.
     void label(std::int64_t value);
-    /// Appends a number in six digits, whatever the format is.
+    /// Appends a number in six digits, whatever the format.
     void scalar(double value);
     /// Appends three numbers in brackets.
     void vector(std::span<const double, 3> value);
 
     /// The banner, the `FoamFile` block and the line below it.
     void header(const FoamHeader& head);
-    /// The line that ends a file; also writes all out and closes the file.
+    /// The line that ends a file; also flushes and closes it.
     void footer();
-    /// Writes all out and closes the file.
+    /// Flushes and closes the file.
     void close();
 
     /// A list of labels as in `owner`: count, "(", labels, ")".
@@ -75,7 +76,7 @@ public:
 private:
     class Sink;
 
-    /// A place for so many bytes in the buffer, which is written out before if they do not fit.
+    /// Room for `count` bytes in the buffer, which is flushed first if they do not fit.
     char* room(std::size_t count);
     void flush();
 

@@ -22,8 +22,8 @@ void forEachCell(const BoxLattice& lattice, Use use)
     }
 }
 
-/// Cell by cell, towards x, y and z: the neighbours' labels rise in that order, so owners and neighbours come out
-/// sorted.
+/// Cell by cell, towards x, y and z: the labels of the neighbours increase in that order, so owners and neighbours come
+/// out sorted.
 void addInternalFaces(const BoxLattice& lattice, SampleMesh* mesh)
 {
     const std::array<int, 3> strides = {1, lattice.counts[0], lattice.counts[0] * lattice.counts[1]};
@@ -39,7 +39,7 @@ void addInternalFaces(const BoxLattice& lattice, SampleMesh* mesh)
     });
 }
 
-/// The cells along one side of the box, in order of their labels.
+/// The cells on one side of the box, in order of their labels.
 void addPatch(const BoxLattice& lattice, std::size_t side, SampleMesh* mesh)
 {
     SamplePatch& patch = mesh->patches[side];

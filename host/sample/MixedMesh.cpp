@@ -23,7 +23,7 @@ constexpr std::array<Slab, MIXED_SLABS> SLABS = {Slab::Prisms, Slab::Pyramids, S
 using Triangle = std::array<std::int32_t, 3>;
 using Quad = BoxLattice::Side;
 
-/// Splits a side along the diagonal through its lowest node. Both cells at the side find the same diagonal that way.
+/// Splits a side along the diagonal through its lowest node. That way both cells at the side choose the same diagonal.
 std::array<Triangle, 2> split(const Quad& side)
 {
     const auto lowest = static_cast<std::size_t>(std::ranges::min_element(side) - side.begin());
@@ -64,7 +64,7 @@ private:
         }
     }
 
-    /// True if a side is cut into triangles; both cells at the side have to come to the same answer.
+    /// True if a side is split into triangles; both cells at the side must get the same answer.
     bool isSplit(int i, std::size_t side) const
     {
         const bool nextToTetrahedra =
@@ -72,7 +72,7 @@ private:
         return slabOf(i) == Slab::Tetrahedra || nextToTetrahedra;
     }
 
-    /// Halves a cube along the diagonal of its base. All cubes above are halved the same way, so the halves fit.
+    /// Halves a cube along the diagonal of its base. All cubes above are halved in the same way, so the halves match.
     void addPrisms(int i, int j, int k)
     {
         const Quad low = m_lattice.side(i, j, k, 4);  // 0 3 2 1
@@ -92,7 +92,7 @@ private:
         m_builder.addFace(cut);
     }
 
-    /// A cube, with more than six faces if a neighbour wants triangles.
+    /// A cube, with more than six faces if a neighbour needs triangles.
     void addHexahedron(int i, int j, int k)
     {
         m_builder.beginCell();
@@ -107,7 +107,7 @@ private:
         }
     }
 
-    /// Cuts a cube into cells that stand on its sides and meet in its middle.
+    /// Cuts a cube into cells that have its sides as bases and its centre as apex.
     void addStar(int i, int j, int k)
     {
         const int middle = m_builder.addPoint(

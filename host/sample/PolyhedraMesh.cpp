@@ -9,8 +9,8 @@
 
 namespace {
 
-// Lattice units: the edge of a cube of the body-centred lattice is 4 of them. The vertices of a truncated octahedron
-// about the origin are then the permutations of (0, +-1, +-2).
+// In lattice units: the edge of a cube of the body-centred lattice is 4, so that the vertices of a truncated octahedron
+// about the origin are the permutations of (0, +-1, +-2).
 constexpr int UNITS_PER_CUBE = 4;
 constexpr double UNIT = 1.0 / 16.0;
 
@@ -22,7 +22,7 @@ int dot(const Place& a, const Place& b)
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-/// The 24 places whose coordinates are 0, 1 and 2 in some order and with any signs.
+/// The 24 points whose coordinates are 0, 1 and 2 in any order and with any signs.
 std::vector<Place> octahedronVertices()
 {
     std::vector<Place> vertices;
@@ -43,7 +43,7 @@ std::vector<Place> octahedronVertices()
 /// Puts the corners of a convex polygon in counter-clockwise order seen from the tip of the normal.
 Polygon ordered(Polygon polygon, const Place& normal)
 {
-    // Any vector that is not along the normal gives a first axis; the second completes a right-handed system.
+    // Any vector not along the normal gives a first axis; the second completes a right-handed system.
     const Place guess = normal[1] == 0 && normal[2] == 0 ? Place{0, 1, 0} : Place{1, 0, 0};
     const auto cross = [](const Place& a, const Place& b) {
         return Place{a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
@@ -70,7 +70,7 @@ Polygon polygonIn(const Place& normal, int distance)
     return ordered(std::move(polygon), normal);
 }
 
-/// The faces of a truncated octahedron about the origin, and the sections that a cut through its middle leaves.
+/// The faces of a truncated octahedron about the origin, and its sections through the centre.
 struct CellShape
 {
     std::vector<Polygon> faces;
@@ -94,10 +94,10 @@ struct CellShape
     }
 };
 
-/// Cuts a polygon off at a plane across an axis and keeps what is on the inner side.
+/// Cuts a polygon at a plane across an axis and keeps the part on the inner side.
 ///
-/// A boundary plane goes through the middle of a cell, and there every edge that crosses it does so at a lattice point;
-/// so integers do.
+/// Integers are enough: a boundary plane goes through the centre of a cell, where each edge that crosses it does so at
+/// a lattice point.
 Polygon clipped(const Polygon& polygon, std::size_t axis, int plane, int inward)
 {
     Polygon result;
@@ -147,7 +147,7 @@ private:
         return perEdge * perEdge * perEdge;
     }
 
-    /// One layer of cells with their centres in a plane: corners of the lattice, or its middles.
+    /// One layer of cells with their centres in a plane: the corners of the lattice, or its body centres.
     void addLayer(int count, int z, int shift)
     {
         for (int j = 0; j < count; ++j) {
@@ -157,7 +157,7 @@ private:
         }
     }
 
-    /// A cell in the boundary gets its section there as a further face; the other faces are cut off.
+    /// A cell on the boundary gets its section there as an additional face; the other faces are cut.
     void addCell(const Place& centre)
     {
         m_builder.beginCell();
@@ -171,7 +171,7 @@ private:
         }
     }
 
-    /// Moves a face to its cell, cuts it off at the box and hands it over with the labels of its corners.
+    /// Moves a face to its cell, cuts it at the box and adds it with the labels of its corners.
     void addFace(const Polygon& shape, const Place& centre)
     {
         Polygon polygon = shape;
@@ -184,7 +184,7 @@ private:
             polygon = clipped(polygon, axis, 0, 1);
             polygon = clipped(polygon, axis, m_end, -1);
         }
-        // A face that only touches the boundary keeps an edge or a corner, which bounds nothing.
+        // Of a face that only touches the box from outside, an edge or a corner is left, which bounds nothing.
         if (polygon.size() < 3) {
             return;
         }
@@ -195,7 +195,7 @@ private:
         m_builder.addFace(nodes);
     }
 
-    /// Cells meet at places that are exact integers, so a table finds points again without any tolerance.
+    /// Cells meet at integer coordinates, so a table finds existing points without a tolerance.
     std::int32_t labelOf(const Place& place)
     {
         const auto perEdge = static_cast<std::size_t>(m_end) + 1;
@@ -211,7 +211,7 @@ private:
     CellShape m_shape;
     int m_cubes;
     int m_end;                          ///< edge of the whole cube in lattice units
-    std::vector<std::int32_t> m_labels; ///< label of the point at each lattice place, -1 as long as there is none
+    std::vector<std::int32_t> m_labels; ///< label of the point at each lattice position, -1 until there is one
     SampleMeshBuilder m_builder;
 };
 

@@ -27,7 +27,7 @@ constexpr int WRITE_INTERVAL = 10;
 constexpr double TIME_STEP = 0.05;
 constexpr std::array<const char*, 2> REGION_NAMES = {"left", "right"};
 
-/// The lattice of a mixed mesh of about so many cells.
+/// The lattice of a mixed mesh of about this many cells.
 BoxLattice mixedLattice(int cells)
 {
     BoxLattice lattice = latticeOfAbout(static_cast<int>(cells / MIXED_CELLS_PER_CUBE));
@@ -35,7 +35,7 @@ BoxLattice mixedLattice(int cells)
     return lattice;
 }
 
-/// The cubes an edge that come nearest to (n + 1)^3 + n^3 cells.
+/// The number n of cubes per edge for which (n + 1)^3 + n^3 is closest to this many cells.
 int cubesPerEdge(int cells)
 {
     const auto cellsOf = [](double n) { return std::pow(n + 1, 3) + std::pow(n, 3); };
@@ -46,7 +46,7 @@ int cubesPerEdge(int cells)
     return n;
 }
 
-/// Writes one case; a member for each thing that some kinds have and others do not.
+/// Writes one case, with a member function for each feature that not all kinds have.
 class CaseWriter
 {
 public:
@@ -57,7 +57,7 @@ public:
         }
     }
 
-    /// The token file comes last: a case that has one is complete.
+    /// The token file is written last, so that a case that has one is complete.
     SampleReport write()
     {
         prepareFolder();
@@ -75,10 +75,10 @@ public:
 
 private:
     FoamPlace at(const std::string& location) const { return {m_folder, location}; }
-    /// As short as it can be without loss, which is how OpenFOAM names its time folders.
+    /// As short as possible without loss, as OpenFOAM names its time folders.
     static std::string nameOf(double time) { return fmt::format("{}", time); }
 
-    /// A folder in use may be a case of someone who spent days on it.
+    /// A non-empty folder may be a case that took someone days to compute.
     void prepareFolder() const
     {
         std::error_code error;
@@ -104,7 +104,7 @@ private:
         }
     }
 
-    /// The mesh and its fields as every case but a decomposed one has them.
+    /// The mesh and its fields, which every case except a decomposed one has.
     void writeWholeMesh() const
     {
         writeMeshFiles(at("constant/polyMesh"), m_mesh, m_options.format);
@@ -115,7 +115,7 @@ private:
         writeTimeDicts();
     }
 
-    /// What makes the kinds differ, beside the shape of their cells.
+    /// What makes the kinds differ, besides the shape of their cells.
     void writeExtras() const
     {
         switch (m_options.kind) {
@@ -174,7 +174,7 @@ private:
         }
     }
 
-    /// The whole mesh stays beside its regions, as after a split of it, and its zones mark the same cells.
+    /// The whole mesh is kept next to its regions, as after splitting a mesh, and its zones mark the same cells.
     void writeRegions() const
     {
         const auto interfacePatch = [](int mine, int other) {
@@ -196,7 +196,8 @@ private:
         writeCellZones(at("constant/polyMesh"), zones);
     }
 
-    /// Fields stand under the time folder and not under the processor's: there readers of whole cases look for them.
+    /// Fields are in the time folder of the case and not in that of the processor, since readers of whole cases look
+    /// for them there.
     void writeProcessors() const
     {
         const auto interfacePatch = [](int mine, int other) {
@@ -216,7 +217,7 @@ private:
         writeTimeDicts();
     }
 
-    /// The fields of one region or one processor, at all times.
+    /// Writes the fields of one region or one processor at all times.
     void writePieceFields(const SampleMesh& mesh, const std::string& name) const
     {
         const SampleMeasures measures = measure(mesh);
@@ -225,7 +226,7 @@ private:
         }
     }
 
-    /// Time 0 has no points of its own; there the mesh is the one under constant.
+    /// Time 0 has no points; its mesh is the one in constant.
     void writeMovedPoints() const
     {
         for (const double time : m_times) {
@@ -244,7 +245,7 @@ private:
         }
     }
 
-    /// A run writes these with every time but its start.
+    /// A solver writes these for every time except the first.
     void writeTimeDicts() const
     {
         for (const double time : m_times) {
@@ -262,7 +263,7 @@ private:
         }
     }
 
-    /// The entries that every run has; readers take the write interval from here.
+    /// The entries that every case has; readers take the write interval from here.
     void writeControlDict() const
     {
         FoamOutput file(m_folder / "system/controlDict");

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// What a sample case shows.
+/// The kind of a sample case.
 enum class SampleKind
 {
     Hex,        ///< a block of hexahedra
@@ -24,16 +24,16 @@ enum class SampleKind
 struct SampleOptions
 {
     SampleKind kind = SampleKind::Hex;
-    int cells = 1000;       ///< about so many
+    int cells = 1000;       ///< approximate number
     int states = 2;         ///< time folders, one or more
     FoamFormat format;      ///< of mesh lists and fields; dictionaries are plain text
     bool overwrite = false; ///< write into a folder that is not empty
 };
 
-/// What was written.
+/// Reports what was written.
 struct SampleReport
 {
-    int cells = 0; ///< of the whole mesh, also if it was cut into pieces
+    int cells = 0; ///< of the whole mesh, even if it was cut into pieces
     int points = 0;
     int faces = 0;
     std::vector<std::string> times; ///< names of the time folders
@@ -41,6 +41,7 @@ struct SampleReport
 
 /// Writes a whole case with the fields of `SampleFields.h`.
 ///
-/// State k has the time k / 2. With `overwrite`, files of another case in the folder that have no namesake stay.
+/// State k has the time k / 2. With `overwrite`, files of another case in the folder stay unless a file of the same
+/// name replaces them.
 /// @throws HostError of `CannotWrite`, also for a folder that is not empty unless `overwrite` is set
 SampleReport writeSampleCase(const std::filesystem::path& folder, const SampleOptions& options);

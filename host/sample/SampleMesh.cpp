@@ -28,7 +28,7 @@ SamplePoint cross(const SamplePoint& a, const SamplePoint& b)
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
-/// Faces need not be flat, as on a moved mesh; the fan of triangles about the mean is then what OpenFOAM means by area.
+/// Faces need not be flat, as in a moved mesh; OpenFOAM then defines the area by the fan of triangles about the mean.
 void measureFace(const SampleMesh& mesh, int face, SamplePoint* area, SamplePoint* centre)
 {
     const std::span<const std::int32_t> nodes = mesh.nodesOfFace(face);
@@ -64,7 +64,7 @@ void forEachSide(const SampleMesh& mesh, Use use)
     }
 }
 
-/// Two passes over the faces, because the first one has to find a point inside each cell.
+/// Two passes over the faces, because the first one must find a point inside each cell.
 void measureCells(const SampleMesh& mesh, SampleMeasures* measures)
 {
     const auto cellCount = static_cast<std::size_t>(mesh.cellCount);
@@ -81,7 +81,7 @@ void measureCells(const SampleMesh& mesh, SampleMeasures* measures)
         const SamplePoint& base = measures->faceCentres[face];
         const double volume = sign * dot(measures->faceAreas[face], base - middle) / 3;
         measures->cellVolumes[cell] += volume;
-        // The centre of a pyramid lies at a quarter of its height.
+        // The centre of a pyramid is at a quarter of its height.
         measures->cellCentres[cell] = measures->cellCentres[cell] + volume * (0.75 * base + 0.25 * middle);
     });
     for (std::size_t cell = 0; cell < cellCount; ++cell) {

@@ -12,13 +12,13 @@
 /// x, y and z.
 using SamplePoint = std::array<double, 3>;
 
-/// One boundary patch: a run of faces behind the internal ones.
+/// One boundary patch: a range of faces after the internal ones.
 struct SamplePatch
 {
     std::string name;
-    std::string type;       ///< as in "wall"; it decides about the entries of fields too
+    std::string type;       ///< such as "wall"; also determines the entries of fields
     std::string group = {}; ///< the group of patches it is in, if any
-    std::vector<std::pair<std::string, std::string>> entries = {}; ///< what else its dictionary says
+    std::vector<std::pair<std::string, std::string>> entries = {}; ///< other entries of its dictionary
     int faceCount = 0;
     int startFace = 0;
 };
@@ -26,19 +26,19 @@ struct SamplePatch
 /// A mesh as OpenFOAM keeps it: points, faces, and for each face the cells on its two sides.
 ///
 /// All labels count from 0. Internal faces come first, sorted by owner and then by neighbour, with owner < neighbour;
-/// behind them the patches one after the other. The nodes of a face run counter-clockwise seen from the tip of its
-/// normal, which points from owner to neighbour or out of the mesh.
+/// the patches follow one after the other. The nodes of a face run counter-clockwise seen from the tip of its normal,
+/// which points from owner to neighbour or out of the mesh.
 struct SampleMesh
 {
     std::vector<double> points;                  ///< x, y, z of each point
     std::vector<std::int32_t> faceOffsets = {0}; ///< start of each face in `faceNodes`, and the end of the last
     std::vector<std::int32_t> faceNodes;         ///< nodes of all faces, face after face
-    std::vector<std::int32_t> owners;            ///< one a face
-    std::vector<std::int32_t> neighbours;        ///< one an internal face
+    std::vector<std::int32_t> owners;            ///< one per face
+    std::vector<std::int32_t> neighbours;        ///< one per internal face
     std::vector<SamplePatch> patches;
     int cellCount = 0;
 
-    /// Points, internal or not.
+    /// All points, internal or not.
     int pointCount() const { return static_cast<int>(points.size() / 3); }
     /// All faces, internal ones and those of the patches.
     int faceCount() const { return static_cast<int>(owners.size()); }
@@ -60,10 +60,10 @@ struct SampleMesh
         return {points[first], points[first + 1], points[first + 2]};
     }
 
-    /// Adds a point behind the last one.
+    /// Appends a point.
     void addPoint(const SamplePoint& place) { points.insert(points.end(), place.begin(), place.end()); }
 
-    /// Adds a face behind the last one; the caller keeps the order that the mesh promises.
+    /// Appends a face; the caller ensures the order described above.
     void addFace(std::span<const std::int32_t> nodes, int owner)
     {
         faceNodes.insert(faceNodes.end(), nodes.begin(), nodes.end());
@@ -72,13 +72,14 @@ struct SampleMesh
     }
 };
 
-/// The patches of a box, empty as yet: x, y and z, each low end before high end.
+/// The patches of a box, still without faces: x, y and z, each low end before high end.
 std::vector<SamplePatch> boxPatches();
 
 /// Area vectors and centres of all faces, volumes and centres of all cells.
 ///
 /// Faces are split into triangles about the mean of their nodes and cells into pyramids about the mean of their face
-/// centres, as OpenFOAM does; so a field that is linear in space has its cell average at the cell's centre.
+/// centres, as OpenFOAM does, so that the cell average of a field that is linear in space is its value at the cell
+/// centre.
 struct SampleMeasures
 {
     std::vector<SamplePoint> faceAreas; ///< area vectors, along the normals

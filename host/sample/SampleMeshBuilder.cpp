@@ -34,7 +34,7 @@ SampleMesh SampleMeshBuilder::build(const std::array<double, 3>& size)
 
 void SampleMeshBuilder::findTwins()
 {
-    // Sides of the same face have the same lowest node, so only sides of one node need be compared; those are few.
+    // Sides of the same face have the same lowest node, so only the few sides with the same lowest node are compared.
     std::vector<std::int32_t> heads(static_cast<std::size_t>(m_mesh.pointCount()), -1);
     std::vector<std::int32_t> next(m_sides.size(), -1);
     const auto sameNodes = [this](std::size_t a, std::size_t b) {
@@ -59,7 +59,7 @@ void SampleMeshBuilder::findTwins()
 
 void SampleMeshBuilder::addInternalFaces()
 {
-    // Sides stand in the order of their cells; so the owners come out in order, and each owner's neighbours are sorted.
+    // Sides are in the order of their cells, so owners come out in order; the neighbours of each owner are sorted here.
     std::vector<std::pair<std::int32_t, std::size_t>> ofOwner; // neighbour, side
     const auto flush = [&] {
         std::ranges::sort(ofOwner);
@@ -103,11 +103,11 @@ std::size_t SampleMeshBuilder::patchOf(std::size_t side, const std::array<double
     for (std::size_t number = 0; number < 6; ++number) {
         const std::size_t axis = number / 2;
         const double plane = number % 2 == 0 ? 0.0 : size[axis];
-        // Coordinates of sample meshes are exact, so a face lies in a plane to the last bit or not at all.
+        // Coordinates of sample meshes are exact, so a face is in a plane either to the last bit or not at all.
         if (std::ranges::all_of(nodesOf(side), [&](std::int32_t node) { return m_mesh.point(node)[axis] == plane; })) {
             return number;
         }
     }
-    // Two cells that do not fit each other would leave a face here; the last patch makes that visible.
+    // Two cells that do not match would leave a face here; it goes into the last patch, where it is visible.
     return 5;
 }

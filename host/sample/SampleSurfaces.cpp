@@ -18,9 +18,9 @@ constexpr std::size_t OUTLET = 1;
 struct TriangleSurface
 {
     std::vector<double> points;
-    std::vector<std::int32_t> nodes; ///< three a triangle
+    std::vector<std::int32_t> nodes; ///< three per triangle
 
-    /// Two triangles along the first diagonal, both in the sense of the quadrilateral.
+    /// Adds two triangles split along the first diagonal, both in the direction of the quadrilateral.
     void addQuad(const std::array<std::int32_t, 4>& quad)
     {
         for (const std::size_t corner : std::array<std::size_t, 6>{0, 1, 2, 2, 3, 0}) {
@@ -29,7 +29,7 @@ struct TriangleSurface
     }
 };
 
-/// The plane has the nodes of the lattice's lowest layer, moved up, and so may use their numbering.
+/// The plane has the nodes of the lattice's lowest layer, moved up, and uses their numbering.
 TriangleSurface middlePlane(const BoxLattice& lattice)
 {
     TriangleSurface surface;
@@ -48,7 +48,7 @@ TriangleSurface middlePlane(const BoxLattice& lattice)
     return surface;
 }
 
-/// The faces of a patch with points of their own, numbered in order of first use.
+/// The faces of a patch with their own points, numbered in order of first use.
 TriangleSurface patchSurface(const SampleMesh& mesh, const SamplePatch& patch)
 {
     TriangleSurface surface;
@@ -74,7 +74,7 @@ SamplePoint pointOf(const TriangleSurface& surface, std::size_t label)
     return {surface.points[3 * label], surface.points[3 * label + 1], surface.points[3 * label + 2]};
 }
 
-/// The centres that go with the triangles; readers check that there are as many.
+/// The centres of the triangles; readers check that their number matches.
 std::vector<double> centresOf(const TriangleSurface& surface)
 {
     std::vector<double> centres;
@@ -90,7 +90,7 @@ std::vector<double> centresOf(const TriangleSurface& surface)
     return centres;
 }
 
-/// These files have a head, but no line that ends them.
+/// These files have a header, but no closing line.
 void writeVectors(const std::filesystem::path& folder, const char* object, const std::vector<double>& values)
 {
     FoamOutput file(folder / object);
@@ -115,7 +115,7 @@ void writeTriangles(const std::filesystem::path& folder, const TriangleSurface& 
     file.close();
 }
 
-/// Value files of sampled surfaces have no head; they begin with a blank line.
+/// Value files of sampled surfaces have no header; they begin with a blank line.
 void writeValues(const std::filesystem::path& folder, const char* object, const std::vector<double>& values,
                  std::size_t dimension)
 {

@@ -6,8 +6,9 @@
 
 #include <filesystem>
 
-/// Writes the sampled surfaces of one time: a plane across the middle and the outlet, in triangles, T and U on points.
+/// Writes the sampled surfaces of one time: a plane through the middle and the outlet, as triangles with T and U on
+/// points.
 ///
-/// @param folder the folder of the time under postProcessing/sampleSurface
+/// @param folder the folder of the time in postProcessing/sampleSurface
 void writeSampledSurfaces(const std::filesystem::path& folder, const BoxLattice& lattice, const SampleMesh& mesh,
                           double time);

@@ -23,7 +23,7 @@ public:
             addPatch(patch);
         }
         addInterfaces(interfacePatch);
-        // Last, when it is known which points are used.
+        // Last, once it is known which points are used.
         numberPoints();
         return std::move(m_part);
     }
@@ -34,7 +34,7 @@ private:
     int neighbourOf(int face) const { return m_whole.neighbours[static_cast<std::size_t>(face)]; }
     int labelOf(int cell) const { return m_cellLabels[static_cast<std::size_t>(cell)]; }
 
-    /// The cells of this piece keep their order, which keeps everything derived from it sorted.
+    /// The cells of this piece keep their order, so everything derived from it stays sorted.
     void numberCells()
     {
         for (int cell = 0; cell < m_whole.cellCount; ++cell) {
@@ -45,7 +45,7 @@ private:
         }
     }
 
-    /// Cells keep their order, so faces that stay internal stay sorted.
+    /// Cells keep their order, so internal faces stay sorted.
     void addInternalFaces()
     {
         for (int face = 0; face < m_whole.internalFaceCount(); ++face) {
@@ -56,7 +56,7 @@ private:
         }
     }
 
-    /// A patch without a face here stays in the list: all pieces of a case have the same patches in the same places.
+    /// A patch without faces here stays in the list: all pieces of a case have the same patches at the same positions.
     void addPatch(const SamplePatch& patch)
     {
         SamplePatch mine = patch;
@@ -70,7 +70,7 @@ private:
         m_part.mesh.patches.push_back(std::move(mine));
     }
 
-    /// Collects the faces between this piece and each other one, in order of their labels.
+    /// Collects the faces between this piece and each of the others, in order of their labels.
     void addInterfaces(const std::function<SamplePatch(int)>& interfacePatch)
     {
         std::map<int, std::vector<int>> facesTowards;
@@ -89,7 +89,8 @@ private:
         }
     }
 
-    /// The normal has to point out of this piece, so a face seen from its neighbour is turned over, first node kept.
+    /// The normal must point out of this piece, so if the neighbour is here, the face is reversed, keeping its first
+    /// node.
     void addInterfaceFace(int face)
     {
         const std::span<const std::int32_t> nodes = m_whole.nodesOfFace(face);
@@ -101,7 +102,7 @@ private:
         m_part.mesh.addFace(outward, labelOf(mine ? ownerOf(face) : neighbourOf(face)));
     }
 
-    /// Points keep their order as well; those that no face uses are dropped.
+    /// Points keep their order too; unused ones are dropped.
     void numberPoints()
     {
         for (const std::int32_t node : m_part.mesh.faceNodes) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "border/CaseSession.h"
 #include "border/HostLog.h"
+#include "border/OpenedCase.h"
 #include "support/CaseFiles.h"
 
 #include <gtest/gtest.h>
@@ -75,10 +75,10 @@ TEST(PluginLibrary, RunsTheFullStartSequence)
     const Fault version("another version of the interface");
     EXPECT_EQ(outcomeOf([] { const PluginLibrary other(FAULTY_PLUGIN); }),
               std::pair(ExitCode::LibraryRefused,
-                        std::string("the library speaks version 8 of the interface, this host version 7")));
+                        std::string("the library uses version 8 of the interface, this host version 7")));
 }
 
-TEST(CaseSession, ReportsTheFaultOfABadLibrary)
+TEST(OpenedCase, ReportsTheFaultOfABadLibrary)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -86,7 +86,7 @@ TEST(CaseSession, ReportsTheFaultOfABadLibrary)
     writePressure(folder, "1");
     const std::string broken = "the library delivered broken arrays: ";
     const std::pair<const char*, std::string> faults[] = {
-        {"throws", "init let an exception out: thrown on purpose"},
+        {"throws", "init threw: thrown on purpose"},
         {"reads a missing setting", "init: the boolean setting FLAG was read but not given"},
         {"reserved row", "getMetaData: a reserved row of DDPMetaData was called"},
         {"lost group", broken + "geometry: 2 element groups for 3 declared groups"},
@@ -98,9 +98,9 @@ TEST(CaseSession, ReportsTheFaultOfABadLibrary)
         const Fault fault(name);
         const auto outcome = outcomeOf([&] {
             const HostOptions options;
-            CaseSession session(library, folder.path(), options);
-            session.geometry();
-            (void)session.result(session.metaData().results[0], 1);
+            OpenedCase opened(library, folder.path(), options);
+            opened.geometry();
+            (void)opened.result(opened.metaData().results[0], 1);
         });
         EXPECT_EQ(outcome.second, message);
     }

@@ -106,7 +106,7 @@ TEST(Check, SurvivesCrashesAndHangsAndTellsHowToReproduceThem)
     EXPECT_EQ(crashed["verdict"], "crashed");
     EXPECT_EQ(crashed["tally"], (nlohmann::json{{"passed", 2}, {"crashed", 1}}));
     const ProgramRun hung = check(folder, "hang", "--timeout 0.5 --only-failed" + sample);
-    EXPECT_EQ(hung.out, "timed out geometry.volumes (hex): no end within 0.5 seconds; repeat: ddphost check "
+    EXPECT_EQ(hung.out, "timed out geometry.volumes (hex): still running after 0.5 seconds; repeat: ddphost check "
                         "--include '^geometry\\.volumes@hex$' --plugin " +
                             shellWord(FAULTY_PLUGIN) +
                             " --timeout 0.5\n"

@@ -20,7 +20,7 @@ TEST(DeliveryCheck, FindsEveryDisagreementBetweenArrays)
          }},
         {"connectivity out of range", [](Groups& g) { g.elements.connectivity[3] = -1; }},
         {"connectivity out of range", [](Groups& g) { g.elements.connectivity[3] = 31; }},
-        {"32 connectivity entries where the elements take 31", [](Groups& g) { g.elements.connectivity.push_back(0); }},
+        {"32 connectivity entries where the elements need 31", [](Groups& g) { g.elements.connectivity.push_back(0); }},
         {"an element of unknown type", [](Groups& g) { g.elements.types[0] = 9; }},
         {"1 polyhedra for 2 general elements", [](Groups& g) { g.elements.types[3] = DDP_POLY; }},
         {"the polyhedra have 5 faces, the face table 6",
@@ -44,7 +44,7 @@ TEST(DeliveryCheck, AcceptsSlackAfterUniformElementsButNoShortage)
     HostGroups groups;
     groups.nodes.coordinates.resize(12);
     const std::vector<std::int32_t> nodes = {0, 1, 2, 2, 1, 3, 0, 0};
-    for (const auto& [length, fault] : {std::pair(8U, ""), {5U, "5 connectivity entries where the elements take 6"}}) {
+    for (const auto& [length, fault] : {std::pair(8U, ""), {5U, "5 connectivity entries where the elements need 6"}}) {
         groups.elements.setUniformElements(DDP_TRIANGLE, 2, nodes.data(), length, nodes.data());
         EXPECT_EQ(findGroupFault(groups.nodes, groups.elements), fault);
     }

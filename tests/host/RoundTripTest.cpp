@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Sample cases read with the library that ships. Each side checks the other: the cases are written from formulas, and
 // the values are compared with these, so an error goes unnoticed only if both sides misunderstand the format alike.
-#include "border/CaseSession.h"
 #include "border/DeliveryCheck.h"
+#include "border/OpenedCase.h"
 #include "sample/SampleCase.h"
 #include "sample/SampleFields.h"
 #include "support/TempFolder.h"
@@ -28,25 +28,25 @@ public:
         sample.format = format;
         report = writeSampleCase(folder / "case", sample);
         options.setBool("LOAD_FACE_ZONES", true);
-        session = std::make_unique<CaseSession>(library, folder / "case", options);
+        opened = std::make_unique<OpenedCase>(library, folder / "case", options);
     }
 
-    const HostGeometry& geometry() const { return session->geometry(); }
-    HostGroupKind kindOf(std::size_t group) const { return session->metaData().geometryGroups()[group]->kind(); }
+    const HostGeometry& geometry() const { return opened->geometry(); }
+    HostGroupKind kindOf(std::size_t group) const { return opened->metaData().geometryGroups()[group]->kind(); }
 
     /// A result of the state at time 0.5.
     std::unique_ptr<HostResult> resultAtHalf(const std::string& key) const
     {
-        const HostMetaData& metaData = session->metaData();
-        return session->result(*std::ranges::find(metaData.results, key, &HostResultInfo::key),
-                               std::ranges::find(metaData.states, 0.5, &HostState::referenceValue)->id);
+        const HostMetaData& metaData = opened->metaData();
+        return opened->result(*std::ranges::find(metaData.results, key, &HostResultInfo::key),
+                              std::ranges::find(metaData.states, 0.5, &HostState::referenceValue)->id);
     }
 
     TempFolder folder;
     SampleReport report;
     PluginLibrary library{REAL_PLUGIN};
     HostOptions options;
-    std::unique_ptr<CaseSession> session;
+    std::unique_ptr<OpenedCase> opened;
 };
 
 SamplePoint pointOf(const HostNodeGroup& nodes, std::size_t label)
@@ -71,7 +71,7 @@ int expectTemperatureAtNodes(const OpenSample& sample, const std::string& key, H
     const std::unique_ptr<HostResult> result = sample.resultAtHalf(key);
     int count = 0;
     for (std::size_t i = 0; i < sample.geometry().elementGroups.size(); ++i) {
-        const HostValueGroup* const group = valuesOfGroup(sample.session->metaData(), *result, i);
+        const HostValueGroup* const group = valuesOfGroup(sample.opened->metaData(), *result, i);
         if (sample.kindOf(i) != kind || group == nullptr) {
             continue;
         }

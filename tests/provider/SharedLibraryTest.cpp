@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "border/CaseSession.h"
+#include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
 #include "support/OpenCase.h"
 
@@ -31,12 +31,12 @@ TEST(SharedLibrary, CanBeLoadedUsedUnloadedAndLoadedAgain)
             PluginLibrary library(PLUGIN_FILE);
             EXPECT_EQ(library.providerName(), "OpenFoamProvider");
             const HostOptions options;
-            CaseSession session(library, dataCase("zones"), options);
-            EXPECT_EQ(session.geometry().elementGroups.size(), 4U);
-            const HostMetaData& description = session.metaData();
+            OpenedCase opened(library, dataCase("zones"), options);
+            EXPECT_EQ(opened.geometry().elementGroups.size(), 4U);
+            const HostMetaData& description = opened.metaData();
             EXPECT_EQ(description.results.size(), 6U);
             for (const HostResultInfo& info : description.results) {
-                EXPECT_NE(session.result(info, description.states.back().id), nullptr) << info.name;
+                EXPECT_NE(opened.result(info, description.states.back().id), nullptr) << info.name;
             }
         }
         void* const kept = dlopen(PLUGIN_FILE, RTLD_NOLOAD | RTLD_NOW);

@@ -2,8 +2,8 @@
 // A host that does not link TBB itself: when it closes the plug-in, nothing else keeps TBB loaded, whose threads go on.
 // It opens a case, reads the geometry, closes the library and stays alive for a moment, several times. It fails by
 // crashing. The arguments are the plug-in and the case.
-#include "border/CaseSession.h"
 #include "border/HostOptions.h"
+#include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
 
 #include <chrono>
@@ -15,8 +15,8 @@ int main(int /*argc*/, char** argv)
         {
             PluginLibrary library(argv[1]);
             const HostOptions options;
-            CaseSession session(library, argv[2], options);
-            if (session.geometry().elementGroups.empty()) {
+            OpenedCase opened(library, argv[2], options);
+            if (opened.geometry().elementGroups.empty()) {
                 return 1;
             }
         }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "border/CaseSession.h"
+#include "border/OpenedCase.h"
 
 #include "border/DeliveryCheck.h"
 
@@ -7,14 +7,14 @@
 
 #include <system_error>
 
-std::filesystem::path CaseSession::tokenFile(const std::filesystem::path& casePath)
+std::filesystem::path OpenedCase::tokenFile(const std::filesystem::path& casePath)
 {
     const std::filesystem::path absolute = std::filesystem::absolute(casePath).lexically_normal();
     std::error_code error;
     return std::filesystem::is_directory(absolute, error) ? absolute / "case.foam" : absolute;
 }
 
-CaseSession::CaseSession(PluginLibrary& library, const std::filesystem::path& casePath, const HostOptions& options)
+OpenedCase::OpenedCase(PluginLibrary& library, const std::filesystem::path& casePath, const HostOptions& options)
     : m_library(library), m_token(tokenFile(casePath)), m_options(options)
 {
     try {
@@ -25,12 +25,12 @@ CaseSession::CaseSession(PluginLibrary& library, const std::filesystem::path& ca
     }
 }
 
-CaseSession::~CaseSession()
+OpenedCase::~OpenedCase()
 {
     release();
 }
 
-void CaseSession::open()
+void OpenedCase::open()
 {
     const DDPString path(m_token.c_str());
     DDPDataProviderFactory& factory = m_library.factory();
@@ -40,7 +40,7 @@ void CaseSession::open()
     }
     m_provider = callLibrary("createProviderInstance", [&] { return factory.createProviderInstance(); });
     if (m_provider == nullptr) {
-        throw HostError(ExitCode::Misbehaved, "createProviderInstance gave no provider");
+        throw HostError(ExitCode::Misbehaved, "createProviderInstance returned no provider");
     }
     m_open = callLibrary("init", [&] { return m_provider->init(path, m_options, nullptr); }) != 0;
     if (!m_open) {
@@ -48,7 +48,7 @@ void CaseSession::open()
     }
 }
 
-void CaseSession::release()
+void OpenedCase::release()
 {
     if (m_provider == nullptr) {
         return;
@@ -61,12 +61,12 @@ void CaseSession::release()
             m_library.factory().destroyProviderInstance(m_provider);
         });
     } catch (const HostError&) {
-        // The object goes away, and what is wrong with it goes along.
+        // The object is on its way out, so a fault no longer matters.
     }
     m_provider = nullptr;
 }
 
-const HostMetaData& CaseSession::metaData()
+const HostMetaData& OpenedCase::metaData()
 {
     if (!m_metaData) {
         auto fresh = std::make_unique<HostMetaData>();
@@ -78,7 +78,7 @@ const HostMetaData& CaseSession::metaData()
     return *m_metaData;
 }
 
-const HostGeometry& CaseSession::geometry()
+const HostGeometry& OpenedCase::geometry()
 {
     if (!m_geometry) {
         const HostMetaData& declared = metaData();
@@ -93,7 +93,7 @@ const HostGeometry& CaseSession::geometry()
     return *m_geometry;
 }
 
-std::unique_ptr<HostResult> CaseSession::result(const HostResultInfo& info, std::int32_t stateId)
+std::unique_ptr<HostResult> OpenedCase::result(const HostResultInfo& info, std::int32_t stateId)
 {
     const HostGeometry& groups = geometry();
     auto fresh = std::make_unique<HostResult>();
@@ -106,7 +106,7 @@ std::unique_ptr<HostResult> CaseSession::result(const HostResultInfo& info, std:
     return fresh;
 }
 
-void CaseSession::poll(HostNotifications* notifications)
+void OpenedCase::poll(HostNotifications* notifications)
 {
     callLibrary("pollForChanges", [&] { m_provider->pollForChanges(notifications); });
 }

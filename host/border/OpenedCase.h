@@ -12,32 +12,32 @@
 #include <filesystem>
 #include <memory>
 
-/// One open case: a provider and what was got from it so far.
+/// One open case: a provider and what it has delivered so far.
 ///
-/// Keeps the interface's calling order by itself: what is asked for brings what must stand before it. Every call is
-/// guarded and every delivery checked before it is handed on. All members throw `HostError` as `callLibrary` and the
-/// checks do. One thread uses an object; the library must outlive it.
-class CaseSession
+/// Keeps the calling order of the interface: each request first makes the requests that it depends on. Every call is
+/// guarded, and every delivery is checked before it is handed on. All members throw `HostError` as `callLibrary` and
+/// the checks do. One thread uses an object; the library must outlive it.
+class OpenedCase
 {
 public:
-    /// The path that a provider opens: a folder is completed by the name of its token file, and the result is absolute,
+    /// The path that a provider opens. The name of the token file is appended to a folder, and the result is absolute,
     /// because providers take the folder from the path.
     static std::filesystem::path tokenFile(const std::filesystem::path& casePath);
 
     /// Makes a provider and opens the case; `options` must live as long as the object.
-    /// @throws HostError of `CaseRefused` when the provider does not take the path or cannot open the case
-    CaseSession(PluginLibrary& library, const std::filesystem::path& casePath, const HostOptions& options);
+    /// @throws HostError of `CaseRefused` when the provider does not accept the path or cannot open the case
+    OpenedCase(PluginLibrary& library, const std::filesystem::path& casePath, const HostOptions& options);
 
-    /// Closes the case and gives the provider back; a fault is dropped, since a destructor cannot tell it.
-    ~CaseSession();
+    /// Closes the case and destroys the provider; a fault is ignored, since a destructor cannot report it.
+    ~OpenedCase();
 
-    CaseSession(const CaseSession&) = delete;
-    CaseSession& operator=(const CaseSession&) = delete;
+    OpenedCase(const OpenedCase&) = delete;
+    OpenedCase& operator=(const OpenedCase&) = delete;
 
-    /// The description of the case, asked for once.
+    /// The description of the case, requested once.
     const HostMetaData& metaData();
 
-    /// Nodes and elements of all groups, asked for once.
+    /// Nodes and elements of all groups, requested once.
     const HostGeometry& geometry();
 
     /// One result of one state; null if the provider has none.
@@ -46,11 +46,11 @@ public:
     /// Appends what changed since the last poll.
     void poll(HostNotifications* notifications);
 
-    /// For calls that the members above do not make.
+    /// For calls that the members above do not cover.
     DDPDataProvider& provider() { return *m_provider; }
 
 private:
-    /// Runs the calls that lead to an open case; what it has made by a failure, `release` gives back.
+    /// Makes the calls that lead to an open case. After a failure `release` undoes what was done.
     void open();
     void release();
 

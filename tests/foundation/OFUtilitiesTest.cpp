@@ -81,8 +81,8 @@ TEST(OFUtilities, SplitsPathsAtBothSlashes)
     }
 }
 
-// Files are looked up directly where that is enough. The answer must match the listing.
-TEST(OFUtilities, FindsFilesByBaseNameAsInTheListing)
+// Most names are looked up directly, and the answer must be that of the listing.
+TEST(OFUtilities, FindsABaseNameExactlyIfTheListingHasIt)
 {
     const TempFolder folder;
     const std::vector<std::string> files = {"p",     "U.gz",         "k.orig", "alpha.water", "beta.water.gz",

@@ -51,7 +51,7 @@ HostGroups deliver(OFPolymesh mesh, OFBoundary* boundary)
 } // namespace
 
 // Otherwise many patches could each claim the whole mesh.
-TEST(BoundaryGroup, OverlappingPatchesShareTwiceTheFacesOfTheMesh)
+TEST(BoundaryGroup, OverlappingPatchesShareTheFacesOfTheMesh)
 {
     OFPolymesh mesh = meshOfFaces(Faces(6, {0, 1, 2}), 3);
     const OFPolymeshToDDP converter(&mesh);
@@ -70,16 +70,6 @@ TEST(BoundaryGroup, OverlappingPatchesShareTwiceTheFacesOfTheMesh)
         converter.populateBoundaryGroup(boundary, &got.nodes, &got.nodeCount, &got.elements, &got.elementCount, 2));
     EXPECT_EQ(got.elementCount, 2U);
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, 12}));
-}
-
-// One wrong "nFaces" must not take the faces of the sound patches after it.
-TEST(BoundaryGroup, PatchThatClaimsTooMuchTakesNothingFromOthers)
-{
-    OFPolymesh mesh = meshOfFaces(Faces(9, {0, 1, 2}), 3);
-    const OFPolymeshToDDP converter(&mesh);
-    EXPECT_EQ(converter.facesPerPatch({patch(1, 99), patch(3, 4), patch(7, 2)}), (std::vector<std::size_t>{8, 4, 2}));
-    EXPECT_EQ(converter.facesPerPatch({patch(1, 2), patch(3, 99), patch(0, 99), patch(7, 2)}),
-              (std::vector<std::size_t>{2, 6, 8, 2}));
 }
 
 TEST(BoundaryGroup, PatchesGetTheirOwnNodes)
@@ -172,4 +162,14 @@ TEST(FaceGroups, NumberingIsAscendingForAnySpreadOfLabels)
             }
         }
     }
+}
+
+// One wrong "nFaces" must not cost the patches after it their faces.
+TEST(BoundaryGroup, APatchThatClaimsTooMuchTakesNothingFromOthers)
+{
+    OFPolymesh mesh = meshOfFaces(Faces(9, {0, 1, 2}), 3);
+    const OFPolymeshToDDP converter(&mesh);
+    EXPECT_EQ(converter.facesPerPatch({patch(1, 99), patch(3, 4), patch(7, 2)}), (std::vector<std::size_t>{8, 4, 2}));
+    EXPECT_EQ(converter.facesPerPatch({patch(1, 2), patch(3, 99), patch(0, 99), patch(7, 2)}),
+              (std::vector<std::size_t>{2, 6, 8, 2}));
 }

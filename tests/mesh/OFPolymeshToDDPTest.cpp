@@ -291,8 +291,8 @@ TEST(DamagedMesh, LimitsCellCountToWhatFacesCanForm)
     EXPECT_EQ(deliver(mesh).elements.types, (std::vector<int>{DDP_POLY, DDP_POLY}));
 }
 
-// "6{0}" is a valid list of owners that is not read. The values of the cell are delivered anyway and need it.
-TEST(DamagedMesh, KeepsTheOnlyCellWithoutOwners)
+// "6{0}" is a valid list of owners, but it is not read. Fields still have a value for the cell.
+TEST(DamagedMesh, KeepsTheOnlyCellIfItsOwnersAreMissing)
 {
     const LogCapture log;
     OFPolymesh mesh = hexahedronMesh(1, 1, 1);

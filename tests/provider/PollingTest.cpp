@@ -67,8 +67,8 @@ TEST(Polling, ReportsChangesOfTheTimeFolders)
     }
 }
 
-// A network disk may be gone for a moment; the host must not be told that its states are gone.
-TEST(Polling, KeepsTheStatesOfAFolderThatVanishes)
+// A network disk may be gone for a moment, which does not mean that the states are gone.
+TEST(Polling, KeepsTheStatesIfTheCaseFolderVanishes)
 {
     const TempFolder folder;
     writeControlDict(folder);

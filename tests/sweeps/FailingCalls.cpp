@@ -48,7 +48,7 @@ bool FailingCallScope::hasFailed() const
 
 std::size_t FailingCallScope::callCount() const
 {
-    // The unsigned difference is right even if more calls followed the one that failed.
+    // Unsigned, so it is also right once calls beyond the failed one have wrapped the counter.
     return m_which - callsLeft.load();
 }
 

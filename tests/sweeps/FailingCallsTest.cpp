@@ -86,8 +86,8 @@ constexpr int FIRST_KIND = static_cast<int>(FailingCall::Allocation) + 1;
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCalls, testing::Range(FIRST_KIND, FAILING_CALL_KINDS));
 
-// There may be too many open files, or a disk may not answer: such a folder must not be taken for an empty one.
-TEST(UnlistedFolder, IsReportedAndChangesNothingForTheHost)
+// With too many open files or an unresponsive disk, a folder only looks empty.
+TEST(UnlistedFolder, IsReportedAndChangesNothing)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -131,7 +131,7 @@ std::size_t listingsOfOpening(int processorCount)
     return count.callCount();
 }
 
-// Each processor folder could also be a time folder, and each part could have files in each time folder.
+// Each processor folder is also a candidate for a time folder, in which every part could have files.
 TEST(FolderListings, GrowLinearlyWithTheNumberOfProcessors)
 {
     const std::size_t few = listingsOfOpening(10);
@@ -139,8 +139,8 @@ TEST(FolderListings, GrowLinearlyWithTheNumberOfProcessors)
     EXPECT_LE(listingsOfOpening(40), 4 * few);
 }
 
-// A case may have thousands of fields, so a listing per field would take long.
-TEST(FolderListings, AreNotNeededForUsualFieldNames)
+// A case may have thousands of fields; listing all of them to find one would be slow.
+TEST(FolderListings, AreNotNeededToFindAField)
 {
     const TempFolder folder;
     writeControlDict(folder);

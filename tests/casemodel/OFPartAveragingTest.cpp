@@ -33,7 +33,7 @@ Values aware(const OFPart& part, const Values& cells, const Patches& patches)
     return nodes;
 }
 
-TEST(NodeAveraging, SharesNodesBetweenTheCellsAroundThem)
+TEST(NodeAveraging, AveragesTheCellsAroundEachNode)
 {
     EXPECT_EQ(aware(twoElements(), {1, 3}, {}), (Values{1, 1, 2, 2, 3, 3}));
     Values vectors(18, 0.0);
@@ -41,8 +41,8 @@ TEST(NodeAveraging, SharesNodesBetweenTheCellsAroundThem)
     EXPECT_EQ(vectors, (Values{1, 10, 100, 1, 10, 100, 2, 20, 200, 2, 20, 200, 3, 30, 300, 3, 30, 300}));
 }
 
-// The first entry alone tells whether a patch has values; a node on two patches takes all their faces and no cell.
-TEST(NodeAveraging, LetsPatchesWithValuesOfTheirOwnStandInPlaceOfCells)
+// Only the first entry tells whether a patch has values. A node on two patches takes all their faces and no cell.
+TEST(NodeAveraging, PrefersPatchesWithValuesToCells)
 {
     OFPart part = twoElements();
     part.boundaries()[0].faceConnectivity() = {0, 3, 0, 5};
@@ -51,7 +51,7 @@ TEST(NodeAveraging, LetsPatchesWithValuesOfTheirOwnStandInPlaceOfCells)
     EXPECT_EQ(aware(part, {1, 3}, {{4, 6}, {8}}), (Values{5, 1, 2, 6, 8, 7}));
 }
 
-// A node that nothing touches shows it: infinity times the zero it starts from.
+// A node without any cell becomes NaN: infinity times the zero that it starts from.
 TEST(NodeAveraging, StaysInsideItsArraysWhateverTheConnectivitySays)
 {
     OFPart part = twoElements();

@@ -12,7 +12,7 @@ using foamtext::header;
 
 namespace {
 
-/// What the reader finds in a folder, as a host hears of it.
+/// What the reader finds in a folder, as hosts see it.
 class OFReaderCase : public testing::Test
 {
 protected:
@@ -42,8 +42,8 @@ protected:
 
 } // namespace
 
-// Interfaces are hidden, and a broken file costs the part its patches; ids move on as if it had none.
-TEST_F(OFReaderCase, TakesProcessorFoldersBeforeAllElse)
+// Interfaces are hidden. A part with a broken file loses its patches, and ids continue as if it had none.
+TEST_F(OFReaderCase, PrefersProcessorFolders)
 {
     writeGroups("constant/polyMesh");
     writeGroups("processorData/constant/polyMesh");
@@ -68,13 +68,13 @@ TEST_F(OFReaderCase, FallsBackToTheMeshOfTimeZeroWithoutItsGroups)
 {
     writeGroups("0/polyMesh");
     EXPECT_EQ(OpenCase(m_folder.path()).groups(), "1 default_region < 0 ");
-    // The description files of this mesh are looked for beside the time folder.
+    // Compatibility (docs/compatibility.md, "time zero mesh").
     m_folder.write("0polyMesh/cellZones", "broken");
     EXPECT_EQ(lastErrorOfOpening(m_folder.str()), "OFReader : Cannot init cell zones. A parsing problem occurred in " +
                                                       (m_folder / "0/polyMesh/cellZones").string() + ".");
 }
 
-TEST_F(OFReaderCase, TellsWhyItDoesNotOpen)
+TEST_F(OFReaderCase, ReportsWhyItDoesNotOpen)
 {
     const auto path = [&](const char* relative) { return (m_folder / relative).string(); };
     EXPECT_EQ(lastErrorOfOpening("no\\such"), "OFReader : Failed to open case no/such - file does not exist");
@@ -98,7 +98,7 @@ TEST_F(OFReaderCase, TakesTheSurfacesOfTheFirstTimeInTextOrder)
     EXPECT_EQ(OpenCase(m_folder.path()).groups(), "1 cut[Surf] < 0 SampledSurface");
 }
 
-// Ids run in text order over the folders whose names begin with a number, the list in the order of time.
+// Ids follow the text order of the folders whose names begin with a number; the list is sorted by time.
 TEST_F(OFReaderCase, TakesStepIndicesFromTheFoldersOrFromTheInterval)
 {
     for (const char* const name : {"0", "1", "10", "2", "postProcessing", "dynamicCode", "0.orig", "-1"}) {
@@ -118,8 +118,9 @@ TEST_F(OFReaderCase, TakesStepIndicesFromTheFoldersOrFromTheInterval)
     }
 }
 
-// "+" sorts before every digit: that folder is no time and comes when there is no state yet to take its values.
-TEST_F(OFReaderCase, TakesSurfaceValuesOfTheStatesNameAndThoseOfRejectedFoldersBehindThem)
+// Compatibility (docs/compatibility.md, "surface results of rejected folders"). "+" sorts before the digits, so that
+// folder comes when there is no state yet to take its values.
+TEST_F(OFReaderCase, AddsSurfaceValuesOfRejectedFoldersToTheStateBefore)
 {
     for (const char* const file : {"1/cut/scalarField/p", "1/cut/vectorField/U.gz", "1/rim/scalarField/p",
                                    "abc/cut/scalarField/q", "+a/cut/scalarField/lost"}) {
@@ -137,7 +138,7 @@ TEST_F(OFReaderCase, TakesSurfaceValuesOfTheStatesNameAndThoseOfRejectedFoldersB
     EXPECT_EQ(joined(keys), "PRESSURE_N* 00, Q_N* 00, VELOCITY_N* 10");
 }
 
-TEST_F(OFReaderCase, LeavesByExceptionAtAFieldWithoutClass)
+TEST_F(OFReaderCase, ThrowsForAFieldWithoutClass)
 {
     m_folder.write("0.5/p", "FoamFile\n{\n    object p;\n}\n");
     try {
@@ -148,8 +149,8 @@ TEST_F(OFReaderCase, LeavesByExceptionAtAFieldWithoutClass)
     }
 }
 
-// Any number of files could share a base name with a large one.
-TEST_F(OFReaderCase, OpensTheFileOfABaseNameOnce)
+// Otherwise many small files that share a base name with a large one would each cost a read of it.
+TEST_F(OFReaderCase, OpensOneFilePerBaseName)
 {
     m_folder.write("0/a.gz", gzipped(header("volScalarField", "a")).substr(0, 40));
     for (const char* const file : {"0/a.1", "0/a.2", "0/a.3"}) {
@@ -160,7 +161,7 @@ TEST_F(OFReaderCase, OpensTheFileOfABaseNameOnce)
     EXPECT_EQ(std::ranges::count_if(log.infos(), [](const std::string& line) { return line.find("damaged") < 99; }), 1);
 }
 
-TEST_F(OFReaderCase, FindsSurfaceValuesOfATimeThatComesLater)
+TEST_F(OFReaderCase, FindsSurfaceValuesOfALaterTime)
 {
     std::filesystem::create_directory(m_folder / "0");
     OFReader reader;
@@ -172,8 +173,8 @@ TEST_F(OFReaderCase, FindsSurfaceValuesOfATimeThatComesLater)
     EXPECT_EQ(added->result(0).idString(), "PRESSURE_N*");
 }
 
-// The class takes part in the line's own placeholders.
-TEST_F(OFReaderCase, TellsOfAForeignClassInALineOfBoundedLength)
+// Placeholders in the class name are replaced like those of the message.
+TEST_F(OFReaderCase, ReportsAForeignClassInABoundedLine)
 {
     std::string name;
     for (int i = 0; i < 1500; ++i) {
@@ -186,7 +187,7 @@ TEST_F(OFReaderCase, TellsOfAForeignClassInALineOfBoundedLength)
         log.infos(), [&](const std::string& line) { return line.size() < 200 * m_folder.path().string().size(); }));
 }
 
-TEST(ResultNames, AreReadAsPairsAndPairsWithoutASecondSideSkipped)
+TEST(ResultNames, AreReadAsPairsSkippingIncompleteOnes)
 {
     dvn::Str text(" U = Speed ; p=;k;T=Heat;T=Warmth;;a=b=c\n");
     EXPECT_EQ(OFReader().buildResultsNamesMap(text),
@@ -201,6 +202,6 @@ TEST(OFUnit, TranslatesADimensionsLine)
     EXPECT_EQ(translated("dimensions [1 -1 -2 2 -3 0 0];"), "Kg m-1 s-2 K2 mol-3 ");
     EXPECT_EQ(translated("dimensions [0 2 -2 0 0];"), "DIMENSIONLESS");
     EXPECT_EQ(translated("dimensions [ 0 2 -2 0 0 0 0];"), "DIMENSIONLESS");
-    // The seventh exponent takes as many characters as the sixth token has, less one.
+    // Compatibility (docs/compatibility.md, "last dimension exponent").
     EXPECT_EQ(translated("dimensions [0 0 0 0 0 -1 2];"), "A-1 cd2 ");
 }

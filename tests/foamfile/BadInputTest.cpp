@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <ostream>
 #include <random>
@@ -18,26 +19,113 @@ using namespace foamtext;
 
 namespace {
 
-constexpr const char* FIELD = "volScalarField";
+constexpr const char* SCALARS = "volScalarField";
+constexpr const char* VECTORS = "volVectorField";
 
-/// A good file, and the readers of its kind by their places in `READERS`.
+// One function for each way to read a file. Most ignore the result: a test fails by an overrun, an exception or a
+// limit.
+
+void readLabels(const dvn::Str& path)
+{
+    std::vector<int> labels;
+    int cells = 0;
+    OFFile(true).readLabelList(path, "file", &labels, &cells);
+}
+
+template <bool HAS_HEADER>
+void readVectors(const dvn::Str& path)
+{
+    std::vector<double> values;
+    OFFile(HAS_HEADER).readVectorField(path, "file", &values);
+}
+
+/// Whatever the result, each face must lie within the nodes.
+template <bool HAS_HEADER>
+void readFaces(const dvn::Str& path)
+{
+    FacesData data;
+    OFFile(HAS_HEADER).readFaceList(path, "file", &data);
+    ASSERT_EQ(data.nodeCounts.size(), data.nodeOffsets.size());
+    for (std::size_t i = 0; i < data.faceCount(); ++i) {
+        ASSERT_LE(static_cast<std::size_t>(data.nodeOffsets[i]) + data.nodeCounts[i], data.nodes.size());
+    }
+}
+
+void readFieldWithoutHeader(const dvn::Str& path)
+{
+    std::vector<double> values(3);
+    OFFile(false).readResult(path, "file", SCALARS, &values);
+}
+
+void readField(const dvn::Str& path)
+{
+    std::vector<OFBoundary> boundaries(2);
+    boundaries[0].setPatchName("a");
+    boundaries[1].setPatchName("b");
+    boundaries[1].createFaceToCellMapping(2);
+    std::vector<double> values(3);
+    std::vector<std::vector<double>> patches = {values, {1, 2}};
+    OFFile(true).readValuesOfCellAndBoundaries(path, "file", SCALARS, &values, boundaries, patches);
+    patches.clear();
+    OFFile(true).readValuesOfCellAndBoundaries(path, "file", SCALARS, &values, boundaries, patches);
+    OFFile(true).readResult(path, "file", VECTORS, &values);
+}
+
+/// Asks for `COUNT` patches, all named "p".
+template <std::size_t COUNT, std::size_t FACES>
+void readPatches(const dvn::Str& path)
+{
+    std::vector<OFBoundary> boundaries(COUNT);
+    for (OFBoundary& boundary : boundaries) {
+        boundary.setPatchName("p");
+    }
+    std::vector<double> values(3);
+    std::vector<std::vector<double>> patches(COUNT, std::vector<double>(3 * FACES));
+    OFFile(true).readValuesOfCellAndBoundaries(path, "file", VECTORS, &values, boundaries, patches);
+}
+
+template <typename Record, auto READ>
+void readRecords(const dvn::Str& path)
+{
+    std::vector<Record> records;
+    (OFFile(true).*READ)(path, "file", records, 1);
+}
+
+constexpr auto readCellZones = readRecords<OFCellZone, &OFFile::readCellZones>;
+constexpr auto readFaceZones = readRecords<OFFaceZone, &OFFile::readFaceZones>;
+constexpr auto readBoundary = readRecords<OFBoundary, &OFFile::readBoundary>;
+
+void readDictionary(const dvn::Str& path)
+{
+    std::map<dvn::Str, dvn::Str> entries;
+    OFFile(true).readDictionary(path, "file", &entries);
+}
+
+using Readers = std::vector<void (*)(const dvn::Str& path)>;
+
+const Readers ALL_READERS = {readLabels,       readVectors<true>,      readVectors<false>, readFaces<true>,
+                             readFaces<false>, readFieldWithoutHeader, readField,          readCellZones,
+                             readFaceZones,    readBoundary,           readDictionary};
+
+/// A good file, which the tests damage.
 struct Sample
 {
     const char* name;
     std::string bytes;
-    std::vector<std::size_t> readers;
-    // What makes a large file of it, put together when a test needs it and not whenever tests are listed.
-    std::string piece = {};
-    std::size_t times = 0;
-    std::string end = {};
-    std::size_t lineLength = 0; ///< of a line behind all
-    std::size_t noise = 0;      ///< bytes behind all that compression does not shrink
-
-    std::string whole() const;
+    Readers readers; ///< those made for this kind of file
 };
 
-/// Names the test in lists of them.
-std::ostream& operator<<(std::ostream& stream, const Sample& sample)
+/// A file that could cost more memory or time than its size justifies.
+struct HugeSample
+{
+    const char* name;
+    std::function<std::string()> build; ///< called only by the test itself, not to list the tests
+    Readers readers;
+};
+
+/// Names the test in lists of tests.
+template <typename Named>
+auto operator<<(std::ostream& stream, const Named& sample) -> decltype(stream << sample.name)
 {
     return stream << sample.name;
 }
@@ -53,187 +141,154 @@ std::vector<Sample> samples()
     const std::string zone = "2\n(\nz\n{\ntype t;\nlabels List<label> ";
     const std::string zoneEnd = ";\nflipMap List<bool> \n3\n(\n0\n1\n0\n)\n;\n}\ny\n{\ntype t;\nlabels 0();\n}\n)\n";
     const std::string rows = "\n3\n(\n1\n2\n3\n)\n";
-    const std::string field = header(FIELD, "file") + "internalField nonuniform List<scalar> ";
-    const std::string rawField = header(FIELD, "file", "binary") + "internalField nonuniform List<scalar> \n";
+    const std::string field = header(SCALARS, "file") + "internalField nonuniform List<scalar> ";
+    const std::string rawField = header(SCALARS, "file", "binary") + "internalField nonuniform List<scalar> \n";
     const std::string smallFile = header("dictionary", "file");
-    return {
-        {"labels", header("labelList", "file", "ascii", note(3)) + list(3, labels(ints)), {0}},
-        {"rawLabels", header("labelList", "file", "binary", note(3)) + rawList(ints), {0}},
-        {"vectors", header("vectorField", "file") + list(1, vectors(three)), {1, 2}},
-        {"rawVectors", header("vectorField", "file", "binary") + rawList(three, 3), {1, 2}},
-        {"faces", header("faceList", "file") + list(3, faces(faceSet)), {4, 5}},
-        {"compactFaces", header("faceCompactList", "file") + list(4, faces(faceSet)), {4, 5}},
-        {"rawFaces", header("faceCompactList", "file", "binary") + compactFaces(faceSet), {4, 5}},
-        {"field", field + rows + ";\n" + patches + rows + patchesEnd, {6}},
-        {"fieldOnLines", field + "3(1 2 3);\n" + patches + "3(1 2 3)" + patchesEnd, {6}},
-        {"rawField", rawField + rawList(three) + ";\n" + patches + "\n" + rawList(three) + patchesEnd, {6}},
-        {"vectorField",
-         header("volVectorField", "file") + "internalField nonuniform List<vector> 1((1 2 3));\n",
-         {3, 6}},
-        {"zones", smallFile + zone + rows + zoneEnd, {7, 8}},
-        {"zonesOnLines", smallFile + zone + "3(1 2 3)" + zoneEnd, {7, 8}},
-        {"rawZones", header("dictionary", "file", "binary") + zone + "\n" + rawList(ints) + zoneEnd, {7, 8}},
-        {"dictionary", smallFile + "a b;\n  c d e;\ndimensions [0 1 2 3 4 5 6];\n", {10}},
-        {"boundary", smallFile + "1\n(\n  p\n  {\n type wall;\n nFaces 3;\n startFace 4;\n }\n)\n", {9}},
+    const struct
+    {
+        Readers readers;
+        std::vector<std::pair<const char*, std::string>> files; ///< name and content
+    } kinds[] = {
+        {.readers = {readLabels},
+         .files = {{"labels", header("labelList", "file", "ascii", note(3)) + list(3, labels(ints))},
+                   {"rawLabels", header("labelList", "file", "binary", note(3)) + rawList(ints)}}},
+        {.readers = {readVectors<true>, readVectors<false>},
+         .files = {{"vectors", header("vectorField", "file") + list(1, vectors(three))},
+                   {"rawVectors", header("vectorField", "file", "binary") + rawList(three, 3)}}},
+        {.readers = {readFaces<true>, readFaces<false>},
+         .files = {{"faces", header("faceList", "file") + list(3, faces(faceSet))},
+                   {"compactFaces", header("faceCompactList", "file") + list(4, faces(faceSet))},
+                   {"rawFaces", header("faceCompactList", "file", "binary") + compactFaces(faceSet)}}},
+        {.readers = {readField},
+         .files = {{"field", field + rows + ";\n" + patches + rows + patchesEnd},
+                   {"fieldOnLines", field + "3(1 2 3);\n" + patches + "3(1 2 3)" + patchesEnd},
+                   {"rawField", rawField + rawList(three) + ";\n" + patches + "\n" + rawList(three) + patchesEnd}}},
+        {.readers = {readFieldWithoutHeader, readField},
+         .files = {{"vectorField", header(VECTORS, "file") + "internalField nonuniform List<vector> 1((1 2 3));\n"}}},
+        {.readers = {readCellZones, readFaceZones},
+         .files = {{"zones", smallFile + zone + rows + zoneEnd},
+                   {"zonesOnLines", smallFile + zone + "3(1 2 3)" + zoneEnd},
+                   {"rawZones", header("dictionary", "file", "binary") + zone + "\n" + rawList(ints) + zoneEnd}}},
+        {.readers = {readDictionary},
+         .files = {{"dictionary", smallFile + "a b;\n  c d e;\ndimensions [0 1 2 3 4 5 6];\n"}}},
+        {.readers = {readBoundary},
+         .files = {{"boundary", smallFile + "1\n(\n  p\n  {\n type wall;\n nFaces 3;\n startFace 4;\n }\n)\n"}}},
     };
+    std::vector<Sample> all;
+    for (const auto& kind : kinds) {
+        for (const auto& [name, bytes] : kind.files) {
+            all.push_back({.name = name, .bytes = bytes, .readers = kind.readers});
+        }
+    }
+    return all;
 }
 
-std::string Sample::whole() const
+std::string repeated(std::size_t times, const std::string& text)
 {
-    std::string text = bytes;
+    std::string all;
     for (std::size_t i = 0; i < times; ++i) {
-        text += piece;
+        all += text;
     }
-    text.append(end).append(lineLength, 'x');
+    return all;
+}
+
+std::string longLine()
+{
+    return std::string(16000000, 'x');
+}
+
+/// The text compressed, with bytes after it that compression does not shrink.
+std::string zippedWithNoise(std::string text, std::size_t noise)
+{
     std::mt19937 random(1);
     std::generate_n(std::back_inserter(text), noise, [&random] { return static_cast<char>(random()); });
-    return noise == 0 ? text : gzipped(text);
+    return gzipped(text);
 }
 
-/// What a reader could take more memory or time for than the text is worth.
-std::vector<Sample> hugeTexts()
+std::vector<HugeSample> hugeSamples()
 {
-    const std::string field = header(FIELD, "file") + "internalField ";
-    const std::string section = header("volVectorField", "file") + "internalField uniform (0 0 0);\nboundaryField\n{\n";
+    const std::string field = header(SCALARS, "file") + "internalField ";
+    const std::string section = header(VECTORS, "file") + "internalField uniform (0 0 0);\nboundaryField\n{\n";
     const std::string patch = "p\n{\nvalue nonuniform List<vector>\n";
-    std::string shortLines = "y\n";
-    shortLines.resize(150000, '\n');
+    const std::string zones = header("dictionary", "file") + "6000\n(\n";
+    const std::string zone = "a\n{\ntype t;\nlabels List<label> 1(1);\n}\n";
     const std::string labelCount = header("labelList", "file", "ascii", note(3)) + "400000000\n(\n1\n";
-    const std::string offsets = header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 250000000});
+    const std::string offsets =
+        header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 250000000}) + "\n1\n(";
+    const auto manyPatches = readPatches<5000, 1>;
+    const auto largePatches = readPatches<1500, 1366>;
     return {
-        {"PlaceholdersInTheTextsOfAMessage",
-         field + "uniform 1;\nboundaryField\n{\na\n{\ntype ",
-         {6},
-         "%4",
-         50000,
-         ";\nvalue " + std::string(100000, 'A') + ";\n}\n}\n"},
-        {"ALongLineBehindManyZones",
-         header("dictionary", "file") + "6000\n(\n",
-         {7, 8},
-         "a\n{\ntype t;\nlabels List<label> 1(1);\n}\n",
-         6000,
-         "",
-         16000000},
-        {"ALongLineBehindManyVectorsWithoutEnd", section, {11}, patch + "((1 2 3\n", 5000, "", 16000000},
-        {"ALongLineBehindManyShortListsOfLargePatches", section, {12}, patch + "1(;\n", 1500, "", 16000000},
-        {"ALongLineBehindManyVectorsThatAreNone", section, {12}, patch + "((x\n", 1500, shortLines, 16000000},
-        {"WordsWithoutEnd", field + "uniform", {6}, " 1", 4000000, ";\n"},
-        {"ACompressedCountThatDataDoNotLiveUpTo", labelCount, {0}, "", 0, "", 0, 500000},
-        {"CompressedOffsetsThatDataDoNotLiveUpTo", offsets + "\n1\n(", {4}, "", 0, "", 0, 1000000},
+        {.name = "PlaceholdersInPatchTypeAndValue",
+         .build =
+             [=] {
+                 return field + "uniform 1;\nboundaryField\n{\na\n{\ntype " + repeated(50000, "%4") + ";\nvalue " +
+                        std::string(100000, 'A') + ";\n}\n}\n";
+             },
+         .readers = {readField}},
+        {.name = "LongLineAfterManyZones",
+         .build = [=] { return zones + repeated(6000, zone) + longLine(); },
+         .readers = {readCellZones, readFaceZones}},
+        {.name = "LongLineAfterManyUnfinishedVectors",
+         .build = [=] { return section + repeated(5000, patch + "((1 2 3\n") + longLine(); },
+         .readers = {manyPatches}},
+        {.name = "LongLineAfterManyShortListsOfLargePatches",
+         .build = [=] { return section + repeated(1500, patch + "1(;\n") + longLine(); },
+         .readers = {largePatches}},
+        {.name = "LongLineAfterManyMalformedVectors",
+         .build =
+             [=] { return section + repeated(1500, patch + "((x\n") + "y\n" + std::string(149998, '\n') + longLine(); },
+         .readers = {largePatches}},
+        {.name = "MillionsOfWordsInOneLine",
+         .build = [=] { return field + "uniform" + repeated(4000000, " 1") + ";\n"; },
+         .readers = {readField}},
+        {.name = "CountLargerThanInflatedData",
+         .build = [=] { return zippedWithNoise(labelCount, 500000); },
+         .readers = {readLabels}},
+        {.name = "OffsetsLargerThanInflatedData",
+         .build = [=] { return zippedWithNoise(offsets, 1000000); },
+         .readers = {readFaces<true>}},
     };
 }
 
-/// Whatever comes of the read, each face must lie within the nodes.
-void readFaces(const dvn::Str& path, bool hasHeader)
-{
-    FacesData data;
-    OFFile(hasHeader).readFaceList(path, "file", &data);
-    ASSERT_EQ(data.nodeCounts.size(), data.nodeOffsets.size());
-    for (std::size_t i = 0; i < data.faceCount(); ++i) {
-        ASSERT_LE(static_cast<std::size_t>(data.nodeOffsets[i]) + data.nodeCounts[i], data.nodes.size());
-    }
-}
-
-void readField(const dvn::Str& path)
-{
-    std::vector<OFBoundary> boundaries(2);
-    boundaries[0].setPatchName("a");
-    boundaries[1].setPatchName("b");
-    boundaries[1].createFaceToCellMapping(2);
-    std::vector<double> values(3);
-    std::vector<std::vector<double>> patches = {values, {1, 2}};
-    OFFile(true).readValuesOfCellAndBoundaries(path, "file", FIELD, &values, boundaries, patches);
-    patches.clear();
-    OFFile(true).readValuesOfCellAndBoundaries(path, "file", FIELD, &values, boundaries, patches);
-    OFFile(true).readResult(path, "file", "volVectorField", &values);
-}
-
-/// Patches of one name, which the file has one after the other.
-void readPatches(const dvn::Str& path, std::size_t count, std::size_t faces)
-{
-    std::vector<OFBoundary> boundaries(count);
-    for (OFBoundary& boundary : boundaries) {
-        boundary.setPatchName("p");
-    }
-    std::vector<double> values(3);
-    std::vector<std::vector<double>> patches(count, std::vector<double>(3 * faces));
-    OFFile(true).readValuesOfCellAndBoundaries(path, "file", "volVectorField", &values, boundaries, patches);
-}
-
-using Reader = void (*)(const dvn::Str& path);
-
-constexpr Reader READERS[] = {[](const dvn::Str& path) {
-                                  std::vector<int> labels;
-                                  int cells = 0;
-                                  OFFile(true).readLabelList(path, "file", &labels, &cells);
-                              },
-                              [](const dvn::Str& path) {
-                                  std::vector<double> values;
-                                  OFFile(true).readVectorField(path, "file", &values);
-                              },
-                              [](const dvn::Str& path) {
-                                  std::vector<double> values;
-                                  OFFile(false).readVectorField(path, "file", &values);
-                              },
-                              [](const dvn::Str& path) {
-                                  std::vector<double> values(3);
-                                  OFFile(false).readResult(path, "file", FIELD, &values);
-                              },
-                              [](const dvn::Str& path) { readFaces(path, true); },
-                              [](const dvn::Str& path) { readFaces(path, false); },
-                              readField,
-                              [](const dvn::Str& path) {
-                                  std::vector<OFCellZone> zones;
-                                  OFFile(true).readCellZones(path, "file", zones, 1);
-                              },
-                              [](const dvn::Str& path) {
-                                  std::vector<OFFaceZone> zones;
-                                  OFFile(true).readFaceZones(path, "file", zones, 1);
-                              },
-                              [](const dvn::Str& path) {
-                                  std::vector<OFBoundary> boundaries;
-                                  OFFile(true).readBoundary(path, "file", boundaries, 1);
-                              },
-                              [](const dvn::Str& path) {
-                                  std::map<dvn::Str, dvn::Str> entries;
-                                  OFFile(true).readDictionary(path, "file", &entries);
-                              },
-                              [](const dvn::Str& path) { readPatches(path, 5000, 1); },
-                              [](const dvn::Str& path) { readPatches(path, 1500, 1366); }};
-
-/// The last two fill many patches.
-constexpr std::size_t QUICK_READERS = std::size(READERS) - 2;
-
-/// Hands one file to the readers of its kind, or to all.
-class BadInput : public testing::TestWithParam<Sample>
+/// Hands a file to readers. They may refuse it; under the sanitizers they must stay in bounds, and they must end.
+class BadFile : public testing::Test
 {
 protected:
-    void read(const std::string& bytes, std::size_t reader)
+    void read(const std::string& bytes, const Readers& readers)
     {
         folder.write("file", bytes);
-        // Announced: a key that is missing, and the count of a list on one line.
-        try {
-            READERS[reader](path);
-        } catch (const std::out_of_range& error) {
-            EXPECT_STREQ(error.what(), "map::at:  key not found");
-        } catch (const std::invalid_argument& error) {
-            EXPECT_STREQ(error.what(), "stoi");
+        for (const auto reader : readers) {
+            // The two documented exceptions: a missing key, and a missing count of a list on one line.
+            try {
+                reader(path);
+            } catch (const std::out_of_range& error) {
+                EXPECT_STREQ(error.what(), "map::at:  key not found");
+            } catch (const std::invalid_argument& error) {
+                EXPECT_STREQ(error.what(), "stoi");
+            }
         }
     }
-    void readAll(const std::string& bytes)
+    /// Reads texts, each within 256 MB and two seconds, and ends the process.
+    void readWithinLimits(const std::vector<std::string>& texts, const Readers& readers)
     {
-        for (std::size_t reader = 0; reader < QUICK_READERS; ++reader) {
-            read(bytes, reader);
+        const rlimit memory = {256U << 20U, 256U << 20U};
+        setrlimit(RLIMIT_AS, &memory);
+        for (const std::string& text : texts) {
+            alarm(2);
+            read(text, readers);
         }
+        _exit(testing::Test::HasFailure() ? 1 : 0);
     }
-    void readOwn(const std::string& bytes)
-    {
-        for (const std::size_t reader : GetParam().readers) {
-            read(bytes, reader);
-        }
-    }
-    /// The file with a number in place of each count that is told in a certain way.
-    std::vector<std::string> withCounts() const
+
+    TempFolder folder;
+    dvn::Str path = folder.str("file");
+};
+
+class BadInput : public BadFile, public testing::WithParamInterface<Sample>
+{
+protected:
+    /// The file with another number in place of each count that is written in a certain way.
+    std::vector<std::string> withWrongCounts() const
     {
         std::vector<std::string> texts;
         for (const char* count :
@@ -249,91 +304,86 @@ protected:
         return texts;
     }
 
-    /// Reads texts, each within 256 MB and two seconds, and ends the process.
-    void live(const std::vector<std::string>& texts)
-    {
-        const rlimit memory = {256U << 20U, 256U << 20U};
-        setrlimit(RLIMIT_AS, &memory);
-        for (const std::string& text : texts) {
-            alarm(2);
-            for (const std::size_t reader : GetParam().readers) {
-                read(text, reader);
-            }
-        }
-        _exit(testing::Test::HasFailure() ? 1 : 0);
-    }
-
-    TempFolder folder;
-    dvn::Str path = folder.str("file");
-    const std::string good = GetParam().whole();
+    const std::string good = GetParam().bytes;
+    const Readers readers = GetParam().readers;
 };
+
+class HugeText : public BadFile, public testing::WithParamInterface<HugeSample>
+{};
 
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(Readers, BadInput, testing::ValuesIn(samples()),
                          [](const auto& sample) { return sample.param.name; });
+INSTANTIATE_TEST_SUITE_P(Texts, HugeText, testing::ValuesIn(hugeSamples()),
+                         [](const auto& sample) { return sample.param.name; });
 
-// A reader may refuse what it gets; under the sanitizers it must not touch what is not its own, and it must end.
-TEST_P(BadInput, EveryPrefixEndsPlainAndCompressed)
+TEST_P(BadInput, EveryPrefixIsReadSafely)
 {
-    const std::string zipped = gzipped(good);
     for (std::size_t length = 0; length <= good.size(); ++length) {
-        readAll(good.substr(0, length));
-        readAll(zipped.substr(0, std::min(length, zipped.size())));
+        read(good.substr(0, length), ALL_READERS);
     }
 }
 
-TEST_P(BadInput, EveryByteMayBeAnyOtherPlainAndCompressed)
+TEST_P(BadInput, EveryCompressedPrefixIsReadSafely)
+{
+    const std::string zipped = gzipped(good);
+    for (std::size_t length = 0; length <= zipped.size(); ++length) {
+        read(zipped.substr(0, length), ALL_READERS);
+    }
+}
+
+TEST_P(BadInput, EveryByteMayChangeOrBeMissing)
 {
     const std::string hostile = std::string("09-.(){}; \n\xff") + std::string(1, '\0');
     for (std::size_t at = 0; at < good.size(); ++at) {
         for (const char byte : hostile) {
-            readOwn(std::string(good).replace(at, 1, 1, byte));
+            read(std::string(good).replace(at, 1, 1, byte), readers);
         }
-        readOwn(std::string(good).erase(at, 1));
+        read(std::string(good).erase(at, 1), readers);
     }
+}
+
+TEST_P(BadInput, EveryCompressedByteMayChange)
+{
     const std::string zipped = gzipped(good);
     for (std::size_t at = 0; at < zipped.size(); ++at) {
-        readOwn(std::string(zipped).replace(at, 1, 1, static_cast<char>(~zipped[at])));
+        read(std::string(zipped).replace(at, 1, 1, static_cast<char>(~zipped[at])), readers);
     }
 }
 
-TEST_P(BadInput, CountsThatLieEnd)
+TEST_P(BadInput, WrongCountsAreReadSafely)
 {
-    for (const std::string& text : withCounts()) {
-        readAll(text);
+    for (const std::string& text : withWrongCounts()) {
+        read(text, ALL_READERS);
     }
 }
 
-using HugeText = BadInput;
-INSTANTIATE_TEST_SUITE_P(Texts, HugeText, testing::ValuesIn(hugeTexts()),
-                         [](const auto& sample) { return sample.param.name; });
-
-#ifdef OFP_SANITIZED
-// The sanitizers reserve more memory than the limit by themselves.
-TEST_P(HugeText, IsReadWithinBounds)
-{
-    readOwn(good);
-}
-#else
-TEST_P(BadInput, CountsThatLieTakeLittleMemoryAndTime)
-{
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(live(withCounts()), testing::ExitedWithCode(0), "");
-}
-
-TEST_P(HugeText, TakesMemoryAndTimeInProportionToTheFile)
-{
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(live({good}), testing::ExitedWithCode(0), "");
-}
-#endif
-
-TEST_P(BadInput, LinesWithoutEndAreReadInMemoryOfTheirSize)
+TEST_P(BadInput, LongLinesAreReadSafely)
 {
     const std::string top = good.substr(0, good.find("// * *")) + "9\n(";
     for (const char filler : {'1', ' ', '(', ')', 'x', '{', '\0', '\r'}) {
-        readAll(top + std::string(600000, filler));
-        readAll(std::string(300000, filler) + good);
+        read(top + std::string(600000, filler), ALL_READERS);
+        read(std::string(300000, filler) + good, ALL_READERS);
     }
 }
+
+#ifdef OFP_SANITIZED
+// The sanitizers reserve more memory than the limit by themselves.
+TEST_P(HugeText, IsReadSafely)
+{
+    read(GetParam().build(), GetParam().readers);
+}
+#else
+TEST_P(BadInput, WrongCountsTakeLittleMemoryAndTime)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(readWithinLimits(withWrongCounts(), readers), testing::ExitedWithCode(0), "");
+}
+
+TEST_P(HugeText, TakesMemoryAndTimeInProportionToItsSize)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(readWithinLimits({GetParam().build()}, GetParam().readers), testing::ExitedWithCode(0), "");
+}
+#endif

@@ -37,7 +37,7 @@ struct Outcome
     }
 };
 
-/// The lines of a list's items.
+/// The lines of a list, one item per line.
 std::vector<std::string> itemLines(std::size_t components)
 {
     std::vector<std::string> lines;
@@ -94,7 +94,7 @@ protected:
 
 } // namespace
 
-TEST_P(FieldPieces, AWholeListComesInFileOrder)
+TEST_P(FieldPieces, ReadsAListInFileOrder)
 {
     const Outcome outcome = read(itemLines(GetParam()), 4);
     ASSERT_TRUE(outcome.isRead);
@@ -106,9 +106,9 @@ TEST_P(FieldPieces, AWholeListComesInFileOrder)
     EXPECT_EQ(outcome.patchValues.front().back(), GetParam() == 1 ? 7.0 : 9.0);
 }
 
-TEST_P(FieldPieces, WhateverStandsInTheListComesOutAsWithOneThread)
+TEST_P(FieldPieces, OddLinesReadAsWithOneThread)
 {
-    // What takes the place of a line. Of a "%" comes a NUL, of a "#" much of what follows it.
+    // Each replaces a line. "%" becomes a NUL, and "#" repeats the character after it many times.
     std::vector<std::string> oddities = {""};
     for (const dvn::Str& text :
          dvn::Str("\n\n|abc|1|1 2|1 2 3 |(1 2|(1|(1 2 3|(1 2 3)(4 5 6)|((1 2 3)|( 1 2 3 )|1\r|(1 2 3)\r|)\n;|(1\n2\n3)|"
@@ -119,7 +119,7 @@ TEST_P(FieldPieces, WhateverStandsInTheListComesOutAsWithOneThread)
         oddities.push_back(oddity[0] == '#' ? std::string(oddity[1] == '1' ? 300000 : 70000, oddity[1]) : oddity);
     }
     std::vector<std::string> lines = itemLines(GetParam());
-    // The first and last lines, lines about the cuts of the first chunk, and any others.
+    // The first and last lines, lines near the cuts of the first chunk, and others.
     const std::size_t places[] = {0, 3001, 8000, ITEMS - 4096, ITEMS - 1};
     for (const std::string& oddity : oddities) {
         for (const std::size_t place : places) {
@@ -131,12 +131,12 @@ TEST_P(FieldPieces, WhateverStandsInTheListComesOutAsWithOneThread)
     }
 }
 
-TEST_P(FieldPieces, AListOfOddLinesOrOfMoreLinesThanItPromisesComesOutAsWithOneThread)
+TEST_P(FieldPieces, OddAndTooLongListsReadAsWithOneThread)
 {
     const std::vector<std::string> usual = itemLines(GetParam());
     std::vector<std::string> twice = usual;
     twice.insert(twice.end(), usual.begin(), usual.end());
-    // Vectors that hold another one behind their first line, where a cut may lie.
+    // Vectors with another one after their first line, where a cut may fall.
     std::vector<std::string> cut(ITEMS);
     std::ranges::generate(cut, [i = 0]() mutable { return "(" + std::to_string(i++) + "\n(2 3 4)"; });
     const std::vector<std::string> lists[] = {twice, cut, std::vector<std::string>(ITEMS, "(1 2\n3\n4 5)"),

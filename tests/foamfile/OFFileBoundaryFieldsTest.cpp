@@ -15,13 +15,13 @@ namespace {
 using Values = std::vector<double>;
 using Patches = std::vector<Values>;
 
-/// What arrays hold before a file is read.
+/// Content of the arrays before a file is read.
 constexpr double P = -1.0;
 
 class OFFileBoundaryFields : public testing::Test
 {
 protected:
-    /// Reads a field of two cells with the values 1 and 2 (or the vectors 1 2 3 and 4 5 6); patch i is called
+    /// Reads a field of two cells with the values 1 and 2 (or the vectors 1 2 3 and 4 5 6). Patch i is called
     /// `names[i]` and has `faceCounts[i]` faces, all on the second cell and the first point.
     bool readField(const std::string& tail, const std::vector<std::size_t>& faceCounts,
                    const std::string& className = "volScalarField", const std::string& format = "ascii")
@@ -72,7 +72,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileBoundaryFields, PatchesGetTheValuesOfTheFileOrOfTheirCells)
+TEST_F(OFFileBoundaryFields, PatchesGetValuesFromTheFileOrFromTheirCells)
 {
     EXPECT_TRUE(
         readField(section({"type            fixedValue;|        value           uniform 300;", "type zeroGradient;",
@@ -89,7 +89,7 @@ TEST_F(OFFileBoundaryFields, PatchesGetTheValuesOfTheFileOrOfTheirCells)
     EXPECT_EQ(values, (Patches{{1, 1}})) << "the value of the point, not of the cell";
 }
 
-TEST_F(OFFileBoundaryFields, ASectionIsEnteredInAFileOfTheRightObjectAndClassOnly)
+TEST_F(OFFileBoundaryFields, EntersTheSectionOnlyForTheRightObjectAndClass)
 {
     EXPECT_TRUE(readField(section({"type slip;"}), {1}));
     OFFile file(true);
@@ -101,11 +101,17 @@ TEST_F(OFFileBoundaryFields, ASectionIsEnteredInAFileOfTheRightObjectAndClassOnl
     EXPECT_TRUE(file.getNextLineStartingWith("    a", line));
     folder.write("f", header("volScalarField", "f", "ascii"));
     EXPECT_FALSE(file.checkResultFile(folder.str("f"), "f", "volScalarField")) << "no section";
+}
+
+TEST_F(OFFileBoundaryFields, FindsTheEntryThatHoldsValues)
+{
+    const OFFile file(true);
     EXPECT_EQ(file.findValueKeys({{"type", "a"}, {"value", "uniform 1"}}), "uniform 1");
     EXPECT_EQ(file.findValueKeys({{"type", "a"}}), "");
 }
 
-TEST_F(OFFileBoundaryFields, OnlySomeTypesContinueTheCellValueWhateverTheFileSays)
+// Compatibility (docs/compatibility.md, "continued cell values").
+TEST_F(OFFileBoundaryFields, SomeTypesTakeTheCellValueWhateverTheFileSays)
 {
     const std::string continuing = "zeroGradient empty uniformFixedValue slip symmetry symmetryPlane";
     for (const dvn::Str& type : dvn::Str(continuing + " noSlip calculated cyclic fixedValue emptyish").split(" ")) {
@@ -115,7 +121,8 @@ TEST_F(OFFileBoundaryFields, OnlySomeTypesContinueTheCellValueWhateverTheFileSay
     }
 }
 
-TEST_F(OFFileBoundaryFields, MixedPatchesAreLookedAtInPairs)
+// Compatibility (docs/compatibility.md, "lines after refValue").
+TEST_F(OFFileBoundaryFields, MixedPatchesTakeTheirValueEntry)
 {
     EXPECT_TRUE(
         readField(section({"refValue uniform 0;|valueFraction uniform 1;|value uniform 2;",
@@ -127,7 +134,7 @@ TEST_F(OFFileBoundaryFields, MixedPatchesAreLookedAtInPairs)
     EXPECT_EQ(values, (Patches{{2}, {3}, {4}, {1, 2}}));
 }
 
-TEST_F(OFFileBoundaryFields, InnerBlocksAndOddLinesPassBy)
+TEST_F(OFFileBoundaryFields, SkipsInnerBlocksAndOddLines)
 {
     names = {"other", "a", "b", "c"};
     const std::string text = section({"type x;|value uniform 9;",
@@ -138,16 +145,17 @@ TEST_F(OFFileBoundaryFields, InnerBlocksAndOddLinesPassBy)
     EXPECT_EQ(values, (Patches{{5}, {0}, {P}}));
 }
 
-TEST_F(OFFileBoundaryFields, PatchesAreFoundInOrderByTheBytesOfTheirNames)
+// Compatibility (docs/compatibility.md, "patches in mesh order").
+TEST_F(OFFileBoundaryFields, FindsPatchesInOrderByTheBytesOfTheirNames)
 {
     names = {"w\xc3\xa4nde", "w\xe4nde", "d"};
     const std::string text = section({"value uniform 5;", "value uniform 6;", "value uniform 7;"});
     names = {"w\xc3\xa4nde", "w\xe4nde", "gone", "d"};
     EXPECT_TRUE(readField(text, {1, 1, 1, 1}));
-    EXPECT_EQ(values, (Patches{{5}, {6}, {P}, {P}})) << "a missing patch takes those behind it along";
+    EXPECT_EQ(values, (Patches{{5}, {6}, {P}, {P}})) << "patches after a missing one are not found";
 }
 
-// Every line of the section and every value of its lists comes to stand on a chunk border.
+// Every line of the section and every value of its lists is cut by a chunk border once.
 TEST_F(OFFileBoundaryFields, NoPatchIsLostAtAChunkBorder)
 {
     constexpr std::size_t COUNT = 43000;
@@ -166,7 +174,7 @@ TEST_F(OFFileBoundaryFields, NoPatchIsLostAtAChunkBorder)
     }
 }
 
-TEST_F(OFFileBoundaryFields, ABinaryCaseShowsWhatItsAsciiTwinShows)
+TEST_F(OFFileBoundaryFields, BinarySectionsReadLikeAscii)
 {
     // Bytes that look like line ends, braces and semicolons.
     std::string nasty = "\n}\n{\n;\n}value uniform 9;\n\n\n;\n(\n";
@@ -182,7 +190,7 @@ TEST_F(OFFileBoundaryFields, ABinaryCaseShowsWhatItsAsciiTwinShows)
     EXPECT_EQ(interior, (Values{1, 2}));
     EXPECT_EQ(raw(values[1]), raw(tricky));
     values[1].clear();
-    EXPECT_EQ(values, (Patches{{3}, {}, {2, 2}, {4, 5}})) << "of a list longer than its patch the rest is passed over";
+    EXPECT_EQ(values, (Patches{{3}, {}, {2, 2}, {4, 5}})) << "values past the patch are skipped";
     std::string tensor = "|    b|    {|value uniform 9;|}|";
     tensor.resize(72, '|');
     EXPECT_TRUE(readField(section({"value nonuniform List<tensor> |1|(" + tensor + ")|;",
@@ -192,7 +200,7 @@ TEST_F(OFFileBoundaryFields, ABinaryCaseShowsWhatItsAsciiTwinShows)
     EXPECT_EQ(values, (Patches{{P}, {4, P, P}, {}, {7}}));
 }
 
-TEST_F(OFFileBoundaryFields, ABrokenSectionLeavesTheInteriorAndWhatCouldBeRead)
+TEST_F(OFFileBoundaryFields, BrokenSectionsKeepTheInteriorAndReadableValues)
 {
     EXPECT_FALSE(readField("", {1}));
     EXPECT_TRUE(interiorWasRead);
@@ -200,33 +208,34 @@ TEST_F(OFFileBoundaryFields, ABrokenSectionLeavesTheInteriorAndWhatCouldBeRead)
     EXPECT_TRUE(readField(section({"value nonuniform List<scalar> 2(x y);", "value uniform 5;",
                                    "value nonuniform List<scalar> |3|(|7|8|)|;", "value uniform 6;"}),
                           {2, 1, 3, 1}));
-    // A token that is no number is stored as what it begins with, and ends the list.
+    // A token that is not a number is stored as the number it begins with, or as 0, and ends the list.
     EXPECT_EQ(values, (Patches{{0, P}, {5}, {7, 8, P}, {6}}));
 }
 
-TEST_F(OFFileBoundaryFields, TensorsAreWalkedInStepsOfNineWithinTheirArrays)
+// Compatibility (docs/compatibility.md, "tensor patches").
+TEST_F(OFFileBoundaryFields, TensorsStepByNineWithinTheirArrays)
 {
     EXPECT_TRUE(readField(section({"type x;|value uniform (1 2 3 4 5 6 7 8 9);", "type slip;",
                                    "type x;|value nonuniform List<tensor> |1|(|(1 2 3 4 5 6 7 8 9)|)|;"}),
                           {3, 3, 1}, "volTensorField"));
-    // Two rounds of nine over eighteen values, the second three places on.
+    // Two rounds of nine values over eighteen, the second three places further.
     EXPECT_EQ(values[0], (Values{1, 2, 3, 1, 2, 3, 4, 5, 6, 7, 8, 9, P, P, P, P, P, P}));
-    // Cell 1 in steps of nine begins at value 9 of 12: three values exist of it.
+    // In steps of nine, cell 1 begins at value 9 of 12, so only three of its values exist.
     EXPECT_EQ(values[1], (Values{4, 5, 6, P, P, P, P, P, P, 4, 5, 6, P, P, P, P, P, P}));
     EXPECT_EQ(values[2], Values(6, P));
     EXPECT_TRUE(readField(section({"value uniform (1 2 3 4 5 6 7 8 9);"}), {1}, "volTensorField"));
     EXPECT_EQ(values[0], Values(6, P)) << "nine values do not fit";
 }
 
-TEST_F(OFFileBoundaryFields, ValuesOfAnotherShapeThanTheFieldStayWithinTheirPatch)
+TEST_F(OFFileBoundaryFields, ValuesOfTheWrongShapeStayWithinTheirPatch)
 {
     EXPECT_TRUE(readField(section({"value nonuniform List<vector> |2|(|(1 2 3)|(4 5 6)|)|;", "value ;"}), {4, 1}));
     EXPECT_EQ(values, (Patches{{1, 2, 3, 4}, {P}}));
     EXPECT_TRUE(readField(section({"value uniform ( 1 2 3);", "value nonuniform;"}), {1, 1}, "volVectorField"));
-    EXPECT_EQ(values, (Patches{{0, 1, 2}, {P, P, P}})) << "a bracket alone is no number";
+    EXPECT_EQ(values, (Patches{{0, 1, 2}, {P, P, P}})) << "a lone bracket is not a number";
 }
 
-TEST_F(OFFileBoundaryFields, AMappingThatIsTooShortOrWrongTouchesNothing)
+TEST_F(OFFileBoundaryFields, MappingsThatAreShortOrWrongStayInBounds)
 {
     const Values mesh = {1, 2, 3};
     Values items(5, P);

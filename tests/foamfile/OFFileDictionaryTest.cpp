@@ -21,6 +21,7 @@ protected:
         return OFFile(true).readBoundary(folder.str("boundary"), "boundary", boundaries, 7);
     }
 
+    const std::string patch = "a\n{\ntype wall;\nnFaces 1;\nstartFace 2;\n}\n";
     TempFolder folder;
     std::vector<OFBoundary> boundaries;
 };
@@ -37,7 +38,7 @@ TEST(OFFileDictionary, EntriesAreTheLinesThatEndInASemicolon)
                        "last one;");
     std::map<dvn::Str, dvn::Str> entries;
     EXPECT_TRUE(OFFile(true).readDictionary(folder.str("controlDict"), "controlDict", &entries));
-    // The value of an indented line is counted off from the start of the line.
+    // Compatibility (docs/compatibility.md, "shifted dictionary values").
     const std::map<dvn::Str, dvn::Str> expected = {{"startTime", "0"},
                                                    {"endTime", "0.5 s"},
                                                    {"writeControl", "trol timeStep"},
@@ -46,7 +47,7 @@ TEST(OFFileDictionary, EntriesAreTheLinesThatEndInASemicolon)
     EXPECT_EQ(entries, expected);
 }
 
-TEST_F(OFFileBoundary, PatchesComeWithTheirEntries)
+TEST_F(OFFileBoundary, ReadsPatchesWithTheirEntries)
 {
     EXPECT_TRUE(
         readBoundary("2\n(\n    inlet\n    {\n        type            patch;\n        inGroups 1(wall);\n"
@@ -58,21 +59,24 @@ TEST_F(OFFileBoundary, PatchesComeWithTheirEntries)
                           std::to_string(patch.faceCount()) + "|" + std::to_string(patch.startFaceIndex()) + "|" +
                           std::to_string(patch.partID()));
     }
-    // A negative count is none, and not the largest.
+    // A negative count reads as 0.
     EXPECT_EQ(patches, (std::vector<std::string>{"inlet|patch|20|760|7", "w\xc3\xa4nde |wall|0|0|7"}));
     EXPECT_TRUE(readBoundary("0\n(\n)\n"));
     EXPECT_TRUE(boundaries.empty());
 }
 
-TEST_F(OFFileBoundary, MissingPiecesLeaveByExceptionAndCountsThatLieAreRefused)
+// Compatibility (docs/compatibility.md, "the exception text").
+TEST_F(OFFileBoundary, MissingEntriesThrow)
 {
-    const std::string patch = "a\n{\ntype wall;\nnFaces 1;\nstartFace 2;\n}\n";
     for (const std::string key : {"type", "nFaces", "startFace"}) {
         EXPECT_THROW(readBoundary("1\n(\n" + std::string(patch).replace(patch.find(key), 1, "x")), std::out_of_range);
     }
     EXPECT_THROW(readBoundary("2\n(\n" + patch), std::out_of_range) << "the second patch has no name";
+}
+
+TEST_F(OFFileBoundary, RefusesCountLargerThanFile)
+{
     const LogCapture log;
-    boundaries.clear();
     EXPECT_FALSE(readBoundary("1000000\n(\n" + patch) || readBoundary("4294967295\n(\n" + patch));
     EXPECT_TRUE(boundaries.empty());
     const std::string line = "OFFile : Invalid number of items in boundary file. File basename is ";

@@ -37,7 +37,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileFields, EveryFormOfTheInteriorIsRead)
+TEST_F(OFFileFields, ReadsEveryFormOfTheInterior)
 {
     struct Case
     {
@@ -66,7 +66,7 @@ TEST_F(OFFileFields, EveryFormOfTheInteriorIsRead)
     EXPECT_EQ(log.errors().size() + log.infos().size(), 0U);
 }
 
-TEST_F(OFFileFields, FormsThatCannotBeReadAreTold)
+TEST_F(OFFileFields, ReportsFormsThatCannotBeRead)
 {
     const std::string list = "nonuniform List<";
     const std::string last = ", Error reading result";
@@ -77,9 +77,9 @@ TEST_F(OFFileFields, FormsThatCannotBeReadAreTold)
     {
         std::string kind;
         std::string text;
-        std::string told;
+        std::string errors; ///< their messages up to the full stop
     };
-    for (const auto& [kind, text, told] :
+    for (const auto& [kind, text, errors] :
          {Case{"Scalar", "uniform", "Failed to read uniform value in result file"},
           {"Vector", "uniform (1 y 3);\n", noNumber},
           {"Scalar", "uniform;\n", "Failed to read number of items in result file" + last},
@@ -93,17 +93,16 @@ TEST_F(OFFileFields, FormsThatCannotBeReadAreTold)
         EXPECT_FALSE(readInterior(kind, text, 3)) << text;
         std::string messages;
         for (const std::string& line : log.errors()) {
-            // The message up to its full stop.
             const std::size_t end = std::min(line.find(". "), line.find(" from File"));
             messages += (messages.empty() ? "" : ", ") + line.substr(9, end - 9);
         }
-        EXPECT_EQ(messages, told) << text;
+        EXPECT_EQ(messages, errors) << text;
     }
     EXPECT_FALSE(readInterior("Tensor", list + "tensor> 1((1 2 3 4 5 6 7 8 9));\n", 6));
     EXPECT_THROW(readInterior("Scalar", list + "scalar> 3 (1 2 3);\n", 3), std::invalid_argument);
 }
 
-TEST_F(OFFileFields, AnotherClassIsUndefinedAndAFileWithoutHeaderTheListAlone)
+TEST_F(OFFileFields, UnreadableFilesLeaveTheValues)
 {
     folder.write("p", header("volScalarField", "p") + "nothing\n");
     values.assign(3, 5.0);
@@ -111,12 +110,24 @@ TEST_F(OFFileFields, AnotherClassIsUndefinedAndAFileWithoutHeaderTheListAlone)
     EXPECT_FALSE(OFFile(true).readResult(folder.str("p"), "q", "volScalarField", &values)) << "another object";
     EXPECT_FALSE(OFFile(true).readResult(folder.str("p"), "p", "volScalarField", &values)) << "no interior";
     EXPECT_EQ(values, Values(3, 5.0));
+}
+
+TEST_F(OFFileFields, AnotherClassIsUndefined)
+{
+    folder.write("p", header("volScalarField", "p"));
+    values.assign(3, 5.0);
     EXPECT_TRUE(OFFile(true).readResult(folder.str("p"), "p", "volVectorField", &values));
     EXPECT_EQ(values, Values(3, dvn::UNDEFINED_DOUBLE));
+}
+
+// Compatibility (docs/compatibility.md, "failed list, read file"): the answer is true once the file is open.
+TEST_F(OFFileFields, FilesWithoutHeaderHoldOneList)
+{
+    values.assign(3, 5.0);
     for (const bool isWhole : {true, false}) {
         folder.write("p", isWhole ? "\n3\n(\n1\n2\n3\n)\n" : "\n3\n(\n4\n5\n)\n");
         OFFile file(false);
-        EXPECT_TRUE(file.readResult(folder.str("p"), "p", "pointScalarField", &values)) << "true once the file is open";
+        EXPECT_TRUE(file.readResult(folder.str("p"), "p", "pointScalarField", &values));
         EXPECT_EQ(file.interiorWasRead(), isWhole);
     }
     EXPECT_EQ(values, (Values{4, 5, 3}));
@@ -140,13 +151,15 @@ TEST_F(OFFileFields, NoScalarIsLostAtAChunkBorder)
     }
 }
 
-TEST_F(OFFileFields, WhatALineLacksIsZeroAndTold)
+// Compatibility (docs/compatibility.md, "short single-line lists"): missing values are 0.
+TEST_F(OFFileFields, FillsAndReportsValuesMissingFromALine)
 {
     const LogCapture log;
     EXPECT_TRUE(readInterior("Vector", "nonuniform List<vector> 2((1 2 3));\n", 6));
     EXPECT_EQ(values, (Values{1, 2, 3, 0, 0, 0}));
     EXPECT_TRUE(readInterior("Scalar", "nonuniform List<scalar> 2(1 2 3 4);\n", 2));
-    EXPECT_EQ(values, (Values{1, 2})) << "of more words those that have room";
-    EXPECT_FALSE(readInterior("Scalar", "nonuniform List<scalar> \n6\n(\n1\n2\n)\n;\n", 6)) << "of a list of lines not";
+    EXPECT_EQ(values, (Values{1, 2})) << "extra words are ignored";
+    EXPECT_FALSE(readInterior("Scalar", "nonuniform List<scalar> \n6\n(\n1\n2\n)\n;\n", 6))
+        << "a list over several lines is refused";
     EXPECT_EQ(log.infos().size(), 2U);
 }

@@ -22,7 +22,7 @@ protected:
         EXPECT_TRUE(m_file.open(m_folder.str("text")));
         return m_file;
     }
-    /// All lines of a file by one of the operations, as they come.
+    /// All lines of a file, taken with one of the operations.
     Lines all(const std::string& bytes, bool (OFFile::*take)(char**) const)
     {
         OFFile& file = opened(bytes);
@@ -42,11 +42,11 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(PlainAndGzip, OFFileLines, testing::Bool());
 
-TEST_P(OFFileLines, TheStreamKeepsLineFeedsAndTheChunkDropsThem)
+TEST_P(OFFileLines, StreamLinesKeepLineFeedsAndChunkLinesDropThem)
 {
     EXPECT_EQ(all("a\r\n\n b\nlast", &OFFile::getNextLine), (Lines{"a\r\n", "\n", " b\n", "last"}));
     EXPECT_EQ(all("\n\r\na\r\n\n\r\r b\n\nlast", &OFFile::getNextLineUsingChunk), (Lines{"a", " b"}))
-        << "a cut off value is no whole one";
+        << "a last line without line feed is dropped";
     const std::string text(5000, 'a');
     const Lines pieces = {text.substr(0, 4095), text.substr(0, 905)};
     EXPECT_EQ(all(text + "\nb\n", &OFFile::getNextLineUsingChunk), (Lines{pieces[0], pieces[1], "b"}));
@@ -63,17 +63,17 @@ TEST_P(OFFileLines, NoLineIsLostAtAChunkBorder)
         const std::string text = std::string(shift, 'x') + "\n" + body;
         std::string joined;
         for (const std::string& line : all(text, &OFFile::getNextLineUsingChunk)) {
-            // Behind a chunk that is used up one line comes from the stream, and keeps its line feed.
+            // After an exhausted chunk one line comes from the stream and keeps its line feed.
             joined.append(line, 0, line.find('\n')).append("\n");
         }
         ASSERT_EQ(joined, text) << shift;
     }
 }
 
-TEST_P(OFFileLines, AChunkEndsAtALineEndAndTellsItsLastIndex)
+TEST_P(OFFileLines, ChunksEndAtALineEndAndReportTheirLastIndex)
 {
     const std::string most(OFFile::CHUNK_SIZE, 'a');
-    // The last line ends with the chunk, fits the margin of the buffer, fits it no more; the file ends without one.
+    // The last line ends with the chunk, just fits the margin of the buffer, or exceeds it. The file ends without one.
     for (const std::size_t more : {std::size_t(0), OFFile::LINE_BUFFER_SIZE - 1, OFFile::LINE_BUFFER_SIZE}) {
         const std::string first = (most + std::string(more, 'b')).replace(most.size() + more - 1, 1, "\n");
         OFFile& file = opened(first + "next");
@@ -92,7 +92,7 @@ TEST_P(OFFileLines, AChunkEndsAtALineEndAndTellsItsLastIndex)
     }
 }
 
-TEST_P(OFFileLines, ALineIsFoundByItsStartHoweverLongItIs)
+TEST_P(OFFileLines, FindsALineByItsStartWhateverItsLength)
 {
     const std::string sought = "internalField " + std::string(9000, '1') + "\n";
     OFFile& file = opened(" internalField no\n" + std::string(4095, 'x') + "internalField no\n" + sought + "end");
@@ -100,10 +100,11 @@ TEST_P(OFFileLines, ALineIsFoundByItsStartHoweverLongItIs)
     EXPECT_TRUE(file.getNextLineStartingWith("internalField", line));
     EXPECT_EQ(line, sought);
     EXPECT_FALSE(file.getNextLineStartingWith("internalField", line));
-    EXPECT_TRUE(opened(std::string("a\n\0b\nc d\n", 9)).getNextLineStartingWith("c", line)) << "behind a raw list";
+    EXPECT_TRUE(opened(std::string("a\n\0b\nc d\n", 9)).getNextLineStartingWith("c", line))
+        << "past the bytes of a raw list";
 }
 
-TEST_P(OFFileLines, ACountLeavesItsBracketAndNothingElse)
+TEST_P(OFFileLines, ReadingACountLeavesItsBracket)
 {
     const std::pair<const char*, const char*> cases[] = {{"12(7", "12|(7"}, {"12\r\n7", "12|\n"},  {"12\n(", "12|("},
                                                          {"(7", "none|7"},  {"12 7", "none|7"},    {"-3", "none|3"},
@@ -115,16 +116,20 @@ TEST_P(OFFileLines, ACountLeavesItsBracketAndNothingElse)
         const std::string rest = m_file.getNextLine(&line) ? line : "";
         EXPECT_EQ((isRead ? std::to_string(value) : "none") + "|" + rest, expected);
     }
+}
+
+TEST_P(OFFileLines, FindsTheNextLineWithACount)
+{
     int value = 0;
     EXPECT_TRUE(opened("// * 2 cells * //\n\n7 8\n31(").readNextIntLine(&value));
-    EXPECT_EQ(value, 8) << "a number in front of a blank is none, the one in front of the line end is";
+    EXPECT_EQ(value, 8) << "only a number at the end of a line is a count";
     EXPECT_FALSE(opened("no number 12").readNextIntLine(&value));
     opened("type 3;\n 4\n5x\n\n" + std::string(5000, 'a') + " 1\n6 apples\n7");
     EXPECT_TRUE(m_file.readNextIntLineFromCurrentChunk(&value));
-    EXPECT_EQ(value, 6) << "here it stands at the start of a line";
+    EXPECT_EQ(value, 6) << "in a chunk the count is at the start of a line";
 }
 
-TEST_P(OFFileLines, APendingRestIsHandedOutOnce)
+TEST_P(OFFileLines, HandsOutThePendingRestOnce)
 {
     opened("a\nb\nc\n");
     char* line = buffer.data();
@@ -134,16 +139,15 @@ TEST_P(OFFileLines, APendingRestIsHandedOutOnce)
     char* chunk = buffer.data();
     std::size_t last = 5;
     EXPECT_TRUE(m_file.getNextChunkOfLines(&chunk, &last));
-    EXPECT_STREQ(chunk, "\nc\n") << "from the end of the line that was handed out";
-    EXPECT_EQ(last, 8U) << "counted on, to behind the last byte";
+    EXPECT_STREQ(chunk, "\nc\n") << "from the end of the line taken last";
+    EXPECT_EQ(last, 8U) << "one past the last byte";
     chunk = buffer.data();
     EXPECT_TRUE(m_file.getNonTreatedChunk(&chunk, &last));
     EXPECT_STREQ(chunk, "");
     EXPECT_FALSE(m_file.getNextChunkOfLines(&chunk, &last));
 }
 
-// The cursor must stay in front of the text's end whatever ends a number; "|" shows where it stands behind it.
-TEST_P(OFFileLines, ANumberLeavesTheCursorBehindItsDelimiter)
+TEST_P(OFFileLines, RefusesStreamNumbersThatAreMalformedOrTooLong)
 {
     const std::string digits(5000, '1');
     opened("1.5;x;;1e400;" + digits + ";2");
@@ -153,18 +157,30 @@ TEST_P(OFFileLines, ANumberLeavesTheCursorBehindItsDelimiter)
         stream.push_back(m_file.readNextDouble(&real, ';') ? real : -1);
     }
     EXPECT_EQ(stream, (std::vector<double>{1.5, -1, 0, HUGE_VAL, -1, -1}));
-    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-        {"12)x", "12|x", "12|x", "12|x"},
-        {"12 x", "12|x", "12|x", "12|x"},
-        {"12\n5)x", "12|x", "12|5)x", "12|x"},
-        {"12", "12|", "12|", "12|"},
-        {"12\n5", "none|12\n5", "12|5", "none|12\n5"},
-        {"x)5", "none|x)5", "none|x)5", "none|5"},
-        {"1.5)7", "none|1.5)7", "none|1.5)7", "1|7"},
-        {")7", "none|)7", "none|)7", "none|)7"}};
-    for (auto [text, whole, toLineEnd, asReal] : cases) {
-        const auto read = [&, text = text](auto take) {
-            std::string copy = text;
+}
+
+// Whatever ends a number, the cursor must not pass the end of the text. "|" marks the cursor.
+TEST_P(OFFileLines, ReadingANumberMovesTheCursorPastItsDelimiter)
+{
+    double real = -1;
+    struct Case
+    {
+        const char* text;
+        const char* asLabel;
+        const char* asLabelUpToLineEnd;
+        const char* asReal;
+    };
+    const Case cases[] = {{"12)x", "12|x", "12|x", "12|x"},
+                          {"12 x", "12|x", "12|x", "12|x"},
+                          {"12\n5)x", "12|x", "12|5)x", "12|x"},
+                          {"12", "12|", "12|", "12|"},
+                          {"12\n5", "none|12\n5", "12|5", "none|12\n5"},
+                          {"x)5", "none|x)5", "none|x)5", "none|5"},
+                          {"1.5)7", "none|1.5)7", "none|1.5)7", "1|7"},
+                          {")7", "none|)7", "none|)7", "none|)7"}};
+    for (const Case& c : cases) {
+        const auto read = [&](auto take) {
+            std::string copy = c.text;
             char* cursor = copy.data();
             const bool isRead = take(&cursor);
             return (isRead ? std::to_string(static_cast<int>(real)) : "none") + "|" + cursor;
@@ -177,13 +193,13 @@ TEST_P(OFFileLines, ANumberLeavesTheCursorBehindItsDelimiter)
                 return isRead;
             });
         };
-        EXPECT_EQ(label(false), whole);
-        EXPECT_EQ(label(true), toLineEnd);
-        EXPECT_EQ(read([&](char** cursor) { return m_file.readNextBufDouble(cursor, &real, ')'); }), asReal);
+        EXPECT_EQ(label(false), c.asLabel);
+        EXPECT_EQ(label(true), c.asLabelUpToLineEnd);
+        EXPECT_EQ(read([&](char** cursor) { return m_file.readNextBufDouble(cursor, &real, ')'); }), c.asReal);
     }
 }
 
-TEST(ChunkTranslator, LinesOfAChunkAreMarkedUpToItsLastTwoBytes)
+TEST(ChunkTranslator, MarksLinesUpToTheLastTwoBytesOfAChunk)
 {
     const std::tuple<std::string, std::size_t, std::vector<int>> cases[] = {
         {"1.0\n2.0\n", 7, {0, 4}}, {"1\n\n", 2, {0}}, {"", 0, {0}}};
@@ -198,8 +214,8 @@ TEST(ChunkTranslator, LinesOfAChunkAreMarkedUpToItsLastTwoBytes)
     }
 }
 
-// A plain walk wrote the text; the lines of each of its chunks are marked first and then translated all at once.
-TEST_P(OFFileLines, AListOverManyChunksIsReadInTwoPassesAndItsRestStaysPending)
+// The lines of each chunk are marked first and then translated all at once.
+TEST_P(OFFileLines, ReadsAListOverManyChunksInTwoPasses)
 {
     std::string items;
     std::vector<double> expected;
@@ -209,11 +225,11 @@ TEST_P(OFFileLines, AListOverManyChunksIsReadInTwoPassesAndItsRestStaysPending)
     }
     ASSERT_GT(items.size(), OFFile::CHUNK_SIZE);
     std::vector<double> values(expected.size());
-    EXPECT_TRUE(opened(items + ")\n;\nbehind\n").markChunkThenReadChunkStrategy(&values, 1));
+    EXPECT_TRUE(opened(items + ")\n;\nafter\n").markChunkThenReadChunkStrategy(&values, 1));
     EXPECT_EQ(values, expected);
     char* line = buffer.data();
     EXPECT_TRUE(m_file.getNextLine(&line));
-    EXPECT_STREQ(line, "behind");
+    EXPECT_STREQ(line, "after") << "the rest stays pending";
     values.assign(7, -1);
     EXPECT_TRUE(opened("(1 2 3)\n(4 5 6)\n)\n;\n").markChunkThenReadChunkStrategy(&values, 3));
     EXPECT_EQ(values, (std::vector<double>{1, 1, 1, 4, 4, 4, -1})) << "all components take the first number";

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <numeric>
 #include <stdexcept>
 #include <tuple>
@@ -30,11 +29,11 @@ std::string rawFaces(const Faces& faces)
     return bytes;
 }
 
-/// The three kinds of lists that are files of their own.
+/// The three kinds of lists that fill a whole file.
 class OFFileLists : public testing::Test
 {
 protected:
-    /// Reads a file by the reader of its class; what came of its list stands in `content` as bytes.
+    /// Reads a file with the reader of its class. `content` becomes the bytes of what was read.
     bool read(const std::string& className, const std::string& bytes)
     {
         folder.write("100%1", bytes);
@@ -58,7 +57,7 @@ protected:
     }
 
     TempFolder folder;
-    /// The percent sign must not take part in messages.
+    /// The percent sign must not act as a placeholder in messages.
     const dvn::Str path = folder.str("100%1");
     std::vector<int> labelsRead;
     std::string content;
@@ -67,7 +66,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileLists, EachReaderReportsInItsOwnWordsAndOnce)
+TEST_F(OFFileLists, EachReaderReportsOnceInItsOwnWords)
 {
     const std::pair<std::string, std::string> readers[] = {
         {"labelList", "labels file"}, {"vectorField", "vector field file"}, {"faceList", "face list file"}};
@@ -95,9 +94,13 @@ TEST_F(OFFileLists, EachReaderReportsInItsOwnWordsAndOnce)
         }
         EXPECT_TRUE(read(className, good + "0()\n"));
     }
+}
+
+TEST_F(OFFileLists, RefusesBinaryFaceListsWithoutAMessage)
+{
     const LogCapture log;
     EXPECT_FALSE(read("faceList", fileOf("faceList", "binary", list(1, "3(1 2 3)\n"))));
-    EXPECT_EQ(log.lines(), std::vector<LogLine>()) << "refused in silence";
+    EXPECT_EQ(log.lines(), std::vector<LogLine>());
 }
 
 TEST_F(OFFileLists, AsciiBinaryAndGzipGiveTheSame)
@@ -112,7 +115,14 @@ TEST_F(OFFileLists, AsciiBinaryAndGzipGiveTheSame)
     ASSERT_GT(faces(faceSet).size(), 7 * OFFile::CHUNK_SIZE);
     std::string onOneLine = vectors(points);
     std::replace(onOneLine.begin(), onOneLine.end(), '\n', ' ');
-    const std::array<std::string, 4> cases[] = {
+    struct Case
+    {
+        std::string className;
+        std::string format;
+        std::string body;
+        std::string expected; ///< as bytes
+    };
+    const Case cases[] = {
         {"labelList", "ascii", list(60000, labels(owners)), raw(owners)},
         {"labelList", "binary", rawList(owners) + "\n", raw(owners)},
         {"vectorField", "ascii", list(30000, vectors(points)), raw(points)},
@@ -134,15 +144,24 @@ TEST_F(OFFileLists, AsciiBinaryAndGzipGiveTheSame)
     EXPECT_EQ(log.lines(), std::vector<LogLine>());
 }
 
-// A count that lies must neither write beyond the target nor pass in silence.
-TEST_F(OFFileLists, AListThatDiffersFromItsCountKeepsWhatCame)
+// A wrong count must neither write past the target nor go unreported.
+TEST_F(OFFileLists, ShortAndLongListsKeepWhatWasRead)
 {
     using Ints = std::vector<int>;
     using Doubles = std::vector<double>;
     const std::string two = "4 items promised, 2 found";
     const std::string one = "2 items promised, 1 found";
     const std::string three = faces({{1, 2, 3}, {4, 5, 6}, {7, 8, 9, 10}});
-    const std::tuple<const char*, const char*, std::string, bool, std::string, std::string> cases[] = {
+    struct Case
+    {
+        const char* className;
+        const char* format;
+        std::string body;
+        bool isRead;
+        std::string expected;
+        std::string report; ///< empty if nothing is logged
+    };
+    const Case cases[] = {
         {"labelList", "ascii", "2\n(\n1\n2\n3\n)\n", true, raw(Ints{1, 2}), ""},
         {"labelList", "ascii", "4\n(\n1\n2\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
         {"labelList", "ascii", "4\n(\n1\n2\n-3\n4\n)\n", false, raw(Ints{1, 2, 0, 0}), two},
@@ -155,20 +174,21 @@ TEST_F(OFFileLists, AListThatDiffersFromItsCountKeepsWhatCame)
         {"faceList", "ascii", list(4, faces({{1, 2, 3}, {4, 5, 6}})), true,
          rawFaces(Faces{{1, 2, 3}, {4, 5, 6}, {}, {}}), two},
     };
-    for (const auto& [className, format, body, isRead, expected, told] : cases) {
+    for (const auto& [className, format, body, isRead, expected, report] : cases) {
         SCOPED_TRACE(body.substr(0, 40));
         const LogCapture log;
         labelsRead.clear();
         EXPECT_EQ(read(className, fileOf(className, format, body)), isRead);
         EXPECT_EQ(content, expected);
-        const std::string line = "OFFile : List is shorter than its count: " + told + ". File is " + path.toStdString();
-        EXPECT_EQ(joined(log.infos()), told.empty() ? "" : line);
+        const std::string line =
+            "OFFile : List is shorter than its count: " + report + ". File is " + path.toStdString();
+        EXPECT_EQ(joined(log.infos()), report.empty() ? "" : line);
     }
 }
 
-TEST_F(OFFileLists, ACountBeyondTheFileSizesNothing)
+TEST_F(OFFileLists, RefusesCountLargerThanFile)
 {
-    // A compressed file can hold a thousand times its size, so what it has is counted before a large claim is believed.
+    // A compressed file can hold a thousand times its size, so its data is counted before a large count is believed.
     const std::string good = fileOf("labelList", "ascii", "100000\n(\n1\n)\n");
     std::string huge = good;
     huge.insert(huge.rfind("\n("), "0000");
@@ -182,7 +202,7 @@ TEST_F(OFFileLists, ACountBeyondTheFileSizesNothing)
     }
 }
 
-TEST_F(OFFileLists, CellsAreCountedByTheNoteAlone)
+TEST_F(OFFileLists, CellCountComesOnlyFromTheNote)
 {
     const std::string missing = "OFFile : Failed to read number of cells in file. This info should be available as "
                                 "'note' in the header of File: ";
@@ -202,11 +222,31 @@ TEST_F(OFFileLists, CellsAreCountedByTheNoteAlone)
     EXPECT_THROW(read("labelList", header("labelList", "thing") + "1\n(\n0\n)\n"), std::out_of_range);
 }
 
-TEST_F(OFFileLists, ALineFeedAsFirstRawByteIsLost)
+TEST_F(OFFileLists, SkipsALineFeedThatStartsRawData)
 {
     const std::vector<int> written = {10, 1};
     EXPECT_TRUE(read("labelList", fileOf("labelList", "binary", rawList(written))));
-    EXPECT_EQ(content, (raw(written) + ")").substr(1)) << "the bracket that ends the list makes up for it";
+    EXPECT_EQ(content, (raw(written) + ")").substr(1)) << "the closing bracket fills the gap";
+}
+
+TEST_F(OFFileLists, LabelReadersTellWhetherTheListWasWhole)
+{
+    const std::vector<int> raws = {1, 2};
+    using LabelReader = bool (OFFile::*)(std::vector<int>*);
+    const std::pair<std::string, LabelReader> forms[] = {{"1\n2\n)\n", &OFFile::readNextLabelListAscii},
+                                                         {raw(raws), &OFFile::readNextLabelListBinary},
+                                                         {"2\n(\n1\n2\n)\n", &OFFile::readNextLabelList}};
+    for (const auto& [text, reader] : forms) {
+        folder.write("items", text);
+        for (const std::size_t count : {2U, 3U}) {
+            OFFile file(false);
+            ASSERT_TRUE(file.open(folder.str("items")));
+            std::vector<int> labels(count);
+            EXPECT_EQ((file.*reader)(&labels), count == 2) << text;
+            labels.resize(2);
+            EXPECT_EQ(labels, raws) << text;
+        }
+    }
 }
 
 TEST_F(OFFileLists, NoLabelIsLostAtAChunkBorder)

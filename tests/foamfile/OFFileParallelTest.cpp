@@ -14,7 +14,7 @@ using namespace foamtext;
 namespace {
 
 using Values = std::vector<double>;
-using Door = bool (OFFile::*)(FacesData*);
+using FaceReader = bool (OFFile::*)(FacesData*);
 
 class OFFileFaces : public testing::Test
 {
@@ -25,8 +25,8 @@ protected:
         data = FacesData();
         return OFFile(true).readFaceList(folder.str("faces"), "faces", &data);
     }
-    /// Reads faces without count by one of the named doors.
-    bool readBy(Door door, const std::string& items, std::size_t count)
+    /// Reads faces without a count.
+    bool readBy(FaceReader reader, const std::string& items, std::size_t count)
     {
         folder.write("items", items);
         OFFile file(false);
@@ -34,7 +34,7 @@ protected:
         data = FacesData();
         data.nodeCounts.resize(count);
         data.nodeOffsets.resize(count);
-        return (file.*door)(&data);
+        return (file.*reader)(&data);
     }
 
     const std::string ascii = header("faceList", "faces");
@@ -47,8 +47,8 @@ protected:
 class OFFileVectors : public testing::Test
 {
 protected:
-    /// Reads a list without count by the parallel and by the sequential door.
-    void readByBothDoors(const std::string& items, std::size_t doubles)
+    /// Reads a list without a count with the parallel and with the sequential reader.
+    void readByBoth(const std::string& items, std::size_t doubles)
     {
         folder.write("items", items);
         OFFile parallel(false);
@@ -68,7 +68,7 @@ protected:
 
 } // namespace
 
-// A face of many nodes stands over several lines, and a chunk ends at any of them.
+// A face of many nodes is written on several lines, and a chunk can end at any of them.
 TEST_F(OFFileFaces, NoFaceIsLostOrShiftedAtAChunkBorder)
 {
     Faces expected(12000, {100, 200, 300, 400});
@@ -79,30 +79,33 @@ TEST_F(OFFileFaces, NoFaceIsLostOrShiftedAtAChunkBorder)
     ASSERT_GT(text.size(), OFFile::CHUNK_SIZE);
     for (std::size_t shift = 0; shift < 70; ++shift) {
         const std::string items = "4(" + std::string(shift, '0') + text.substr(2) + ")\n";
-        for (const Door door : {&OFFile::readNextFaceListAsciiPar, &OFFile::readNextFaceListAscii,
-                                &OFFile::readNextFaceCompactListAscii}) {
-            EXPECT_TRUE(readBy(door, items, expected.size()));
+        for (const FaceReader reader : {&OFFile::readNextFaceListAsciiPar, &OFFile::readNextFaceListAscii,
+                                        &OFFile::readNextFaceCompactListAscii}) {
+            EXPECT_TRUE(readBy(reader, items, expected.size()));
             ASSERT_EQ(unpacked(data), expected) << shift;
         }
     }
 }
 
-TEST_F(OFFileFaces, AFaceLargerThanAnyBufferIsRead)
+TEST_F(OFFileFaces, ReadsFacesLargerThanAnyBuffer)
 {
-    // More labels than one step of growth, over more than one chunk; its count is cut to a byte.
+    // One face has more labels than one step of growth and more text than a chunk. Its count wraps to a byte.
     const Faces expected = {{1, 2, 3}, someLabels(90000), {4, 5, 6, 7}, someLabels(300)};
-    for (const std::string& bytes :
-         {ascii + list(4, faces(expected)), compact + list(5, faces(expected)), binary + compactFaces(expected)}) {
+    const std::string footer = "\n\n// ************************************************************************* //\n";
+    for (const std::string& bytes : {ascii + list(4, faces(expected)), compact + list(5, faces(expected)),
+                                     binary + compactFaces(expected) + footer}) {
         EXPECT_TRUE(readFaces(bytes));
         EXPECT_EQ(data.nodeOffsets, (std::vector<int>{0, 3, 90003, 90007}));
         EXPECT_EQ(data.nodeCounts, (std::vector<std::uint8_t>{3, 90000 % 256, 4, 44}));
         ASSERT_GE(data.nodes.size(), 90307U);
         EXPECT_TRUE(std::equal(expected[1].begin(), expected[1].end(), data.faceNodes(1)));
         EXPECT_TRUE(std::equal(expected[3].begin(), expected[3].end(), data.faceNodes(3)));
+        // Hosts get the slack of a surface, so it must not hold bytes of the footer.
+        EXPECT_TRUE(std::all_of(data.nodes.begin() + 90307, data.nodes.end(), [](int label) { return label == 0; }));
     }
 }
 
-TEST_F(OFFileFaces, RawOffsetsThatCannotBeRightLeaveWholeFaces)
+TEST_F(OFFileFaces, WrongRawOffsetsLeaveTheWholeFaces)
 {
     struct Case
     {
@@ -122,12 +125,12 @@ TEST_F(OFFileFaces, RawOffsetsThatCannotBeRightLeaveWholeFaces)
         EXPECT_EQ(readFaces(binary + rawList(c.offsets) + "\n" + labels), c.isGood);
         EXPECT_EQ(unpacked(data), c.expected);
     }
-    EXPECT_TRUE(readFaces(binary + rawList(std::vector<int>{0}) + "\n1\n(abcd)")) << "one offset and no face";
+    EXPECT_TRUE(readFaces(binary + rawList(std::vector<int>{0}) + "\n1\n(abcd)")) << "one offset, no face";
     EXPECT_FALSE(readFaces(binary + "2\n(" + raw(std::vector<int>{0, 3}) + "x\n3\n(" + raw(someLabels(3))));
 }
 
-// The second list is found only if the stream stands where the cores have read to.
-TEST_F(OFFileFaces, LongRawListsAreReadByAllCoresAsByOne)
+// The second list is found only if the stream continues where the parallel read has ended.
+TEST_F(OFFileFaces, LongRawListsReadAlikeWithOneAndManyThreads)
 {
     constexpr std::size_t FACES = 1200000;
     std::vector<int> offsets(FACES + 1);
@@ -150,15 +153,15 @@ TEST_F(OFFileVectors, NoVectorIsLostAtAChunkBorder)
     Values expected = someVectors(9000);
     expected[0] = 1.0;
     for (std::size_t shift = 0; shift < 60; ++shift) {
-        readByBothDoors("(" + std::string(shift, '0') + vectors(expected).substr(1) + ")\n;\n", expected.size());
+        readByBoth("(" + std::string(shift, '0') + vectors(expected).substr(1) + ")\n;\n", expected.size());
         ASSERT_EQ(values, expected) << shift;
         ASSERT_EQ(other, expected) << shift;
         ASSERT_TRUE(isWhole);
     }
 }
 
-// The doors differ where a file is not written as it should be: the parallel one takes it as damage.
-TEST_F(OFFileVectors, EachDoorHasItsRulesForOddText)
+// The readers differ on odd text: the parallel one treats it as damage.
+TEST_F(OFFileVectors, ParallelAndSequentialReadersKeepTheirRulesForOddText)
 {
     struct Case
     {
@@ -177,7 +180,7 @@ TEST_F(OFFileVectors, EachDoorHasItsRulesForOddText)
                           {"(1e400 -inf 0x10)(+1 1e-400 .5)\n;", odd, odd, true},
                           {"(1 2 3)(4 5", first, {1, 2, 3, 4, 5, 0}, false}};
     for (const Case& c : cases) {
-        readByBothDoors(c.items, 6);
+        readByBoth(c.items, 6);
         EXPECT_EQ(values, c.parallel) << c.items;
         EXPECT_EQ(other, c.sequential) << c.items;
         EXPECT_EQ(isWhole, c.isWhole) << c.items;

@@ -18,7 +18,7 @@ enum Kind
     FACES
 };
 
-/// Labels that look like brackets, line ends and braces, and as text.
+/// Labels whose bytes look like brackets, line ends and braces.
 const std::vector<int> NASTY = {0x0a7d0a01, 0x29282829, 0x3b3b3b3b, 0x7b0a7d0a};
 
 std::string shown(const std::vector<int>& values)
@@ -42,7 +42,7 @@ std::string faceZone(const std::string& name, const std::string& labelList, cons
 class OFFileZones : public testing::Test
 {
 protected:
-    /// Name, id, part, labels and, behind a slash, flips of each zone of a file.
+    /// Name, part, id, labels and, after a slash, flips of each zone of a file.
     std::string read(Kind kind, const std::string& body, const std::string& format = "ascii")
     {
         folder.write("zones", header("regIOobject", "zones", format) + body);
@@ -70,7 +70,7 @@ protected:
 
 } // namespace
 
-TEST_F(OFFileZones, ListsAreReadInAllTheirFormsAndEmptyCellZonesDropped)
+TEST_F(OFFileZones, ReadsAllFormsOfListsAndDropsEmptyCellZones)
 {
     EXPECT_EQ(read(CELLS, "4\n(\n" + cellZone("none", "0()") + cellZone("long", "List<label> \n3\n(\n4\n5\n6\n)\n") +
                               cellZone("w\xc3\xa4rme", "List<label> 2(16 17)") + cellZone("nil", "List<label> 0()") +
@@ -90,10 +90,10 @@ TEST_F(OFFileZones, ListsAreReadInAllTheirFormsAndEmptyCellZonesDropped)
                    "2\n(\n" + faceZone("a", rawList(NASTY), flips) + faceZone("b", rawList(NASTY), "4{1}") + ")\n",
                    "binary"),
               "a#91: " + shown(NASTY) + "/ b#92: " + shown(NASTY) + "/ ")
-        << "flips of a binary file are passed over";
+        << "binary flip maps are skipped";
 }
 
-// A chunk ends within the labels of a large zone, at each place behind them, and within the zone that follows.
+// A chunk ends within the labels of a large zone, at each place after them, and within the next zone.
 TEST_F(OFFileZones, NothingIsLostAtAChunkBorder)
 {
     const std::vector<int> many(37430, 123456);
@@ -114,29 +114,34 @@ TEST_F(OFFileZones, NothingIsLostAtAChunkBorder)
     EXPECT_TRUE(read(CELLS, "1\n(\n" + cellZone("a", "List<label> 37430(" + rows + ")") + ")\n") == manyShown);
 }
 
-TEST_F(OFFileZones, BrokenZonesAreRefusedAndTold)
+TEST_F(OFFileZones, RefusesAndReportsBrokenZones)
 {
     const std::string problem = "Problem parsing file ";
     const std::string noCount = "problem reading cell Count in cellZone a in file ";
     const std::string badCells = "Invalid number of items in CellZone file. File basename is ";
     const std::string badFaces = "Invalid number of items in FaceZone file. File basename is ";
     const std::string good = faceZone("a", "2\n(\n1\n2\n)", "2{0}");
-    const std::tuple<Kind, std::string, std::string> cases[] = {
-        {CELLS, "2\n(\n" + cellZone("a", "List<label> 2(1 2)"), problem},
-        {CELLS, "1\n(\na\n{\ntype b;\n", problem},
-        {CELLS, "1\n(\n" + cellZone("a", "List<label> 4(1 2)"), problem},
-        {CELLS, "1\n(\n" + cellZone("a", "List<label> (1 2)"), noCount},
-        {CELLS, "1\n(\n" + cellZone("a", "List<label> 100000(1 2)"), badCells},
-        {CELLS, "1000\n(\n" + cellZone("a", "List<label> 2(1 2)"), badCells},
-        {FACES, "1\n(\na\n", ""},
-        {FACES, "1\n(\n" + good.substr(0, good.size() - 4), ""},
-        {FACES, "1\n(\n" + faceZone("a", "200000\n(\n1\n)", "2{0}"), badFaces},
-        {FACES, "1\n(\n" + faceZone("a", "2\n(\n1\n2\n)", "\n200000\n(\n0\n0\n)\n"), badFaces},
-        {FACES, "100000\n(\n" + good, badFaces}};
-    for (const auto& [kind, body, told] : cases) {
+    struct Case
+    {
+        Kind kind;
+        std::string body;
+        std::string error; ///< empty if nothing is logged
+    };
+    const Case cases[] = {{CELLS, "2\n(\n" + cellZone("a", "List<label> 2(1 2)"), problem},
+                          {CELLS, "1\n(\na\n{\ntype b;\n", problem},
+                          {CELLS, "1\n(\n" + cellZone("a", "List<label> 4(1 2)"), problem},
+                          {CELLS, "1\n(\n" + cellZone("a", "List<label> (1 2)"), noCount},
+                          {CELLS, "1\n(\n" + cellZone("a", "List<label> 100000(1 2)"), badCells},
+                          {CELLS, "1000\n(\n" + cellZone("a", "List<label> 2(1 2)"), badCells},
+                          {FACES, "1\n(\na\n", ""},
+                          {FACES, "1\n(\n" + good.substr(0, good.size() - 4), ""},
+                          {FACES, "1\n(\n" + faceZone("a", "200000\n(\n1\n)", "2{0}"), badFaces},
+                          {FACES, "1\n(\n" + faceZone("a", "2\n(\n1\n2\n)", "\n200000\n(\n0\n0\n)\n"), badFaces},
+                          {FACES, "100000\n(\n" + good, badFaces}};
+    for (const auto& [kind, body, error] : cases) {
         const LogCapture log;
         EXPECT_EQ(read(kind, body), "refused") << body;
-        EXPECT_EQ(log.errors(), told.empty() ? std::vector<std::string>()
-                                             : std::vector<std::string>{"OFFile : " + told + path.toStdString()});
+        EXPECT_EQ(log.errors(), error.empty() ? std::vector<std::string>()
+                                              : std::vector<std::string>{"OFFile : " + error + path.toStdString()});
     }
 }

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Extraction from a real stream, which the written out conversions stand for.
+/// Extraction from a real stream, which defines what the conversions must give.
 template <typename Number>
 std::pair<bool, Number> fromStream(const std::wstring& text)
 {
@@ -37,7 +37,7 @@ void expectLikeStream(const std::string& text, bool (*extract)(std::wstring_view
 
 } // namespace
 
-TEST(Numbers, TextsConvertAsExtractionFromAStreamDoes)
+TEST(Numbers, ConvertTextLikeStreamExtraction)
 {
     std::vector<std::string> texts = {""};
     for (const dvn::Str& text :
@@ -67,7 +67,7 @@ TEST(Numbers, TextsConvertAsExtractionFromAStreamDoes)
     }
 }
 
-TEST(Numbers, AWholeTokenIsOneNumberAsTheCLibrarySays)
+TEST(Numbers, ConvertWholeTokensLikeTheCLibrary)
 {
     const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
     for (const dvn::Str& piece :

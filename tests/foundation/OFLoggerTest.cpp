@@ -20,7 +20,7 @@ TEST(OFLogger, EachOperationHasItsLevelAndJoinsGroupAndMessage)
               (std::vector<LogLine>{{1, "OFFile : a"}, {3, "OFFile : b"}, {4, " : w??nde"}, {4, "Group : "}}));
 }
 
-TEST(OFLogger, TextsOfFilesDoNotMultiplyInALine)
+TEST(OFLogger, ExcerptsKeepLinesShort)
 {
     const std::string texts[] = {std::string(200, 'a') + "%2 100% %1", "%2%2%2%2%2%2%2", std::string(500, 'b')};
     EXPECT_EQ(excerpt(texts[0]), texts[0]);

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Names in the order in which the system lists them.
+/// Names in the order in which the file system lists them.
 std::vector<dvn::Str> systemOrder(const fs::path& folder)
 {
     std::vector<dvn::Str> names;
@@ -24,7 +24,7 @@ std::vector<dvn::Str> systemOrder(const fs::path& folder)
 
 } // namespace
 
-TEST(OFUtilities, FoldersAreListedInTheOrderOfTheSystem)
+TEST(OFUtilities, ListsFoldersInSystemOrder)
 {
     TempFolder folder;
     for (const char* name : {"9", "10", "1", "constant", ".hidden", "z\xc3\xa9ro"}) {
@@ -37,7 +37,7 @@ TEST(OFUtilities, FoldersAreListedInTheOrderOfTheSystem)
     for (const dvn::Str& name : systemOrder(folder.path())) {
         paths.push_back(folder.str() + "/" + name);
     }
-    EXPECT_EQ(OFUtilities::filesInFolder(folder.str()), paths) << "sub-folders are entries, too";
+    EXPECT_EQ(OFUtilities::filesInFolder(folder.str()), paths) << "sub-folders are included";
     EXPECT_EQ(OFUtilities::subFolders(folder.str()).size(), 6U);
     for (const char* name : {"missing", "file"}) {
         EXPECT_TRUE(OFUtilities::subFolders(folder.str(name)).empty());
@@ -45,8 +45,9 @@ TEST(OFUtilities, FoldersAreListedInTheOrderOfTheSystem)
     }
 }
 
-// A link's text is taken from the working folder, not from the folder that holds the link.
-TEST(OFUtilities, LinksCountByTheirTextAsItStands)
+// Compatibility (docs/compatibility.md, "links to folders"): the text of a link is resolved against the working folder,
+// not against the folder that holds the link.
+TEST(OFUtilities, ResolvesLinksFromTheWorkingFolder)
 {
     TempFolder folder;
     folder.write("case/target/file", "x");
@@ -66,7 +67,7 @@ TEST(OFUtilities, LinksCountByTheirTextAsItStands)
     fs::current_path(before);
 }
 
-TEST(OFUtilities, PathsAreSplitAtBothSlashes)
+TEST(OFUtilities, SplitsPathsAtBothSlashes)
 {
     const std::array<const char*, 3> cases[] = {{"/a/b.tar.gz", "b.tar.gz", "b.tar"},
                                                 {"a\\b\\c", "c", "c"},

@@ -7,10 +7,11 @@
 
 using dvn::Str;
 
-// A path that holds a percent sign and a digit takes the next argument of its message.
-TEST(Str, ArgumentsFillTheLowestPlaceholderOfTheTextAsItStandsNow)
+// A percent sign and a digit in a path use up the next argument of the message.
+TEST(Str, ArgumentsFillTheLowestPlaceholderOfTheCurrentText)
 {
     EXPECT_EQ(Str("%2 and %1 %1").arg("a").arg("b"), "b and a a");
+    EXPECT_EQ(Str("%0 %1").arg("first").arg("second"), "first second");
     EXPECT_EQ(Str("%10 %9").arg("nine").arg("ten"), "ten nine");
     EXPECT_EQ(Str("%100").arg("x") + Str("%01%1").arg("x"), "x0xx");
     EXPECT_EQ(Str("100% % 1 %% %x %").arg("lost"), "100% % 1 %% %x %");
@@ -19,7 +20,7 @@ TEST(Str, ArgumentsFillTheLowestPlaceholderOfTheTextAsItStandsNow)
     EXPECT_EQ(Str("[%1]").arg(-1.5, -6), "[-1.5  ]");
 }
 
-TEST(Str, NumbersShowSixSignificantDigitsUnlessAskedForOthers)
+TEST(Str, NumbersHaveSixSignificantDigitsByDefault)
 {
     EXPECT_EQ(Str::number(0.12345678), "0.123457");
     EXPECT_EQ(Str::number(1234567.0), "1.23457e+06");
@@ -31,7 +32,7 @@ TEST(Str, NumbersShowSixSignificantDigitsUnlessAskedForOthers)
     EXPECT_NE(Str('a'), Str("b"));
 }
 
-TEST(Str, ParsingReportsAndDefaultsAsCallersCount)
+TEST(Str, ParsingReportsFailureAndReturnsTheDefault)
 {
     bool isNumber = false;
     EXPECT_EQ(Str(" 12abc").toInt(&isNumber), 12);
@@ -45,13 +46,13 @@ TEST(Str, ParsingReportsAndDefaultsAsCallersCount)
     }
 }
 
-TEST(Str, PiecesAndReplacementsAreTakenOnce)
+TEST(Str, SplitsAndReplacesInOnePass)
 {
-    EXPECT_EQ(Str("/a\\\\b/").split("/\\"), (std::vector<Str>{"a", "b"})) << "any delimiter, and no empty piece";
+    EXPECT_EQ(Str("/a\\\\b/").split("/\\"), (std::vector<Str>{"a", "b"})) << "at any delimiter, without empty pieces";
     EXPECT_EQ(Str("a b").split(""), std::vector<Str>{"a b"});
     Str text("aaaa");
     text.replace("aa", "a");
-    EXPECT_EQ(text, "aa") << "what was put in is not searched again";
+    EXPECT_EQ(text, "aa") << "inserted text is not searched again";
     text.replace("", "x");
     text.replace("a", "aa");
     EXPECT_EQ(text, "aaaa");
@@ -67,8 +68,8 @@ TEST(Str, WhiteSpaceIsSixCharacters)
     EXPECT_EQ(Str(" a \n\t b  ").simplified() + Str(" \n ").trimmed(), "a b");
 }
 
-// Paths and names come as bytes of any encoding and must reach the file system as the same bytes.
-TEST(Str, BytesBeyondAsciiComeBackAsUtf8AndShowAsQuestionMarks)
+// Paths and names are bytes in any encoding and must reach the file system unchanged.
+TEST(Str, NonAsciiBytesSurviveUtf8AndPrintAsQuestionMarks)
 {
     std::string all;
     for (int byte = 1; byte < 256; ++byte) {
@@ -84,10 +85,10 @@ TEST(Str, BytesBeyondAsciiComeBackAsUtf8AndShowAsQuestionMarks)
                                                                                    "AZ\xe4");
 }
 
-TEST(Str, PrefixesComeFirstAndBytesBeyondAsciiBeforeAll)
+TEST(Str, PrefixesSortFirstAndNonAsciiBytesBeforeAll)
 {
     EXPECT_LT(Str("a"), Str("ab"));
     EXPECT_LT(Str("B"), Str("a"));
-    EXPECT_LT(Str("\xc3"), Str("A")) << "units of such bytes are negative";
+    EXPECT_LT(Str("\xc3"), Str("A")) << "such bytes become negative units";
     EXPECT_FALSE(Str("a") < Str("a"));
 }

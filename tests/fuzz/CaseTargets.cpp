@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A whole case: an archive of files, opened through the provider, with all that a host asks for.
+// A whole case: an archive of files, opened through the provider and read like a host reads it.
 #include "border/DeliveryCheck.h"
 #include "border/HostNotifications.h"
 #include "border/HostOptions.h"
@@ -16,14 +16,14 @@
 
 namespace {
 
-/// A path and a text for each file. An archive has each file behind a line of "@" and its path.
+/// The path and text of each file. In an archive each file follows a line with "@" and its path.
 using Archive = std::vector<std::pair<std::string, std::string>>;
 
-/// Polyhedra of more face nodes than a byte can tell take more text than this; their tables are cut, as checks would
-/// tell.
+/// A polyhedron with more face nodes than a byte can count takes more text than this. Its tables are cut, which the
+/// checks would report.
 constexpr std::size_t LARGEST_CHECKED = 450;
 
-/// Nothing may be written outside of the case.
+/// Nothing may be written outside the case.
 bool isGoodPath(std::string_view path)
 {
     const auto isGood = [](char c) {
@@ -32,8 +32,7 @@ bool isGoodPath(std::string_view path)
     return path.size() < 80 && path.find("..") == std::string_view::npos && std::ranges::all_of(path, isGood);
 }
 
-/// A field is looked for without what stands behind the last point of its file's name, so ".gz" behind a name with a
-/// point makes another one of it.
+/// The name of a field loses everything from its last dot on, so ".gz" after a name with a dot changes the name.
 bool isSameWithGz(const std::pair<std::string, std::string>& entry)
 {
     return entry.first.find('.', entry.first.rfind('/') + 1) == std::string::npos;
@@ -55,13 +54,15 @@ Archive archiveFrom(std::string_view text)
     return archive;
 }
 
-/// Writes what can be written: a path may need a folder where another has a file.
+/// Writes what can be written: one path may need a folder where another has a file. OpenFOAM never compresses
+/// `uniform/time`, and the library looks for it only under its plain name.
 void write(const Archive& archive, bool isZipped, const TempFolder& folder)
 {
     std::filesystem::create_directories(folder.path() / "case/constant");
     for (const auto& [path, text] : archive) {
+        const bool isPacked = isZipped && !path.ends_with("uniform/time");
         try {
-            folder.write("case/" + path + (isZipped ? ".gz" : ""), isZipped ? gzipped(text) : text);
+            folder.write("case/" + path + (isPacked ? ".gz" : ""), isPacked ? gzipped(text) : text);
         } catch (const std::exception&) {
             continue;
         }
@@ -89,7 +90,7 @@ void addPoll(OpenFoamProvider* provider, Outcome* outcome)
     }
 }
 
-/// All that a host asks for, in its order. A host goes on behind a planned exception.
+/// Makes all requests of a host, in its order. A host continues after a documented exception.
 void askForAll(const std::filesystem::path& folder, const HostOptions& options, bool isChecked, Outcome* outcome)
 {
     OpenFoamProvider provider;
@@ -101,7 +102,7 @@ void askForAll(const std::filesystem::path& folder, const HostOptions& options, 
     if (!isGood || !tolerate(outcome, [&] { provider.getMetaData(&metaData); })) {
         return;
     }
-    // Results stand in the order of the folder's listing, which file systems make as they like.
+    // Results are in the order in which the file system lists the folder.
     std::vector<const HostResultInfo*> results;
     std::transform(metaData.results.begin(), metaData.results.end(), std::back_inserter(results),
                    [](const HostResultInfo& info) { return &info; });
@@ -131,7 +132,7 @@ void askForAll(const std::filesystem::path& folder, const HostOptions& options, 
             }
         }
     }
-    // One time comes and one goes, and the poll behind tells all anew.
+    // One time appears and one disappears; the poll after that announces all states again.
     std::error_code error;
     const std::filesystem::path away = folder.parent_path() / "away";
     std::filesystem::create_directory(folder / "77.5", error);
@@ -145,7 +146,7 @@ void askForAll(const std::filesystem::path& folder, const HostOptions& options, 
     BorderFaults::get().throwIfAny("the provider");
 }
 
-/// Where the form that reads one file after the other succeeds, the other has to read the same.
+/// If the sequential mesh reader succeeds, the parallel one must read the same.
 void compareReaders(const std::filesystem::path& folder)
 {
     const dvn::Str meshFolder((folder / "constant/polyMesh").string());

@@ -22,12 +22,12 @@ enum Flag : std::uint8_t
     LONG = 128
 };
 
-/// Borders of one chunk are met within the first number, those of the passes of parallel readers within the second.
+/// Texts up to the first number cover chunk borders, up to the second also several passes of the parallel readers.
 constexpr std::size_t USUAL_CHUNKS = 2;
 constexpr std::size_t LONG_CHUNKS = 7;
-/// From this length on loops cut their work into pieces, so both numbers of threads are tried whatever the flags say.
+/// From this length on, loops split their work, so both numbers of threads are tried whatever the flags say.
 constexpr std::size_t LONG_TEXT = 60000;
-/// What a caller allocates by itself stays below this.
+/// Upper limit for what the caller allocates.
 constexpr std::size_t MOST_VALUES = 300000;
 
 struct FileRequest
@@ -56,7 +56,7 @@ void runFile(FuzzInput input)
     if (!plain.isDoubtful && ((flags & MANY_THREADS) != 0 || text.size() > LONG_TEXT)) {
         expectEqual(plain, observe(8, read), "eight threads read something else than one");
     }
-    // A plain file that looks like gzip is inflated once, and its gzip form too.
+    // A plain file that looks like gzip is inflated once, and so is its gzip form.
     if ((flags & GZIP) == 0 || text.starts_with("\x1f\x8b")) {
         return;
     }
@@ -64,7 +64,7 @@ void runFile(FuzzInput input)
     folder.write("file.gz", bytes);
     const Outcome zipped = observe(1, read);
     if (!plain.isDoubtful && !zipped.isDoubtful) {
-        expectEqual(plain, zipped, "gzip gives something else than the same bytes as they are");
+        expectEqual(plain, zipped, "gzip gives something else than the plain file");
     }
     if ((flags & DAMAGED_GZIP) != 0) {
         bytes[bytes.size() * choice / 256] ^= static_cast<char>(choice);
@@ -82,9 +82,9 @@ std::string entryOf(std::string_view text, std::string_view key)
     return std::string(text.substr(std::min<std::size_t>(text.size(), 1), text.find_first_of(";\n") - 1));
 }
 
-/// The number in front of the first "(" that follows `name`, as arrays come from a mesh that fits; 0 if there is none
-/// that a mesh could have.
-std::size_t countBehind(std::string_view text, std::string_view name)
+/// The number before the first "(" after `name`: the size of the array in a mesh that fits. 0 if there is none or no
+/// mesh could be that large.
+std::size_t countAfter(std::string_view text, std::string_view name)
 {
     text.remove_prefix(std::min(text.find(name), text.size()));
     text = text.substr(0, text.find('('));
@@ -94,7 +94,7 @@ std::size_t countBehind(std::string_view text, std::string_view name)
     return count > MOST_VALUES / 9 ? 0 : count;
 }
 
-/// Opens a text of one chunk for a list that is read in this thread, and stands behind its "(".
+/// Opens a text of one chunk to read its list on this thread, and moves past the "(" of the list.
 bool openAtList(const FileRequest& request, OFFile* file)
 {
     int ignored = 0;
@@ -102,7 +102,7 @@ bool openAtList(const FileRequest& request, OFFile* file)
            file->skipAfterNext('(') && file->skipEmptyLines();
 }
 
-/// What faces say of themselves: behind the last of them `nodes` may have slack.
+/// The labels of all faces, without the slack after the last one.
 Outcome asOutcome(const FacesData& faces)
 {
     Outcome outcome;
@@ -130,8 +130,8 @@ void readPoints(const FileRequest& request, Outcome* outcome)
     std::vector<double> points;
     const bool isRead = OFFile(request.hasHeader).readVectorField(request.path, "points", &points);
     outcome->add(isRead, points);
-    // The road of one thread takes more forms of vectors, but where both took the whole list they agree. Zeros at the
-    // end may stand for vectors that the other road has refused.
+    // The sequential reader accepts more forms of vectors, but if both read the whole list they must agree. Zeros at
+    // the end may be vectors that the parallel reader refused.
     std::vector<double> walked(points.size());
     OFFile walk(request.hasHeader);
     if (isRead && !points.empty() && points.back() != 0.0 && entryOf(request.text, "format") != "binary" &&
@@ -140,7 +140,7 @@ void readPoints(const FileRequest& request, Outcome* outcome)
         Outcome b;
         a.add(points);
         b.add(walked);
-        expectEqual(a, b, "points come out otherwise when they are read in one thread");
+        expectEqual(a, b, "points differ when they are read on one thread");
     }
 }
 
@@ -148,13 +148,13 @@ void readFaces(const FileRequest& request, Outcome* outcome)
 {
     FacesData faces;
     outcome->add(OFFile(request.hasHeader).readFaceList(request.path, "faces", &faces), asOutcome(faces).bytes);
-    // The parallel road refuses more, so where it took all faces of a list, the other has to as well.
+    // The parallel reader refuses more, so if it accepts all faces of a list, the sequential one must as well.
     FacesData walked = roomFor(faces.faceCount());
     OFFile walk(request.hasHeader);
     if (faces.faceCount() != 0 && faces.nodeOffsets.back() != 0 && openAtList(request, &walk) &&
         (!request.hasHeader || walk.headerMap().at("class") == "faceList")) {
-        expect(walk.readNextFaceListAscii(&walked), "a face is taken by the parallel reader alone");
-        expectEqual(asOutcome(faces), asOutcome(walked), "faces come out otherwise when they are read in one thread");
+        expect(walk.readNextFaceListAscii(&walked), "only the parallel reader accepts a face");
+        expectEqual(asOutcome(faces), asOutcome(walked), "faces differ when they are read on one thread");
     }
 }
 
@@ -194,7 +194,7 @@ void readFaceZones(const FileRequest& request, Outcome* outcome)
     }
 }
 
-/// The class is that of the file, but for some, and the arrays fit the counts in the file, mostly.
+/// Usually the class is that of the file and the arrays fit its counts; some inputs differ on purpose.
 void readField(const FileRequest& request, Outcome* outcome)
 {
     std::string className = entryOf(request.text, "class");
@@ -203,17 +203,17 @@ void readField(const FileRequest& request, Outcome* outcome)
     }
     const bool isTensor = className.find("Tensor") != std::string::npos;
     const std::size_t components = className.find("Vector") != std::string::npos ? 3 : isTensor ? 6 : 1;
-    const std::size_t items = std::max<std::size_t>(countBehind(request.text, "internalField"), 3);
+    const std::size_t items = std::max<std::size_t>(countAfter(request.text, "internalField"), 3);
     std::vector<double> values(items * components + (request.choice % 16 == 14 ? 1 : 0), -1.0);
     std::vector<OFBoundary> patches;
     std::vector<std::vector<double>> patchValues;
     for (const char* const name : {"inlet", "wall", "frontAndBack"}) {
-        const std::size_t faces = std::max<std::size_t>(countBehind(request.text, name), 4);
+        const std::size_t faces = std::max<std::size_t>(countAfter(request.text, name), 4);
         OFBoundary& patch = patches.emplace_back();
         patch.setPatchName(name);
         patch.createFaceToCellMapping(faces);
         patch.createNodeFaceToNodeMapping(faces);
-        // Some point to nothing, as those of an older mesh.
+        // Some point to nothing, like those of an older mesh.
         for (std::size_t i = 0; i < faces; ++i) {
             patch.cellIndex(i) = static_cast<int>(7 * i) - 3;
             patch.nodeIndex(i) = static_cast<int>(5 * i);
@@ -225,7 +225,7 @@ void readField(const FileRequest& request, Outcome* outcome)
     outcome->add(isRead, file.interiorWasRead(), values, patchValues);
 }
 
-/// The header, block after block, and what may stand behind it.
+/// The header, block after block, and what may follow it.
 void readHeaders(const FileRequest& request, Outcome* outcome)
 {
     OFFile file(request.hasHeader);
@@ -242,7 +242,7 @@ void readHeaders(const FileRequest& request, Outcome* outcome)
     outcome->add(file.readDimensions(&tokens), tokens.size(), file.getNextLineStartingWith("internalField", line),
                  line);
     const bool isRead = file.markChunkThenReadChunkStrategy(&values, request.choice % 4 == 0 ? 1 : 3);
-    // In a list that is too short it is left to the threads which lines behind its ";" count.
+    // If a list is too short, scheduling decides which lines after its ";" are used.
     const std::size_t headerEnd = request.hasHeader ? request.text.find('}') : 0;
     if (headerEnd != std::string_view::npos && request.text.find(';', headerEnd) == std::string_view::npos) {
         outcome->add(isRead, values);

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// More than there are cores, so that pieces end in any order.
+/// More than there are cores, so that pieces finish in any order.
 constexpr int MOST_THREADS = 8;
 
 std::mutex logMutex;
@@ -24,16 +24,15 @@ void keepLine(int level, const char* text)
 {
     if (level == 1 || level == 3) {
         const std::lock_guard lock(logMutex);
-        // Up to the times that some of them tell.
+        // Without the run times that some lines report.
         const std::string_view line(text);
         logLines.emplace_back(
             line.substr(0, std::min({line.find("ime used"), line.find("Total time"), line.find("[Parallel] in")})));
     }
 }
 
-/// Where the first chunk of a list starts: behind the "(" that follows the header and the line feeds there. 0 if no
-/// list has started, or there is no whole header in front of it: a long text would then be searched for one line by
-/// line.
+/// Where the first chunk of a list starts: after the first "(" past the header and the line feeds there. 0 if no list
+/// has started or no whole header precedes it, because a long text would then be searched for one line by line.
 std::size_t listStart(const std::string& text)
 {
     const bool isBare = text.find_first_of("0123456789") == 0;
@@ -91,7 +90,7 @@ bool tolerate(Outcome* outcome, const std::function<void()>& call)
     } catch (const std::invalid_argument& error) {
         message = error.what();
     }
-    expect(message == "map::at:  key not found" || message == "stoi", "an exception of other words: " + message);
+    expect(message == "map::at:  key not found" || message == "stoi", "an undocumented exception text: " + message);
     outcome->add(message);
     outcome->isDoubtful = true;
     return false;
@@ -106,7 +105,7 @@ Outcome observe(int threads, const std::function<void(Outcome*)>& call)
     logLines.clear();
     Outcome outcome;
     (threads == 1 ? one : many).execute([&] { tolerate(&outcome, [&] { call(&outcome); }); });
-    // Lines of different workers come in any order.
+    // Lines of different workers arrive in any order.
     std::ranges::sort(logLines);
     outcome.add(logLines);
     outcome.isDoubtful = outcome.isDoubtful || std::ranges::any_of(logLines, [](const std::string& line) {

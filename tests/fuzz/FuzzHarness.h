@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What all fuzz targets share. The same objects are linked with libFuzzer, which looks for inputs, and with a plain
+// Shared by all fuzz targets. The same objects are linked with libFuzzer, which searches for inputs, and with a plain
 // main, which replays the inputs that are kept.
 #pragma once
 
@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <vector>
 
-/// The bytes of one run, taken from the front; a used-up input goes on as zeros.
+/// The bytes of one run, taken from the front. An exhausted input gives zeros.
 class FuzzInput
 {
 public:
@@ -27,22 +27,22 @@ public:
     }
     std::string_view rest() { return text(m_rest.size()); }
     std::uint8_t byte() { return isEmpty() ? std::uint8_t{0} : static_cast<std::uint8_t>(text(1).front()); }
-    /// One of the `end` numbers from 0 on.
+    /// A number from 0 to `end` - 1.
     int below(int end) { return byte() % end; }
 
 private:
     std::string_view m_rest;
 };
 
-/// All that one run delivers, as bytes, so that NaN equals NaN and any two runs can be compared.
+/// Everything that one run delivers, as bytes, so that NaN equals NaN and any two runs can be compared.
 struct Outcome
 {
     std::string bytes;
-    /// What comes of a count that the file cannot hold depends on its form, and what other workers had done when an
-    /// exception ended a call on chance.
+    /// True if the result may differ between two correct runs: the outcome of a count larger than the file depends on
+    /// the file's form, and how far other workers got before an exception depends on chance.
     bool isDoubtful = false;
 
-    /// Adds numbers, texts, and lists of what can be added, each with its length.
+    /// Adds numbers, texts and lists of these, each list with its length.
     template <typename... Items>
     void add(const Items&... items)
     {
@@ -67,24 +67,24 @@ private:
     }
 };
 
-/// Ends the process with the finding unless all is well: for what no sanitizer sees.
+/// Ends the process with the finding unless `isGood`, for faults that no sanitizer detects.
 void expect(bool isGood, const std::string& finding);
 void expectEqual(const Outcome& a, const Outcome& b, const std::string& finding);
 
-/// Makes a call; false, and a note in the outcome, if one of the planned exceptions ended it. Any other passes.
+/// Makes a call. False, with a note in the outcome, if one of the documented exceptions ended it; others pass through.
 bool tolerate(Outcome* outcome, const std::function<void()>& call);
 
-/// Makes a call with so many threads and gathers what it delivers, with its error and info lines.
+/// Makes a call with this number of threads and collects what it delivers, including error and info lines.
 Outcome observe(int threads, const std::function<void(Outcome*)>& call);
 
-/// Writes out the short forms that keep inputs small. Each is an escape character, a letter and a byte k:
+/// Expands the short forms that keep inputs small. Each is an escape character, a letter and a byte k:
 ///
-/// - R repeats the line that ends here, so that it stands there (k + 1)^2 times,
-/// - D stands for 32 (k + 1) digits,
-/// - O makes this the place from which chunks are counted, which at first is the start of the first list,
-/// - P puts line feeds until what follows starts k - 128 bytes behind the border of a chunk.
+/// - R repeats the line that ends here until it is there (k + 1)^2 times,
+/// - D becomes 32 (k + 1) digits,
+/// - O makes this the place from which chunks are counted; before, that is the start of the first list,
+/// - P adds line feeds until the text after it starts k - 128 bytes past the border of a chunk.
 ///
-/// The result grows to no more than `mostChunks` chunks, because long texts cost speed.
+/// The result is at most `mostChunks` chunks long, because long texts are slow.
 std::string expanded(std::string_view text, std::size_t mostChunks);
 inline constexpr char ESCAPE = '\x1b';
 
@@ -94,10 +94,10 @@ struct FuzzTarget
     void (*run)(FuzzInput input);
 };
 
-/// The rows of each source, and of all.
+/// The targets of each source file, and all of them.
 std::vector<FuzzTarget> fileTargets();
 std::vector<FuzzTarget> valueTargets();
 std::vector<FuzzTarget> caseTargets();
 const std::vector<FuzzTarget>& fuzzTargets();
-/// The target of a name; null if there is none.
+/// The target of this name; null if there is none.
 const FuzzTarget* findTarget(std::string_view name);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The entries of libFuzzer. OFP_FUZZ_TARGET in the environment tells the target, so that one program serves all.
+// The entry points of libFuzzer. OFP_FUZZ_TARGET in the environment names the target, so one program serves them all.
 #include "DvnCore/Str.h"
 #include "fuzz/FuzzHarness.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 const FuzzTarget* target = nullptr;
 
-/// Moves the border of the first chunk to `place`, or shifts or takes away the one that is there: more of them only
+/// Moves the border of the first chunk to `place`, or shifts or removes the one that is there. More than one would only
 /// cost time.
 void moveBorder(std::size_t place, char shift, std::string* text)
 {
@@ -30,7 +30,7 @@ void moveBorder(std::size_t place, char shift, std::string* text)
     }
 }
 
-/// Puts a hostile number in place of another, moves line ends to the border of a chunk, or copies or drops a line.
+/// Replaces a number with a hostile one, moves line ends to the border of a chunk, or copies or drops a line.
 void mutate(std::string* text, std::minstd_rand* random)
 {
     // The last one is 4096 digits, which is longer than any number may be.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Runs one target over all inputs of a folder: what libFuzzer would run, where there is no libFuzzer.
+// Runs one target on all inputs of a folder, also where libFuzzer is not available.
 #include "fuzz/FuzzHarness.h"
 #include "support/TempFolder.h"
 

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// Holds a conversion against extraction from a stream in the classic locale, which is its definition.
+/// Compares a conversion with extraction from a stream in the classic locale, which defines it.
 template <typename Number, typename Wide>
 void checkConversion(const dvn::Str& text, Number (dvn::Str::*convert)(bool*) const)
 {
@@ -26,13 +26,13 @@ void checkConversion(const dvn::Str& text, Number (dvn::Str::*convert)(bool*) co
     stream.imbue(std::locale::classic());
     Wide expected = 0;
     stream >> expected;
-    // Only the unsigned conversion has a wider one to hold against, and refuses what that alone takes.
+    // The unsigned conversion is compared with a wider one and refuses what only the wider one accepts.
     const bool isOutside = !std::is_same_v<Number, Wide> && (expected < Wide(0) || expected > Wide(4294967295LL));
     bool isNumber = false;
     const Number number = (text.*convert)(&isNumber);
-    expect(isNumber == (!stream.fail() && !isOutside), "a text is taken for a number, or not");
+    expect(isNumber == (!stream.fail() && !isOutside), "a text is wrongly accepted or refused as a number");
     const bool isKept = isNumber || std::is_same_v<Number, Wide>;
-    expect(static_cast<Wide>(number) == (isKept ? expected : Wide(0)), "a number comes out otherwise than by a stream");
+    expect(static_cast<Wide>(number) == (isKept ? expected : Wide(0)), "a number differs from that of a stream");
 }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to)
@@ -79,7 +79,7 @@ void runStrings(FuzzInput input)
     static_cast<void>(text.arg(c, width).arg(precision).arg(text.toDouble(), width, 'e', precision).toStdString());
 }
 
-/// A label that is not always a good one.
+/// A label, which may be a bad one.
 int labelFrom(std::uint8_t byte)
 {
     return byte == 255 ? -1 : byte == 254 ? std::numeric_limits<int>::max() : byte;
@@ -92,8 +92,8 @@ void addFace(const std::vector<int>& nodes, FacesData* faces)
     faces->nodes.insert(faces->nodes.end(), nodes.begin(), nodes.end());
 }
 
-/// One cell: a reference cell with its faces in any order, turned and seen from either side, and then labels changed at
-/// random; or faces at random.
+/// One cell: a reference cell with its faces in any order, rotated and seen from either side, and some labels changed
+/// at random; or random faces.
 void runCells(FuzzInput input)
 {
     const std::size_t shape = input.byte() % 5U;
@@ -144,11 +144,11 @@ void runCells(FuzzInput input)
     }
     const std::set<int> distinct(data.nodes.begin(), data.nodes.end());
     expect((type == DDP_POLY) == (polys.size() == 1), "face tables of a solid");
-    // Faces that name a node twice pass for those of a solid, if only the numbers come out; but no other node gets in.
+    // Faces that name a node twice can pass for those of a solid if the counts match, but no other node may appear.
     expect(nodes.size() == distinct.size() &&
                std::ranges::includes(distinct, std::set<int>(nodes.begin(), nodes.end())),
-           "an element with other nodes than its faces");
-    expect(type != DDP_POLY || polys.front().faceNodes.size() == data.nodes.size(), "a polyhedron with other faces");
+           "an element has other nodes than its faces");
+    expect(type != DDP_POLY || polys.front().faceNodes.size() == data.nodes.size(), "a polyhedron has other faces");
 }
 
 void addGroup(const HostNodeGroup& nodes, const HostElementGroup& elements, bool isChecked, Outcome* outcome)
@@ -165,7 +165,7 @@ struct RandomMesh
     OFPolymesh mesh;
     OFBoundary patch;
     OFFaceZone zone;
-    /// False if a cell may have more face nodes than a byte can tell: its tables are then cut.
+    /// False if a cell may have more face nodes than a byte can count: its tables are then cut.
     bool fitsBytes = true;
 };
 
@@ -219,12 +219,12 @@ void convert(RandomMesh random, bool (OFPolymeshToDDP::*createMesh)(), Outcome* 
 void runMeshes(FuzzInput input)
 {
     const RandomMesh random = meshFrom(input);
-    const auto road = [&random](int threads, bool (OFPolymeshToDDP::*createMesh)()) {
+    const auto convertWith = [&random](int threads, bool (OFPolymeshToDDP::*createMesh)()) {
         return observe(threads, [&](Outcome* outcome) { convert(random, createMesh, outcome); });
     };
-    const Outcome direct = road(1, &OFPolymeshToDDP::createMesh);
-    expectEqual(direct, road(8, &OFPolymeshToDDP::createMesh), "a mesh depends on the number of threads");
-    expectEqual(direct, road(1, &OFPolymeshToDDP::createMeshInChunks), "a mesh depends on the road");
+    const Outcome direct = convertWith(1, &OFPolymeshToDDP::createMesh);
+    expectEqual(direct, convertWith(8, &OFPolymeshToDDP::createMesh), "a mesh depends on the number of threads");
+    expectEqual(direct, convertWith(1, &OFPolymeshToDDP::createMeshInChunks), "a mesh depends on how it is converted");
 }
 
 } // namespace

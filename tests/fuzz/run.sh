@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Runs all fuzz targets on both cores for so many minutes in all, and tells what each has done and found.
+# Runs the fuzz targets on two cores for MINUTES in total and reports what each one did and found.
 #
 #   tests/fuzz/run.sh MINUTES [TARGET...]
 #
-# New inputs and findings stay below build/asan/fuzz. The exit code is 1 if there is a finding, and 2 for usage.
+# New inputs and findings are kept in build/asan/fuzz. Exit code 1 means a finding, 2 wrong usage.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/../.."
@@ -20,10 +20,11 @@ install_packages $BUILD_PACKAGES $TEST_PACKAGES $CHECK_PACKAGES
 quietly cmake --preset asan || fail "configuring failed"
 quietly cmake --build build/asan --target fuzz_targets || fail "building failed"
 program=$PWD/build/asan/tests/fuzz/fuzz_targets
+corpus=$PWD/build/asan/tests/fuzz/corpus
 work=$PWD/build/asan/fuzz
 targets=${*:-$("$program")}
 
-# Each run writes files by the thousand, so they go to memory where the system has a place for that.
+# Each run writes thousands of files; keep them in memory where the system offers a place for that.
 files=$(mktemp -d /dev/shm/fuzz-XXXXXX 2>/dev/null || mktemp -d)
 trap 'rm -rf "$files"' EXIT
 
@@ -35,14 +36,14 @@ run_target()
     local most=4096
     [[ $1 == case ]] && most=8192
     mkdir -p "$work/corpus/$1" "$work/findings"
-    # A leak would show at the end of the suite's replay; looking for it after each run costs half of the speed.
+    # The suite's replay reports leaks when it ends; checking after each input would halve the speed.
     OFP_FUZZ_TARGET=$1 TMPDIR=$files ASAN_OPTIONS=quarantine_size_mb=16 nice -n 10 "$program" -max_len=$most \
         -max_total_time="$seconds" -dict=tests/fuzz/words.dict -print_final_stats=1 -detect_leaks=0 -timeout=60 -report_slow_units=60 \
         -malloc_limit_mb=1024 -entropic_scale_per_exec_time=1 -artifact_prefix="$work/findings/$1-" \
-        "$work/corpus/$1" "tests/fuzz/corpus/$1" >"$work/$1.log" 2>&1 || true
+        "$work/corpus/$1" "$corpus/$1" >"$work/$1.log" 2>&1 || true
 }
 export -f run_target
-export program work files seconds
+export program corpus work files seconds
 rm -rf "$work/findings"
 xargs -n 1 -P 2 bash -c 'run_target "$0"' <<<"$targets"
 
@@ -57,9 +58,8 @@ for target in $targets; do
         /stat::average_exec_per_sec/ { speed = $2 }
         END { printf "%-14s %12d %9d %7d %9d %9d\n", name, runs, speed, edges, features, found }' "$work/$target.log"
 done
-echo "New inputs are in build/asan/fuzz/corpus. To keep those of a target that reach something new:"
-echo "  OFP_FUZZ_TARGET=T build/asan/tests/fuzz/fuzz_targets -set_cover_merge=1 tests/fuzz/corpus/T build/asan/fuzz/corpus/T"
+echo "New inputs are in build/asan/fuzz/corpus; tests/fuzz/README.md says how to keep them."
 if ((found > 0)); then
-    echo "Findings are in build/asan/fuzz/findings, and what was said of them in build/asan/fuzz/TARGET.log."
+    echo "Findings are in build/asan/fuzz/findings, and their reports in build/asan/fuzz/TARGET.log."
     exit 1
 fi

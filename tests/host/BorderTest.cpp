@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A provider of two settings.
+/// A provider with two settings.
 HostProviderInfo describedProvider()
 {
     HostProviderInfo provider;
@@ -16,7 +16,7 @@ HostProviderInfo describedProvider()
     return provider;
 }
 
-/// The code and message with which a piece of work ends; good if it ends without.
+/// The exit code and message of the error that ends a piece of work; good if there is none.
 template <typename Work>
 std::pair<ExitCode, std::string> outcomeOf(Work work)
 {
@@ -28,7 +28,7 @@ std::pair<ExitCode, std::string> outcomeOf(Work work)
     }
 }
 
-/// Lets the faulty library have a fault for as long as this lives.
+/// Gives the faulty library a fault during its own lifetime.
 struct Fault
 {
     explicit Fault(const char* name) { setenv("FAULT", name, 1); }
@@ -37,7 +37,7 @@ struct Fault
 
 } // namespace
 
-TEST(HostOptions, TakeTheFormsOfABooleanAndTheLastOfSeveralValues)
+TEST(HostOptions, AcceptBooleanFormsAndTheLastOfSeveralValues)
 {
     const HostProviderInfo provider = describedProvider();
     for (const std::string text : {"on", "ON", "True", "yes", "1", "off", "Off", "false", "NO", "0"}) {
@@ -46,7 +46,7 @@ TEST(HostOptions, TakeTheFormsOfABooleanAndTheLastOfSeveralValues)
     }
     const HostOptions options = HostOptions::parse({"TEXT=a", "TEXT=U=V;p=q"}, provider);
     EXPECT_STREQ(options.stringOption(DDPString("TEXT"))->c_str(), "U=V;p=q");
-    EXPECT_FALSE(options.hasOption(DDPString("FLAG"))) << "not given, so the provider's default has to stand";
+    EXPECT_FALSE(options.hasOption(DDPString("FLAG"))) << "not given, so the provider's default applies";
     const std::pair<const char*, const char*> mistakes[] = {{"FLAG", "--set: 'FLAG' is not of the form KEY=VALUE"},
                                                             {"FLAG=2", "--set: FLAG is on or off, not '2'"},
                                                             {"flag=on",
@@ -59,7 +59,7 @@ TEST(HostOptions, TakeTheFormsOfABooleanAndTheLastOfSeveralValues)
     }
 }
 
-TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
+TEST(PluginLibrary, RunsTheFullStartSequence)
 {
     HostLog::get().clear();
     const Fault lines("log lines");
@@ -78,7 +78,7 @@ TEST(PluginLibrary, RunsTheWholeStartOfTheInterface)
                         std::string("the library uses version 8 of the interface, this host version 7")));
 }
 
-TEST(OpenedCase, NamesTheFaultOfABadLibrary)
+TEST(OpenedCase, ReportsTheFaultOfABadLibrary)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -87,14 +87,14 @@ TEST(OpenedCase, NamesTheFaultOfABadLibrary)
     const std::string broken = "the library delivered broken arrays: ";
     const std::pair<const char*, std::string> faults[] = {
         {"throws", "init threw: thrown on purpose"},
-        {"reads what is not given", "init: the boolean setting FLAG was read but not given"},
+        {"reads a missing setting", "init: the boolean setting FLAG was read but not given"},
         {"reserved row", "getMetaData: a reserved row of DDPMetaData was called"},
         {"lost group", broken + "geometry: 2 element groups for 3 declared groups"},
         {"node out of range", broken + "default_region: connectivity out of range"},
         {"group made on a worker", "getGeometry: addNodeGroup was called on a worker thread"},
         {"lost value", broken + "default_region: 1 values of result Pressure for 2 items"}};
     PluginLibrary library(FAULTY_PLUGIN);
-    for (const auto& [name, told] : faults) {
+    for (const auto& [name, message] : faults) {
         const Fault fault(name);
         const auto outcome = outcomeOf([&] {
             const HostOptions options;
@@ -102,6 +102,6 @@ TEST(OpenedCase, NamesTheFaultOfABadLibrary)
             opened.geometry();
             (void)opened.result(opened.metaData().results[0], 1);
         });
-        EXPECT_EQ(outcome.second, told);
+        EXPECT_EQ(outcome.second, message);
     }
 }

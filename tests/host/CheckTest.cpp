@@ -13,22 +13,22 @@ namespace {
 struct Seed
 {
     const char* fault;
-    const char* check; ///< claims to find it, and on which sample
+    const char* check; ///< that must find it, and the sample
     int code = 1;
 };
 
-// Every check stands here once at least.
+// Every check is listed at least once.
 const std::vector<Seed> SEEDS = {{"another version when loaded again", "load.twice"},
                                  {"no refusal", "load.refused"},
                                  {"another provider's name", "info.descriptor"},
                                  {"one setting more", "info.settings"},
                                  {"every path", "info.paths"},
                                  {"values of the load", "load.case@hex"},
-                                 {"asks for more", "init.settings@hex"},
+                                 {"asks for another setting", "init.settings@hex"},
                                  {"state before the title", "metadata.order@hex"},
-                                 {"group id that goes down", "metadata.groups@hex"},
-                                 {"state of no id", "metadata.states@hex"},
-                                 {"result of no kind", "metadata.results@hex"},
+                                 {"descending group id", "metadata.groups@hex"},
+                                 {"state without id", "metadata.states@hex"},
+                                 {"result without kind", "metadata.results@hex"},
                                  {"nodes set twice", "geometry.order@hex"},
                                  {"group made on a worker", "geometry.threads@hex"},
                                  {"nodes set on two threads", "geometry.threads@hex"},
@@ -58,7 +58,7 @@ const std::vector<Seed> SEEDS = {{"another version when loaded again", "load.twi
                                  {"lost updates", "poll.foreign@hex"},
                                  {"prints", "silence.output@hex"},
                                  {"writes into the case", "silence.files@hex"},
-                                 {"writes where it stands", "silence.files@hex"},
+                                 {"writes into the working folder", "silence.files@hex"},
                                  {"sets the locale", "silence.process@hex"},
                                  {"changes the folder", "silence.process@hex"},
                                  {"crash", "geometry.ids@hex", 5},
@@ -71,7 +71,7 @@ ProgramRun check(const TempFolder& folder, const std::string& fault, const std::
 
 } // namespace
 
-TEST(Check, FindsEachSeededFaultAndNothingWithoutOne)
+TEST(Check, FindsEverySeededFaultAndNothingElse)
 {
     const TempFolder folder;
     std::set<std::string_view> unseeded = {"load.symbols"};
@@ -98,7 +98,7 @@ TEST(Check, PassesTheRealLibraryOnAllSamples)
     EXPECT_NE(result.out.find(" 0 failed\npassed\n"), std::string::npos) << result.out;
 }
 
-TEST(Check, TellsHowToRepeatAndOutlivesACrashAndAHang)
+TEST(Check, SurvivesCrashesAndHangsAndTellsHowToReproduceThem)
 {
     const TempFolder folder;
     const std::string sample = " --include '^(load.twice|metadata.order@hex|geometry.volumes@hex)$'";
@@ -113,7 +113,7 @@ TEST(Check, TellsHowToRepeatAndOutlivesACrashAndAHang)
                             "3 checks: 2 passed, 0 failed, 1 timed out\nfailed\n");
 }
 
-TEST(Check, IsNoCheckOfWhatIsNotThere)
+TEST(Check, RefusesToCheckWhatIsMissing)
 {
     const TempFolder folder;
     EXPECT_EQ(check(folder, "", "--include nonsense").code, 2);

@@ -7,8 +7,8 @@
 
 #include <functional>
 
-// One thing is changed in a sound delivery at a time.
-TEST(DeliveryCheck, FindsEveryWayInWhichArraysDisagree)
+// Each case changes one thing in a sound delivery.
+TEST(DeliveryCheck, FindsEveryDisagreementBetweenArrays)
 {
     using Groups = HostGroups;
     const std::pair<const char*, std::function<void(Groups&)>> damages[] = {
@@ -38,8 +38,8 @@ TEST(DeliveryCheck, FindsEveryWayInWhichArraysDisagree)
     }
 }
 
-// Readers of binary files grow their lists in steps and hand over the unused rest with uniform elements.
-TEST(DeliveryCheck, TakesSlackBehindUniformElementsButNoShortage)
+// Readers of binary files grow their lists in steps and deliver the unused rest with uniform elements.
+TEST(DeliveryCheck, AcceptsSlackAfterUniformElementsButNoShortage)
 {
     HostGroups groups;
     groups.nodes.coordinates.resize(12);

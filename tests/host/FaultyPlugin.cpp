@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Stands before the real library: takes its deliveries into the host's own classes and passes them on, but for the one
-// fault that the environment names. So what a check finds is that fault and nothing else.
+// A proxy of the real library: receives its deliveries in the host's own classes and passes them on with the one fault
+// that FAULT in the environment names. So whatever a check finds is that fault.
 #include "border/HostNotifications.h"
 #include "border/HostResult.h"
 #include "border/PluginLibrary.h"
@@ -27,7 +27,7 @@ bool fault(const char* name)
     return wanted != nullptr && std::string(wanted) == name;
 }
 
-/// Of the process: this file stays mapped when it is closed.
+/// Counted per process: this library stays mapped when it is closed.
 int loads = 0;
 int openings = 0;
 int calls = 0;
@@ -41,7 +41,7 @@ void onTwoThreads(Call call)
     second.join();
 }
 
-/// The faults hit the first cells of the case, or its first patch.
+/// The faults are in the first cells of the case or in its first patch.
 void damage(HostGeometry* geometry)
 {
     HostElementGroup& cells = geometry->elementGroups[0];
@@ -110,11 +110,11 @@ public:
         const std::string path = key.c_str();
         fault("prints") ? void(std::puts("hello")) : void();
         fault("writes into the case") ? void(std::ofstream(path.substr(0, path.rfind('/')) + "/log") << 1) : void();
-        fault("writes where it stands") ? void(std::ofstream("log") << 1) : void();
+        fault("writes into the working folder") ? void(std::ofstream("log") << 1) : void();
         fault("sets the locale") ? void(std::setlocale(LC_ALL, "C.UTF-8")) : void();
         fault("changes the folder") && chdir("/") != 0 ? std::abort() : void();
-        fault("asks for more") ? void(options.hasOption(DDPString("MORE"))) : void();
-        fault("reads what is not given") ? void(options.boolOption(DDPString("FLAG"))) : void();
+        fault("asks for another setting") ? void(options.hasOption(DDPString("MORE"))) : void();
+        fault("reads a missing setting") ? void(options.boolOption(DDPString("FLAG"))) : void();
         fault("throws") ? throw std::runtime_error("thrown on purpose") : void();
         m_open = m_real->init(key, options, error) != 0;
         return m_open ? 1 : 0;
@@ -132,9 +132,9 @@ public:
         fault("reserved row") ? metaData->reserved1() : void();
         fault("state before the title") ? metaData->addState(9, name, 99) : void();
         m_real->getMetaData(metaData);
-        fault("state of no id") ? metaData->addState(0, name, 99) : void();
-        fault("result of no kind") ? void(metaData->addResult(3, 99, name, 1)) : void();
-        fault("group id that goes down") ? metaData->geometryInfo()->addPart(-1, name) : void();
+        fault("state without id") ? metaData->addState(0, name, 99) : void();
+        fault("result without kind") ? void(metaData->addResult(3, 99, name, 1)) : void();
+        fault("descending group id") ? metaData->geometryInfo()->addPart(-1, name) : void();
         return true;
     }
 
@@ -256,5 +256,5 @@ initializeDataProviderPlugin(DDPPluginInitRecord* record)
     return taken || fault("no refusal") ? onExit : nullptr;
 }
 
-/// A symbol that no host asks for, hidden where the library is linked as the real one is.
+/// A symbol that no host uses. It is hidden if the library is linked like the real one.
 extern "C" __attribute__((visibility("default"))) void needlessSymbol() {}

@@ -8,7 +8,7 @@
 
 #include <sys/wait.h>
 
-/// What came of one run of the program.
+/// The result of one run of the program.
 struct ProgramRun
 {
     int code;
@@ -21,7 +21,7 @@ inline std::string inQuotes(const std::filesystem::path& path)
     return " '" + path.string() + "'";
 }
 
-/// Runs the program with the real plug-in, or the one that the arguments name. Redirections behind ours win.
+/// Runs the program with the real plug-in or the one that the arguments name. `redirection` overrides ours.
 inline ProgramRun runProgram(const TempFolder& folder, const std::string& arguments,
                              const std::string& environment = "", const std::string& redirection = "")
 {

@@ -9,7 +9,7 @@ namespace {
 
 using nlohmann::json;
 
-/// The program in a folder of its own, with two cubes and their pressure at the times 0.5 and 1 as its case.
+/// Runs the program on a case of two cubes with a pressure at the times 0.5 and 1.
 class Program : public testing::Test
 {
 protected:
@@ -21,13 +21,13 @@ protected:
         writePressure(m_folder, "1");
     }
 
-    /// Redirections behind ours win.
+    /// `redirection` overrides ours.
     ProgramRun run(const std::string& arguments, const std::string& environment = "",
                    const std::string& redirection = "")
     {
         return runProgram(m_folder, arguments, environment, redirection);
     }
-    /// Runs it on the case with a library that has a fault.
+    /// Runs it on the case with a faulty library.
     ProgramRun runFaulty(const std::string& arguments, const std::string& fault)
     {
         return run(arguments + m_case, "FAULT='" + fault + "' DDP_PLUGIN='" FAULTY_PLUGIN "'");
@@ -39,14 +39,14 @@ protected:
 
 } // namespace
 
-TEST_F(Program, TellsWhatWentWrongByItsExitCode)
+TEST_F(Program, ReportsFailuresByExitCode)
 {
     EXPECT_EQ(run("info --counts" + m_case).code, 0);
     EXPECT_EQ(run("info --help").code + run("--version").code, 0);
     EXPECT_EQ(run("info" + inQuotes(m_folder / "system")).code, 3);
     EXPECT_EQ(run("info" + inQuotes(m_folder / "other.file")).code, 3);
     for (const char* const fault :
-         {"throws", "reads what is not given", "reserved row", "crash", "lost group", "node out of range"}) {
+         {"throws", "reads a missing setting", "reserved row", "crash", "lost group", "node out of range"}) {
         EXPECT_EQ(runFaulty("info --counts", fault).code, 5) << fault;
     }
     EXPECT_EQ(runFaulty("stats", "lost value").code, 5);
@@ -76,7 +76,7 @@ TEST_F(Program, KeepsDataAndLogApart)
     }
 }
 
-TEST_F(Program, InfoGivesTheTreeAsOneDocument)
+TEST_F(Program, InfoPrintsTheTreeAsOneDocument)
 {
     const ProgramRun result = run("info --counts --json --set LOAD_FACE_ZONES=on" + m_case);
     ASSERT_EQ(result.code, 0) << result.err;
@@ -103,7 +103,7 @@ TEST_F(Program, InfoGivesTheTreeAsOneDocument)
     EXPECT_EQ(names, "hexahedra polyhedra prisms pyramids tetrahedra ");
 }
 
-TEST_F(Program, ExportWritesWhatWasSelectedAndReplacesNoFileUnasked)
+TEST_F(Program, ExportWritesTheSelectionAndOverwritesOnlyOnRequest)
 {
     const std::string command = "export -o" + inQuotes(m_folder / "vtk") + m_case;
     const std::string selected = command + " --state all --result 'PRESSURE_E' --part 'default|left'";
@@ -131,7 +131,7 @@ TEST_F(Program, ExportWritesWhatWasSelectedAndReplacesNoFileUnasked)
     }
 }
 
-TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
+TEST_F(Program, StatsCountsEveryValueOnceAndReportsNonNumbers)
 {
     const std::string options = " --result PRESSURE_E --part 'default|left'";
     EXPECT_EQ(run("stats --csv --state 1" + m_case + options).out,
@@ -149,7 +149,8 @@ TEST_F(Program, StatsCountsEveryValueOnceAndReportsWhatIsNoNumber)
     }
 }
 
-TEST_F(Program, TakesMovedPointsOfSeveralPartsThoughTheFirstStateHasThoseOfOne)
+// Compatibility (docs/compatibility.md, "displacements of state 1"): the first state has the points of only one part.
+TEST_F(Program, AcceptsMovedPointsOfSeveralParts)
 {
     const std::string regions = inQuotes(m_folder / "regions");
     ASSERT_EQ(run("sample --kind regions --cells 60" + regions).code, 0);
@@ -167,7 +168,7 @@ TEST_F(Program, TakesMovedPointsOfSeveralPartsThoughTheFirstStateHasThoseOfOne)
     EXPECT_EQ(run("check --include '^(result|equal|calls)'" + regions).code, 0);
 }
 
-TEST_F(Program, WatchPrintsOneLineANoticeAndEndsWithTheInterrupt)
+TEST_F(Program, WatchPrintsOneLinePerNoticeAndStopsOnInterrupt)
 {
     EXPECT_EQ(runFaulty("watch --interval 0 --count 1", "needless notice").out,
               "update state 7 time 0 \"Time 0.00000 #0\"\n"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Sample cases through the library that ships. Each side checks the other: the cases are made from formulas and the
-// values are compared with those, so what both got wrong in the same way would have to be wrong in the format as well.
+// Sample cases read with the library that ships. Each side checks the other: the cases are written from formulas, and
+// the values are compared with these, so an error goes unnoticed only if both sides misunderstand the format alike.
 #include "border/DeliveryCheck.h"
 #include "border/OpenedCase.h"
 #include "sample/SampleCase.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-// Six digits of a value around 300.
+// Ascii files have six digits, and values are around 300.
 constexpr double ASCII_TOLERANCE = 1e-3;
 
 /// A sample case, written and opened.
@@ -54,7 +54,7 @@ SamplePoint pointOf(const HostNodeGroup& nodes, std::size_t label)
     return {nodes.coordinates[3 * label], nodes.coordinates[3 * label + 1], nodes.coordinates[3 * label + 2]};
 }
 
-/// The cells of all parts.
+/// The number of cells of all parts.
 int cellsOf(const OpenSample& sample)
 {
     std::size_t cells = 0;
@@ -65,7 +65,7 @@ int cellsOf(const OpenSample& sample)
     return static_cast<int>(cells);
 }
 
-/// Checks the temperature at the nodes of all groups of a kind, and tells how many groups that were.
+/// Checks the temperature at the nodes of all groups of a kind and returns the number of these groups.
 int expectTemperatureAtNodes(const OpenSample& sample, const std::string& key, HostGroupKind kind)
 {
     const std::unique_ptr<HostResult> result = sample.resultAtHalf(key);
@@ -89,7 +89,7 @@ constexpr std::array<FoamFormat, 4> ALL_FORMATS = {{{false, false}, {false, true
 
 } // namespace
 
-TEST(RoundTrip, EveryKindInEveryFormatHasItsCellsAndTheRightTemperatures)
+TEST(RoundTrip, EveryKindAndFormatHasItsCellsAndTemperatures)
 {
     for (int number = 0; number < 8; ++number) {
         const auto kind = static_cast<SampleKind>(number);
@@ -97,7 +97,7 @@ TEST(RoundTrip, EveryKindInEveryFormatHasItsCellsAndTheRightTemperatures)
             SCOPED_TRACE(testing::Message()
                          << number << (format.binary ? " binary" : "") << (format.gzip ? " gzip" : ""));
             const OpenSample sample(kind, format);
-            // Regions come beside the whole mesh.
+            // Regions are delivered in addition to the global mesh.
             const int meshes = kind == SampleKind::Regions ? 2 : 1;
             EXPECT_EQ(cellsOf(sample), meshes * sample.report.cells);
             EXPECT_GT(expectTemperatureAtNodes(sample, "POINTT_N*", HostGroupKind::Part), 0);
@@ -106,13 +106,13 @@ TEST(RoundTrip, EveryKindInEveryFormatHasItsCellsAndTheRightTemperatures)
     EXPECT_EQ(expectTemperatureAtNodes(OpenSample(SampleKind::Surface), "TEMPERATURE_N*", HostGroupKind::Surface), 2);
 }
 
-// The temperature is linear in space, so an element has the mean of those of its nodes.
-TEST(RoundTrip, CellsAndPatchesCarryTheTemperatureOfTheirPlace)
+// The temperature is linear in space, so an element has the mean temperature of its nodes.
+TEST(RoundTrip, CellsAndPatchesHaveTheTemperatureAtTheirPlace)
 {
     for (const FoamFormat& format : ALL_FORMATS) {
         const OpenSample sample(SampleKind::Hex, format);
         const std::unique_ptr<HostResult> result = sample.resultAtHalf("TEMPERATURE_E");
-        // The cells, the inlet with a list of values, and the ceiling with another type of list.
+        // The cells, the inlet with one form of list, and the ceiling with another.
         for (const std::size_t group : {0U, 1U, 6U}) {
             const HostElementGroup& elements = sample.geometry().elementGroups[group];
             const HostNodeGroup& nodes = *sample.geometry().nodesOf(elements);
@@ -130,9 +130,9 @@ TEST(RoundTrip, CellsAndPatchesCarryTheTemperatureOfTheirPlace)
     }
 }
 
-// Eight equal cubes around a node: the mean of a field that is linear in space is its value at the node. Binary points
-// that have moved are those of the formula to the last bit.
-TEST(RoundTrip, AveragesAndMovedNodesAreWhatTheFormulasSay)
+// Inner nodes have eight equal cubes around them, whose mean of a linear field is its value at the node. Moved points
+// in binary files match the formula exactly.
+TEST(RoundTrip, AveragesAndMovedNodesMatchTheFormulas)
 {
     const OpenSample sample(SampleKind::Moving, {true, false});
     const std::unique_ptr<HostResult> velocity = sample.resultAtHalf("VELOCITY_N");

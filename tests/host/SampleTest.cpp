@@ -48,7 +48,7 @@ TEST(FoamOutput, PrintsNumbersAsOpenFoamDoes)
     EXPECT_EQ(fileBytes(folder / "numbers"), expected);
 }
 
-// Readers pass over line feeds behind the "(" of a binary list, so a list whose data begin with that byte is lost.
+// Readers skip line feeds after the "(" of a binary list, so a list whose data begin with that byte would be shifted.
 TEST(SampleCase, NoBinaryListBeginsWithALineFeed)
 {
     const TempFolder folder;
@@ -65,12 +65,12 @@ TEST(SampleCase, NoBinaryListBeginsWithALineFeed)
     }
 }
 
-TEST(SampleCase, LeavesAFolderInUseAlone)
+TEST(SampleCase, ReplacesACaseOnlyOnRequest)
 {
     const TempFolder folder;
     writeCase(folder / "case", SampleKind::Hex, {}, 60);
     EXPECT_THROW(writeCase(folder / "case", SampleKind::Hex, {}, 60), HostError);
-    // A compressed file left over from before would hide the new plain one.
+    // A leftover compressed file would hide the new plain one.
     writeCase(folder / "case", SampleKind::Hex, {false, true}, 60, true);
     EXPECT_FALSE(fs::exists(folder / "case/0/T"));
     writeCase(folder / "case", SampleKind::Hex, {}, 60, true);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// The faces of VTK's cells as its user's guide draws them, each counter-clockwise seen from outside.
+// The faces of VTK's cells as in its user's guide, each counter-clockwise seen from outside.
 const std::map<int, ReferenceFaces> VTK_FACES = {
     {10, {{0, 1, 3}, {1, 2, 3}, {2, 0, 3}, {0, 2, 1}}},
     {12, {{0, 4, 7, 3}, {1, 2, 6, 5}, {0, 1, 5, 4}, {3, 7, 6, 2}, {0, 3, 2, 1}, {4, 5, 6, 7}}},
@@ -36,7 +36,7 @@ std::vector<Value> appendedArray(const std::string& content, const std::string& 
 
 } // namespace
 
-TEST(VtkGrid, EveryShapeKeepsItsVolumeInTheNodeOrderOfVtk)
+TEST(VtkGrid, EveryShapeKeepsItsVolumeInVtkNodeOrder)
 {
     HostGroups groups;
     DeliveredCells().deliverTo(&groups.nodes, &groups.elements);
@@ -44,7 +44,7 @@ TEST(VtkGrid, EveryShapeKeepsItsVolumeInTheNodeOrderOfVtk)
     ASSERT_EQ(grid.types.size(), 5U);
     auto node = grid.connectivity.begin();
     for (std::size_t cell = 0; cell < 4; ++cell) {
-        // The cells share no nodes, so the n-th node of a cell has its label behind those of the cells in front.
+        // Cells share no nodes, so the labels of a cell follow those of the cells before it.
         const ReferenceCell& reference = referenceCells()[cell];
         const auto first = static_cast<int>(node - grid.connectivity.begin());
         ReferenceFaces faces = VTK_FACES.at(grid.types[cell]);
@@ -80,7 +80,7 @@ TEST(VtkFiles, HoldTheArraysToTheLastBit)
     EXPECT_EQ(appendedArray<std::int64_t>(content, "faceoffsets"), (std::vector<std::int64_t>{-1, -1, -1, -1, 31}));
 }
 
-TEST(FileNames, StayInTheirFolderAndApart)
+TEST(FileNames, StayDistinctAndInTheirFolder)
 {
     FileNames names;
     const std::pair<const char*, const char*> cases[] = {{"../etc/passwd", "_.._etc_passwd.vtp"},

@@ -15,7 +15,7 @@ namespace {
 using Ints = std::vector<int>;
 using foamtext::Faces;
 
-/// A mesh of faces alone; point i lies at (i, 2i, -i), and face i has the owner 10 + i.
+/// A mesh of faces without cells. Point i lies at (i, 2i, -i), and face i has the owner 10 + i.
 OFPolymesh meshOfFaces(const Faces& faces, std::size_t pointCount)
 {
     OFPolymesh mesh;
@@ -72,7 +72,7 @@ TEST(BoundaryGroup, OverlappingPatchesShareTheFacesOfTheMesh)
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, 12}));
 }
 
-TEST(BoundaryGroup, FacesOfAPatchGetNodesOfTheirOwn)
+TEST(BoundaryGroup, PatchesGetTheirOwnNodes)
 {
     const OFPolymesh mesh =
         meshOfFaces({{0, 1, 2}, {7, 3, 9, 12}, {12, 9, 4}, {3, 7, 12, 5, 6}, {4, 9}, {0, 1, 2}}, 13);
@@ -91,7 +91,7 @@ TEST(BoundaryGroup, FacesOfAPatchGetNodesOfTheirOwn)
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, 12, 13, 14}));
 }
 
-TEST(BoundaryGroup, APatchBeyondTheMeshIsDeliveredAsFarAsThereAreFaces)
+TEST(BoundaryGroup, DeliversOnlyTheFacesThatExist)
 {
     const OFPolymesh mesh = meshOfFaces({{0, 1, 2}, {1, 2, 3}, {2, 3, 4}}, 5);
     struct Case
@@ -112,7 +112,7 @@ TEST(BoundaryGroup, APatchBeyondTheMeshIsDeliveredAsFarAsThereAreFaces)
         OFBoundary boundary = patch(start, count);
         EXPECT_EQ(deliver(mesh, &boundary).elementCount, cells.size());
         EXPECT_EQ(boundary.faceToCellMapping(), cells) << start << " " << count;
-        EXPECT_EQ(boundary.faceCount(), count) << "what the file claims stays: the mesh may be read again";
+        EXPECT_EQ(boundary.faceCount(), count) << "the claim of the file stays, as the mesh may be read again";
     }
     OFPolymesh shortOwners = mesh;
     shortOwners.owners().resize(2);
@@ -121,7 +121,7 @@ TEST(BoundaryGroup, APatchBeyondTheMeshIsDeliveredAsFarAsThereAreFaces)
     EXPECT_EQ(boundary.faceToCellMapping(), (Ints{11, -1}));
 }
 
-TEST(FaceZoneGroup, FacesComeInTheOrderOfTheZoneAllWithIdZero)
+TEST(FaceZoneGroup, DeliversFacesInZoneOrderAllWithIdZero)
 {
     OFPolymesh mesh = meshOfFaces({{0, 1, 2, 3}, {4, 5, 6, 7}, {2, 3, 8}, {0, 8, 2}}, 9);
     OFFaceZone zone;
@@ -138,11 +138,10 @@ TEST(FaceZoneGroup, FacesComeInTheOrderOfTheZoneAllWithIdZero)
     zone.faceIds() = Ints(100, 0);
     EXPECT_TRUE(OFPolymeshToDDP(&mesh).populateFaceZoneGroup(zone, &got.nodes, &got.nodeCount, &got.elements,
                                                              &got.elementCount));
-    EXPECT_EQ(got.elementCount, 3U) << "14 labels are all that the mesh has";
+    EXPECT_EQ(got.elementCount, 3U) << "the mesh has only 14 labels";
 }
 
-// Nodes close together and far apart are numbered in different ways, and few are sorted in another way than many; the
-// host must not see it.
+// Different code numbers dense and sparse nodes, and sorts few and many. The host must not see a difference.
 TEST(FaceGroups, NumberingIsAscendingForAnySpreadOfLabels)
 {
     std::mt19937 random(3);

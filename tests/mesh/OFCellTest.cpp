@@ -9,18 +9,16 @@
 #include <numeric>
 #include <random>
 #include <set>
-#include <tuple>
 
 namespace {
 
-using FaceSizes = std::vector<std::uint8_t>;
 using Nodes = std::vector<int>;
 using foamtext::Faces;
 
-/// A cell as its mesh has it.
+/// A cell and the faces of its mesh.
 struct CellInMesh
 {
-    /// Bit i of `owned` tells on which side of face i the cell lies.
+    /// Bit i of `owned` is set if the cell owns face i.
     CellInMesh(const Faces& fileFaces, unsigned owned) : faces(foamtext::packed(fileFaces))
     {
         for (std::size_t i = 0; i < fileFaces.size(); ++i) {
@@ -38,7 +36,7 @@ struct CellInMesh
 
 constexpr unsigned ALL_OWNED = ~0U;
 
-/// The faces of a reference cell as a file lists them, in the given order and begun at some node.
+/// The faces of a reference cell as in a file: in the given order, each starting at some node.
 Faces arranged(const ReferenceCell& reference, const std::vector<std::size_t>& order, unsigned owned, int turn)
 {
     Faces faces;
@@ -54,7 +52,7 @@ Faces arranged(const ReferenceCell& reference, const std::vector<std::size_t>& o
 
 } // namespace
 
-// The order in which faces reach a cell is not fixed, nor is the side that it lies on; a wrong node tears the element.
+// The order in which faces reach a cell is not fixed, nor is its side of them. A wrong node order tears the element.
 TEST(CellOrdering, EverySolidKeepsItsVolumeForAllFaceOrdersAndSides)
 {
     for (const ReferenceCell& reference : referenceCells()) {
@@ -77,30 +75,8 @@ TEST(CellOrdering, EverySolidKeepsItsVolumeForAllFaceOrdersAndSides)
     }
 }
 
-TEST(CellOrdering, EachSolidHasAQuestionAndAnOrderOfItsOwn)
-{
-    using Question = bool (*)(std::size_t, const FaceSizes*);
-    using Order = bool (*)(const CellFaceVector*, const FacesData*, Nodes*);
-    const std::tuple<DDPElementType, Question, Order> solids[] = {
-        {DDP_TETRAHEDRON, OFCell::isTetrahedron, OFCell::orderTetrahedronNodes},
-        {DDP_PYRAMID, OFCell::isPyramid, OFCell::orderPyramidNodes},
-        {DDP_PENTAHEDRON, OFCell::isPentahedron, OFCell::orderPentahedronNodes},
-        {DDP_HEXAHEDRON, OFCell::isHexahedron, OFCell::orderHexahedronNodes}};
-    for (const ReferenceCell& reference : referenceCells()) {
-        CellInMesh cell(reference.faces, ALL_OWNED);
-        for (const auto& [type, is, order] : solids) {
-            const bool isSame = type == reference.type;
-            EXPECT_EQ(is(reference.points.size(), &cell.faces.nodeCounts), isSame);
-            Nodes nodes(reference.points.size());
-            if (isSame && order(&cell.cell.cellFaces(), &cell.faces, &nodes)) {
-                EXPECT_NEAR(signedVolume(type, reference.points, nodes), reference.volume(), 1e-12);
-            }
-        }
-    }
-}
-
-// Worked by hand. Faces that do not form their solid fail, and leave the nodes that have no place sorted behind.
-TEST(CellOrdering, TheFirstSuitableFaceIsTheBase)
+// Worked by hand. Faces that do not form their solid are refused; the nodes without a place come last, sorted.
+TEST(CellOrdering, FirstSuitableFaceIsTheBase)
 {
     struct Case
     {
@@ -130,7 +106,7 @@ TEST(CellOrdering, TheFirstSuitableFaceIsTheBase)
     }
 }
 
-// The nodes of a hexahedron are not counted one by one; on cells that are none, or are torn, this must not show.
+// Nodes of hexahedra are not counted one by one, which must not show in cells that only resemble one.
 TEST(CellOrdering, DegenerateHexahedraAreTypedByTheirDistinctNodes)
 {
     std::mt19937 random(7);
@@ -155,7 +131,7 @@ TEST(CellOrdering, DegenerateHexahedraAreTypedByTheirDistinctNodes)
     EXPECT_TRUE(hexahedra > 1000 && hexahedra < 19000);
 }
 
-// Each ordering can be asked for any cell, so none may rely on faces that only its own shape has.
+// Any ordering can be requested for any cell, so none may rely on faces that only its own shape has.
 TEST(CellOrdering, RefusesCellsAndNodesThatAreTooSmall)
 {
     const std::vector<Faces> cells = {
@@ -163,7 +139,7 @@ TEST(CellOrdering, RefusesCellsAndNodesThatAreTooSmall)
     for (const DDPElementType type : {DDP_TETRAHEDRON, DDP_PYRAMID, DDP_PENTAHEDRON, DDP_HEXAHEDRON, DDP_POLY}) {
         for (std::size_t i = 0; i < cells.size(); ++i) {
             CellInMesh input(cells[i], ALL_OWNED);
-            input.faces.nodes.shrink_to_fit(); // so that a label too many is seen
+            input.faces.nodes.shrink_to_fit(); // so that the sanitizers see an overrun
             Nodes nodes(8);
             const bool hasApex = (type == DDP_PYRAMID || type == DDP_TETRAHEDRON) && i == 4;
             EXPECT_EQ(OFCell::orderElementNodes(type, &input.cell.cellFaces(), &input.faces, &nodes), hasApex);
@@ -174,7 +150,7 @@ TEST(CellOrdering, RefusesCellsAndNodesThatAreTooSmall)
     EXPECT_FALSE(OFCell::orderHexahedronNodes(&cube.cell.cellFaces(), &cube.faces, &tooFew));
 }
 
-// Above some size the distinct nodes are sorted another way, and labels that hash alike must not be lost.
+// Nodes of large cells are sorted another way, and labels with equal hashes must not be lost.
 TEST(CellTables, DistinctNodesOfLargeCellsAreComplete)
 {
     for (const int count : {20, 22, 100, 2000}) {

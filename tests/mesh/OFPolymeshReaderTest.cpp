@@ -26,7 +26,7 @@ void expectEqual(const OFPolymesh& mesh, const OFPolymesh& expected)
 
 } // namespace
 
-TEST(PolymeshReader, EveryFormGivesTheMesh)
+TEST(PolymeshReader, EveryFormGivesTheSameMesh)
 {
     const TempFolder folder;
     const OFPolymesh expected = octahedronMesh(2);
@@ -48,7 +48,7 @@ TEST(PolymeshReader, EveryFormGivesTheMesh)
     }
 }
 
-TEST(PolymeshReader, GoesOnWithoutFilesThatCannotBeRead)
+TEST(PolymeshReader, ContinuesWithoutUnreadableFiles)
 {
     const TempFolder folder;
     const OFPolymesh expected = hexahedronMesh(2, 2, 1);
@@ -64,19 +64,19 @@ TEST(PolymeshReader, GoesOnWithoutFilesThatCannotBeRead)
     const LogCapture log;
     mesh = OFPolymesh();
     EXPECT_TRUE(reader.read(folder.str("noNote"), &mesh));
-    EXPECT_EQ(mesh.cellCount(), 0U) << "the count of the mesh read before";
+    EXPECT_EQ(mesh.cellCount(), 0U) << "not the count of the mesh read before";
     EXPECT_EQ(mesh.neighbors(), expected.neighbors());
     EXPECT_THROW((void)reader.readPolymeshSeq(folder.str("noNote"), &mesh), std::out_of_range);
 
     mesh = OFPolymesh();
     EXPECT_TRUE(reader.read(folder.str("missing"), &mesh));
     EXPECT_EQ(mesh.cellCount(), 0U);
-    EXPECT_EQ(log.errors().size(), 5U) << "one for the note and one for each missing file";
+    EXPECT_EQ(log.errors().size(), 5U) << "one for the note and one per missing file";
     EXPECT_FALSE(reader.readPolymeshSeq(folder.str("missing"), &mesh));
 }
 
-// Only a missing note is put up with. A header without its class is none, and hosts know that by the exception.
-TEST(PolymeshReader, HeadersWithoutObjectOrClassAreNotPassedOver)
+// Only a missing note is tolerated. Compatibility (docs/compatibility.md, "the exception text").
+TEST(PolymeshReader, HeadersWithoutObjectOrClassThrow)
 {
     const TempFolder folder;
     MeshFiles files = asciiFiles(hexahedronMesh(1, 1, 1));
@@ -91,7 +91,8 @@ TEST(PolymeshReader, HeadersWithoutObjectOrClassAreNotPassedOver)
     }
 }
 
-TEST(PolymeshReader, OnlyTheOwnersTellTheCellsAndOnlyTheSequentialFormCountsThem)
+// The cell count comes from the note of `owner`; that of `neighbour` says 77.
+TEST(PolymeshReader, OnlyTheSequentialReaderRefusesExtraOwners)
 {
     const TempFolder folder;
     OFPolymesh changed = hexahedronMesh(3, 1, 1);

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// All that the host gets of a mesh.
+/// Everything that the host receives of a mesh.
 struct Delivery : HostGroups
 {
     bool isDelivered = false;
@@ -34,7 +34,7 @@ Delivery deliver(OFPolymesh mesh, bool (OFPolymeshToDDP::*convert)() = &OFPolyme
     EXPECT_TRUE(converter.populateNodeGroup(&got.nodes, &got.nodeCount));
     EXPECT_EQ(converter.connectivities(), got.elements.connectivity);
     EXPECT_EQ(got.elementCount, got.elements.elementCount());
-    EXPECT_FALSE(converter.populateElementGroup(&got.elements, &got.elementCount)) << "what was delivered is gone";
+    EXPECT_FALSE(converter.populateElementGroup(&got.elements, &got.elementCount)) << "delivered arrays are gone";
     return got;
 }
 
@@ -53,7 +53,7 @@ void expectVolumes(const Delivery& got, const std::vector<double>& expected)
     }
 }
 
-/// Twelve cells, each alone: solid after solid, but every fifth lacks a face, which makes it a polyhedron.
+/// Twelve separate solids, of which every fifth lacks a face and so is a polyhedron.
 OFPolymesh mixedMesh()
 {
     MeshJoiner joiner;
@@ -74,7 +74,7 @@ OFPolymesh mixedMesh()
     return joiner.join();
 }
 
-/// Faces, owners and neighbours at random, with labels, counts and offsets that point to nothing among them.
+/// Random faces, owners and neighbours; some labels, counts and offsets point to nothing.
 OFPolymesh damagedMesh(unsigned seed)
 {
     std::mt19937 random(seed);
@@ -101,7 +101,7 @@ OFPolymesh damagedMesh(unsigned seed)
 
 } // namespace
 
-TEST(MeshConversion, HexahedraComeWithTheirVolumesIdsAndPoints)
+TEST(MeshConversion, DeliversHexahedraWithVolumesIdsAndPoints)
 {
     const OFPolymesh mesh = hexahedronMesh(5, 4, 5);
     const Delivery got = deliver(mesh);
@@ -115,14 +115,14 @@ TEST(MeshConversion, HexahedraComeWithTheirVolumesIdsAndPoints)
     EXPECT_EQ(got.elements.calls.operations, std::vector<std::string>{"setMixedElements"});
     expectVolumes(got, std::vector<double>(100, 1.0));
     for (std::size_t cell = 0; cell < 100; ++cell) {
-        // The cell's own corner is its least node, so the element stands where its number says.
+        // The lowest node of a cell is its corner, which shows that the element is where its number says.
         const auto element = got.elements.connectivity.begin() + static_cast<std::ptrdiff_t>(8 * cell);
         EXPECT_EQ(*std::min_element(element, element + 8),
                   static_cast<int>(cell % 5 + cell / 5 % 4 * 6 + cell / 20 * 30));
     }
 }
 
-// The face tables must close around each cell, faces outwards, or the host shows holes.
+// The face tables must enclose each cell with outward faces, or the host shows holes.
 TEST(MeshConversion, FaceTablesOfPolyhedraEncloseTheirVolume)
 {
     const Delivery got = deliver(octahedronMesh(3));
@@ -140,10 +140,10 @@ TEST(MeshConversion, FaceTablesOfPolyhedraEncloseTheirVolume)
     }
 }
 
-TEST(MeshConversion, EveryRoadGivesTheSame)
+TEST(MeshConversion, AllWaysToConvertGiveTheSame)
 {
     std::vector<OFPolymesh> meshes = {mixedMesh(), hexahedronMesh(1, 1, 1), octahedronMesh(5),
-                                      // More cells than are built in one go.
+                                      // More cells than one block holds.
                                       hexahedronMesh(260, 260, 1)};
     for (unsigned seed = 0; seed < 60; ++seed) {
         meshes.push_back(damagedMesh(seed));
@@ -163,8 +163,8 @@ TEST(MeshConversion, EveryRoadGivesTheSame)
     }
 }
 
-// A hash can be foreseen, so labels can be chosen that fall into one place; they must neither get lost nor cost time.
-TEST(MeshConversion, LabelsThatHashAlikeAreKeptApart)
+// The hash is predictable, so a file could choose labels that collide. They must neither get lost nor take long.
+TEST(MeshConversion, KeepsLabelsWithEqualHashesApart)
 {
     std::vector<int> alike;
     for (std::uint32_t label = 0; alike.size() < 3000; ++label) {
@@ -180,8 +180,8 @@ TEST(MeshConversion, LabelsThatHashAlikeAreKeptApart)
     EXPECT_TRUE(std::ranges::equal(nodes.sorted(), alike));
 }
 
-// Which cell has which face is asked for some cells at a time.
-TEST(MeshConversion, ACellGetsTheFacesThatNameIt)
+// Faces are assigned to a range of cells at a time.
+TEST(MeshConversion, CellsGetTheFacesThatNameThem)
 {
     using CellFaces = std::multiset<std::tuple<int, int, bool>>;
     OFPolymesh mesh = hexahedronMesh(3, 2, 1);
@@ -207,8 +207,9 @@ TEST(MeshConversion, ACellGetsTheFacesThatNameIt)
     }
 }
 
-// Counts reach the host as bytes. A polyhedron whose counts do not fit must not shift those behind it.
-TEST(MeshConversion, CountsBeyondAByteWrapAndEveryPolyhedronKeepsItsPlace)
+// Compatibility (docs/compatibility.md, "byte tables"): a polyhedron whose counts do not fit a byte must not shift
+// those after it.
+TEST(MeshConversion, CountsTooLargeForAByteWrapWithoutShiftingOthers)
 {
     MeshJoiner joiner;
     joiner.startCell();
@@ -238,10 +239,10 @@ TEST(MeshConversion, CountsBeyondAByteWrapAndEveryPolyhedronKeepsItsPlace)
     EXPECT_EQ(faceTables(deliver(mesh, &OFPolymeshToDDP::createMeshInChunks).elements), faceTables(delivery.elements));
 }
 
-TEST(DamagedMesh, LabelsWithoutAPointLeaveTheirFace)
+TEST(DamagedMesh, DropsLabelsWithoutAPoint)
 {
     OFPolymesh mesh = hexahedronMesh(2, 1, 1);
-    // Face 0 is the one between the two cells, the next belongs to the first cell alone.
+    // Face 0 is between the two cells; the next one belongs only to the first cell.
     mesh.faces().nodes[1] = 12;
     mesh.faces().nodes[4] = -1;
     mesh.faces().nodeOffsets[2] = 43;
@@ -252,7 +253,7 @@ TEST(DamagedMesh, LabelsWithoutAPointLeaveTheirFace)
     EXPECT_EQ(faceTables(delivery.elements)[3].size(), 41U);
 }
 
-TEST(DamagedMesh, OwnersAndNeighboursThatNameNoCellAreSkipped)
+TEST(DamagedMesh, SkipsOwnersAndNeighboursThatNameNoCell)
 {
     OFPolymesh mesh = hexahedronMesh(3, 1, 1);
     const Delivery sound = deliver(mesh);
@@ -270,7 +271,7 @@ TEST(DamagedMesh, OwnersAndNeighboursThatNameNoCellAreSkipped)
     EXPECT_EQ(faceTables(delivery.elements)[1], (std::vector<int>{5, 5}));
 }
 
-TEST(DamagedMesh, CellCountStaysWithinWhatFacesCanForm)
+TEST(DamagedMesh, LimitsCellCountToWhatFacesCanForm)
 {
     const LogCapture log;
     OFPolymesh mesh = hexahedronMesh(2, 1, 1);
@@ -284,7 +285,7 @@ TEST(DamagedMesh, CellCountStaysWithinWhatFacesCanForm)
     EXPECT_FALSE(delivery.isDelivered);
     EXPECT_TRUE(delivery.elements.calls.operations.empty());
     EXPECT_EQ(log.infos().size(), 1U);
-    // Points that could not be read: cells without nodes, but as many as there are.
+    // Without points the cells have no nodes but keep their number.
     mesh = hexahedronMesh(2, 1, 1);
     mesh.points().clear();
     EXPECT_EQ(deliver(mesh).elements.types, (std::vector<int>{DDP_POLY, DDP_POLY}));

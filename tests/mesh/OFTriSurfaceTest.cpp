@@ -12,7 +12,7 @@ namespace {
 
 const std::string POINTS = "\n4\n(\n(0 0 0)\n(1 0 0)\n(0 1 0)\n(0 0 1)\n)\n";
 const std::string CENTERS = "\n2\n(\n(0.25 0.25 0)\n(0.5 0.5 0.5)\n)\n";
-/// The count is that of the offsets, one more than faces.
+/// Its count is that of the offsets, one more than there are faces.
 const std::string COMPACT_FACES = "\n3\n(\n3(0 1 2)\n3(1 3 2)\n)\n";
 const std::string FACES = "\n2\n(\n3(0 1 2)\n3(1 3 2)\n)\n";
 
@@ -37,14 +37,14 @@ OFTriSurface surfaceOf(const foamtext::Faces& faces)
 
 } // namespace
 
-TEST(TriSurface, FacesOfTooFewLabelsLeaveRoomForThreeBehindThem)
+TEST(TriSurface, SmallFacesLeaveRoomForThreeLabelsEach)
 {
     OFTriSurface surface = surfaceOf({{0, 1}, {2}});
     EXPECT_EQ(deliver(&surface).elements.connectivity, (std::vector<int>{0, 1, 2}));
-    EXPECT_GE(surface.faces().nodes.capacity(), 6U) << "a host may take three for each";
+    EXPECT_GE(surface.faces().nodes.capacity(), 6U) << "a host may read three labels per face";
 }
 
-TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
+TEST(TriSurface, IsReadWithOrWithoutAHeaderAndDeliveredAsTriangles)
 {
     const TempFolder folder;
     folder.write("bare/points", POINTS);
@@ -65,7 +65,7 @@ TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
         EXPECT_EQ(delivered.nodes.ids, (std::vector<int>{1, 2, 3, 4}));
         EXPECT_EQ(delivered.elements.types, std::vector<int>(2, DDP_TRIANGLE));
         EXPECT_TRUE(delivered.elements.uniform);
-        // The list of a compact file ends in slack, which goes with it.
+        // The list of a compact file ends in slack, which is delivered with it.
         ASSERT_GE(delivered.elements.connectivity.size(), 6U);
         delivered.elements.connectivity.resize(6);
         EXPECT_EQ(delivered.elements.connectivity, (std::vector<int>{0, 1, 2, 1, 3, 2}));
@@ -73,7 +73,7 @@ TEST(TriSurface, IsReadWithAndWithoutAHeaderAndDeliveredAsTriangles)
     }
 }
 
-TEST(TriSurface, AMissingFileFailsTheWhole)
+TEST(TriSurface, FailsIfAFileIsMissing)
 {
     const TempFolder folder;
     folder.write("points", POINTS);
@@ -89,9 +89,10 @@ TEST(TriSurface, AMissingFileFailsTheWhole)
     EXPECT_TRUE(reader.readTriSurfaceSeq(folder.str(), &surface));
 }
 
-TEST(TriSurface, FacesWithoutPointsOrLabelsAreDroppedAndTheOthersKeptAsTheyStand)
+TEST(TriSurface, DropsFacesWithoutPointsOrLabelsAndKeepsTheOthers)
 {
-    // A quadrilateral stays, though hosts see it shift the rest; the last two faces are what a short file leaves.
+    // Compatibility (docs/compatibility.md, "surface elements are triangles"): a quadrilateral stays and shifts the
+    // rest. The last two faces are those that a short file lacks.
     OFTriSurface surface = surfaceOf({{0, 1, 2}, {1, 4, 2}, {}, {0, 1, 2, 3}, {-1, 0, 1}, {3, 2, 1}, {}, {}});
     surface.faces().nodeOffsets[6] = 0;
     surface.faces().nodeOffsets[7] = 0;
@@ -105,7 +106,19 @@ TEST(TriSurface, FacesWithoutPointsOrLabelsAreDroppedAndTheOthersKeptAsTheyStand
     EXPECT_EQ(deliver(&empty).elements.calls.operations, std::vector<std::string>{"setUniformElements"});
 }
 
-TEST(TriSurface, OffsetsThatLeadAstrayReachNothingAndMultiplyNothing)
+// Because of the empty face the others are copied, and nothing after the last one may be taken for its labels.
+TEST(TriSurface, DropsSlackAndFacesThatWereNeverFilled)
+{
+    OFTriSurface surface = surfaceOf({{0, 1, 2}, {}, {3, 2, 1}});
+    surface.faces().nodes.resize(11);
+    EXPECT_EQ(deliver(&surface).elements.connectivity, (std::vector<int>{0, 1, 2, 3, 2, 1}));
+    surface = surfaceOf({{0, 1, 2}, {}});
+    surface.faces().nodes.assign(256, 0);
+    surface.faces().nodeOffsets = {-1, 0};
+    EXPECT_EQ(deliver(&surface).elementCount, 0U);
+}
+
+TEST(TriSurface, WrongOffsetsStayInBoundsAndAddNothing)
 {
     for (const int offset : {-1, 4, 6, 2147483647}) {
         OFTriSurface surface = surfaceOf({{0, 1, 2}, {1, 3, 2}});

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Installs the build, builds examples/minimal_host against the installed tree alone, runs it and the installed ddphost.
+# Installs the build, builds examples/minimal_host against nothing but the installed tree, and runs it and ddphost.
 function(run)
     execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)

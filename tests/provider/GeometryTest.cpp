@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Nodes, elements and the ids of the groups that these show in, for each group in order.
+/// For each group in order: its number of nodes and elements, and the ids of the groups that its elements belong to.
 std::string shapes(const HostGeometry& geometry)
 {
     Texts texts;
@@ -25,7 +25,7 @@ std::string shapes(const HostGeometry& geometry)
     return joined(texts);
 }
 
-TEST(Geometry, LaysGroupsOutAsPartThenPatchesThenFaceZones)
+TEST(Geometry, ListsPartThenPatchesThenFaceZones)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -36,9 +36,9 @@ TEST(Geometry, LaysGroupsOutAsPartThenPatchesThenFaceZones)
     folder.write("constant/polyMesh/cellZones", zones);
     OpenCase openCase(folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     const LogCapture log;
-    // The later zone wins the cell that both hold.
+    // A cell in two zones belongs to the later one.
     EXPECT_EQ(shapes(openCase.geometry()), "12/2: 2 3, 4/1: 4, 12/9: 5 5 5 5 5 5 5 5 5, 4/1: 6");
-    // The cells that the built mesh does not have are no items of the set.
+    // Cells that the mesh does not have are left out of the set.
     HostSet set;
     EXPECT_TRUE(openCase.provider.getSet(1, &set));
     ASSERT_EQ(set.items.size(), 1U);
@@ -51,9 +51,9 @@ TEST(Geometry, LaysGroupsOutAsPartThenPatchesThenFaceZones)
     EXPECT_TRUE(untouched.nodeGroups.empty());
 }
 
-// A mesher may be rewriting the faces while the host asks. The groups of a part that cannot be read are empty, and what
-// was cut for one answer must not be cut for the next.
-TEST(Geometry, IsWholeAgainWhenTheMeshIs)
+// A mesher may be rewriting the faces meanwhile. Groups of an unreadable part are empty, and nothing that was limited
+// for one answer may stay limited for the next.
+TEST(Geometry, RecoversOnceTheMeshIsReadable)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -61,7 +61,7 @@ TEST(Geometry, IsWholeAgainWhenTheMeshIs)
     writeTwoCubes(folder, "constant/region/polyMesh");
     OpenCase openCase(folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     const std::string whole = shapes(openCase.geometry());
-    // Regions have no zones. Which part comes first is up to the file system.
+    // Regions have no zones. The file system decides which part comes first.
     const std::string none = "0/0:, 0/0:, 0/0:, 0/0:";
     const std::string withoutMesh = openCase.groups().starts_with("1 region")
                                         ? "12/2:, 4/1: 2, 12/9: 3 3 3 3 3 3 3 3 3, " + none
@@ -75,8 +75,8 @@ TEST(Geometry, IsWholeAgainWhenTheMeshIs)
     }
 }
 
-// An exception cancels the loops that run beside it, and arrays would go out half made.
-TEST(Geometry, OfAPartIsWholeThoughAnotherPartThrows)
+// An exception cancels TBB loops that share its context, which would deliver half-filled arrays.
+TEST(Geometry, OfAPartIsCompleteIfAnotherPartThrows)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -93,8 +93,8 @@ TEST(Geometry, OfAPartIsWholeThoughAnotherPartThrows)
     EXPECT_EQ(solids, 40 * 40 * 40);
 }
 
-// Real cases, held against the figures of the solvers' own mesh checker and against the host's checks.
-TEST(Geometry, AgreesWithTheCellCountsOfRealCases)
+// Compares real cases with the figures of OpenFOAM's mesh checker, and runs the host's checks on them.
+TEST(Geometry, MatchesTheCellCountsOfRealCases)
 {
     for (const auto& [name, groupCount, cells] :
          std::vector<std::tuple<std::string, std::size_t, std::size_t>>{{"zones", 1 + 3 + 2, 120},

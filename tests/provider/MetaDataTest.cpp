@@ -29,7 +29,7 @@ TEST(MetaData, DeclaresEachGroupByCallsInAFixedOrder)
     EXPECT_EQ(description.description, "Single-Region Simulation");
 }
 
-TEST(MetaData, NumbersTheGroupsOfEachPartBehindItsOwnId)
+TEST(MetaData, NumbersTheGroupsOfEachPartAfterThePart)
 {
     const TempFolder folder;
     writeControlDict(folder);
@@ -39,7 +39,7 @@ TEST(MetaData, NumbersTheGroupsOfEachPartBehindItsOwnId)
     std::filesystem::remove(folder.path() / "processor1/constant/polyMesh/cellZones");
     OpenCase openCase(folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     const std::string declared = openCase.groups();
-    // Folders list in any order; the part without a cell zone is a part, the other a group.
+    // Folders are listed in any order. The part without a cell zone is declared as a part, the other as a group.
     EXPECT_EQ(declared, declared.starts_with("1 processor0")
                             ? "1 processor0 < 0 , 2 z %1 < 1 CellZone, 3 left side < 1 patch, 4 rest < 1 wall, "
                               "5 inner [FZ] < 1 FaceZone, 6 processor1 < 0 , 7 left side < 6 patch, 8 rest < 6 wall, "
@@ -49,7 +49,8 @@ TEST(MetaData, NumbersTheGroupsOfEachPartBehindItsOwnId)
                               "9 inner [FZ] < 5 FaceZone");
 }
 
-TEST(MetaData, SendsNamesBeyondAsciiOnTheRoadThatHostsKnow)
+// Compatibility (docs/compatibility.md, "encoded twice").
+TEST(MetaData, SendsNonAsciiNamesInTheEncodingOfEachField)
 {
     const std::string name = "l\xC3\xA9 %1";
     const std::string twice = "l\xC3\x83\xC2\xA9 %1";
@@ -67,15 +68,15 @@ TEST(MetaData, SendsNamesBeyondAsciiOnTheRoadThatHostsKnow)
         EXPECT_EQ(description.results[0].name, name + " shown");
         EXPECT_EQ(description.results[0].key, "L\xC3\x83\xC2\xA9 %1_E");
     }
-    // The name of a part takes the other road once it has zones.
+    // With zones, the name of the part is encoded twice.
     folder.write(mesh + "/cellZones", zonesFile(false, {{name, {0}}}));
     OpenCase openCase(folder.path(), options);
     EXPECT_EQ(openCase.groups(),
               "1 processor" + twice + " < 0 , 2 " + name + " < 1 CellZone, 3 " + name + " < 1 patch");
 }
 
-// Fields on faces and those in other sub-folders are none.
-TEST(MetaData, NumbersResultsAtTheirFirstAppearance)
+// Fields on faces, and those in other sub-folders, are not results.
+TEST(MetaData, NumbersResultsInOrderOfFirstAppearance)
 {
     const TempFolder folder;
     writeControlDict(folder);

@@ -6,43 +6,42 @@
 
 namespace {
 
-/// What happens to the case, a "+" or "-" and a time folder for each change, and what the next poll tells of it.
+/// Changes of the case, each a "+" or "-" and a time folder, and the notices of the next poll.
 struct Step
 {
     Texts changes;
-    std::string told;
+    std::string notices;
 };
 
 const std::string ALL = "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 2.00000 #2";
 const std::string TEN_LAST = "update 1001 Time 0.00000 #0, update 1002 Time 1.00000 #1, update 1003 Time 10.00000 #2";
 
-/// Each begins with the times 0, 1 and 2, and a mesh that is missing: there are no groups.
+/// Each begins with the times 0, 1 and 2, and without a mesh, so there are no groups.
 const std::vector<std::vector<Step>> SEQUENCES = {
-    // A state at the end is added, and all are told at the next poll.
+    // A state at the end is added. Compatibility (docs/compatibility.md, "announce all on the next poll").
     {{{}, ""},
      {{"+3"}, "add 1004 Time 3.00000 #3"},
      {{"+4"}, ALL + ", update 1004 Time 3.00000 #3"},
      {{}, "add 1005 Time 4.00000 #4"}},
-    // A state in between pushes the tail back.
+    // A state in the middle shifts those after it.
     {{{"+0.5"}, "update 1002 Time 0.50000 #1, add 1004 Time 2.00000 #3"}},
-    // When a state goes, those left are told and then positions.
+    // Compatibility (docs/compatibility.md, "remove one more position").
     {{{"-1"}, "update 1001 Time 0.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3"}},
     // Removal comes before addition.
     {{{"-0", "+5"},
       "update 1001 Time 1.00000 #0, update 1002 Time 2.00000 #1, remove 2, remove 3, add 1003 Time 5.00000 #2"}},
-    // With a state goes the folder at its position in text order: that is 10 in place of 2, so 2 is found gone and 10
-    // is
-    // found new once more.
+    // Compatibility (docs/compatibility.md, "the folder that is forgotten"): with state 2
+    // the folder 10 is forgotten, so 2 is found missing and 10 is found new once more.
     {{{"+10"}, "add 1004 Time 10.00000 #3"},
      {{}, ALL + ", update 1004 Time 10.00000 #3"},
      {{"-2"}, TEN_LAST + ", remove 3, remove 4"},
      {{}, TEN_LAST},
      {{}, TEN_LAST + ", remove 3, update 1003 Time 10.00000 #2, add 1004 Time 10.00000 #3"}},
-    // A folder that is no time is known from then on; when it goes it is found gone at each poll that looks.
+    // A folder that is not a time is remembered; once removed, every poll that looks finds it missing.
     {{{"+other"}, ""}, {{}, ALL}, {{}, ""}, {{"-other"}, ALL + ", remove 3"}, {{}, ALL}, {{}, ALL + ", remove 3"}},
 };
 
-TEST(Polling, TellsTheChangesOfTheTimeFolders)
+TEST(Polling, ReportsChangesOfTheTimeFolders)
 {
     for (const std::vector<Step>& sequence : SEQUENCES) {
         const TempFolder folder;
@@ -61,9 +60,9 @@ TEST(Polling, TellsTheChangesOfTheTimeFolders)
                     std::filesystem::remove_all(folder / change.substr(1));
                 }
             }
-            EXPECT_EQ(openCase.poll(), step.told);
+            EXPECT_EQ(openCase.poll(), step.notices);
         }
-        // The results of new states have ids and links, too.
+        // Results of new states have ids and links, too.
         EXPECT_EQ(openCase.result("PRESSURE_N", 1005) != nullptr, sequence.size() == 4);
     }
 }

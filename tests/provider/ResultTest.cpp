@@ -22,7 +22,7 @@ Groups undefined(const std::vector<std::size_t>& counts)
     return groups;
 }
 
-/// Two cubes with the values 1 and 3; the patch "left side" has 7, the faces of "rest" show their cells.
+/// Two cubes with the values 1 and 3. The patch "left side" has 7, the faces of "rest" take the value of their cell.
 class Results : public testing::Test
 {
 protected:
@@ -36,15 +36,15 @@ protected:
     TempFolder m_folder;
 };
 
-TEST_F(Results, ComeForThePartAndItsPatchesButNotForFaceZones)
+TEST_F(Results, CoverThePartAndItsPatchesButNotFaceZones)
 {
     OpenCase openCase(m_folder.path(), settings({{"LOAD_FACE_ZONES", true}}));
     EXPECT_EQ(openCase.geometry().elementGroups.size(), 4U);
     EXPECT_EQ(openCase.values("PRESSURE_E", 1), (Groups{{1, 3}, {7}, {1, 1, 1, 1, 3, 3, 3, 3, 3}}));
-    // Nodes on the left side take one face of it and two of the rest, those in the middle two of each cell.
+    // Nodes on the left side average one face of it and two of the rest, those in the middle two faces of each cell.
     const Values nodes = {3, 2, 3, 3, 2, 3, 3, 2, 3, 3, 2, 3};
     EXPECT_EQ(openCase.values("PRESSURE_N", 1), (Groups{nodes, {3, 3, 3, 3}, nodes}));
-    // The complete answer goes out first, what was read in its place.
+    // Undefined values are set first, then replaced by those of the file.
     EXPECT_EQ(openCase.result("PRESSURE_E", 1)->groups[0].calls.operations.size(), 2U);
 }
 
@@ -55,7 +55,7 @@ TEST_F(Results, AreUndefinedInStatesThatLackThem)
     openCase.geometry();
     EXPECT_EQ(openCase.values("PRESSURE_E", 2), undefined({2, 1, 9}));
     EXPECT_EQ(openCase.values("VELOCITY_N", 1), undefined({36, 12, 36}));
-    // Without patches in its file a field has its cells alone.
+    // If the file has no patches, only the cells have values.
     Groups cellsAlone = undefined({6, 3, 27});
     cellsAlone[0] = {1, 2, 3, 1, 2, 3};
     EXPECT_EQ(openCase.values("VELOCITY_E", 2), cellsAlone);
@@ -67,7 +67,7 @@ TEST_F(Results, AreUndefinedInStatesThatLackThem)
     EXPECT_TRUE(result.groups.empty());
 }
 
-TEST_F(Results, AreUndefinedWhereAFileCannotGiveThem)
+TEST_F(Results, AreUndefinedWhereTheFileIsBad)
 {
     OpenCase openCase(m_folder.path());
     openCase.geometry();
@@ -80,14 +80,14 @@ TEST_F(Results, AreUndefinedWhereAFileCannotGiveThem)
         if (interior == "none") {
             std::filesystem::remove(m_folder / "1/p");
         }
-        // An empty list is no fault: it leaves the cells without values, and their nodes undefined.
+        // An empty list is not an error: it leaves the cells without values and their nodes undefined.
         EXPECT_TRUE(interior.ends_with("0()") || openCase.values("PRESSURE_E", 1) == undefined({2, 1, 9}));
         EXPECT_EQ(openCase.values("PRESSURE_N", 1), undefined({12, 4, 12}));
     }
 }
 
-// The interior stands in front of the patches in a file, so it is good even where the file breaks off behind it.
-TEST_F(Results, KeepTheCellsOfAFileThatEndsBehindThem)
+// The interior comes before the patches, so it is good even if the file ends after it.
+TEST_F(Results, KeepTheCellsOfAFileThatEndsAfterThem)
 {
     OpenCase openCase(m_folder.path());
     openCase.geometry();
@@ -96,7 +96,8 @@ TEST_F(Results, KeepTheCellsOfAFileThatEndsBehindThem)
     EXPECT_EQ(openCase.values("PRESSURE_N", 1), (Groups{Values(12, 5.0), Values(4, 5.0), Values(12, 5.0)}));
 }
 
-TEST_F(Results, WithoutPatchesShowAnAverageOfTheUndefinedMark)
+// Compatibility (docs/compatibility.md, "averages without patches").
+TEST_F(Results, WithoutPatchesAverageTheUndefinedValue)
 {
     OpenCase openCase(m_folder.path(), settings({{"LOAD_BC_PARTS", false}}));
     openCase.geometry();
@@ -133,15 +134,15 @@ TEST_F(Results, DisplaceNodesToThePointsOfTheState)
         EXPECT_EQ(first[i], geometry.nodeGroups[i].coordinates);
     }
     EXPECT_EQ(openCase.values("POINTS", 2)[1], (Values{0, 0, 0.5, 3, 0, 0.5, 6, 0, 0.5, 9, 0, 0.5}));
-    // With fewer points than the mesh had, the nodes that are gone stay undefined.
+    // If there are fewer points than in the mesh, the other nodes stay undefined.
     const Groups third = openCase.values("POINTS", 3);
     EXPECT_EQ(third[0].size(), 12U);
     EXPECT_EQ(Values(third[1].begin(), third[1].begin() + 7), (Values{0, 0, 0.5, 3, 0, 0.5, UNDEFINED}));
     EXPECT_EQ(openCase.result("POINTS", 4), nullptr);
 }
 
-// The sums are those that the descriptions of the cases list, by part as far as there are values: at time 1 only the
-// region "right" has a velocity, and surfaces have a pressure of their own.
+// The sums come from the tools that wrote the cases. Parts without values are left out: at time 1 only the region
+// "right" has a velocity. Surfaces have their own pressure.
 TEST(RealResults, ComeFromTheFoldersOfRegionsAndSurfaces)
 {
     const auto sums = [](const char* name, const char* key, int state) {

@@ -12,7 +12,7 @@
 
 namespace {
 
-// The callbacks of the init record carry no object, so what they hear stands here.
+// The callbacks of the init record carry no object, so they store what they receive here.
 Texts heard;
 DDPFactoryRegistration registration;
 
@@ -23,7 +23,7 @@ std::int32_t onRegister(const char* name, DDPFactoryRegistration* given)
     return 1;
 }
 
-TEST(Registration, TellsWhatThePluginIsInAFixedOrder)
+TEST(Registration, ReportsPluginInfoInAFixedOrder)
 {
     const DDPPluginInitRecord record = {
         nullptr, onRegister,
@@ -43,7 +43,7 @@ TEST(Registration, TellsWhatThePluginIsInAFixedOrder)
     registration.destroyFactory(nullptr);
 }
 
-TEST(Factory, DeclaresTheSettingsInTheOrderThatHostsShow)
+TEST(Factory, DeclaresTheSettingsInDisplayOrder)
 {
     HostProviderInfo info;
     EXPECT_TRUE(OpenFoamProviderFactory().getProviderInfo(&info));
@@ -63,7 +63,7 @@ TEST(Factory, DeclaresTheSettingsInTheOrderThatHostsShow)
                                "U=Velocity;p=Pressure;rho=Density;T=Temperature;g=Gravity"}));
 }
 
-TEST(Factory, KnowsACaseByItsFileNameAlone)
+TEST(Factory, RecognisesACaseOnlyByItsFileName)
 {
     OpenFoamProviderFactory factory;
     for (const char* const path : {"C:\\cases\\run1\\CASE.FOAM", "/cases/run1/case.foam/", "case.foam"}) {
@@ -89,7 +89,7 @@ TEST(CasePath, LosesItsFileName)
     }
 }
 
-TEST(Settings, AreReadInTheirOrderAndLoggedWhereGiven)
+TEST(Settings, AreReadInOrderAndLoggedIfGiven)
 {
     HostOptions options = settings({{"LOAD_FACE_ZONES", true}, {"NODE_AVG_RES", false}});
     options.setString("RESULTS_NAMES_MAPPING", "secret=1");
@@ -107,7 +107,7 @@ TEST(Settings, AreReadInTheirOrderAndLoggedWhereGiven)
               "OpenFoamProvider :  ");
 }
 
-// Each switch has one visible effect of its own, so a setting that reaches the wrong setter shows.
+// Each switch has its own visible effect, so a setting passed to the wrong setter shows.
 TEST(Settings, ReachTheReader)
 {
     const TempFolder folder;

@@ -22,8 +22,8 @@ std::string outputOf(const std::string& command)
     return text;
 }
 
-// Twice, since what the first load leaves behind in the process shows at the second.
-TEST(SharedLibrary, IsLoadedUsedUnloadedAndLoadedAgain)
+// Twice, because leftovers of the first load show in the second.
+TEST(SharedLibrary, CanBeLoadedUsedUnloadedAndLoadedAgain)
 {
     for (int round = 0; round < 2; ++round) {
         SCOPED_TRACE(round);
@@ -40,13 +40,13 @@ TEST(SharedLibrary, IsLoadedUsedUnloadedAndLoadedAgain)
             }
         }
         void* const kept = dlopen(PLUGIN_FILE, RTLD_NOLOAD | RTLD_NOW);
-        ASSERT_NE(kept, nullptr) << "the code went while threads of TBB may still be in it";
+        ASSERT_NE(kept, nullptr) << "the code was unmapped while threads of TBB may still run in it";
         dlclose(kept);
     }
     EXPECT_EQ(joined(BorderFaults::get().take()), "");
 }
 
-TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
+TEST(SharedLibrary, ExportsOnlyItsEntryAndNeedsOnlyKnownLibraries)
 {
     const std::string symbols = outputOf(std::string(NM_TOOL) + " -D --defined-only '" PLUGIN_FILE "'");
     EXPECT_EQ(symbols.substr(symbols.find(' ')), " T initializeDataProviderPlugin\n");
@@ -62,7 +62,7 @@ TEST(SharedLibrary, ExportsItsEntryAloneAndNeedsThreadsCompressionAndTheRunTime)
     EXPECT_GE(count, 4);
 }
 
-TEST(SharedLibrary, IsLinkedSoThatOverrunsFindLittleToUse)
+TEST(SharedLibrary, IsLinkedWithHardening)
 {
     const std::string parts = outputOf(std::string(READELF_TOOL) + " -lW '" PLUGIN_FILE "'");
     EXPECT_TRUE(std::regex_search(parts, std::regex("GNU_STACK[^\n]* RW  ?0x"))) << parts;

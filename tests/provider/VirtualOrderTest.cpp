@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Hosts are compiled against their own header and call a row of a table by its number. Here stands the order of theirs,
-// apart from the order of our header: a row out of place would call a wrong function.
+// Hosts are compiled against their own header and call the rows of a table by number. This is their order, independent
+// of our header: a misplaced row would call the wrong function.
 #include "interface/DataProviderInterface.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The row that a call by this member goes to: the ABI keeps its offset in the table, plus one, in the first word.
+/// The row that a call of this member uses: the ABI keeps its offset in the table, plus one, in the first word.
 template <typename Member>
 std::size_t rowOf(Member member)
 {
@@ -20,7 +20,7 @@ std::size_t rowOf(Member member)
     return word / sizeof(void*);
 }
 
-/// Tells that the operations follow each other from a row on.
+/// Expects the operations in consecutive rows from `first` on.
 template <typename... Members>
 void expectRows(std::size_t first, Members... members)
 {
@@ -29,8 +29,8 @@ void expectRows(std::size_t first, Members... members)
     }
 }
 
-// Two rows of the classes that a host deletes belong to the destructor.
-TEST(VirtualOrder, IsTheOneOfTheHostsTables)
+// In classes that a host deletes, the first two rows are the destructor's.
+TEST(VirtualOrder, MatchesTheTablesOfHosts)
 {
     using Factory = DDPDataProviderFactory;
     expectRows(2, &Factory::getProviderInfo, &Factory::isSupportedByProvider, &Factory::createProviderInstance,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A host that does not link TBB itself: when it closes the plug-in, nothing else would hold TBB, whose threads run on.
-// It opens a case, draws it, closes the library and lives on for a moment, several times. A crash is the failure. The
-// arguments are the plug-in and the case.
+// A host that does not link TBB itself: when it closes the plug-in, nothing else keeps TBB loaded, whose threads go on.
+// It opens a case, reads the geometry, closes the library and stays alive for a moment, several times. It fails by
+// crashing. The arguments are the plug-in and the case.
 #include "border/HostOptions.h"
 #include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
@@ -20,7 +20,7 @@ int main(int /*argc*/, char** argv)
                 return 1;
             }
         }
-        // Long enough for idle threads to look for work, which is when they would run into unmapped code.
+        // Long enough for idle threads to look for work; in unmapped code they would crash then.
         std::this_thread::sleep_for(std::chrono::milliseconds(30));
     }
     return 0;

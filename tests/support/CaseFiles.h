@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// Files of small cases, in the layout in which the solvers write them.
+// Files of small cases, in the layout that the solvers write.
 
 /// One patch of a `boundary` file.
 struct PatchEntry
@@ -38,11 +38,11 @@ void writeMesh(const TempFolder& folder, const std::string& meshFolder, const Me
 /// zone "z %1" holds cell 1, the face zone "inner" the face between the cells.
 void writeTwoCubes(const TempFolder& folder, const std::string& meshFolder = "constant/polyMesh");
 
-/// The field p of such a mesh at a time, in the patch "left side" 7, in "rest" that of the cells. The cells are given
-/// as in a field file, or have 1 and 3.
+/// Writes the field p of such a mesh at a time: 7 in the patch "left side", the value of the cell in "rest". The cells
+/// are given as in a field file; by default they have 1 and 3.
 void writePressure(const TempFolder& folder, const std::string& time,
                    const std::string& interior = "nonuniform List<scalar> \n2\n(\n1\n3\n)\n",
                    const std::string& className = "volScalarField");
 
-/// The texts with ", " between them.
+/// The texts, separated by ", ".
 std::string joined(const Texts& texts);

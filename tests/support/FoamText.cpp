@@ -7,7 +7,7 @@
 namespace foamtext {
 namespace {
 
-/// More nodes than this and OpenFOAM writes one label a line.
+/// In longer lists OpenFOAM writes one label per line.
 constexpr std::size_t SHORT_LIST = 10;
 
 std::string text(double value)

@@ -7,24 +7,24 @@
 #include <string>
 #include <vector>
 
-/// Texts of OpenFOAM files, written as OpenFOAM writes them.
+/// Texts of OpenFOAM files as OpenFOAM writes them.
 namespace foamtext {
 
 using Faces = std::vector<std::vector<int>>;
 
-/// A `FoamFile` block with the entries that readers ask for; `extra` holds more lines of it.
+/// A `FoamFile` block with the entries that readers use; `extra` holds more lines.
 std::string header(const std::string& className, const std::string& object, const std::string& format = "ascii",
                    const std::string& extra = {});
-/// The line of the block that tells a number of cells.
+/// The header line with the number of cells.
 std::string note(int cellCount);
 
 /// "N\n(\n" + items + ")\n" and a closing comment.
 std::string list(std::size_t count, const std::string& items);
-/// One label a line.
+/// One label per line.
 std::string labels(const std::vector<int>& values);
-/// One "(x y z)" a line.
+/// One "(x y z)" per line.
 std::string vectors(const std::vector<double>& values);
-/// One face a line, or one label a line for a face of more than ten nodes.
+/// One face per line, but one label per line in a face of more than ten nodes.
 std::string faces(const Faces& values);
 
 /// The bytes of values in memory.
@@ -46,7 +46,7 @@ std::string compactFaces(const Faces& values);
 std::vector<int> someLabels(std::size_t count);
 std::vector<double> someVectors(std::size_t count);
 
-/// The faces that a record holds, and the record of faces.
+/// Conversion between faces and the record that holds them.
 Faces unpacked(const FacesData& data);
 FacesData packed(const Faces& faces);
 

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-/// A node and an element group of a host, and the counts that converters tell beside them.
+/// A node and an element group of a host, and the counts that converters report.
 struct HostGroups
 {
     HostNodeGroup nodes = HostNodeGroup(0);
@@ -16,11 +16,11 @@ struct HostGroups
     std::size_t elementCount = 99;
 };
 
-/// The tables of the polyhedra as numbers that compare and print: nodes and faces of each polyhedron, nodes of each
-/// face and their labels.
+/// The tables of the polyhedra as numbers that can be compared and printed: nodes and faces of each polyhedron, nodes
+/// of each face, and their labels.
 using FaceTables = std::array<std::vector<int>, 4>;
 FaceTables faceTables(const HostElementGroup& elements);
 
-/// The signed volume of each element that a host got, by the faces that the host gives a solid and by those of the
-/// tables for a polyhedron: positive only if nodes and faces stand as they should. Flat elements have 0.
+/// The signed volume of each delivered element, positive only if its nodes and faces are in the right order. Solids
+/// have the host's faces, polyhedra those of the tables, and flat elements the volume 0.
 std::vector<double> elementVolumes(const HostNodeGroup& nodes, const HostElementGroup& elements);

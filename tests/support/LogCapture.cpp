@@ -7,7 +7,7 @@
 
 namespace {
 
-// The callback carries no data of its own, so what it hears stands here.
+// The callback carries no data, so it stores the lines here.
 std::mutex heardMutex;
 std::vector<LogLine> heard;
 

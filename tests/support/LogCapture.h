@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-/// One line as it reached the host: its level and the group, " : " and the message in one text.
+/// One line as it reached the host: its level, and the text "group : message".
 using LogLine = std::pair<int, std::string>;
 
-/// Collects what the plug-in logs, from any thread, while it lives. One at a time.
+/// Collects what the plug-in logs on any thread during its own lifetime. Only one may exist at a time.
 class LogCapture
 {
 public:
@@ -17,7 +17,7 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    /// All lines so far, in the order of their arrival.
+    /// All lines so far, in order of arrival.
     std::vector<LogLine> lines() const;
     /// The texts of the lines of one level.
     std::vector<std::string> texts(int level) const;

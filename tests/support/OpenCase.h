@@ -17,8 +17,8 @@
 /// Settings that differ from their defaults.
 HostOptions settings(const std::vector<std::pair<std::string, bool>>& switches);
 
-/// A provider in this process and what a host has got of it, each asked for once, in the interface's order. Faults that
-/// the provider commits at the host's objects fail the test in the end.
+/// A provider in this process and what a host received from it, each requested once and in the interface's order.
+/// Misuse of the host's objects by the provider fails the test when this is destroyed.
 class OpenCase
 {
 public:
@@ -35,7 +35,7 @@ public:
     std::string states();
     /// Id, name, key, the codes of kind, mapping and displacement, and unit of each result.
     std::string results();
-    /// The groups of the result of this key in this state; null if the provider refuses.
+    /// The result of this key in this state; null if the provider refuses.
     std::unique_ptr<HostResult> result(const std::string& key, int stateId);
     /// The values of all groups of a result, or none if the provider refuses.
     std::vector<std::vector<double>> values(const std::string& key, int stateId);
@@ -49,5 +49,5 @@ private:
     std::unique_ptr<HostGeometry> m_geometry;
 };
 
-/// A case that is part of the tests.
+/// The folder of a case in tests/data.
 std::filesystem::path dataCase(const std::string& name);

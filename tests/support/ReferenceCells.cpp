@@ -39,7 +39,7 @@ double volumeInside(std::span<const ReferencePoint> points, const ReferenceFaces
     const auto at = [points](int node) { return points[static_cast<std::size_t>(node)]; };
     double volume = 0;
     for (const std::vector<int>& face : faces) {
-        // A fan round the middle is the same whichever node the face begins with.
+        // A fan around the middle does not depend on the node that the face begins with.
         ReferencePoint middle = {};
         for (const int node : face) {
             for (std::size_t k = 0; k < 3; ++k) {

@@ -11,8 +11,8 @@
 using ReferencePoint = std::array<double, 3>;
 using ReferenceFaces = std::vector<std::vector<int>>;
 
-/// One cell by its points, in the host's node order, and its faces. No two of its edges are equal, so that any mistake
-/// in the order of nodes changes the volume.
+/// One cell: its points in the host's node order, and its faces. No two edges are equal, so any wrong node order
+/// changes the volume.
 struct ReferenceCell
 {
     DDPElementType type;
@@ -24,15 +24,15 @@ struct ReferenceCell
 /// A tetrahedron, a pyramid, a pentahedron and a hexahedron.
 const std::vector<ReferenceCell>& referenceCells();
 
-/// The volume inside faces that point outwards, which may be warped.
+/// The volume inside outward faces, which may be warped.
 double volumeInside(std::span<const ReferencePoint> points, const ReferenceFaces& faces);
 
-/// The volume of an element given by its nodes in the host's order, positive only if that order is right. Types other
-/// than those of the reference cells have none.
+/// The volume of an element with its nodes in the host's order, positive only if that order is right. 0 for types that
+/// are not among the reference cells.
 double signedVolume(std::int32_t type, std::span<const ReferencePoint> points, std::span<const int> nodes);
 
-/// The reference cells as a library hands them over, 2 apart along x, and the hexahedron once more as a polyhedron.
-/// They share no nodes.
+/// The reference cells as a library delivers them, 2 apart along x, and the hexahedron once more as a polyhedron. They
+/// share no nodes.
 struct DeliveredCells
 {
     std::vector<double> points;
@@ -42,7 +42,7 @@ struct DeliveredCells
     std::vector<std::int32_t> faceConnectivity; ///< six faces of four nodes
 
     DeliveredCells();
-    /// Sets all of it.
+    /// Sets all arrays.
     void deliverTo(DDPNodeGroup* nodes, DDPElementGroup* elements) const;
 
 private:

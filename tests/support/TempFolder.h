@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// A fresh folder for the files of one test, removed with all it holds at the end of its life.
+/// A new folder for the files of one test, removed with its content on destruction.
 class TempFolder
 {
 public:
@@ -18,12 +18,12 @@ public:
 
     const std::filesystem::path& path() const { return m_path; }
     std::filesystem::path operator/(const std::string& relative) const { return m_path / relative; }
-    /// The path of something in the folder as the readers take it; the folder itself for an empty argument.
+    /// A path in the folder as the readers take it; the folder itself for an empty argument.
     dvn::Str str(const std::string& relative = {}) const;
 
-    /// Writes a file in place of an older one; folders on the way to it are made.
+    /// Writes or replaces a file and makes missing folders.
     void write(const std::string& relative, std::string_view bytes) const;
-    /// The same through gzip. The name is taken as it stands, so the caller appends ".gz".
+    /// The same, compressed. The name is used unchanged, so the caller appends ".gz".
     void writeGz(const std::string& relative, std::string_view bytes) const;
 
 private:

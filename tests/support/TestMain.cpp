@@ -11,10 +11,10 @@
 
 namespace {
 
-/// What ctest takes as "skipped".
+/// The exit code that ctest counts as "skipped".
 constexpr int SKIPPED = 77;
 
-/// Takes a locale into use as hosts do, for the C library and for new streams; false if the machine lacks it.
+/// Sets a locale as hosts do, for the C library and for new streams; false if the machine lacks it.
 bool useLocale(const char* name)
 {
     if (std::setlocale(LC_ALL, name) == nullptr) {
@@ -43,7 +43,7 @@ int main(int argc, char** argv)
     if (threads == nullptr) {
         return RUN_ALL_TESTS();
     }
-    // More workers than cores, so that they meet in every order.
+    // More workers than cores, so that they run in every order.
     const int count = std::atoi(threads);
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(count));
     return tbb::task_arena(count).execute([] { return RUN_ALL_TESTS(); });

@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The case as it is when nobody tampers with it.
+/// Writes the case as it is without tampering.
 void writeWholeCase(const TempFolder& folder)
 {
     writeControlDict(folder);
@@ -28,10 +28,9 @@ void writeWholeCase(const TempFolder& folder)
     }
 }
 
-// Times sort as text as they do as numbers. Where they do not, the wrong folder goes with a state and comes again as a
-// new one, which hosts know.
-
-/// Truncates, rewrites, renames and removes files and time folders, without end.
+/// Truncates, rewrites, renames and removes files and time folders, forever.
+///
+/// The times sort alike as text and as numbers. Otherwise the wrong folder would be forgotten along with a state.
 [[noreturn]] void tamper(const TempFolder& folder)
 {
     std::mt19937 random(5);
@@ -59,18 +58,18 @@ void writeWholeCase(const TempFolder& folder)
             fs::create_directories(time, ignored);
             break;
         default:
-            // Written in place, as solvers do: whoever reads meanwhile sees a part of it.
+            // Written in place, like solvers do, so a reader may see part of a file.
             try {
                 writeWholeCase(folder);
             } catch (const std::exception&) {
-                // A folder went while it was written.
+                // A folder disappeared meanwhile.
             }
         }
     }
 }
 
-/// What comes back must be sound in itself, whatever the files hold.
-void drawAndColour(OpenFoamProvider& provider, const HostMetaData& metaData, int stateId)
+/// Whatever the files hold, a delivery must be consistent.
+void readAll(OpenFoamProvider& provider, const HostMetaData& metaData, int stateId)
 {
     HostGeometry geometry;
     if (provider.getGeometry(HostGeometrySpec(), &geometry)) {
@@ -84,7 +83,7 @@ void drawAndColour(OpenFoamProvider& provider, const HostMetaData& metaData, int
     }
 }
 
-/// The names of all states as a host has them that only believes the last full list of updates.
+/// The names of all states for a host that trusts only the last full list of updates.
 Texts statesAfterTheNextChange(OpenFoamProvider& provider, const TempFolder& folder)
 {
     HostNotifications settling;
@@ -107,11 +106,11 @@ Texts statesAfterTheNextChange(OpenFoamProvider& provider, const TempFolder& fol
 
 } // namespace
 
-TEST(ChangingCase, IsDrawnColouredAndPolledWhileFilesComeAndGo)
+TEST(ChangingCase, CanBeReadAndPolledWhileFilesComeAndGo)
 {
     const TempFolder folder;
     writeWholeCase(folder);
-    // Forked before the first loop of TBB, whose threads would be missing in the child.
+    // Fork before TBB starts threads, which the child would lack.
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
@@ -131,13 +130,13 @@ TEST(ChangingCase, IsDrawnColouredAndPolledWhileFilesComeAndGo)
                     continue;
                 }
             }
-            drawAndColour(watching, *metaData, 1 + rounds % 4);
+            readAll(watching, *metaData, 1 + rounds % 4);
             HostNotifications notifications;
             watching.pollForChanges(&notifications);
         } catch (const std::out_of_range& error) {
             EXPECT_STREQ(error.what(), "map::at:  key not found");
         } catch (const std::invalid_argument&) {
-            // The count of a list on one line that was cut off.
+            // The missing count of a list on one line.
         }
         ++rounds;
     }
@@ -148,9 +147,9 @@ TEST(ChangingCase, IsDrawnColouredAndPolledWhileFilesComeAndGo)
         fs::remove_all(folder / time);
     }
     writeWholeCase(folder);
-    const Texts told = statesAfterTheNextChange(watching, folder);
+    const Texts announced = statesAfterTheNextChange(watching, folder);
     OpenCase fresh(folder.path());
     Texts names;
     std::ranges::transform(fresh.metaData().states, std::back_inserter(names), &HostState::name);
-    EXPECT_EQ(joined(told), joined(names));
+    EXPECT_EQ(joined(announced), joined(names));
 }

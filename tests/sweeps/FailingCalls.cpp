@@ -13,7 +13,7 @@
 
 namespace {
 
-/// No call fails as long as it is negative.
+/// No call fails while this is negative.
 std::atomic<int> armedKind = -1;
 std::atomic<std::size_t> callsLeft = 0;
 std::atomic<bool> failed = false;
@@ -106,7 +106,7 @@ void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alig
 }
 #endif
 
-// What the linker puts in place of the calls; the names are its own.
+// The linker replaces the calls with these functions and prescribes their names.
 // NOLINTBEGIN(readability-identifier-naming)
 extern "C" {
 

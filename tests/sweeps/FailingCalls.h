@@ -3,12 +3,12 @@
 
 #include <cstddef>
 
-/// Calls that can be made to fail, all in the present process and on any of its threads.
+/// Calls that can be made to fail, on any thread of the process.
 enum class FailingCall
 {
-    Allocation, ///< `operator new`, which throws; never under the thread sanitizer, whose run-time has its own
+    Allocation, ///< `operator new` throws; not under the thread sanitizer, which has its own
     GzOpen,
-    GzRead, ///< a byte, a line or a block; all answer with their error
+    GzRead, ///< of a byte, a line or a block
     OpenFolder,
     ReadFolder,
     FileStatus,
@@ -16,7 +16,7 @@ enum class FailingCall
 };
 inline constexpr int FAILING_CALL_KINDS = 7;
 
-/// Lets the call number `which` of a kind fail, from 0, while it lives; calls are counted from its construction on.
+/// Makes one call of a kind fail during its own lifetime: call number `which`, counted from 0 at its construction.
 class FailingCallScope
 {
 public:
@@ -25,7 +25,7 @@ public:
     FailingCallScope(const FailingCallScope&) = delete;
     FailingCallScope& operator=(const FailingCallScope&) = delete;
 
-    /// True if so many calls were made that one failed.
+    /// True if that call was reached and failed.
     bool hasFailed() const;
     /// The number of calls of the kind so far.
     std::size_t callCount() const;

@@ -29,12 +29,12 @@ protected:
         usual = useCase(folder.path());
     }
 
-    /// Uses the case with call number `which` failing, and tells if one failed. Only the planned exceptions may come.
+    /// Uses the case while call number `which` fails; false if there was no such call. Only known exceptions may come.
     bool useWithFailure(std::size_t which)
     {
         const FailingCallScope scope(static_cast<FailingCall>(GetParam()), which);
         try {
-            // What comes of it, even nothing, is checked as it is delivered.
+            // Deliveries are checked inside; they may also be missing.
             static_cast<void>(useCase(folder.path()));
         } catch (const std::bad_alloc&) {
         } catch (const std::length_error&) {
@@ -49,25 +49,25 @@ protected:
     std::optional<std::string> usual;
 };
 
-TEST_P(FailingCalls, EachOneLeavesTheHostAliveAndTheNextOpeningWhole)
+TEST_P(FailingCalls, NeitherCrashNorSpoilTheNextOpening)
 {
     ASSERT_TRUE(usual.has_value());
     const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
     std::size_t which = 0;
     while (useWithFailure(which)) {
         ++which;
-        // Checked seldom: it costs as much as the failing life.
+        // Not every time: it takes as long as the failing run.
         if (which % 32 == 1) {
-            ASSERT_EQ(useCase(folder.path()), usual) << "behind call " << which;
+            ASSERT_EQ(useCase(folder.path()), usual) << "after call " << which;
         }
     }
-    // A sweep over nothing would prove nothing: names are looked up and files are opened several times in any life.
+    // An empty sweep would prove nothing: every run looks up names and opens files several times.
     EXPECT_GT(which, 4U);
     RecordProperty("calls", static_cast<int>(which));
     EXPECT_EQ(useCase(folder.path()), usual);
 }
 
-TEST_P(FailingCalls, SomeFailOnOtherThreads)
+TEST_P(FailingCalls, MayFailOnAnyThread)
 {
     ASSERT_TRUE(usual.has_value());
     const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, 8);

@@ -6,8 +6,8 @@
 #include <tbb/global_control.h>
 #include <tbb/task_arena.h>
 
-// More parts, patches and files than threads, so that all that is shared between them is shared at once.
-TEST(ManyParts, GiveTheSameWithOneThreadAndWithEight)
+// More parts, patches and files than threads, so that they all compete for shared data.
+TEST(ManyParts, AreTheSameWithOneThreadAndEight)
 {
     constexpr int REGIONS = 20;
     constexpr int PATCHES = 30;

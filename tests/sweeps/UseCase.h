@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-/// Opens, draws and colours a case, and polls in the end. What is delivered must be sound, whatever failed.
+/// Opens a case, reads its geometry and results and polls. Whatever fails, deliveries must be consistent.
 ///
-/// @return the bytes of all arrays, or none where the library refused
+/// @return the bytes of all arrays, or none if the library refused a request
 std::optional<std::string> useCase(const std::filesystem::path& folder);

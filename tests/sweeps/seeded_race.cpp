@@ -7,12 +7,12 @@
 #include <cstdio>
 #include <thread>
 
-/// Lets two workers or more count into one number without an order among them.
+/// Lets at least two workers increment one number without synchronisation.
 int main()
 {
     const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, 8);
     int count = 0;
-    // Waits for company without giving an order to what the workers do.
+    // Waits for another worker without ordering what they do.
     std::atomic<int> present = 0;
     tbb::task_arena(8).execute([&] {
         tbb::parallel_for(

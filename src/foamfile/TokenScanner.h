@@ -88,7 +88,7 @@ inline bool endsListItem(char c)
 /// @param end the NUL of the text
 inline const char* scanPlainReal(const char* first, const char* end, double* value)
 {
-    if (const char* const stop = dvf::scanShortReal(first, value)) {
+    if (const char* const stop = dvf::scanShortReal(first, end, value)) {
         return stop;
     }
     const std::from_chars_result result = std::from_chars(first, end, *value);

@@ -44,8 +44,8 @@ public:
     /// Trimmed, with each inner run of white space replaced by one blank.
     String simplified() const;
 
-    /// Pieces between the units that are in `delimiters`; empty ones are dropped, and so is everything after `most` of
-    /// them.
+    /// The pieces between units that are in `delimiters`. Empty ones are dropped, and so is everything after the first
+    /// `most` pieces.
     std::vector<String> split(const String& delimiters, std::size_t most = NOT_FOUND) const;
     /// Position of the first occurrence at or after `start`, or `NOT_FOUND`.
     std::size_t find(const String& text, std::size_t start) const;

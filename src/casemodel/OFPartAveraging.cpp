@@ -178,7 +178,7 @@ bool OFPart::computeAverageNodeResultAwareBC(const std::vector<double>& cellValu
     withWidth(components, [&](auto width) {
         NodeSums sums(nodeValues, m_nodeCount, width);
         addAll(m_nodesCountPerElt, m_connectivities, cellValues, width, &sums);
-        // Cells come first and are replaced at the nodes of patches. This saves the many cells a test per node, and
+        // Cells come first and are replaced at the nodes of patches. The many cells then need no test per node, and
         // each sum still adds the same items in the same order as if the patches had come first.
         std::vector<bool> liesOnPatch(sums.nodeCount());
         for (std::size_t b = 0; b < std::min(m_boundaries.size(), boundaryValues.size()); ++b) {

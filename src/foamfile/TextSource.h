@@ -121,13 +121,13 @@ public:
     void stage(std::size_t size);
     /// Takes those chunks off the start of peeked lines that end within the first `used` bytes, cut as `nextChunk`
     /// would cut them.
-    /// @param[out] bytes the bytes taken
+    /// @param[out] bytes how many bytes were taken
     /// @return the number of chunks
     int takeChunks(std::string_view lines, std::size_t used, std::size_t* bytes);
 
     // --- numbers
 
-    /// What an attempt to read a number comes to.
+    /// The outcome of an attempt to read a number.
     enum class Token
     {
         Number,
@@ -136,8 +136,8 @@ public:
     };
     /// Reads unsigned digits from the stream up to `delimiter`, a carriage return or "(", which stays to be read.
     ///
-    /// Digits are added up unchecked, so a count that is too large comes out wrapped. A byte that fits nowhere ends the
-    /// attempt and is used up, and so is a "(" without a digit before it.
+    /// Digits are added up unchecked, so a count that is too large wraps. A byte that fits nowhere ends the attempt and
+    /// is used up, and so is a "(" without a digit before it.
     Token readInt(char delimiter, int* value);
     /// Reads the first run of digits in the stream that a line feed, a carriage return or "(" ends, and skips all else.
     /// This finds the count of a list after the header.
@@ -153,7 +153,8 @@ public:
     bool skipLineFeeds();
     /// Advances past the next "(" and the line feeds after it, to the first item of a list.
     bool skipToList() { return skipPast('(') && skipLineFeeds(); }
-    /// Reads items of the stream as they lie in memory, in the byte order of the machine, and returns how many came.
+    /// Reads items of the stream as they lie in memory, in the byte order of the machine, and returns how many were
+    /// read.
     std::size_t readRaw(void* target, std::size_t itemSize, std::size_t itemCount);
     /// The next byte of the stream, or -1.
     int nextByte();
@@ -164,7 +165,7 @@ public:
     bool canHold(std::uint64_t itemCount, std::uint64_t bytesPerItem) const;
 
 private:
-    /// Where reading has come to. All places are in the chunk buffer, or in that of the caller who left them pending.
+    /// The reading position. All places are in the chunk buffer, or in the buffer of the caller who left text pending.
     struct Position
     {
         /// Start of the unread rest of the pending chunk.

@@ -42,7 +42,7 @@ protected:
 
 } // namespace
 
-// Interfaces are hidden. A part with a broken file loses its patches, and ids continue as if it had none.
+// Interfaces are hidden. A part with a broken file loses its patches, and ids go on as if it had none.
 TEST_F(OFReaderCase, PrefersProcessorFolders)
 {
     writeGroups("constant/polyMesh");

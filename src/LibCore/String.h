@@ -26,8 +26,8 @@ public:
     const std::wstring& units() const { return m_units; }
     std::wstring& units() { return m_units; }
 
-    /// Units 0 to 254 as bytes, any other as "?". This is the text of log lines; use `toUtf8` to keep text beyond
-    /// ASCII.
+    /// Units 0 to 254 as bytes, any other as "?". This is the text of log lines (docs/compatibility.md, "question marks
+    /// in the log"); use `toUtf8` to keep text beyond ASCII.
     std::string toStdString() const;
     /// UTF-8; a unit that came from a byte of 128 or more becomes that byte again.
     std::string toUtf8() const;

@@ -70,8 +70,8 @@ public:
         m_itemCounts[index] = 0;
     }
 
-    /// Turns sums into means. The factor is computed once per node and multiplied; other orders of rounding would
-    /// change the result. A node without items gets an infinite factor, which leaves infinities and NaN.
+    /// Turns sums into means. Compatibility (docs/compatibility.md, "rounding of averages"): the factor is computed
+    /// once per node and multiplied. A node without items gets an infinite factor, which leaves infinities and NaN.
     void divide()
     {
         for (std::size_t node = 0; node < m_itemCounts.size(); ++node) {

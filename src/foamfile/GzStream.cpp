@@ -57,7 +57,7 @@ int openRegularFile(const std::string& path, std::uint64_t* size)
     return descriptor;
 }
 
-/// Reads a block from a place in a file, and returns how many bytes came.
+/// Reads a block from a place in a file, and returns how many bytes were read.
 std::size_t readBlock(int descriptor, char* target, std::size_t size, off_t place)
 {
     std::size_t done = 0;

@@ -287,7 +287,8 @@ TextSource::Token TextSource::readInt(char delimiter, int* value)
             if (c == '(') {
                 m_stream->unread(c);
             }
-            // Wraps on purpose: the reader of the list refuses what comes out negative.
+            // Compatibility (docs/compatibility.md, "wrapping labels and counts"): the reader of the list refuses a
+            // count that comes out negative.
             *value = static_cast<int>(sum);
             return Token::Number;
         }

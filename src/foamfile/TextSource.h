@@ -68,8 +68,8 @@ public:
     bool takeLine(std::string_view* line) { return takePendingLine(NO_LIMIT, line) || takeStreamLine(line); }
     /// Takes up to `maxLength` characters of a line of the pending chunk, in place and without line end.
     ///
-    /// Empty lines are skipped. Text after the last line feed of a chunk is dropped: it is the last line of a file that
-    /// does not end with its line, and a value cut off there would pass for a whole one.
+    /// Empty lines are skipped. Compatibility (docs/compatibility.md, "last line without line feed"): text after the
+    /// last line feed of a chunk is dropped.
     bool takePendingLine(std::size_t maxLength, std::string_view* line);
     /// Takes a line of the stream, whatever its length; it keeps its line feed.
     bool takeStreamLine(std::string_view* line);
@@ -114,8 +114,8 @@ public:
 
     // --- looking ahead over several chunks; nothing may be pending
 
-    /// Whole lines that come next in the stream, about `size` bytes, without taking them; empty if there is no line end
-    /// among them. Valid until the next operation but `stage`.
+    /// The next whole lines of the stream, about `size` bytes, without taking them; empty if there is no line end among
+    /// them. Valid until the next operation but `stage`.
     std::string_view peekLines(std::size_t size);
     /// Reads further text into memory while others parse the peeked lines. See `GzStream::stage`.
     void stage(std::size_t size);

@@ -77,7 +77,7 @@ bool OFPolymeshReader::readPoints(const dvn::Str& folder, std::vector<double>* p
 {
     const dvn::Timer timer;
     OFFile file(true);
-    // The line reports the number of doubles, three per point.
+    // Compatibility (docs/compatibility.md, "points counted in doubles").
     return file.readVectorField(folder + "/points", "points", points) &&
            logListRead(MESH_LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
 }

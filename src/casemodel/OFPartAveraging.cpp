@@ -75,8 +75,8 @@ public:
         std::fill_n(m_itemCounts.data() + nodes.begin(), nodes.size(), std::uint8_t{0});
     }
 
-    /// Turns sums into means. The factor is computed once per node and multiplied; other orders of rounding would
-    /// change the result. A node without items gets an infinite factor, which leaves infinities and NaN.
+    /// Turns sums into means. Compatibility (docs/compatibility.md, "rounding of averages"): the factor is computed
+    /// once per node and multiplied. A node without items gets an infinite factor, which leaves infinities and NaN.
     void divide(const dvf::IndexRange& nodes)
     {
         for (std::size_t node = nodes.begin(); node != nodes.end(); ++node) {
@@ -269,7 +269,7 @@ bool OFPart::computeAverageNodeResultAwareBC(const std::vector<double>& cellValu
         // Beyond the nodes, if the array is longer.
         std::fill(nodeValues.begin() + static_cast<std::ptrdiff_t>(sums.nodeCount() * width), nodeValues.end(), 0.0);
         CellsToAverage(m_elementBlocks, m_nodesCountPerElt, m_connectivities, cellValues, width).average(true, &sums);
-        // Cells come first and are replaced at the nodes of patches. This saves the many cells a test per node, and
+        // Cells come first and are replaced at the nodes of patches. The many cells then need no test per node, and
         // each sum still adds the same items in the same order as if the patches had come first.
         PatchNodes patchNodes;
         patchNodes.isIn.resize(sums.nodeCount());

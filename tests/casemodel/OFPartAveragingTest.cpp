@@ -45,7 +45,7 @@ TEST(NodeAveraging, AveragesTheCellsAroundEachNode)
     EXPECT_EQ(vectors, (Values{1, 10, 100, 1, 10, 100, 2, 20, 200, 2, 20, 200, 3, 30, 300, 3, 30, 300}));
 }
 
-// Only the first entry tells whether a patch has values. A node on two patches takes all their faces and no cell.
+// Only the first entry decides whether a patch has values. A node on two patches takes all their faces and no cell.
 TEST(NodeAveraging, PrefersPatchesWithValuesToCells)
 {
     OFPart part = twoElements();

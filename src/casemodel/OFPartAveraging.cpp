@@ -49,6 +49,7 @@ public:
 
     std::size_t nodeCount() const { return m_itemCounts.size(); }
 
+    // guard: node-label
     bool hasNode(int node) const { return static_cast<std::size_t>(node) < m_itemCounts.size(); }
 
     /// Adds the values of one item to an existing node.
@@ -95,6 +96,7 @@ template <typename Width, typename AddToNode>
 void visitItemNodes(const std::vector<std::uint8_t>& nodeCounts, const std::vector<int>& nodes,
                     const std::vector<double>& itemValues, Width width, const AddToNode& addToNode)
 {
+    // guard: averaged-items
     const std::size_t itemCount = std::min(nodeCounts.size(), itemValues.size() / width);
     const int* node = nodes.data();
     std::size_t nodesLeft = nodes.size();

@@ -54,6 +54,7 @@ float stringToReal(const char* text, char** end, float)
 template <typename Real>
 bool tokenToRealByLibrary(std::string_view token, Real* value)
 {
+    // guard: number-length
     if (token.size() > limits::NUMBER_LENGTH || ClassicLocale::get() == nullptr) {
         *value = 0;
         return false;

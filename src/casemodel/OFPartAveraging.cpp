@@ -55,6 +55,7 @@ public:
 
     std::size_t nodeCount() const { return m_itemCounts.size(); }
 
+    // guard: node-label
     bool hasNode(int node) const { return static_cast<std::size_t>(node) < m_itemCounts.size(); }
 
     /// Adds the values of one item to an existing node.

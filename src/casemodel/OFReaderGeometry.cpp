@@ -191,6 +191,7 @@ void OFReader::addSampledSurfaces()
     }
     // Compatibility (docs/compatibility.md, "surfaces of the first time"): "10" comes before "2".
     const std::vector<dvn::Str> times = OFUtilities::subFolders(root);
+    // guard: first-time
     if (const auto first = std::min_element(times.begin(), times.end()); first != times.end()) {
         const dvn::Str folder = root + "/" + *first;
         for (const dvn::Str& name : OFUtilities::subFolders(folder)) {

@@ -87,6 +87,7 @@ std::size_t nodesOfFaces(const int* offsets, std::size_t faceCount)
 /// How many faces come before the first offset that is smaller than the one before it.
 std::size_t risingFaces(const int* offsets, std::size_t faceCount)
 {
+    // guard: falling-offsets
     return static_cast<std::size_t>(std::is_sorted_until(offsets, offsets + faceCount + 1) - offsets) - 1;
 }
 
@@ -100,6 +101,7 @@ std::size_t readCompactNodes(TextSource& text, std::size_t labelCount, std::vect
         const std::size_t missing = count - std::min(count, size);
         return size + (missing + NODES_STEP - 1) / NODES_STEP * NODES_STEP;
     };
+    // guard: compact-offsets
     if (text.canHold(labelCount, sizeof(int))) {
         dvf::reserveLarge(nodes, sizeFor(labelCount));
     }

@@ -47,6 +47,7 @@ struct FaceSlot : ChunkSlot
 
     int* room(std::size_t count)
     {
+        // guard: face-slot
         if (nodeCount + count > nodes.capacity()) {
             nodes.grow(nodeCount + std::max(count, SLOT_NODES_STEP), nodeCount);
         }

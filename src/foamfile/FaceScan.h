@@ -16,6 +16,7 @@ bool scanFace(const char*& cursor, const char* end, Target* target)
 {
     const char* p = cursor;
     int count = 0;
+    // guard: face-of-no-nodes
     if (!TokenScanner::scanFaceSize<END>(p, &count) || count < 1) {
         return false;
     }

@@ -156,6 +156,7 @@ bool fillUniform(const std::vector<dvn::Str>& tokens, const Request& request, st
     if (!convertUniform(tokens, first, request.path, numbers.data(), width)) {
         return false;
     }
+    // guard: uniform-interior
     for (std::size_t i = 0; i + width <= values->size(); i += width) {
         std::copy_n(numbers.begin(), width, values->begin() + static_cast<std::ptrdiff_t>(i));
     }
@@ -299,6 +300,7 @@ bool FieldInterior::readSingleLine(TextSource& text, const dvn::Str& line, const
     // The list ends three characters before the line does. With another ending the cut falls elsewhere, which does not
     // affect the conversion of the last number.
     const std::size_t first = std::min(bracket, wide.size() - 1) + 1;
+    // guard: line-tail
     const std::size_t end = std::max(first, wide.size() - std::min(wide.size(), LIST_TAIL));
     const dvn::Str items(std::wstring(wide.substr(first, end - first)));
     const OFResultType type = *typeOfClass(request.resultClass);
@@ -320,6 +322,7 @@ bool FieldInterior::readSingleLine(TextSource& text, const dvn::Str& line, const
 void FieldInterior::scalarsFromLine(const dvn::Str& line, std::vector<double>* values)
 {
     Words words(line.toStdWString());
+    // guard: scalars-on-line
     for (double& value : *values) {
         value = leadingNumber(words.next());
     }
@@ -331,6 +334,7 @@ void FieldInterior::vectorsFromLine(const dvn::Str& line, std::vector<double>* v
     for (std::size_t i = 0; i < values->size(); ++i) {
         std::wstring_view word = words.next();
         const std::size_t component = i % VECTOR_COMPONENTS;
+        // guard: vectors-on-line
         if (component == 0 && !word.empty()) {
             word.remove_prefix(1);
         } else if (component + 1 == VECTOR_COMPONENTS && !word.empty()) {

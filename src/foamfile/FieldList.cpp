@@ -153,6 +153,7 @@ bool FieldList::readNext(TextSource& text, bool isVector, std::vector<double>* v
 bool FieldList::read(TextSource& text, bool isVector, std::vector<double>* values, std::size_t* found)
 {
     if (text.isBinary()) {
+        // guard: values-binary
         *found = text.readRaw(values->data(), sizeof(double), values->size());
         return *found == values->size();
     }

@@ -54,6 +54,7 @@ std::size_t rawItemSize(std::string_view listType)
 /// The number of a token without its first `skip` characters; 0.0 if there is none.
 double tokenNumber(const std::vector<dvn::Str>& tokens, std::size_t index, std::size_t skip)
 {
+    // guard: token-length
     if (index >= tokens.size() || tokens[index].size() <= skip) {
         return 0.0;
     }
@@ -75,7 +76,7 @@ std::array<double, COUNT> bracketedNumbers(const std::vector<dvn::Str>& tokens)
 /// Copies the components of the mesh's item to each item of a patch.
 ///
 /// Item i writes only the components of place i. Anything outside either array is left out: tensors are walked in steps
-/// of nine over arrays that hold six, and a mapping may be older than the mesh. guard: mesh-items
+/// of nine over arrays that hold six, and a mapping may be older than the mesh.
 struct CopyMeshItemFunctor
 {
     std::vector<double>& target;
@@ -86,6 +87,7 @@ struct CopyMeshItemFunctor
     void operator()(const dvf::IndexRange& range) const
     {
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
+            // guard: mesh-items
             if (i >= ids.size() || ids[i] < 0) {
                 continue;
             }
@@ -234,6 +236,7 @@ std::string readValues(TextSource& text, const dvn::Str& resultClass, const std:
                        std::vector<double>* values, bool* isListOnKeyLine)
 {
     const std::vector<dvn::Str> tokens = dvn::Str(words).split(" ", dvf::limits::WORDS_OF_LINE);
+    // guard: value-token
     if (tokens.empty()) {
         return {};
     }
@@ -315,6 +318,7 @@ bool FieldPatches::readUniform(const dvn::Str& resultClass, const std::vector<dv
     }
     if (width == 3) {
         const std::array<double, 3> numbers = bracketedNumbers<3>(tokens);
+        // guard: uniform-vector
         for (std::size_t i = 0; i + 3 <= values->size(); i += 3) {
             std::copy(numbers.begin(), numbers.end(), values->begin() + static_cast<std::ptrdiff_t>(i));
         }
@@ -323,6 +327,7 @@ bool FieldPatches::readUniform(const dvn::Str& resultClass, const std::vector<dv
     if (width == 6) {
         // Compatibility (docs/compatibility.md, "tensor patches"): nine numbers at a time, in steps of three.
         const std::array<double, 9> numbers = bracketedNumbers<9>(tokens);
+        // guard: uniform-tensor
         const std::size_t rounds = values->size() / numbers.size();
         for (std::size_t round = 0; round < rounds; ++round) {
             std::copy(numbers.begin(), numbers.end(), values->begin() + static_cast<std::ptrdiff_t>(3 * round));
@@ -340,7 +345,7 @@ void FieldPatches::readNonUniform(TextSource& text, const std::vector<dvn::Str>&
         text.repeatLine();
     }
     // A list without a type, as the empty one of a patch without faces, holds nothing. If a list ends early, the array
-    // has what was read and keeps the rest.
+    // has what was read and keeps the rest. guard: value-type
     const dvn::Str type = tokens.size() > 1 ? tokens[1] : dvn::Str();
     if (text.isBinary()) {
         readRawPatchList(text, type.toUtf8(), isListOnKeyLine, values);

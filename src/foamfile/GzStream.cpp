@@ -41,6 +41,7 @@ constexpr std::size_t SHARED_BLOCK = 1048576;
 /// @param[out] size of what was opened, as another regular file may have replaced the first
 int openRegularFile(const std::string& path, std::uint64_t* size)
 {
+    // guard: regular-descriptor
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat info = {};
     if (descriptor >= 0 && (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode))) {
@@ -48,6 +49,7 @@ int openRegularFile(const std::string& path, std::uint64_t* size)
         return -1;
     }
     *size = static_cast<std::uint64_t>(info.st_size);
+    // guard: generated-file
     if (descriptor >= 0 && info.st_size == 0) {
         // The system may generate such a file while it is read, without an end. It reads as the empty file that it says
         // it is.
@@ -216,6 +218,7 @@ std::size_t GzStream::readStored(char* target, std::size_t size)
     while (done < size) {
         const std::size_t wanted = std::min(size - done, READ_BLOCK);
         const int came = gzread(m_handle.get(), target + done, static_cast<unsigned>(wanted));
+        // guard: failed-read
         done += static_cast<std::size_t>(std::max(came, 0));
         if (came < static_cast<int>(wanted)) {
             break;

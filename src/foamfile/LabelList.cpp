@@ -69,6 +69,7 @@ bool LabelList::readNextReportingShort(TextSource& text, std::vector<int>* label
 
 std::size_t LabelList::read(TextSource& text, std::vector<int>* labels)
 {
+    // guard: labels-binary
     return text.isBinary() ? text.readRaw(labels->data(), sizeof(int), labels->size()) : walk(text, labels);
 }
 
@@ -82,6 +83,7 @@ std::size_t LabelList::walk(TextSource& text, std::vector<int>* labels)
             // Line feeds that a chunk border cut off from the label before them.
             TokenScanner::skipLineFeeds(p);
         }
+        // guard: labels-ascii
         while (done < labels->size() && *p != '\0') {
             // A ")" in place of a label means that the list is shorter than promised; it is not a digit either.
             int label = 0;

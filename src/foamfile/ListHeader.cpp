@@ -43,7 +43,7 @@ bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Me
     if (!file.text.readCount(count)) {
         return file.text.reportError(messages.noCount);
     }
-    // Digits that overflowed come out negative.
+    // Digits that overflowed come out negative. guard: list-count
     const bool isValid =
         *count >= 0 && *count <= largest && file.text.canHold(static_cast<std::uint64_t>(*count), bytesPerItem);
     return isValid || file.text.reportError(messages.badCount);

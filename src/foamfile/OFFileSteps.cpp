@@ -455,6 +455,7 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
         m_lineOffsets.clear();
         translator.split('\n', chunk, lastIndex, &m_lineOffsets);
         const std::size_t lines = m_lineOffsets.size();
+        // guard: two-pass-lines
         const std::size_t count = std::min(lines, items - itemsRead);
         if (lines + itemsRead >= items) {
             // Not the next marked line: a ";" ends the marking, and which lines after it are marked depends on how the

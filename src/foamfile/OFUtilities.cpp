@@ -147,6 +147,7 @@ bool OFUtilities::hasSubFolder(const dvn::Str& folder, const dvn::Str& name)
 bool OFUtilities::isRegularFile(const dvn::Str& path)
 {
     struct stat info = {};
+    // guard: regular-file
     return stat(path.toUtf8().c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 

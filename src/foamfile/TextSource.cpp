@@ -97,6 +97,7 @@ bool TextSource::takeStreamLine(std::string_view* line)
     bool hasCome = false;
     bool isWhole = false;
     while (!isWhole) {
+        // guard: stream-line
         m_lineBuffer.grow(length + LINE_BUFFER_SIZE, length);
         const std::size_t room = m_lineBuffer.capacity() - length;
         char* const piece = m_lineBuffer.data() + length;
@@ -201,7 +202,7 @@ std::size_t TextSource::appendChunk(ChunkBuffer* buffer, std::size_t used)
 std::size_t TextSource::finishLine(ChunkBuffer* buffer, std::size_t used)
 {
     for (;;) {
-        // A whole list may be one line, so the line decides how large a chunk gets.
+        // A whole list may be one line, so the line decides how large a chunk gets. guard: chunk-line
         buffer->grow(used + LINE_BUFFER_SIZE, used);
         const std::size_t room = buffer->capacity() - used - 1;
         const std::size_t came = m_stream->readToLineEnd(buffer->data() + used, room);
@@ -226,6 +227,7 @@ bool TextSource::readChunkInto(char** chunk, std::size_t* length)
     m_rest = Chunk();
     *length = m_stream->read(*chunk, CHUNK_SIZE);
     if (*length != 0 && (*chunk)[*length - 1] != '\n') {
+        // guard: caller-chunk
         const std::size_t more = m_stream->readToLineEnd(*chunk + *length, MARGIN);
         *length += more;
         if (more == MARGIN && (*chunk)[*length - 1] != '\n') {

@@ -40,6 +40,7 @@ inline void skipLineFeeds(const char*& cursor, const char* limit)
 /// Advances past the next `sought`; at the NUL if there is none, and false.
 inline bool skipPast(const char*& cursor, char sought)
 {
+    // guard: text-end
     for (; *cursor != '\0'; ++cursor) {
         if (*cursor == sought) {
             ++cursor;
@@ -65,6 +66,7 @@ inline bool scanLabel(const char*& cursor, int* label)
     for (; isDigit(*p); ++p) {
         value = value * 10 + static_cast<std::uint32_t>(*p - '0');
     }
+    // guard: label-length
     if (p == first || static_cast<std::size_t>(p - first) > dvf::limits::NUMBER_LENGTH) {
         return false;
     }

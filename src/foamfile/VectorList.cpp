@@ -32,6 +32,7 @@ struct VectorSlot : ChunkSlot
         }
         const char* p = begin;
         while (TokenScanner::skipPast(p, '(')) {
+            // guard: vector-slot
             if (count + VECTOR_COMPONENTS > values.capacity()) {
                 values.grow(count + VALUES_STEP, count);
             }

@@ -6,7 +6,7 @@ CellFaceTable::CellFaceTable(const OFPolymesh& mesh) : m_ends(mesh.cellCount())
     const std::size_t cellCount = m_ends.size();
     const auto countLabels = [this, cellCount](const std::vector<int>& labels) {
         for (const int label : labels) {
-            // A negative label becomes a huge one.
+            // A negative label becomes a huge one. guard: cells-counted
             if (const auto cell = static_cast<std::uint32_t>(label); cell < cellCount) {
                 ++m_ends[cell];
             }
@@ -25,6 +25,7 @@ CellFaceTable::CellFaceTable(const OFPolymesh& mesh) : m_ends(mesh.cellCount())
     // Not cleared, since each entry is written below.
     m_entries.reset(new Entry[total]);
     const auto insert = [this, cellCount](int label, Entry entry) {
+        // guard: cells-inserted
         if (const auto cell = static_cast<std::uint32_t>(label); cell < cellCount) {
             m_entries[m_ends[cell]++] = entry;
         }

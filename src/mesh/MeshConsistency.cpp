@@ -25,12 +25,14 @@ int largestCount(std::size_t count)
 
 bool isLabel(int label, int nodeCount)
 {
+    // guard: label-range
     return label >= 0 && label < nodeCount;
 }
 
 bool isInside(const FacesData& faces, std::size_t face, int nodesSize)
 {
     const int offset = faces.nodeOffsets[face];
+    // guard: face-offset
     return offset >= 0 && offset <= nodesSize - faces.nodeCounts[face];
 }
 
@@ -91,6 +93,7 @@ void limitCellCount(OFPolymesh* mesh)
     const auto claimed = static_cast<int>(mesh->cellCount());
     const int bound =
         largestCount(std::max(mesh->owners().size() + mesh->neighbors().size(), mesh->faces().faceCount()));
+    // guard: cell-count
     if (claimed < 0) {
         mesh->setCellCount(0);
     } else if (claimed > bound) {
@@ -120,9 +123,11 @@ void makeConsistent(OFPolymesh* mesh)
     if (!areConsistent(mesh->faces(), mesh->nodeCount())) {
         makeConsistent(&mesh->faces(), mesh->nodeCount());
     }
+    // guard: owner-count
     if (mesh->owners().size() > mesh->faces().faceCount()) {
         mesh->owners().resize(mesh->faces().faceCount());
     }
+    // guard: neighbour-count
     if (mesh->neighbors().size() > mesh->owners().size()) {
         mesh->neighbors().resize(mesh->owners().size());
     }
@@ -142,6 +147,7 @@ void dropInconsistentFaces(FacesData* faces, std::size_t nodeCount)
     int keptEnd = 0; // labels shared by damaged faces go to the first of them
     for (std::size_t face = 0; face < faceCount; ++face) {
         const int begin = faces->nodeOffsets[face];
+        // guard: surface-faces
         if (begin < keptEnd || !isInside(*faces, face, nodesSize)) {
             continue;
         }

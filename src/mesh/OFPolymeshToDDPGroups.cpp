@@ -31,6 +31,7 @@ FaceRange rangeOfPatch(const OFBoundary& boundary, std::size_t faceCount)
     // Enough to reach the end of the mesh from anywhere, and small enough that the sum below cannot overflow.
     const auto longest = static_cast<std::uint64_t>(meshEnd + std::abs(start));
     const auto claimed = static_cast<std::int64_t>(std::min<std::uint64_t>(boundary.faceCount(), longest));
+    // guard: patch-range
     const std::int64_t first = std::clamp<std::int64_t>(start, 0, meshEnd);
     const std::int64_t end = std::clamp<std::int64_t>(start + claimed, first, meshEnd);
     return {first, end};
@@ -60,6 +61,7 @@ std::vector<int> facesOfZone(const OFFaceZone& zone, const FacesData& mesh)
     std::size_t labelsLeft = mostLabels <= mesh.faceCount() ? mostLabels : labelsOf(mesh.nodeCounts);
     for (const int face : zone.faceIds()) {
         const auto index = static_cast<std::size_t>(face);
+        // guard: zone-faces
         if (face >= 0 && index < mesh.faceCount() && mesh.nodeCounts[index] <= labelsLeft) {
             labelsLeft -= mesh.nodeCounts[index];
             faces.push_back(face);
@@ -80,7 +82,7 @@ void storeMappings(const std::vector<int>& owners, const std::vector<int>& faces
     }
     boundary->createFaceToCellMapping(faces.size());
     for (std::size_t i = 0; i < faces.size(); ++i) {
-        // A broken `owner` file may end before the faces do. No cell has the label -1.
+        // A broken `owner` file may end before the faces do. No cell has the label -1. guard: patch-owners
         const auto face = static_cast<std::size_t>(faces[i]);
         boundary->cellIndex(i) = face < owners.size() ? owners[face] : -1;
     }
@@ -118,6 +120,7 @@ std::vector<std::size_t> OFPolymeshToDDP::facesPerPatch(const std::vector<OFBoun
     // A patch that claims too much comes late and gets what the others leave over.
     for (const std::size_t patch : shortestFirst(ranges)) {
         const auto first = static_cast<std::size_t>(ranges[patch].first);
+        // guard: patch-share
         const std::size_t most = std::min(facesLeft, ranges[patch].size());
         std::size_t& count = counts[patch];
         for (; count < most && nodeCounts[first + count] <= labelsLeft; ++count) {

@@ -86,6 +86,7 @@ void showElementsIn(int globalPartId, std::size_t elementCount, DDPElementGroup*
 std::vector<int> cellsOfZone(const OFCellZone& zone, std::size_t elementCount)
 {
     std::vector<int> cells = zone.cellIds();
+    // guard: zone-cells
     std::erase_if(cells,
                   [elementCount](int cell) { return cell < 0 || static_cast<std::size_t>(cell) >= elementCount; });
     return cells;

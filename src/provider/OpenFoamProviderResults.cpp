@@ -69,6 +69,7 @@ bool readForAverage(const OFFieldFile& field, const std::vector<OFBoundary>& bou
     bool isInteriorRead = false;
     // Patches that cannot be read leave the interior good.
     (void)OFResultReader().readValuesForCellAndBoundaries(field, cellValues, boundaries, *faceValues, &isInteriorRead);
+    // guard: cells-to-average
     return isInteriorRead && holdsValues(*cellValues);
 }
 
@@ -260,7 +261,7 @@ bool OpenFoamProvider::applyNodalDataInFace(const std::vector<double>& source, s
     const std::size_t itemCount = std::min(target.size() / width, mapping.size());
     const std::size_t sourceCount = source.size() / width;
     for (std::size_t i = 0; i < itemCount; ++i) {
-        // A negative label turns into a very large one.
+        // A negative label turns into a very large one. guard: moved-points
         const auto item = static_cast<std::size_t>(mapping[i]);
         if (item < sourceCount) {
             std::copy_n(source.data() + item * width, width, target.data() + i * width);

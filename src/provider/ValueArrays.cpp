@@ -8,6 +8,7 @@ namespace {
 
 std::size_t knownCount(std::size_t count)
 {
+    // guard: unknown-count
     return count == OFPart::UNKNOWN_COUNT ? 0 : count;
 }
 

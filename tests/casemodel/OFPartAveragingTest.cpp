@@ -60,7 +60,8 @@ TEST(NodeAveraging, StaysInsideItsArraysWhateverTheConnectivitySays)
 {
     OFPart part = twoElements();
     part.setConnectivities({0, 1, 2, -1, 6, 1000000});
-    const Values nodes = aware(part, {1, 3}, {{2, 2}, {}, {5}});
+    part.boundaries()[1].nodeCountPerFace() = {4};
+    const Values nodes = aware(part, {1, 3}, {{2, 2}, {5}, {5}});
     EXPECT_EQ(Values(nodes.begin(), nodes.begin() + 3), (Values{2, 2, 1}));
     EXPECT_TRUE(std::isnan(nodes[4]));
 }

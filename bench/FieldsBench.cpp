@@ -65,8 +65,8 @@ FieldCase& fieldCase(const std::string& form, std::int64_t cells)
     return *kept;
 }
 
-/// What a user waits for after selecting these results: reading, the calls across the interface, the host's copies and
-/// checks.
+/// What a user waits for after selecting these results: reading, the calls across the interface, and the host's copies
+/// and checks.
 void getFields(benchmark::State& state, const std::string& form, const std::vector<std::string>& keys)
 {
     FieldCase& opened = fieldCase(form, state.range(0));

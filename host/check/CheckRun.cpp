@@ -7,7 +7,7 @@
 
 namespace {
 
-// A broken array of a million entries gives a million findings, of which nobody reads the sixth.
+// A broken array of a million entries gives a million findings, and nobody reads more than the first few.
 constexpr std::size_t MOST_FINDINGS = 5;
 
 constexpr std::size_t FEW_STATES = 3;

@@ -52,8 +52,8 @@ public:
     /// Trimmed, with each inner run of white space replaced by one blank.
     Str simplified() const;
 
-    /// Pieces between the characters of `delimiters`; empty ones are dropped, and so is everything after `most` of
-    /// them: a line of a file may be a gigabyte of words.
+    /// The pieces between characters of `delimiters`. Empty ones are dropped, and so is everything after the first
+    /// `most` pieces: a line of a file may be a gigabyte of words.
     std::vector<Str> split(const Str& delimiters, std::size_t most = static_cast<std::size_t>(-1)) const;
     /// Position of the first occurrence at or after `start`; all bits set if there is none.
     std::size_t find(const Str& text, std::size_t start = 0) const;

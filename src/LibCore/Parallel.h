@@ -55,7 +55,7 @@ void forLargeItems(std::size_t count, const Body& body)
     tbb::parallel_for(IndexRange(0, count, 1), body, tbb::auto_partitioner(), context);
 }
 
-/// Runs `body(i)` for each index; TBB decides how many make a task. Waiting threads may take up other tasks.
+/// Runs `body(i)` for each index; TBB decides how many indices make up a task. Waiting threads may take up other tasks.
 template <typename Body>
 void forEachIndex(std::size_t count, const Body& body)
 {
@@ -69,10 +69,10 @@ void forEachRange(std::size_t count, const Body& body)
     tbb::parallel_for(IndexRange(0, count), body);
 }
 
-/// Runs `call`, whose forks are taken up by any thread; this thread, while it waits, takes up nothing but them.
+/// Runs `call`. Any thread may take up the tasks that it forks, but this thread takes up nothing else while it waits.
 ///
-/// For short loops within the work on one part: otherwise the wait for a millisecond could take up another part, and
-/// this one would stand still, with its buffers, until that one is done.
+/// For short loops within the work on one part: otherwise a wait of a millisecond could turn into work on another part,
+/// and this part would hold its buffers until that one is done.
 template <typename Call>
 void isolated(const Call& call)
 {

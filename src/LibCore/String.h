@@ -26,8 +26,8 @@ public:
     const std::wstring& units() const { return m_units; }
     std::wstring& units() { return m_units; }
 
-    /// Units 0 to 254 as bytes, any other as "?". This is the text of log lines; use `toUtf8` to keep text beyond
-    /// ASCII.
+    /// Units 0 to 254 as bytes, any other as "?". This is the text of log lines (docs/compatibility.md, "question marks
+    /// in the log"); use `toUtf8` to keep text beyond ASCII.
     std::string toStdString() const;
     /// UTF-8; a unit that came from a byte of 128 or more becomes that byte again.
     std::string toUtf8() const;
@@ -44,8 +44,8 @@ public:
     /// Trimmed, with each inner run of white space replaced by one blank.
     String simplified() const;
 
-    /// Pieces between the units that are in `delimiters`; empty ones are dropped, and so is everything after `most` of
-    /// them.
+    /// The pieces between units that are in `delimiters`. Empty ones are dropped, and so is everything after the first
+    /// `most` pieces.
     std::vector<String> split(const String& delimiters, std::size_t most = NOT_FOUND) const;
     /// Position of the first occurrence at or after `start`, or `NOT_FOUND`.
     std::size_t find(const String& text, std::size_t start) const;

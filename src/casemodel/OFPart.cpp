@@ -8,9 +8,11 @@ OFPart::OFPart(int id, const dvn::Str& name, const dvn::Str& folder) : m_id(id),
 void OFPart::setConnectivities(std::vector<int>&& connectivities)
 {
     m_connectivities = std::exchange(connectivities, {});
+    m_elementBlocks = itemBlocks(m_nodesCountPerElt, m_connectivities);
 }
 
 void OFPart::setNodesCountPerElt(std::vector<std::uint8_t>&& counts)
 {
     m_nodesCountPerElt = std::exchange(counts, {});
+    m_elementBlocks = itemBlocks(m_nodesCountPerElt, m_connectivities);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
+#include "casemodel/ItemBlocks.h"
 #include "records/OFBoundary.h"
 #include "records/OFCellZone.h"
 #include "records/OFFaceZone.h"
@@ -79,4 +80,6 @@ private:
     std::vector<OFFaceZone> m_faceZones;
     std::vector<int> m_connectivities;
     std::vector<std::uint8_t> m_nodesCountPerElt;
+    /// The elements in blocks, for averaging.
+    std::vector<ItemBlock> m_elementBlocks;
 };

@@ -54,10 +54,10 @@ public:
     bool initParallelGeometry(std::vector<dvn::Str>& caseSubFolders);
     /// Reads the part's patches, unless they are switched off or there is no file, and advances `nextId` past them.
     ///
-    /// @param file the plain name; a file of this name with ".gz" will do
+    /// @param file the plain name; a file of this name with ".gz" is accepted too
     /// @return false if the file exists but cannot be read; the part then has no patches
     bool addBoundaries(OFPart& part, const dvn::Str& file, int* nextId);
-    /// The same for face zones; of a file that breaks off, the part keeps the zones before that place.
+    /// The same for face zones, except that a part keeps the zones before the place where a file breaks off.
     bool addFaceZones(OFPart& part, const dvn::Str& file, int* nextId);
     /// The same for cell zones.
     bool addCellZones(OFPart& part, const dvn::Str& file, int* nextId);
@@ -70,8 +70,7 @@ public:
 
     /// Lists the sub-folders of the case, sorted; states come and go with them.
     ///
-    /// @return false, with the reason in the log, if the case folder cannot be listed, or does not exist any more
-    /// though
+    /// @return false, with the reason in the log, if the case folder cannot be listed, or no longer exists although
     ///         sub-folders of it are known. A network disk that is gone for a moment looks like that, so the caller
     ///         must not take the states for removed.
     bool listCaseFolders(std::vector<dvn::Str>* names) const;

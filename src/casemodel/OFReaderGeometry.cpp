@@ -209,7 +209,7 @@ bool OFReader::addBoundaries(OFPart& part, const dvn::Str& file, int* nextId)
     }
     std::vector<OFBoundary>& boundaries = part.boundaries();
     if (!OFFile(true).readBoundary(file, "boundary", boundaries, static_cast<std::size_t>(part.id()))) {
-        // A list that is half read has no ids.
+        // The patches of a half-read list have no ids yet.
         boundaries.clear();
         return logProblem("Cannot init geometry. Boundary File/Folder %1 does not exist.", file);
     }

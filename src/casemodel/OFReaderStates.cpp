@@ -88,7 +88,7 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
 {
     const std::vector<dvn::Str> regions = regionNames();
     const std::map<dvn::Str, dvn::Str> resultNames = buildResultsNamesMap(m_customResultNames);
-    // Asked for by name and never listed: the number of times and that of surface folders both grow with the run.
+    // Surface folders are looked up by name, not listed: both their number and the number of times grow with the run.
     const dvn::Str surfaceRoot = sampledSurfaceRoot(m_path);
     int nextId = firstId;
     for (const dvn::Str& name : folderNames) {

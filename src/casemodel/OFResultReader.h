@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/// Where a field lies and what its file must be.
+/// Where a field is and what its file must contain.
 struct OFFieldFile
 {
     dvn::Str folder;     ///< holds the file, which is named `nativeName`, plain or gzip

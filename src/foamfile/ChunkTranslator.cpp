@@ -17,8 +17,8 @@ namespace {
 
 using Range = tbb::blocked_range<std::size_t>;
 
-/// The number at the start of a text. What ends it is cut off first, so the conversion never runs on into the lines
-/// after it, which other workers read.
+/// The number at the start of a text. The text is cut at the end of the number first, so that the conversion never runs
+/// on into later lines, which other workers read.
 double leadingNumber(const char* text)
 {
     const char* const first = text + std::strspn(text, " \t\n\v\f\r");

@@ -6,11 +6,12 @@
 
 #include <cstddef>
 
-/// The parallel loops that turn a chunk of lines into numbers in two passes: where the lines start, then what they say.
+/// The parallel loops that turn a chunk of lines into numbers in two passes: the first finds where the lines start, the
+/// second converts them.
 ///
 /// The first pass tests one byte per position, and the second has no shared writes: line starts are found without
 /// parsing, and after that each line can be parsed by itself. An object lives as long as one run over a list, so loops
-/// over chunks of similar size keep their cache affinity. Every operation gives true.
+/// over chunks of similar size keep their cache affinity. Every operation returns true.
 class ChunkTranslator
 {
 public:

@@ -18,8 +18,8 @@ std::string_view upToLineEnd(std::string_view line)
 
 /// Adds the entry of a "key value;" line, if the line is one and the key is new.
 ///
-/// Compatibility (docs/compatibility.md, "shifted dictionary values"): the value is counted off from the start of the
-/// line and not from its key.
+/// Compatibility (docs/compatibility.md, "shifted dictionary values"): the position of the value is counted from the
+/// start of the line, not from the key.
 void addDictionaryEntry(std::string_view line, std::map<dvn::Str, dvn::Str>* entries)
 {
     if (!line.ends_with(';')) {
@@ -80,7 +80,7 @@ bool Dictionary::readBoundary(FoamFile& file, const dvn::Str& path, const dvn::S
         boundary.setPartId(static_cast<int>(partId));
         boundary.setPatchName(checkedLookup(info, std::string("patchName")));
         boundary.setType(checkedLookup(info, std::string("type")));
-        // A count below zero would turn into the largest of all.
+        // A negative count would turn into a huge one.
         const int faceCount = dvn::Str(checkedLookup(info, std::string("nFaces"))).toInt(0);
         boundary.setFaceCount(static_cast<std::size_t>(std::max(faceCount, 0)));
         boundary.setStartFaceIndex(dvn::Str(checkedLookup(info, std::string("startFace"))).toInt(0));

@@ -10,11 +10,11 @@
 
 namespace {
 
-/// What the sequential readers assume of a face, and by how much they grow.
+/// How many nodes the sequential readers expect of a face, and by how many their arrays grow.
 constexpr std::size_t NODES_PER_FACE = 8;
 constexpr std::size_t NODES_STEP = 80000;
 
-/// Takes faces into the list itself, one after the other.
+/// Appends faces directly to the list, one after the other.
 class SequentialFaces
 {
 public:
@@ -84,17 +84,17 @@ std::size_t nodesOfFaces(const int* offsets, std::size_t faceCount)
     return static_cast<std::size_t>(static_cast<std::int64_t>(offsets[faceCount]) - offsets[0]);
 }
 
-/// How many faces there are before the first offset that falls.
+/// How many faces come before the first offset that is smaller than the one before it.
 std::size_t risingFaces(const int* offsets, std::size_t faceCount)
 {
     // guard: falling-offsets
     return static_cast<std::size_t>(std::is_sorted_until(offsets, offsets + faceCount + 1) - offsets) - 1;
 }
 
-/// Reads labels to the start of `nodes`, which grows in steps, and returns how many came.
+/// Reads labels into `nodes`, from its start on and growing it in steps, and returns how many were read.
 ///
-/// One read of many labels instead of one per face, but into memory that was cleared just before and is in the cache.
-/// The memory for all is taken at once if the file has them.
+/// One read takes many labels, not just those of a face, but only into memory that was cleared just before and is still
+/// in the cache. If the file is large enough for all labels, memory for them is reserved at once.
 std::size_t readCompactNodes(TextSource& text, std::size_t labelCount, std::vector<int>* nodes)
 {
     const auto sizeFor = [size = nodes->size()](std::size_t count) {
@@ -136,7 +136,7 @@ bool FaceList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& ob
     if (file.hasHeader && !isCompact && !ListHeader::checkClass(file, "faceList", MESSAGES)) {
         return false;
     }
-    // A compact list counts offsets, one more than faces, so the largest count is one face less and passes.
+    // A compact list counts offsets, one more than faces, so its count may be one larger.
     const int largestCount = dvf::limits::LIST_COUNT + (isCompact ? 1 : 0);
     int count = 0;
     if (!ListHeader::readCount(file, dvf::limits::BYTES_PER_NUMBER, largestCount, MESSAGES, &count)) {
@@ -171,7 +171,7 @@ bool FaceList::readNext(TextSource& text, bool isCompact, FacesData* faces, std:
     if (isCompact) {
         return readCompactAscii(text, faces, found);
     }
-    // A list that is short is not a failure; only the number of faces shows it.
+    // A short list is not a failure; only the number of faces shows it.
     *found = readPar(text, faces);
     return true;
 }

@@ -109,7 +109,8 @@ public:
         m_nodesDone += slot->nodeCount;
     }
 
-    /// To what this pass needs and no further: memory is filled while it is in the cache, and touched once.
+    /// Grows the list to what this pass needs and no further, so that memory is touched once and filled while it is in
+    /// the cache.
     void makeRoom()
     {
         if (m_faces->nodes.empty()) {
@@ -128,7 +129,7 @@ public:
     }
 
 private:
-    /// Makes room for all nodes by what the first faces had, so that the list is not copied while it grows.
+    /// Reserves room for all nodes, estimated from the first faces, so that the list is not copied while it grows.
     void reserveNodes()
     {
         if (m_facesDone == 0) {

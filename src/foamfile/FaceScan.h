@@ -20,7 +20,7 @@ bool scanFace(const char*& cursor, const char* end, Target* target)
     if (!TokenScanner::scanFaceSize<END>(p, &count) || count < 1) {
         return false;
     }
-    // Each label takes at least one character, so nothing grows for a size that lies. guard: face-size
+    // Each label takes at least one character, so nothing grows for a size that is wrong. guard: face-size
     const auto size = static_cast<std::size_t>(count);
     if (size > static_cast<std::size_t>(end - p) || !target->canTake(size) ||
         !TokenScanner::scanFaceLabels<END>(p, size, target->room(size))) {
@@ -31,7 +31,7 @@ bool scanFace(const char*& cursor, const char* end, Target* target)
     return true;
 }
 
-/// Chunks that end after a face: one that a border cuts would be lost on both sides of it.
+/// Chunks that end after a face: a face cut by a chunk border would be lost on both sides.
 class FaceChunks
 {
 public:

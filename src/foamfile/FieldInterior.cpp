@@ -31,7 +31,7 @@ bool logError(const dvn::Str& message)
     return OFLogger::get().logError("OFFile", message);
 }
 
-/// Components of one item in an array; -1 for a kind that has no number.
+/// Components of one item in an array; -1 for an unknown kind.
 int storedSize(OFResultType type)
 {
     switch (type) {
@@ -97,7 +97,7 @@ double leadingNumber(std::wstring_view word)
 /// The count directly before the bracket at `bracket`.
 ///
 /// Compatibility (docs/compatibility.md, "stoi exception"): digits are converted as `std::stoi` does. A number that is
-/// too large comes out as the limit of its sign, which no list has.
+/// too large gives the limit of its sign, which no list has as its count.
 int countBefore(std::wstring_view line, std::size_t bracket)
 {
     const std::size_t blank = line.rfind(L' ', bracket);
@@ -109,7 +109,7 @@ int countBefore(std::wstring_view line, std::size_t bracket)
     return count;
 }
 
-/// Splits off the numbers of a uniform value; false, with a message if a token is not a number, if one is missing.
+/// Converts the numbers of a uniform value. False if one is missing or, with a message, if a token is not a number.
 bool convertUniform(const std::vector<dvn::Str>& tokens, std::size_t first, const dvn::Str& path, double* numbers,
                     std::size_t count)
 {
@@ -297,8 +297,8 @@ bool FieldInterior::readSingleLine(TextSource& text, const dvn::Str& line, const
     if (!checkCount(text, count, request, *values)) {
         return false;
     }
-    // The list ends three characters before the line does. Another ending cuts elsewhere, which does not matter to the
-    // conversion of the last number.
+    // The list ends three characters before the line does. With another ending the cut falls elsewhere, which does not
+    // affect the conversion of the last number.
     const std::size_t first = std::min(bracket, wide.size() - 1) + 1;
     // guard: line-tail
     const std::size_t end = std::max(first, wide.size() - std::min(wide.size(), LIST_TAIL));

@@ -24,7 +24,7 @@ struct Request
 };
 
 /// Reads the interior values of a field file, or the list of a file without header. See `OFFile::readResult`.
-/// @param[out] wasRead whether `values` are good, also where the answer is true all the same
+/// @param[out] wasRead whether `values` are good; the function may return true even if they are not
 bool readFile(FoamFile& file, const Request& request, const dvn::Str& objectName, std::vector<double>* values,
               bool* wasRead);
 /// Reads the values of an `internalField` line that holds the whole list.

@@ -17,8 +17,7 @@ using TokenScanner::ComponentEnd;
 /// Text that is parsed at once: with its values it fits the cache of a core.
 constexpr std::size_t WINDOW_SIZE = 1048576;
 
-/// Parses the vectors of a piece. One that does not end with its line, or is not as it should be, leaves the piece in
-/// doubt.
+/// Parses the vectors of a piece. A vector that is malformed or does not end on its line leaves the piece in doubt.
 void readVectorsOfPiece(FieldPieces::Piece* piece, const char* end)
 {
     const char* p = piece->begin;
@@ -81,7 +80,7 @@ public:
             const std::string_view lines = m_text.peekLines(m_offset + WINDOW_SIZE);
             const std::string_view window = lines.substr(std::min(m_offset, lines.size()));
             if (*found == 0 && window.starts_with('\n')) {
-                // Only the walk knows what becomes of an empty line before the first value.
+                // Only the walk knows how to treat an empty line before the first value.
                 return;
             }
             std::size_t count = 0;

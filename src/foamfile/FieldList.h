@@ -16,7 +16,7 @@ namespace FieldList {
 /// Advances past the next "(" and reads values, ascii or binary.
 bool readNext(TextSource& text, bool isVector, std::vector<double>* values);
 /// Reads values at the position, ascii or binary.
-/// @param[out] found how many values came
+/// @param[out] found how many values were read
 bool read(TextSource& text, bool isVector, std::vector<double>* values, std::size_t* found);
 /// Reads ascii scalars to the end of the target or to the first text that is not a number.
 ///

@@ -51,7 +51,7 @@ std::size_t rawItemSize(std::string_view listType)
     return type == TYPES.end() ? 0 : type->size;
 }
 
-/// The number of a token, 0.0 if there is none. The first `skip` characters are left off.
+/// The number of a token without its first `skip` characters; 0.0 if there is none.
 double tokenNumber(const std::vector<dvn::Str>& tokens, std::size_t index, std::size_t skip)
 {
     // guard: token-length
@@ -75,7 +75,7 @@ std::array<double, COUNT> bracketedNumbers(const std::vector<dvn::Str>& tokens)
 
 /// Copies the components of the mesh's item to each item of a patch.
 ///
-/// Item i writes only the components of place i. What is outside either array is left out: tensors are walked in steps
+/// Item i writes only the components of place i. Anything outside either array is left out: tensors are walked in steps
 /// of nine over arrays that hold six, and a mapping may be older than the mesh.
 struct CopyMeshItemFunctor
 {
@@ -173,7 +173,7 @@ bool lookAheadForValue(TextSource& text, std::string* values)
     return true;
 }
 
-/// What a line of a patch leads to.
+/// What a line of a patch did.
 enum class EntryOutcome
 {
     Open,

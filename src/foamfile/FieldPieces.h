@@ -13,9 +13,9 @@
 /// Parses the text of a field list in several pieces at once, ahead of the walk through the list.
 ///
 /// The sequential walk decides every unusual case: the pieces take what comes before it, and the walk goes on from
-/// there. A piece counts if it was parsed to its end without a doubt, every piece before it counts, and the list does
-/// not end in it. So the walk sees the end of the list, the text after it, and each text that is not a number, and the
-/// outcome is that of the walk alone.
+/// there. A piece counts if it was parsed to its end without doubt, every piece before it counts, and the list does not
+/// end in it. So the walk sees the end of the list, the text after it, and each text that is not a number, and the
+/// outcome is the same as if only the walk had read the list.
 class FieldPieces
 {
 public:
@@ -43,9 +43,8 @@ public:
     /// Parses values from the start of the text, fewer than `room`.
     ///
     /// @param end       of the text; its NUL, or the start of a line
-    /// @param readPiece parses a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`. It does
-    /// not
-    ///                  look at lines after the piece.
+    /// @param readPiece parses a piece, `void(Piece*, const char* end)`: sets `count`, `stop` and `isClean`, and does
+    ///                  not look at lines after the piece
     /// @param beside    a call that runs beside the parsing: reading what comes next
     /// @param[out] count values stored at `target`
     /// @return where the walk goes on
@@ -63,8 +62,8 @@ public:
             // A single line.
             return begin;
         }
-        // The calls are part of one part's own work: waiting for them must not take up another part. Each fills its own
-        // piece.
+        // These calls belong to the work on one part: while this thread waits for them, it must not take up another
+        // part. Each fills its own piece.
         dvf::isolated([&] {
             dvf::invokeAll([&] { beside(); },
                            [&] {
@@ -111,18 +110,19 @@ public:
     }
 
 private:
-    /// More than a small machine has cores, so that a core that comes late still finds work.
+    /// More than a small machine has cores, so that a core that starts late still finds work.
     static constexpr std::size_t PIECES = 8;
     /// Below this the tasks cost more than they gain.
     static constexpr std::ptrdiff_t LEAST_TEXT = 65536;
     static constexpr std::size_t LEAST_VALUES = 4096;
-    /// Characters of a line per value, line feed and brackets included; seldom more.
+    /// Characters of text per value, line feed and brackets included; seldom more.
     static constexpr std::size_t TEXT_OF_VALUE = 32;
     /// Values by which a piece grows: about what its text holds.
     static constexpr std::size_t VALUES_STEP = 16384;
 
     /// Where the last piece ends: at the first NUL, because the walk stops there, and after a line of about the text
-    /// that the values can take. What comes after that is not looked at, or each of many short lists would do it.
+    /// that the values can take. The text after that is not searched, since each of many short lists would search it
+    /// again.
     static const char* endOfPieces(const char* begin, const char* end, std::size_t room)
     {
         const auto most = std::min(room, static_cast<std::size_t>(end - begin)) * TEXT_OF_VALUE;
@@ -144,11 +144,11 @@ private:
         const char* next = begin;
         for (std::size_t i = 0; i < PIECES; ++i) {
             Piece& piece = m_pieces[i];
-            // Until its task has run: nothing of the text before may count.
+            // Until its task has run, nothing that is left of an earlier text may count.
             piece.begin = piece.stop = next;
             piece.count = 0;
             piece.isClean = false;
-            // A long line may reach beyond the next cut; the piece after it is then an empty one.
+            // A long line may reach beyond the next cut; the piece after it is then empty.
             const char* limit = std::max(next, begin + length * static_cast<std::ptrdiff_t>(i + 1));
             if (i + 1 == PIECES || limit >= end || !TokenScanner::skipPast(limit, '\n')) {
                 limit = end;

@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view HEADER_NAME = "FoamFile";
 
 /// Compatibility (docs/compatibility.md, "any line with a brace opens the header"): any long line with a brace in it
-/// opens the block, whatever its first columns hold. This takes "FoamFile{" as well as a name with blanks around it,
+/// opens the block, whatever its first columns hold. This accepts "FoamFile{" as well as a name with blanks around it,
 /// and no list starts with such a line.
 bool opensBlockAtOnce(std::string_view line)
 {

@@ -10,7 +10,7 @@
 /// The `FoamFile` block at the start of a file: its keys and their values.
 ///
 /// A value is the text before the last ";" of its line, quotes included. The first value of a key wins, also over those
-/// of a file read later, so a second file's header takes a fresh object.
+/// of a file read later, so use a new object for the header of a second file.
 class FoamHeader
 {
 public:

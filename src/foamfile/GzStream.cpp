@@ -59,7 +59,7 @@ int openRegularFile(const std::string& path, std::uint64_t* size)
     return descriptor;
 }
 
-/// Reads a block from a place in a file, and returns how many bytes came.
+/// Reads a block from a place in a file, and returns how many bytes were read.
 std::size_t readBlock(int descriptor, char* target, std::size_t size, off_t place)
 {
     std::size_t done = 0;
@@ -230,7 +230,7 @@ std::size_t GzStream::readStored(char* target, std::size_t size)
 std::string_view GzStream::stored()
 {
     if (m_next == m_end) {
-        // Also where nothing is staged: bytes that are put back then go to zlib.
+        // Even if nothing is staged, because bytes that are put back must then go to zlib.
         m_next = m_end = 0;
         if (m_stagedCount != 0) {
             appendStaged(0);
@@ -239,8 +239,8 @@ std::string_view GzStream::stored()
     return {m_ahead.data() + m_next, m_end - m_next};
 }
 
-/// Puts the staged bytes after the `unread` last ones of those before. They stay where they are, and the few unread
-/// ones are copied, if there is room for them in front.
+/// Joins the `unread` last bytes of the text before and the staged bytes. If there is room in front of the staged
+/// bytes, these stay in place and the few unread ones are copied there.
 void GzStream::appendStaged(std::size_t unread)
 {
     if (unread <= STAGING_ROOM) {
@@ -281,8 +281,8 @@ void GzStream::stage(std::size_t size)
     }
 }
 
-/// Reads a long piece of an uncompressed file with all cores, because one core takes longer than it needs to for copies
-/// out of the system's cache. Returns how many bytes came; the caller reads the rest in the usual way.
+/// Reads a long piece of an uncompressed file with all cores, because one core alone is slow to copy out of the
+/// system's cache. Returns how many bytes were read; the caller reads the rest in the usual way.
 std::size_t GzStream::readShared(char* target, std::size_t size)
 {
     const z_off_t position = gztell(m_handle.get());
@@ -305,7 +305,7 @@ std::size_t GzStream::readShared(char* target, std::size_t size)
             break;
         }
     }
-    // If the stream cannot follow, it reads the same bytes again from where it is.
+    // If the stream cannot be advanced, it reads the same bytes again from where it is.
     return gzseek(m_handle.get(), position + static_cast<z_off_t>(done), SEEK_SET) < 0 ? 0 : done;
 }
 

@@ -15,14 +15,14 @@ struct gzFile_s;
 /// The bytes of one file, inflated where it is compressed and passed through where it is not.
 ///
 /// Compressed data that is damaged or ends early reads as data that ends there, and one info line names the file. This
-/// class is the only user of zlib. One thread at a time, but for `stage`.
+/// class is the only user of zlib. One thread at a time, except for `stage`.
 class GzStream
 {
 public:
-    /// What `nextByte` gives after the last byte.
+    /// What `nextByte` returns after the last byte.
     static constexpr int END_OF_DATA = -1;
 
-    /// Opens a file, or gives null.
+    /// Opens a file, or returns null.
     ///
     /// Only a regular file is opened, through links: a pipe or a device in its place could block the host forever.
     static std::unique_ptr<GzStream> open(const dvn::Str& path);
@@ -86,7 +86,7 @@ private:
     dvn::Str m_path;
     std::uint64_t m_sizeOnDisk;
     bool m_damageTold = false;
-    /// Known once someone has asked.
+    /// Known after the first request for it.
     std::optional<std::uint64_t> m_inflatedSize;
 
     /// Bytes read ahead of the caller: `m_next` up to `m_end` of `m_ahead`, then those of `m_staged`.

@@ -13,12 +13,12 @@ bool cellCountFromNote(const dvn::Str& note, int* cellCount)
     const dvn::Str key("nCells:");
     const std::size_t cells = note.find(key);
     const std::size_t faces = note.find("nFaces:");
-    // A text that is not found has the largest of positions, so a note without cells fails and one without faces does
-    // not.
+    // `find` gives the largest position for a text that it does not find, so a note without cells fails and one without
+    // faces does not.
     if (cells >= faces) {
         return false;
     }
-    // The text is longer than the number, which does not matter to the conversion. A note may end after the key.
+    // The text is longer than the number, which does not affect the conversion. A note may end after the key.
     const std::size_t number = cells + key.size();
     *cellCount = number < note.size() ? note.subStr(number, faces).trimmed().toInt(0) : 0;
     return true;

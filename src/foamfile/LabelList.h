@@ -12,7 +12,7 @@
 /// labels in the byte order of the machine, in one read. What follows the labels stays to be read, the ")" included.
 namespace LabelList {
 
-/// What is reported of a header whose note does not give the number of cells; %1 is the path.
+/// The message for a header whose note does not give the number of cells; %1 is the path.
 inline constexpr const char* NO_CELL_COUNT =
     "Failed to read number of cells in file. This info should be available as 'note' in the header of File: %1";
 
@@ -21,11 +21,12 @@ bool readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, 
               int* cellCount);
 
 /// Advances past the next "(" and reads as many labels as the target has; a list that ends early is reported.
-/// @return false if not all of them came
+/// @return false if not all of them could be read
 bool readNextReportingShort(TextSource& text, std::vector<int>* labels);
-/// Reads labels at the position, ascii or binary, and returns how many came.
+/// Reads labels at the position, ascii or binary, and returns how many were read.
 std::size_t read(TextSource& text, std::vector<int>* labels);
-/// Reads ascii labels to the end of the target or to the first text that is not a label, and returns how many came.
+/// Reads ascii labels to the end of the target or to the first text that is not a label, and returns how many were
+/// read.
 std::size_t walk(TextSource& text, std::vector<int>* labels);
 
 } // namespace LabelList

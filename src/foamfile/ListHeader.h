@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-/// A file of this project's readers: its text and the header in front of it.
+/// A file as the readers of lists use it: its text and its header.
 struct FoamFile
 {
     TextSource text;
@@ -21,10 +21,10 @@ struct FoamFile
     bool hasBlock() { return FoamHeader::skipToBlock(text); }
 };
 
-/// Opening a file that holds a list, and judging its object and its count: the same steps for every kind of list.
+/// Opens a file that holds a list and checks its object, class and count, which is the same for every kind of list.
 namespace ListHeader {
 
-/// What one reader reports; %1 is the path as given.
+/// The messages of one reader; %1 is the path as given.
 struct Messages
 {
     const char* openFailed;
@@ -45,7 +45,7 @@ bool openWithOrWithoutHeader(FoamFile& file, const dvn::Str& path, const dvn::St
 bool checkClass(const FoamFile& file, const char* className, const Messages& messages);
 /// Reads the count of a list and refuses one that is out of range or that a file of this size cannot hold.
 ///
-/// @param bytesPerItem what an item takes of the file at the least
+/// @param bytesPerItem the fewest bytes that an item takes in the file
 bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count);
 
 } // namespace ListHeader

@@ -22,7 +22,7 @@ struct FoamFile;
 /// The one reader of OpenFOAM's file formats: ascii and binary, plain and gzip.
 ///
 /// An object reads one file at a time, belongs to one thread at a time and lives on the stack of its user. Every
-/// operation hands over to the source that reads its kind of list: LabelList, VectorList, FaceList, Dictionary, Zones,
+/// operation calls the functions for its kind of list: LabelList, VectorList, FaceList, Dictionary, Zones,
 /// FieldInterior, FieldPatches. Operations are const where they change nothing but the reading position. Whatever bytes
 /// a file holds, nothing is read or written outside its containers; a damaged or truncated gzip stream reads as one
 /// that ends there.
@@ -52,7 +52,7 @@ public:
     /// Opens `path` + ".gz" if that exists, else `path`, and reads the header.
     ///
     /// Only a regular file is opened. The header entries of an earlier file stay, and the first value of a key wins:
-    /// use a fresh object for the header of a second file.
+    /// use a new object for the header of a second file.
     /// @return false, with the file closed, if there is no such file or no valid header
     bool open(const dvn::Str& path);
     /// Ends the stream and frees the buffers; header entries stay.
@@ -105,13 +105,13 @@ public:
     // --- fields
     //
     // Values are flat arrays, item after item, components of an item next to each other, in the size that the caller
-    // gave them. A tensor takes six values of such an array but nine in the patches of a file; both are relied on.
+    // gave them. A tensor takes six values in such an array but nine in the patches of a file; hosts rely on both.
 
     /// Reads the interior values of a field file, or the one list of a file without header.
     ///
     /// A file of another class than `resultClass` fills `values` with `UNDEFINED_DOUBLE` and counts as read. Without
     /// header the answer is always true once the file is open; see `interiorWasRead`.
-    /// @return false if the values could not be read; `values` is then of no use
+    /// @return false if the values could not be read; `values` is then meaningless
     /// @throws std::out_of_range when the header lacks `object` or `class`
     /// @throws std::invalid_argument when no count is directly before the "(" of a list on one line
     bool readResult(const dvn::Str& path, const dvn::Str& objectName, const dvn::Str& resultClass,
@@ -127,13 +127,13 @@ public:
     bool readValuesOfCellAndBoundaries(const dvn::Str& path, const dvn::Str& objectName, const dvn::Str& resultClass,
                                        std::vector<double>* values, const std::vector<OFBoundary>& boundaries,
                                        std::vector<std::vector<double>>& boundaryValues);
-    /// True if the last of the two calls above filled `values`, whatever became of the patches.
+    /// True if the last of the two calls above filled `values`, whether or not the patches could be read.
     bool interiorWasRead() const { return m_interiorWasRead; }
 
     // --- single steps (OFFileSteps.cpp)
     //
-    // What the readers above do in between, for callers that read a file in their own way. The library itself uses none
-    // of them. They work at the position: the pending rest of the chunk read last, or the stream when that is used up.
+    // The steps of the readers above, for callers that read a file in their own way. The library itself uses none of
+    // them. They work at the position: the pending rest of the chunk read last, or the stream when that is used up.
     // Those named after a list do what the function of that name in the list's header says.
 
     bool readHeader();

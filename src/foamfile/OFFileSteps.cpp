@@ -22,7 +22,7 @@ namespace {
 
 /// Tokens of a whole "dimensions" entry: the key and seven exponents.
 constexpr std::size_t DIMENSION_TOKENS = 8;
-/// Room made at once for the starts of the lines of a chunk.
+/// Initial room for the line starts of a chunk.
 constexpr std::size_t LINE_OFFSETS_RESERVE = 10000;
 
 bool copyPendingLine(TextSource& text, char* target)
@@ -40,8 +40,8 @@ bool copyPendingLine(TextSource& text, char* target)
     return true;
 }
 
-/// Leaves the text after the next ";" pending; nothing is if the chunk has none, because the list then goes on in the
-/// stream.
+/// Makes the text after the next ";" pending. If the chunk has no ";", nothing is pending, because the list then goes
+/// on in the stream.
 void keepAfterList(TextSource& text, char* firstLineAfter)
 {
     char* const semicolon = std::strchr(firstLineAfter, ';');
@@ -449,7 +449,7 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
             return false;
         }
         if (*chunk == '\0') {
-            // The rest of a chunk that was used up to its end; the list goes on in the next one.
+            // The chunk was used up to its end; the list goes on in the next one.
             continue;
         }
         m_lineOffsets.clear();
@@ -459,7 +459,7 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
         const std::size_t count = std::min(lines, items - itemsRead);
         if (lines + itemsRead >= items) {
             // Not the next marked line: a ";" ends the marking, and which lines after it are marked depends on how the
-            // loop was cut.
+            // loop was split.
             char* const lastItem = chunk + m_lineOffsets[count - 1];
             keepAfterList(text(), lastItem + std::strcspn(lastItem, "\n"));
         }

@@ -13,7 +13,7 @@ dvn::Str excerpt(const std::string& text);
 
 /// Forwards the plug-in's log lines to the one callback that the host provides.
 ///
-/// There is no log file and no level filter here: the host decides what becomes of a line. The operations take no lock
+/// There is no log file and no level filter here: the host decides what to do with a line. The operations take no lock
 /// and run on many worker threads at once, so the callback must accept concurrent calls. Text handed to it is valid
 /// only during the call.
 class OFLogger

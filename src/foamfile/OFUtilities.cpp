@@ -86,7 +86,7 @@ bool isPlainName(const std::string& name)
 std::vector<dvn::Str> OFUtilities::subFolders(const dvn::Str& folder)
 {
     std::vector<dvn::Str> names;
-    (void)listSubFolders(folder, &names); // a folder that cannot be read has what was read of it
+    (void)listSubFolders(folder, &names); // an unreadable folder has what was read so far
     return names;
 }
 
@@ -121,7 +121,7 @@ bool OFUtilities::hasFileOfBaseName(const dvn::Str& folder, const dvn::Str& base
     }
     bool isFound = false;
     (void)visitEntries(folder, [&](const dirent& entry) {
-        // The search spares nearly all entries the conversion.
+        // The search avoids the conversion for nearly all entries.
         isFound = std::string_view(entry.d_name).find(name) != std::string_view::npos &&
                   fileBaseName(entry.d_name) == baseName;
         return !isFound;

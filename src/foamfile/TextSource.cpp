@@ -158,8 +158,8 @@ bool TextSource::nextChunk(ChunkBuffer* buffer, Chunk* chunk)
 {
     if (m_position.pending) {
         char* const cursor = m_position.cursor;
-        // The end found last is that of every rest from there on: the last line of a chunk may be as long as the file,
-        // and a rest is handed out for each of many short lists.
+        // The end found last is also the end of every later rest of the chunk. It is kept because the last line of a
+        // chunk may be as long as the file, and many short lists may each ask for a rest.
         if (m_rest.begin == nullptr || cursor < m_rest.begin || cursor > m_rest.end) {
             m_rest = {cursor, cursor + std::strlen(cursor)};
         }
@@ -289,7 +289,8 @@ TextSource::Token TextSource::readInt(char delimiter, int* value)
             if (c == '(') {
                 m_stream->unread(c);
             }
-            // Wraps on purpose: the reader of the list refuses what comes out negative.
+            // Compatibility (docs/compatibility.md, "wrapping labels and counts"): the reader of the list refuses a
+            // count that comes out negative.
             *value = static_cast<int>(sum);
             return Token::Number;
         }

@@ -68,8 +68,8 @@ public:
     bool takeLine(std::string_view* line) { return takePendingLine(NO_LIMIT, line) || takeStreamLine(line); }
     /// Takes up to `maxLength` characters of a line of the pending chunk, in place and without line end.
     ///
-    /// Empty lines are skipped. Text after the last line feed of a chunk is dropped: it is the last line of a file that
-    /// does not end with its line, and a value cut off there would pass for a whole one.
+    /// Empty lines are skipped. Compatibility (docs/compatibility.md, "last line without line feed"): text after the
+    /// last line feed of a chunk is dropped.
     bool takePendingLine(std::size_t maxLength, std::string_view* line);
     /// Takes a line of the stream, whatever its length; it keeps its line feed.
     bool takeStreamLine(std::string_view* line);
@@ -114,20 +114,20 @@ public:
 
     // --- looking ahead over several chunks; nothing may be pending
 
-    /// Whole lines that come next in the stream, about `size` bytes, without taking them; empty if there is no line end
-    /// among them. Valid until the next operation but `stage`.
+    /// The next whole lines of the stream, about `size` bytes, without taking them; empty if there is no line end among
+    /// them. Valid until the next operation but `stage`.
     std::string_view peekLines(std::size_t size);
     /// Reads further text into memory while others parse the peeked lines. See `GzStream::stage`.
     void stage(std::size_t size);
     /// Takes those chunks off the start of peeked lines that end within the first `used` bytes, cut as `nextChunk`
     /// would cut them.
-    /// @param[out] bytes the bytes taken
+    /// @param[out] bytes how many bytes were taken
     /// @return the number of chunks
     int takeChunks(std::string_view lines, std::size_t used, std::size_t* bytes);
 
     // --- numbers
 
-    /// What an attempt to read a number comes to.
+    /// The outcome of an attempt to read a number.
     enum class Token
     {
         Number,
@@ -136,8 +136,8 @@ public:
     };
     /// Reads unsigned digits from the stream up to `delimiter`, a carriage return or "(", which stays to be read.
     ///
-    /// Digits are added up unchecked, so a count that is too large comes out wrapped. A byte that fits nowhere ends the
-    /// attempt and is used up, and so is a "(" without a digit before it.
+    /// Digits are added up unchecked, so a count that is too large wraps. A byte that fits nowhere ends the attempt and
+    /// is used up, and so is a "(" without a digit before it.
     Token readInt(char delimiter, int* value);
     /// Reads the first run of digits in the stream that a line feed, a carriage return or "(" ends, and skips all else.
     /// This finds the count of a list after the header.
@@ -153,7 +153,8 @@ public:
     bool skipLineFeeds();
     /// Advances past the next "(" and the line feeds after it, to the first item of a list.
     bool skipToList() { return skipPast('(') && skipLineFeeds(); }
-    /// Reads items of the stream as they lie in memory, in the byte order of the machine, and returns how many came.
+    /// Reads items of the stream as they lie in memory, in the byte order of the machine, and returns how many were
+    /// read.
     std::size_t readRaw(void* target, std::size_t itemSize, std::size_t itemCount);
     /// The next byte of the stream, or -1.
     int nextByte();
@@ -164,7 +165,7 @@ public:
     bool canHold(std::uint64_t itemCount, std::uint64_t bytesPerItem) const;
 
 private:
-    /// Where reading has come to. All places are in the chunk buffer, or in that of the caller who left them pending.
+    /// The reading position. All places are in the chunk buffer, or in the buffer of the caller who left text pending.
     struct Position
     {
         /// Start of the unread rest of the pending chunk.

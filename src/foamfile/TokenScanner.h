@@ -70,7 +70,8 @@ inline bool scanLabel(const char*& cursor, int* label)
     if (p == first || static_cast<std::size_t>(p - first) > dvf::limits::NUMBER_LENGTH) {
         return false;
     }
-    // Wraps on purpose: only the caller knows the size of the list, so only it can refuse a label as too large.
+    // Compatibility (docs/compatibility.md, "wrapping labels and counts"): only the caller knows the size of the list,
+    // so only it can refuse a label as too large.
     *label = static_cast<int>(value);
     cursor = p;
     return true;
@@ -85,12 +86,12 @@ inline bool endsListItem(char c)
 /// Reads the finite number at the start of the text and returns where it ends; null if there is none.
 ///
 /// Fast path. If it stops at a delimiter, the token is complete. If not, nothing is decided: the token may still be a
-/// number for `strtod`, and the caller looks at it by its own rules. Infinite values and NaN are left to that, because
-/// the conversion reads on past a delimiter in texts such as "nan(1)".
+/// number for `strtod`, and the caller applies its own rules. Infinite values and NaN are left to the caller too,
+/// because the conversion reads on past a delimiter in texts such as "nan(1)".
 /// @param end the NUL of the text
 inline const char* scanPlainReal(const char* first, const char* end, double* value)
 {
-    if (const char* const stop = dvf::scanShortReal(first, value)) {
+    if (const char* const stop = dvf::scanShortReal(first, end, value)) {
         return stop;
     }
     const std::from_chars_result result = std::from_chars(first, end, *value);
@@ -202,7 +203,7 @@ inline bool scanScalar(const char*& cursor, const char* end, double* value)
 /// Which characters, besides its own delimiter, may end a number of a face.
 enum class FaceTokenEnd
 {
-    /// None: a face that is not as it should be ends the chunk.
+    /// None: a malformed face ends the chunk.
     Delimiter,
     /// A blank or the end of the text. For the sequential readers.
     DelimiterBlankOrNul
@@ -262,7 +263,7 @@ bool scanFaceLabel(const char*& cursor, char delimiter, int* label)
     return true;
 }
 
-/// Reads the labels of one face to `labels`, which has room for `count`.
+/// Reads the labels of one face into `labels`, which has room for `count`.
 template <FaceTokenEnd END>
 bool scanFaceLabels(const char*& cursor, std::size_t count, int* labels)
 {

@@ -16,9 +16,8 @@ bool readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, 
 
 /// Reads ascii triples at the position, four chunks at a time, until the target is full or the file ends.
 ///
-/// Text between vectors is skipped. A vector that is not as it should be ends its chunk, and what came before it
-/// counts.
-/// @return how many doubles came
+/// Text between vectors is skipped. A malformed vector ends its chunk; the vectors before it count.
+/// @return how many doubles were read
 std::size_t readPar(TextSource& text, std::vector<double>* values);
 
 } // namespace VectorList

@@ -18,7 +18,7 @@ using Messages = ListHeader::Messages;
 
 constexpr const char* PROBLEM = "Problem parsing file %1";
 
-/// Words of a list's line from which on its count is on that line.
+/// A line that starts a list and has at least this many words holds the count, too.
 constexpr std::size_t WORDS_WITH_COUNT = 3;
 
 std::size_t wordCount(std::string_view line)
@@ -70,7 +70,7 @@ bool readListCount(TextSource& text, const Messages& messages, std::vector<int>*
 ///
 /// Compatibility (docs/compatibility.md, "no flips in binary"): in a binary file the line is just the line feed after
 /// the ";" of the labels, which counts as its last character, so the flips are skipped there. This keeps such files
-/// readable, whose flips are one byte each and not four.
+/// readable: their flips are one byte each, not four.
 bool readFlips(TextSource& text, std::string_view line, const Messages& messages, OFFaceZone* zone)
 {
     const std::string_view flips = line.substr(0, line.find_last_not_of(' ') + 1);
@@ -142,7 +142,7 @@ bool readCellCount(TextSource& text, std::string_view line, const Messages& mess
                sizeList(text, count, messages, &zone->cellIds());
     }
     const dvn::Str name = excerpt(zone->name().toUtf8());
-    // A line of the stream has been used up; the count is then looked for after it.
+    // If the line came from the stream, it is used up; the count is then looked for after it.
     static_cast<void>(text.returnToLine());
     if (!text.skipPast('>')) {
         OFLogger::get().logInfo("OFFile",

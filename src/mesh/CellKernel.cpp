@@ -77,7 +77,7 @@ const int* neighbourInTop(CellFaceViews faces, const int* top, int node)
     return nullptr;
 }
 
-/// Writes after a base of N nodes, for each of them, the node of the top that lies above it.
+/// Writes, after a base of N nodes, the node of the top above each of them.
 template <std::size_t N>
 bool raiseColumns(CellFaceViews faces, const int* top, int* nodes)
 {

@@ -51,7 +51,7 @@ std::size_t solidNodeCount(DDPElementType type);
 /// The type of a cell of `nodeCount` distinct nodes and these faces.
 DDPElementType typeOfCell(std::size_t nodeCount, const FaceTally& tally);
 
-/// True only if six quadrilaterals have eight distinct nodes, found by comparisons alone: four are in the first face,
+/// True only if six quadrilaterals have eight distinct nodes, found by comparisons only: four are in the first face,
 /// four in another, and all faces have their nodes among them. If it is false, counting decides.
 bool isTwoLayersOfFour(CellFaceViews faces);
 

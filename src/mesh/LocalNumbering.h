@@ -7,7 +7,7 @@
 
 /// Numbers a selection of labels from 0 in ascending order.
 ///
-/// Labels that lie close together, as those of large patches do, are kept as one bit per label of their range: no sort,
+/// Labels that are close together, like those of large patches, are kept as one bit per label of their range: no sort,
 /// and a position is a count of bits. A few labels far apart are sorted and searched instead.
 class LocalNumbering
 {

@@ -14,7 +14,7 @@ namespace {
 /// Entries per task: enough to hide the cost of the task.
 constexpr std::size_t CHECK_GRAIN = 65536;
 
-/// Number of values of a byte.
+/// How many values a byte can have.
 constexpr int BYTE_VALUES = 256;
 
 /// Labels are ints, so points beyond that cannot be named.
@@ -36,7 +36,7 @@ bool isInside(const FacesData& faces, std::size_t face, int nodesSize)
     return offset >= 0 && offset <= nodesSize - faces.nodeCounts[face];
 }
 
-/// Where the labels of a face that lies inside end: where those of the next face begin. Those of the last face end with
+/// Where the labels of a face that is inside end: where those of the next face begin. Those of the last face end with
 /// the list, provided that the labels beyond its count, which is a byte, are a multiple of 256.
 int endOfFace(const FacesData& faces, std::size_t face, int nodesSize)
 {

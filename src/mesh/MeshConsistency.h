@@ -10,10 +10,10 @@
 
 /// Removes from a mesh whatever points to nothing, and keeps the rest.
 ///
-/// A node label without a point leaves its face, and a face that lies partly outside the list of labels loses all of
-/// them. Owners beyond the faces and neighbours beyond the owners are dropped. A cell count that the faces cannot fill
-/// is cut, so that memory stays in proportion to the files; only this is reported. Labels of owners and neighbours that
-/// name no cell stay; code that follows them tests them.
+/// A node label without a point is removed from its face, and a face that is partly outside the list of labels loses
+/// all its labels. Owners beyond the faces and neighbours beyond the owners are dropped. A cell count that the faces
+/// cannot fill is cut, so that memory stays in proportion to the files; only this is reported. Owner and neighbour
+/// labels that name no cell stay; code that uses them checks them.
 ///
 /// A sound mesh is only read, by several threads, at about the speed of memory.
 void makeConsistent(OFPolymesh* mesh);

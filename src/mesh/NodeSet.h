@@ -32,7 +32,7 @@ public:
                 return;
             }
         }
-        // Labels can be chosen that all hash to one place. The sort removes the repeats among them.
+        // Labels can be chosen so that all hash to one place. The sort removes the repeats among them.
         m_nodes[m_count++] = node;
         m_isCrowded = true;
     }

@@ -10,7 +10,7 @@
 /// The raw, face-based mesh of one `polyMesh` folder. It has no objects for cells.
 ///
 /// After a good read there is one owner per face, and the first `neighbors().size()` faces are the internal ones; all
-/// others are boundary faces, which have only an owner. A failed read leaves what it got, and nothing is checked here.
+/// others are boundary faces, which have only an owner. A failed read keeps what it got, and nothing is checked here.
 class OFPolymesh
 {
 public:

@@ -77,7 +77,7 @@ bool OFPolymeshReader::readPoints(const dvn::Str& folder, std::vector<double>* p
 {
     const dvn::Timer timer;
     OFFile file(true);
-    // The line reports the number of doubles, three per point.
+    // Compatibility (docs/compatibility.md, "points counted in doubles").
     return file.readVectorField(folder + "/points", "points", points) &&
            logListRead(MESH_LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
 }
@@ -129,7 +129,7 @@ void OFPolymeshReadFunctor::operator()() const
 }
 
 /// Reads owners or neighbours, and goes on without them if their header has no note. Tools other than the solvers leave
-/// it out, and one such mesh must not cost the host the whole case. If more is missing, the exception passes.
+/// it out, and one such mesh must not cost the host the whole case. If more is missing, the exception passes through.
 void OFPolymeshReadFunctor::readLabels(const dvn::Str& path,
                                        bool (OFPolymeshReader::*read)(const dvn::Str&, std::vector<int>*),
                                        std::vector<int>* labels) const

@@ -12,14 +12,15 @@ class OFPolymeshReader
 public:
     /// Reads the mesh of a folder into an empty mesh; always true.
     ///
-    /// A file that cannot be read leaves its line in the log, and in its list what was read so far. Hosts get such a
-    /// mesh as far as it goes, so check the lists and not the result.
+    /// A file that cannot be read leaves a line in the log, and its list keeps what was read so far. Hosts get as much
+    /// of such a mesh as there is, so check the lists, not the result.
     /// @throws std::out_of_range when a file's header lacks `object` or `class`
     bool read(const dvn::Str& folder, OFPolymesh* mesh);
 
     /// Reads the four files at the same time; always true.
     bool readPolymeshPar(const dvn::Str& folder, OFPolymesh* mesh);
-    /// Reads the four files one after the other and stops at the first failure; the form that validates.
+    /// Reads the four files one after the other and stops at the first failure; unlike the other form, it checks the
+    /// mesh.
     /// @return false if a file cannot be read or there is not one owner per face; the mesh's cell count is then unset
     bool readPolymeshSeq(const dvn::Str& folder, OFPolymesh* mesh);
 

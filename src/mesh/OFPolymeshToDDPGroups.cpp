@@ -117,7 +117,7 @@ std::vector<std::size_t> OFPolymeshToDDP::facesPerPatch(const std::vector<OFBoun
     std::size_t facesLeft = dvf::limits::SHARE_OF_PATCHES * nodeCounts.size();
     std::size_t labelsLeft = dvf::limits::SHARE_OF_PATCHES * labelsOf(nodeCounts);
     std::vector<std::size_t> counts(boundaries.size());
-    // A patch that claims too much comes late and gets what the others leave.
+    // A patch that claims too much comes late and gets what the others leave over.
     for (const std::size_t patch : shortestFirst(ranges)) {
         const auto first = static_cast<std::size_t>(ranges[patch].first);
         // guard: patch-share

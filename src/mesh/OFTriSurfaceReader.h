@@ -7,7 +7,7 @@
 #include <vector>
 
 /// Reads the three list files of a sampled surface. Whether they have a `FoamFile` block depends on the tool that wrote
-/// them. A missing or malformed file leaves its line in the log.
+/// them. A missing or malformed file leaves a line in the log.
 class OFTriSurfaceReader
 {
 public:

@@ -50,7 +50,7 @@ public:
     /// Passes all settings to the reader, given or default, and logs those that were given.
     void applyUserReaderSettings(const DDPInitOptions& options);
     bool getBoolUserSetting(const DDPInitOptions& options, const OFInitOption& option) const;
-    /// The value, owned by the caller. The log says that a text was given, but not which.
+    /// The value, owned by the caller. The log says that a text was given, but not what it is.
     DDPString getStringUserSetting(const DDPInitOptions& options, const OFInitOptionString& option) const;
 
     // --- description (OpenFoamProviderMetaData.cpp)
@@ -61,7 +61,7 @@ public:
     bool addStateInfo(DDPMetaData* metaData);
     /// Gives ids to the results of all states and links averages to their sources; always true.
     ///
-    /// @param metaData null if the host is not to be told, for states found by polling
+    /// @param metaData null for states found by polling, about which the host is not told
     bool addResultInfo(DDPMetaData* metaData);
     /// Does nothing and returns false: no sets are declared to the host.
     bool addSetInfo(DDPMetaData* metaData);

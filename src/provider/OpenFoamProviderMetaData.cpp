@@ -163,7 +163,7 @@ bool OpenFoamProvider::addStateInfo(DDPMetaData* metaData)
 
 bool OpenFoamProvider::addResultInfo(DDPMetaData* metaData)
 {
-    // Results of equal id string are one result of the case; the first one decides name, kind and unit.
+    // Results with the same id string are one result of the case; the first one decides name, kind and unit.
     IdsByKey ids;
     int nextId = 1;
     for (std::size_t i = 0; i < m_reader.stateCount(); ++i) {

@@ -78,7 +78,8 @@ void OpenFoamProvider::handleRemovedStates(DDPChangeNotifications* notifications
     }
     // The remaining states have new ids, which are announced first.
     notifyUpdateOfAll(notifications, m_reader);
-    // Compatibility (docs/compatibility.md, "remove one more position"): positions, not ids, and one more than went.
+    // Compatibility (docs/compatibility.md, "remove one more position"): positions, not ids, and one more than were
+    // removed.
     for (std::size_t position = m_reader.stateCount(); position <= oldCount; ++position) {
         notifications->removeState(static_cast<std::int32_t>(position));
     }

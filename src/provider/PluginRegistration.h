@@ -12,6 +12,6 @@ DDPPluginExitFunction registerPlugin(const DDPPluginInitRecord& record);
 /// Destroys a factory that was registered; null is ignored.
 void destroyProviderFactory(DDPDataProviderFactory* factory);
 
-/// Does nothing: the library has no thread of its own, its code stays mapped for the threads of TBB, and the log
-/// callback stays for lines logged during shutdown.
+/// Does nothing: the library has no threads, its code stays mapped for the threads of TBB, and the log callback stays
+/// for lines logged during shutdown.
 void pluginExitFunc();

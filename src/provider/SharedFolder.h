@@ -7,8 +7,8 @@
 
 /// A folder that several workers may set at the same time; the last one wins.
 ///
-/// It holds the only lock of the plug-in's logic: which worker comes last does not matter, but two of them writing one
-/// text at the same moment would damage it. It is set once per mesh, so the lock costs nothing.
+/// It holds the only lock in the plug-in's logic: which worker comes last does not matter, but two of them writing the
+/// text at the same time would damage it. It is set once per mesh, so the lock costs nothing.
 class SharedFolder
 {
 public:

@@ -25,7 +25,8 @@ struct OFUnit
     /// fewer than the token before it has, so it is usually 0.
     static OFUnit fromString(const std::vector<dvn::Str>& tokens);
 
-    /// The text shown, such as "Kg m-1 s-2 " with a trailing blank, or "DIMENSIONLESS".
+    /// The text shown, such as "Kg m-1 s-2 " or "DIMENSIONLESS". Compatibility (docs/compatibility.md, "unit text"):
+    /// the blank at the end stays.
     dvn::Str translate() const;
 };
 

@@ -42,7 +42,7 @@ protected:
 
 } // namespace
 
-// Interfaces are hidden. A part with a broken file loses its patches, and ids continue as if it had none.
+// Interfaces are hidden. A part with a broken file loses its patches, and ids go on as if it had none.
 TEST_F(OFReaderCase, PrefersProcessorFolders)
 {
     writeGroups("constant/polyMesh");
@@ -119,7 +119,7 @@ TEST_F(OFReaderCase, TakesStepIndicesFromTheFoldersOrFromTheInterval)
 }
 
 // Compatibility (docs/compatibility.md, "surface results of rejected folders"). "+" sorts before the digits, so that
-// folder comes when there is no state yet to take its values.
+// folder comes first, when no state can take its values yet.
 TEST_F(OFReaderCase, AddsSurfaceValuesOfRejectedFoldersToTheStateBefore)
 {
     for (const char* const file : {"1/cut/scalarField/p", "1/cut/vectorField/U.gz", "1/rim/scalarField/p",

@@ -22,8 +22,8 @@ namespace {
 constexpr const char* SCALARS = "volScalarField";
 constexpr const char* VECTORS = "volVectorField";
 
-// One function for each way to read a file. Most ignore the result: a test fails by an overrun, an exception or a
-// limit.
+// One function for each way to read a file. Most ignore the result: what makes a test fail is an overrun, an exception
+// or a limit.
 
 void readLabels(const dvn::Str& path)
 {
@@ -250,7 +250,7 @@ std::vector<HugeSample> hugeSamples()
     };
 }
 
-/// Hands a file to readers. They may refuse it; under the sanitizers they must stay in bounds, and they must end.
+/// Hands a file to readers. They may refuse it, but they must end, and under the sanitizers they must stay in bounds.
 class BadFile : public testing::Test
 {
 protected:

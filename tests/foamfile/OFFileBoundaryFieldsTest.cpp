@@ -51,7 +51,7 @@ protected:
         return isRead;
     }
 
-    /// A boundary section; block i belongs to patch i, and a bar stands for a line end.
+    /// A boundary section; block i belongs to patch i, and "|" is a line end.
     std::string section(const std::vector<std::string>& blocks) const
     {
         std::string text = "\nboundaryField\n{\n";

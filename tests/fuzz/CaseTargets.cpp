@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A whole case: an archive of files, opened through the provider and read like a host reads it.
+// A whole case: an archive of files, opened through the provider and read as a host does.
 #include "border/DeliveryCheck.h"
 #include "border/HostNotifications.h"
 #include "border/HostOptions.h"

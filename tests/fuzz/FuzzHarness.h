@@ -79,7 +79,7 @@ Outcome observe(int threads, const std::function<void(Outcome*)>& call);
 
 /// Expands the short forms that keep inputs small. Each is an escape character, a letter and a byte k:
 ///
-/// - R repeats the line that ends here until it is there (k + 1)^2 times,
+/// - R repeats the line that ends here until there are (k + 1)^2 of it,
 /// - D becomes 32 (k + 1) digits,
 /// - O makes this the place from which chunks are counted; before, that is the start of the first list,
 /// - P adds line feeds until the text after it starts k - 128 bytes past the border of a chunk.

@@ -58,7 +58,7 @@ void writeWholeCase(const TempFolder& folder)
             fs::create_directories(time, ignored);
             break;
         default:
-            // Written in place, like solvers do, so a reader may see part of a file.
+            // Written in place, as solvers do, so a reader may see part of a file.
             try {
                 writeWholeCase(folder);
             } catch (const std::exception&) {

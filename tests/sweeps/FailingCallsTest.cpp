@@ -131,7 +131,7 @@ std::size_t listingsOfOpening(int processorCount)
     return count.callCount();
 }
 
-// Each processor folder is also a candidate for a time folder, in which every part could have files.
+// Each processor folder might also be a time folder, in which every part could have files.
 TEST(FolderListings, GrowLinearlyWithTheNumberOfProcessors)
 {
     const std::size_t few = listingsOfOpening(10);

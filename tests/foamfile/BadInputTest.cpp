@@ -293,7 +293,7 @@ protected:
         std::vector<std::string> texts;
         for (const char* count :
              {"-1", "0", "1", "2", "4", "250", "2147483646", "2147483647", "4294967295", "99999999999999999999"}) {
-            for (const char* here : {"\n2\n", "\n3\n", "\n4\n", " 3(", "\n1\n"}) {
+            for (const char* here : {"\n2\n", "\n3\n", "\n4\n", "\n3(", " 3(", "\n1\n"}) {
                 std::string text = good;
                 for (std::size_t at = text.find(here); at != std::string::npos; at = text.find(here, at + 1)) {
                     text.replace(at + 1, 1, count);

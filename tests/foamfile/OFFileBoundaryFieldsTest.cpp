@@ -263,6 +263,10 @@ TEST_F(OFFileBoundaryFields, ValuesOfTheWrongShapeStayWithinTheirPatch)
     EXPECT_EQ(values, (Patches{{1, 2, 3, 4}, {P}}));
     EXPECT_TRUE(readField(section({"value uniform (;", "value nonuniform;"}), {1, 1}, "volVectorField"));
     EXPECT_EQ(values, (Patches{{0, 0, 0}, {P, P, P}})) << "a lone bracket is not a number";
+    Values four(4, P);
+    std::vector<dvn::Str> tokens = {"uniform", "(1", "2", "3)"};
+    EXPECT_TRUE(OFFile(true).readUniformValues("volVectorField", tokens, &four));
+    EXPECT_EQ(four, (Values{1, 2, 3, P}));
 }
 
 TEST_F(OFFileBoundaryFields, MappingsThatAreShortOrWrongStayInBounds)
@@ -270,7 +274,7 @@ TEST_F(OFFileBoundaryFields, MappingsThatAreShortOrWrongStayInBounds)
     const Values mesh = {1, 2, 3};
     Values items(5, P);
     for (const std::size_t components : std::array<std::size_t, 3>{1, 0, 6}) {
-        EXPECT_TRUE(OFFile(true).applyMeshItemValueInBoundaryItem(&items, components, &mesh, {2, -1, 3, 0}));
+        EXPECT_TRUE(OFFile(true).applyMeshItemValueInBoundaryItem(&items, components, &mesh, {2, -1, 4, 0}));
     }
     EXPECT_EQ(items, (Values{3, P, P, 1, P}));
 }

@@ -89,19 +89,22 @@ TEST_F(OFFileFaces, NoFaceIsLostOrShiftedAtAChunkBorder)
 
 TEST_F(OFFileFaces, ReadsFacesLargerThanAnyBuffer)
 {
-    // One face has more labels than one step of growth and more text than a chunk. Its count wraps to a byte.
-    const Faces expected = {{1, 2, 3}, someLabels(90000), {4, 5, 6, 7}, someLabels(300)};
+    // One face has more labels than any reader makes room for at once, and more text than a chunk. Its count wraps to a
+    // byte.
+    constexpr int MANY = 700000;
+    const Faces expected = {{1, 2, 3}, someLabels(MANY), {4, 5, 6, 7}, someLabels(300)};
     const std::string footer = "\n\n// ************************************************************************* //\n";
     for (const std::string& bytes : {ascii + list(4, faces(expected)), compact + list(5, faces(expected)),
                                      binary + compactFaces(expected) + footer}) {
         EXPECT_TRUE(readFaces(bytes));
-        EXPECT_EQ(data.nodeOffsets, (std::vector<int>{0, 3, 90003, 90007}));
-        EXPECT_EQ(data.nodeCounts, (std::vector<std::uint8_t>{3, 90000 % 256, 4, 44}));
-        ASSERT_GE(data.nodes.size(), 90307U);
+        EXPECT_EQ(data.nodeOffsets, (std::vector<int>{0, 3, MANY + 3, MANY + 7}));
+        EXPECT_EQ(data.nodeCounts, (std::vector<std::uint8_t>{3, MANY % 256, 4, 44}));
+        ASSERT_GE(data.nodes.size(), MANY + 307U);
         EXPECT_TRUE(std::equal(expected[1].begin(), expected[1].end(), data.faceNodes(1)));
         EXPECT_TRUE(std::equal(expected[3].begin(), expected[3].end(), data.faceNodes(3)));
         // Hosts get the slack of a surface, so it must not hold bytes of the footer.
-        EXPECT_TRUE(std::all_of(data.nodes.begin() + 90307, data.nodes.end(), [](int label) { return label == 0; }));
+        EXPECT_TRUE(
+            std::all_of(data.nodes.begin() + MANY + 307, data.nodes.end(), [](int label) { return label == 0; }));
     }
 }
 

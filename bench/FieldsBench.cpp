@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "LibCore/Numbers.h"
 #include "border/OpenedCase.h"
+#include "foamfile/TokenScanner.h"
 #include "sample/BoxLattice.h"
 #include "sample/SampleCase.h"
 #include "sample/SampleFields.h"
@@ -13,7 +13,6 @@
 #include <charconv>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -87,62 +86,55 @@ void getFields(benchmark::State& state, const std::string& form, const std::vect
         benchmark::Counter(static_cast<double>(opened.cellCount()), benchmark::Counter::kIsIterationInvariantRate);
 }
 
-/// The numbers of a field in six digits, as an ascii file holds them.
-struct NumberText
+void addNumber(double value, std::string* text)
 {
-    std::string text;
-    std::vector<std::size_t> ends; ///< position after each number; they follow each other without separators
+    std::array<char, 32> digits = {};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, 6);
+    text->append(digits.data(), end.ptr) += '\n';
+}
 
-    void add(double value)
-    {
-        std::array<char, 32> digits = {};
-        const auto end =
-            std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, 6);
-        text.append(digits.data(), end.ptr);
-        ends.push_back(text.size());
-    }
-};
-
-/// Values at the centres of about `cells` cells, at time 0.
-NumberText numbersOf(const std::string& field, int cells)
+/// Values at the centres of about `cells` cells, at time 0, in six digits as an ascii file has them, one per line.
+std::string numbersOf(const std::string& field, int cells)
 {
     const BoxLattice lattice = latticeOfAbout(cells);
-    NumberText numbers;
+    std::string numbers;
     for (int cell = 0; cell < lattice.cellCount(); ++cell) {
         const int row = cell / lattice.counts[0];
         const SamplePoint centre = {BoxLattice::SPACING * (cell % lattice.counts[0] + 0.5),
                                     BoxLattice::SPACING * (row % lattice.counts[1] + 0.5),
                                     BoxLattice::SPACING * (row / lattice.counts[1] + 0.5)};
         if (field == "p") {
-            numbers.add(samplePressure(centre, 0));
+            addNumber(samplePressure(centre, 0), &numbers);
             continue;
         }
         for (const double component : sampleVelocity(centre, 0)) {
-            numbers.add(component);
+            addNumber(component, &numbers);
         }
     }
     return numbers;
 }
 
-/// Conversion only: the limits of the tokens are known and nothing is stored.
-void convertNumbers(benchmark::State& state, const std::string& field)
+/// What one thread converts, without reading or storing: as the readers of fields do it, or with `std::from_chars`.
+void convertNumbers(benchmark::State& state, const std::string& field, bool isGeneral)
 {
-    const NumberText numbers = numbersOf(field, static_cast<int>(state.range(0)));
+    const std::string numbers = numbersOf(field, static_cast<int>(state.range(0)));
+    const char* const end = numbers.data() + numbers.size();
     for (auto _ : state) {
-        std::size_t begin = 0;
         bool areNumbers = true;
-        for (const std::size_t end : numbers.ends) {
+        for (const char* p = numbers.data(); areNumbers && p != end; ++p) {
             double value = 0;
-            areNumbers &= dvf::tokenToDouble(std::string_view(numbers.text).substr(begin, end - begin), &value);
+            if (isGeneral) {
+                p = std::from_chars(p, end, value).ptr;
+            } else {
+                areNumbers = TokenScanner::scanScalar(p, end, &value);
+            }
             benchmark::DoNotOptimize(value);
-            begin = end;
         }
         if (!areNumbers) {
             state.SkipWithError("a token is not a number");
         }
     }
-    state.SetBytesProcessed(static_cast<std::int64_t>(numbers.text.size()) *
-                            static_cast<std::int64_t>(state.iterations()));
+    state.SetBytesProcessed(static_cast<std::int64_t>(numbers.size()) * static_cast<std::int64_t>(state.iterations()));
 }
 
 constexpr std::array<std::int64_t, 2> CELL_COUNTS = {100000, 1000000};
@@ -166,9 +158,12 @@ void registerAll()
         }
     }
     for (const std::string field : {"U", "p"}) {
-        benchmark::RegisterBenchmark(("convertNumbers/" + field).c_str(), convertNumbers, field)
-            ->Arg(CELL_COUNTS.back())
-            ->Unit(benchmark::kMillisecond);
+        for (const bool isGeneral : {false, true}) {
+            benchmark::RegisterBenchmark(("convertNumbers/" + field + (isGeneral ? "/from_chars" : "")).c_str(),
+                                         convertNumbers, field, isGeneral)
+                ->Arg(CELL_COUNTS.back())
+                ->Unit(benchmark::kMillisecond);
+        }
     }
 }
 

@@ -8,8 +8,8 @@
 #include <limits>
 #include <vector>
 
-/// A run of elements, and the least and greatest label among their nodes: whoever sums values at a range of nodes sees
-/// at once whether the run touches it.
+/// A run of elements, with the least and greatest label among their nodes, which show at once whether the run touches a
+/// range of nodes.
 struct ItemBlock
 {
     /// Elements of a block: their nodes and values fit the cache.

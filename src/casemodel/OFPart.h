@@ -52,7 +52,7 @@ public:
 
     /// Averages cell values to nodes: each node gets the mean over the cells around it.
     ///
-    /// `nodeValues` is added to and not cleared: for a true average hand in zeros. It has `nodeCount() * components`
+    /// `nodeValues` is added to and not cleared: pass in zeros for a true average. It has `nodeCount() * components`
     /// entries and `cellValues` `elementCount() * components`, item after item; elements beyond shorter arrays are left
     /// out. Compatibility (docs/compatibility.md, "averages of no items"): counters are bytes and wrap, so a node
     /// shared by exactly 256 cells comes out infinite.

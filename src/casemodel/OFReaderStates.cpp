@@ -41,6 +41,16 @@ void removeUnordered(std::vector<Entry>& entries, std::size_t position)
     }
 }
 
+/// The field in a file of surface values. The file has no header, so its name decides: p.orig beside p counts as p,
+/// while alpha.water counts as a field of that name unless there is a file alpha.
+dvn::Str surfaceFieldName(const dvn::Str& folder, const dvn::Str& file)
+{
+    const dvn::Str name = OFUtilities::fileNameWithoutGz(file);
+    const dvn::Str baseName = OFUtilities::fileBaseName(file);
+    const bool isOwnName = name == baseName || !OFUtilities::isRegularFileOrGz(folder + "/" + baseName);
+    return isOwnName ? name : baseName;
+}
+
 /// Compatibility (docs/compatibility.md, "starred node ids").
 OFResult surfaceResult(const dvn::Str& fieldName, OFResultType type, const std::map<dvn::Str, dvn::Str>& resultNames)
 {
@@ -145,7 +155,7 @@ void OFReader::addSampledSurfaceResults(const dvn::Str& folderName, const std::m
         for (const OFResultType type : {OFResultScalar, OFResultVector, OFResultTensor}) {
             const dvn::Str fieldFolder = timeFolder + "/" + surface + sampledFieldFolder(type);
             for (const dvn::Str& file : OFUtilities::filesInFolder(fieldFolder)) {
-                m_states.back().addResult(surfaceResult(OFUtilities::fileBaseName(file), type, resultNames));
+                m_states.back().addResult(surfaceResult(surfaceFieldName(fieldFolder, file), type, resultNames));
             }
         }
     }

@@ -11,6 +11,8 @@
 #include <set>
 #include <vector>
 
+class OFFile;
+
 /// One time step of a case: its folder, its time and the catalogue of its results, without a single value.
 ///
 /// A plain value: copies are deep, moves cheap. One thread builds it, any number may read it.
@@ -70,6 +72,9 @@ public:
     /// Adds one result for each file that can be opened and whose class is supported, unless the field is already
     /// known.
     ///
+    /// An entry stands for the file of its base name, so U.gz and U.orig both give U. It also stands for the file of
+    /// its whole name, as in alpha.water, which counts only if the field has that name.
+    ///
     /// @throws std::out_of_range when a file's header lacks `class` or `object`
     bool addResultsFromFiles(const dvn::Str& folder, const std::vector<dvn::Str>& files,
                              const std::map<dvn::Str, dvn::Str>& resultNames);
@@ -104,6 +109,10 @@ private:
     std::set<dvn::Str> nativeNames() const;
     dvn::Str addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& seenNames,
                                const std::map<dvn::Str, dvn::Str>& resultNames);
+    dvn::Str addResultFromFileOfSameName(const dvn::Str& path, std::set<dvn::Str>& seenNames,
+                                         const std::map<dvn::Str, dvn::Str>& resultNames);
+    dvn::Str addResultFromOpenFile(OFFile& file, const dvn::Str& path, std::set<dvn::Str>& seenNames,
+                                   const std::map<dvn::Str, dvn::Str>& resultNames);
     void addFieldResults(const dvn::Str& nativeName, const OFUnit& unit, const OFResultTypeAndMapping& kind,
                          const std::map<dvn::Str, dvn::Str>& resultNames);
 

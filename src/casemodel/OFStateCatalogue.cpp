@@ -20,6 +20,21 @@ const dvn::Str& valueOr(const std::map<dvn::Str, dvn::Str>& map, const dvn::Str&
     return entry == map.end() ? otherwise : entry->second;
 }
 
+/// Whether the header has a class and this object.
+bool isFieldOfName(const OFFile& file, const dvn::Str& name)
+{
+    const std::map<std::string, std::string>& header = file.headerMap();
+    const auto object = header.find("object");
+    return object != header.end() && object->second == name.toUtf8() && header.contains("class");
+}
+
+void logUnlessEmpty(const dvn::Str& line)
+{
+    if (!line.isEmpty()) {
+        OFLogger::get().logInfo("OFState", line);
+    }
+}
+
 OFUnit readUnit(OFFile& file)
 {
     std::vector<dvn::Str> tokens;
@@ -60,8 +75,14 @@ void OFState::addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>
         if (isNew) {
             entry->second = addResultFromFile(entry->first, seenNames, resultNames);
         }
-        if (!entry->second.isEmpty()) {
-            OFLogger::get().logInfo("OFState", entry->second);
+        logUnlessEmpty(entry->second);
+    }
+    // Whole names, for fields such as alpha.water. They come last, so that they never replace a field found by its base
+    // name.
+    for (const dvn::Str& file : files) {
+        const auto [entry, isNew] = lines.emplace(folder + "/" + OFUtilities::fileNameWithoutGz(file), dvn::Str());
+        if (isNew) {
+            logUnlessEmpty(addResultFromFileOfSameName(entry->first, seenNames, resultNames));
         }
     }
 }
@@ -71,9 +92,21 @@ dvn::Str OFState::addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& se
                                     const std::map<dvn::Str, dvn::Str>& resultNames)
 {
     OFFile file(true);
-    if (!file.open(path)) {
-        return {};
-    }
+    return file.open(path) ? addResultFromOpenFile(file, path, seenNames, resultNames) : dvn::Str();
+}
+
+/// The same for a file that counts only if its field has the name of the file: U.orig and T.0 are copies of U and T.
+dvn::Str OFState::addResultFromFileOfSameName(const dvn::Str& path, std::set<dvn::Str>& seenNames,
+                                              const std::map<dvn::Str, dvn::Str>& resultNames)
+{
+    OFFile file(true);
+    const bool counts = file.open(path) && isFieldOfName(file, OFUtilities::fileNameFromPath(path));
+    return counts ? addResultFromOpenFile(file, path, seenNames, resultNames) : dvn::Str();
+}
+
+dvn::Str OFState::addResultFromOpenFile(OFFile& file, const dvn::Str& path, std::set<dvn::Str>& seenNames,
+                                        const std::map<dvn::Str, dvn::Str>& resultNames)
+{
     const std::string& className = checkedLookup(file.headerMap(), "class");
     const dvn::Str nativeName = checkedLookup(file.headerMap(), "object");
     const auto kind = OFResult::supportedResultClasses().find(className);
@@ -141,7 +174,7 @@ bool OFState::hasResultForPart(const OFResult* result, const OFPart* part) const
         return false;
     }
     // Compatibility (docs/compatibility.md, "field named otherwise"): the name is the one in the file's header.
-    return OFUtilities::hasFileOfBaseName(folderOf(*part), read->nativeName());
+    return OFUtilities::hasFieldFile(folderOf(*part), read->nativeName());
 }
 
 dvn::Str OFState::makeCustomName(const dvn::Str& nativeName, const std::map<dvn::Str, dvn::Str>& resultNames)

@@ -6,6 +6,7 @@
 #include "LibCore/Numbers.h"
 #include "foamfile/FieldList.h"
 #include "foamfile/OFLogger.h"
+#include "foamfile/TextLines.h"
 #include "records/Components.h"
 
 #include <algorithm>
@@ -189,6 +190,19 @@ bool checkCount(const TextSource& text, int count, const Request& request, const
     return type || logError(dvn::Str(UNKNOWN_CLASS).arg(request.resultClass));
 }
 
+/// Reads a list of equal items after its brace: "5{300}", "5{(1 0 0)}".
+bool fillEqual(TextSource& text, const Request& request, std::vector<double>* values)
+{
+    std::string item = "uniform ";
+    for (int byte = text.nextByte(); byte != '}'; byte = text.nextByte()) {
+        if (byte < 0 || item.size() > dvf::limits::NUMBER_LENGTH) {
+            return false;
+        }
+        item += static_cast<char>(byte);
+    }
+    return fillUniform(dvn::Str(withoutBlanksInBrackets(item)).split(" "), request, values);
+}
+
 bool readInterior(TextSource& text, const Request& request, std::vector<double>* values)
 {
     std::string_view found;
@@ -197,7 +211,9 @@ bool readInterior(TextSource& text, const Request& request, std::vector<double>*
             return logError("Could not find internalField in File");
         }
     } while (!found.starts_with("internalField"));
-    const std::string utf8(found);
+    // A list may be one long line, so it is copied once more only if it has to be.
+    const bool hasBlanks = found.find("( ") != std::string_view::npos || found.find(" )") != std::string_view::npos;
+    const std::string utf8 = hasBlanks && !text.isBinary() ? withoutBlanksInBrackets(found) : std::string(found);
     const dvn::Str line(utf8);
     if (hasWord(line.toStdWString(), L"uniform")) {
         return fillUniform(line.split(" ", dvf::limits::WORDS_OF_LINE), request, values);
@@ -268,6 +284,9 @@ bool FieldInterior::readMultipleLines(TextSource& text, const Request& request, 
         return false;
     }
     const OFResultType type = *typeOfClass(request.resultClass);
+    if (text.takeByte('{')) {
+        return fillEqual(text, request, values);
+    }
     const bool isAtList = text.skipToList();
     if (type == OFResultTensor) {
         return logError(dvn::Str(TENSOR_LIST).arg(request.path));

@@ -140,11 +140,14 @@ bool takeLine(TextSource& text, bool keepsValues, std::string_view* line)
 bool skipInnerBlock(TextSource& text, const std::string& patchName, std::string_view* line)
 {
     logDebug(dvn::Str("Found internal Tree in BC :") + excerpt(patchName));
-    do {
+    // Blocks may hold blocks, as those of function tables do.
+    for (std::size_t depth = 1; depth != 0;) {
         if (!takeLine(text, false, line)) {
             return false;
         }
-    } while (trimmed(*line) != "}");
+        const std::string_view word = trimmed(*line);
+        depth = word == "{" ? depth + 1 : word == "}" ? depth - 1 : depth;
+    }
     if (!takeLine(text, true, line)) {
         return false;
     }
@@ -152,18 +155,24 @@ bool skipInnerBlock(TextSource& text, const std::string& patchName, std::string_
     return true;
 }
 
+/// Whether a line is "value" with a list on the lines after it, such as "value nonuniform List<scalar>".
+bool announcesValues(std::string_view line)
+{
+    return splitKeyAndValue(line).key == "value" && trimmed(line).ends_with('>');
+}
+
 /// Goes on after a "refValue" or "valueFraction" to the next line that ends in ";", over the lines of its list if it
-/// has one, and returns whether that line is the patch's "value".
+/// has one, or to the line that announces the list of the patch's "value". Returns whether that line is the "value".
 ///
 /// Compatibility (docs/compatibility.md, "lines after refValue"): if it is not, the line is used up.
 bool lookAheadForValue(TextSource& text, std::string* values)
 {
     std::string_view line;
     do {
-        if (!takeLine(text, false, &line)) {
+        if (!takeLine(text, true, &line)) {
             return false;
         }
-    } while (!line.ends_with(';'));
+    } while (!line.ends_with(';') && !announcesValues(line));
     const std::string_view words = fromFirstWord(line);
     const std::size_t keyEnd = words.substr(0, words.size() - 1).find(' ');
     if (keyEnd == std::string_view::npos || words.substr(0, keyEnd) != "value") {
@@ -235,7 +244,8 @@ void readRawPatchList(TextSource& text, const std::string& type, bool isListOnKe
 std::string readValues(TextSource& text, const dvn::Str& resultClass, const std::string& words,
                        std::vector<double>* values, bool* isListOnKeyLine)
 {
-    const std::vector<dvn::Str> tokens = dvn::Str(words).split(" ", dvf::limits::WORDS_OF_LINE);
+    const std::vector<dvn::Str> tokens =
+        dvn::Str(withoutBlanksInBrackets(words)).split(" ", dvf::limits::WORDS_OF_LINE);
     // guard: value-token
     if (tokens.empty()) {
         return {};

@@ -5,6 +5,8 @@
 #include "LibCore/Limits.h"
 #include "foamfile/TokenScanner.h"
 
+#include <algorithm>
+
 namespace {
 
 /// Finds the number of cells in a note such as "nPoints:882  nCells:400  nFaces:1640  nInternalFaces:760".
@@ -21,6 +23,17 @@ bool cellCountFromNote(const dvn::Str& note, int* cellCount)
     // The text is longer than the number, which does not affect the conversion. A note may end after the key.
     const std::size_t number = cells + key.size();
     *cellCount = number < note.size() ? note.subStr(number, faces).trimmed().toInt(0) : 0;
+    return true;
+}
+
+/// Reads a list of equal labels from its brace on, as a mesh of one cell has its owners: "6{0}".
+bool readEqual(TextSource& text, std::vector<int>* labels)
+{
+    int label = 0;
+    if (!text.takeByte('{') || text.readInt('}', &label) != TextSource::Token::Number) {
+        return false;
+    }
+    std::fill(labels->begin(), labels->end(), label);
     return true;
 }
 
@@ -48,7 +61,7 @@ bool LabelList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& o
     }
     dvf::reserveLarge(labels, static_cast<std::size_t>(count));
     labels->resize(static_cast<std::size_t>(count));
-    if (count != 0 && !readNextReportingShort(file.text, labels)) {
+    if (count != 0 && !readEqual(file.text, labels) && !readNextReportingShort(file.text, labels)) {
         return false;
     }
     file.text.close();

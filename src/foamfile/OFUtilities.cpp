@@ -129,6 +129,14 @@ bool OFUtilities::hasFileOfBaseName(const dvn::Str& folder, const dvn::Str& base
     return isFound;
 }
 
+bool OFUtilities::hasFieldFile(const dvn::Str& folder, const dvn::Str& fieldName)
+{
+    const std::string name = fieldName.toUtf8();
+    const bool isDotted = name.find('.') != std::string::npos && name.find_first_of("/\\") == std::string::npos;
+    // The whole name comes first, since finding a base name with a dot takes a listing.
+    return (isDotted && isRegularFileOrGz(folder + "/" + fieldName)) || hasFileOfBaseName(folder, fieldName);
+}
+
 bool OFUtilities::fileExists(const dvn::Str& path)
 {
     return access(path.toUtf8().c_str(), F_OK) == 0;
@@ -151,6 +159,11 @@ bool OFUtilities::isRegularFile(const dvn::Str& path)
     return stat(path.toUtf8().c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
+bool OFUtilities::isRegularFileOrGz(const dvn::Str& path)
+{
+    return isRegularFile(path) || isRegularFile(path + ".gz");
+}
+
 dvn::Str OFUtilities::fileNameFromPath(const dvn::Str& path)
 {
     const std::vector<dvn::Str> pieces = path.split("/\\");
@@ -170,4 +183,10 @@ dvn::Str OFUtilities::fileBaseName(const dvn::Str& path)
         return name;
     }
     return dvn::Str(name.toStdWString().substr(0, dot));
+}
+
+dvn::Str OFUtilities::fileNameWithoutGz(const dvn::Str& path)
+{
+    dvn::Str name = fileNameFromPath(path);
+    return name.toStdWString().ends_with(L".gz") ? fileBaseName(name) : name;
 }

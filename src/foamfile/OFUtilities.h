@@ -28,9 +28,13 @@ public:
     static std::vector<dvn::Str> filesInFolder(const dvn::Str& folder);
     /// Whether `filesInFolder` has a path with this base name.
     ///
-    /// Usual names are asked for directly, plain and with ".gz". Only if neither file exists, or if the name contains a
-    /// point, are the entries searched.
+    /// Usual names are looked up directly, plain and with ".gz". The entries are searched only if neither file exists
+    /// or if the name contains a dot.
     static bool hasFileOfBaseName(const dvn::Str& folder, const dvn::Str& baseName);
+    /// Whether the folder may have a file for this field: one whose base name or whole name is that of the field.
+    ///
+    /// A name with a separator is not looked up as a whole name, since it could lead out of the folder.
+    static bool hasFieldFile(const dvn::Str& folder, const dvn::Str& fieldName);
 
     /// True for files and folders alike.
     static bool fileExists(const dvn::Str& path);
@@ -39,6 +43,8 @@ public:
 
     /// True if the path names a regular file, through links. Pipes and devices, which may block, do not count.
     static bool isRegularFile(const dvn::Str& path);
+    /// The same for the path or the path with ".gz".
+    static bool isRegularFileOrGz(const dvn::Str& path);
 
     /// The last component of a path, "/" and "\" being separators; empty if there is none.
     static dvn::Str fileNameFromPath(const dvn::Str& path);
@@ -46,4 +52,6 @@ public:
     static dvn::Str folderNameFromPath(const dvn::Str& path);
     /// The last component up to its last "."; all of it if it has none, empty if its only "." comes first.
     static dvn::Str fileBaseName(const dvn::Str& path);
+    /// The last component without a final ".gz".
+    static dvn::Str fileNameWithoutGz(const dvn::Str& path);
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 /// The text without its trailing carriage returns and line feeds.
@@ -25,6 +26,22 @@ inline std::string_view fromFirstWord(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(' ');
     return first == std::string_view::npos ? std::string_view() : text.substr(first);
+}
+
+/// The text without the spaces after "(" and before ")", so that "( 1 0 0 )" splits into as many words as "(1 0 0)".
+inline std::string withoutBlanksInBrackets(std::string_view text)
+{
+    std::string result;
+    result.reserve(text.size());
+    for (const char c : text) {
+        if (c == ')') {
+            result.resize(result.find_last_not_of(' ') + 1);
+        }
+        if (c != ' ' || result.empty() || result.back() != '(') {
+            result += c;
+        }
+    }
+    return result;
 }
 
 /// An entry such as "    format      ascii".

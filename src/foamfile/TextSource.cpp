@@ -274,28 +274,37 @@ int TextSource::takeChunks(std::string_view lines, std::size_t used, std::size_t
 
 TextSource::Token TextSource::readInt(char delimiter, int* value)
 {
+    const IntAttempt attempt = tryInt(delimiter);
+    if (attempt.token == Token::Number) {
+        *value = attempt.value;
+    }
+    return attempt.token;
+}
+
+TextSource::IntAttempt TextSource::tryInt(char delimiter)
+{
     std::uint32_t sum = 0;
     std::size_t digits = 0;
     for (;;) {
         const int byte = nextByte();
         if (byte == GzStream::END_OF_DATA) {
-            return Token::EndOfFile;
+            return {Token::EndOfFile, 0, digits, '\0'};
         }
         const char c = static_cast<char>(byte);
+        // Compatibility (docs/compatibility.md, "wrapping labels and counts"): the reader of the list refuses a count
+        // that comes out negative.
+        const int value = static_cast<int>(sum);
         if (c == delimiter || c == '\r' || c == '(') {
             if (digits == 0) {
-                return Token::NoNumber;
+                return {Token::NoNumber, 0, digits, c};
             }
             if (c == '(') {
                 m_stream->unread(c);
             }
-            // Compatibility (docs/compatibility.md, "wrapping labels and counts"): the reader of the list refuses a
-            // count that comes out negative.
-            *value = static_cast<int>(sum);
-            return Token::Number;
+            return {Token::Number, value, digits, c};
         }
         if (!TokenScanner::isDigit(c) || digits == dvf::limits::NUMBER_LENGTH) {
-            return Token::NoNumber;
+            return {Token::NoNumber, value, digits, c};
         }
         sum = sum * 10 + static_cast<std::uint32_t>(c - '0');
         ++digits;
@@ -305,11 +314,42 @@ TextSource::Token TextSource::readInt(char delimiter, int* value)
 bool TextSource::readCount(int* value)
 {
     // Each failed attempt has used up the byte at which it stopped, so this ends.
-    Token token = Token::NoNumber;
-    while (token == Token::NoNumber) {
-        token = readInt('\n', value);
+    bool isAtLineStart = true;
+    for (;;) {
+        const IntAttempt attempt = tryInt('\n');
+        if (attempt.token == Token::EndOfFile) {
+            return false;
+        }
+        const bool isBlank = attempt.stop == ' ' || attempt.stop == '\t';
+        const bool isFirstOfLine = isAtLineStart && attempt.digits != 0;
+        if (isFirstOfLine && attempt.stop == '{') {
+            m_stream->unread('{');
+        }
+        if (attempt.token == Token::Number || (isFirstOfLine && (attempt.stop == '{' || (isBlank && skipComment())))) {
+            *value = attempt.value;
+            return true;
+        }
+        isAtLineStart = attempt.stop == '\n' || (isAtLineStart && isBlank && attempt.digits == 0);
     }
-    return token == Token::Number;
+}
+
+/// Skips blanks and a comment, with its line; false, with the byte that begins neither next, if there is none.
+bool TextSource::skipComment()
+{
+    int byte = nextByte();
+    while (byte == ' ' || byte == '\t') {
+        byte = nextByte();
+    }
+    if (byte == '/') {
+        byte = nextByte();
+        if (byte == '/') {
+            return skipPast('\n');
+        }
+    }
+    if (byte != GzStream::END_OF_DATA) {
+        m_stream->unread(static_cast<char>(byte));
+    }
+    return false;
 }
 
 bool TextSource::readCountLine(int* value)
@@ -375,6 +415,18 @@ std::size_t TextSource::readRaw(void* target, std::size_t itemSize, std::size_t 
 int TextSource::nextByte()
 {
     return m_stream == nullptr ? GzStream::END_OF_DATA : m_stream->nextByte();
+}
+
+bool TextSource::takeByte(char byte)
+{
+    const int next = nextByte();
+    if (next == static_cast<unsigned char>(byte)) {
+        return true;
+    }
+    if (next != GzStream::END_OF_DATA) {
+        m_stream->unread(static_cast<char>(next));
+    }
+    return false;
 }
 
 void TextSource::skipRaw(std::uint64_t byteCount)

@@ -140,7 +140,9 @@ public:
     /// is used up, and so is a "(" without a digit before it.
     Token readInt(char delimiter, int* value);
     /// Reads the first run of digits in the stream that a line feed, a carriage return or "(" ends, and skips all else.
-    /// This finds the count of a list after the header.
+    /// This finds the count of a list after the header. A count that a line begins with may also be followed by a
+    /// comment, as tools that edit dictionaries write it, "3 // entry0", or by the brace of a list of equal items,
+    /// "6{0}", which stays to be read.
     bool readCount(int* value);
     /// Reads the first line that begins with digits, up to a blank or its end, from the pending chunk or the stream.
     bool readCountLine(int* value);
@@ -158,6 +160,8 @@ public:
     std::size_t readRaw(void* target, std::size_t itemSize, std::size_t itemCount);
     /// The next byte of the stream, or -1.
     int nextByte();
+    /// Takes the next byte of the stream if it is this one.
+    bool takeByte(char byte);
     /// Skips bytes of the stream.
     void skipRaw(std::uint64_t byteCount);
 
@@ -175,6 +179,17 @@ private:
         bool pending = false;
     };
 
+    /// An attempt to read a number, with the digits found and the byte that ended them.
+    struct IntAttempt
+    {
+        Token token;
+        int value;
+        std::size_t digits;
+        char stop;
+    };
+
+    IntAttempt tryInt(char delimiter);
+    bool skipComment();
     std::size_t finishLine(ChunkBuffer* buffer, std::size_t used);
 
     dvn::Str m_path;

@@ -238,7 +238,7 @@ bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* s
                             sampledFieldFolder(result->type());
     std::vector<double> values = undefinedValues(*result, surface);
     if (result->mapping() == OFResultOnNode) {
-        const bool hasFile = OFUtilities::hasFileOfBaseName(folder, result->nativeName());
+        const bool hasFile = OFUtilities::hasFieldFile(folder, result->nativeName());
         bool isRead = true;
         if (hasFile && !OFResultReader().readNonHeaderValues(fieldFile(folder, *result), &values, &isRead)) {
             return false;

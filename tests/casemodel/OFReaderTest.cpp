@@ -161,6 +161,72 @@ TEST_F(OFReaderCase, OpensOneFilePerBaseName)
     EXPECT_EQ(std::ranges::count_if(log.infos(), [](const std::string& line) { return line.find("damaged") < 99; }), 1);
 }
 
+// U.orig and T.0 are copies of U and T. A copy beside its field must not list the field twice.
+TEST_F(OFReaderCase, ListsFieldsWithADotButNotCopiesOfFields)
+{
+    for (const auto& [file, field] : {std::pair("alpha", "alpha"),
+                                      {"alpha.air", "alpha.air"},
+                                      {"alpha.water", "alpha.water"},
+                                      {"alpha.water.orig", "alpha.water"},
+                                      {"T.gas.liquid", "T.gas.liquid"},
+                                      {"U.orig", "U"},
+                                      {"k.air.orig", "k.air"},
+                                      {"T.0", "T"}}) {
+        m_folder.write(std::string("0/") + file, fieldFile("volScalarField", field, "uniform 0"));
+    }
+    m_folder.writeGz("0/U.air.gz", fieldFile("volVectorField", "U.air", "uniform (0 0 0)"));
+    m_folder.write("0/phi.air", fieldFile("surfaceScalarField", "phi.air", "uniform 0"));
+    // Not fields, so their headers may lack anything.
+    m_folder.write("0/notes.txt", "FoamFile\n{\n    object notes.txt;\n}\n");
+    m_folder.write("0/fields.list", "FoamFile\n{\n    class volScalarField;\n}\n");
+    const LogCapture log;
+    OFReader reader;
+    ASSERT_TRUE(reader.init(m_folder.str()));
+    ASSERT_EQ(reader.stateCount(), 1U);
+    Texts ids;
+    for (std::size_t i = 0; i < reader.state(0).resultCount(); ++i) {
+        ids.push_back(reader.state(0).result(i).idString().toUtf8());
+    }
+    std::ranges::sort(ids);
+    EXPECT_EQ(joined(ids), "ALPHA.AIR_E, ALPHA.WATER_E, ALPHA_E, T.GAS.LIQUID_E, U.AIR_E");
+    EXPECT_EQ(std::ranges::count(log.infos(), "OFState : Ignoring class::surfaceScalarField foung in " +
+                                                  (m_folder / "0/phi.air").string() +
+                                                  ", result not supported in this reader"),
+              1);
+}
+
+// Fields found by their base name keep their places and their classes, even if the object is that of another file.
+TEST_F(OFReaderCase, ListsFieldsWithADotAfterTheOthers)
+{
+    m_folder.write("0/alpha.water", fieldFile("volScalarField", "alpha.water", "uniform 0"));
+    m_folder.write("0/p", fieldFile("volScalarField", "p", "uniform 0"));
+    m_folder.write("0/U.air", fieldFile("volVectorField", "U.air", "uniform (0 0 0)"));
+    m_folder.write("0/x", fieldFile("volVectorField", "alpha.water", "uniform (0 0 0)"));
+    OFReader reader;
+    ASSERT_TRUE(reader.init(m_folder.str()));
+    ASSERT_EQ(reader.state(0).resultCount(), 3U);
+    EXPECT_EQ(reader.state(0).result(2).nativeName(), "U.air");
+    const std::size_t alpha = reader.state(0).result(0).nativeName() == dvn::Str("p") ? 1 : 0;
+    EXPECT_EQ(reader.state(0).result(alpha).className(), "volVectorField");
+}
+
+// Files of surface values have no header to name the field.
+TEST_F(OFReaderCase, ListsSurfaceValuesByWholeNameUnlessTheBaseNameIsAFile)
+{
+    std::filesystem::create_directory(m_folder / "0");
+    for (const char* const file : {"alpha.air", "alpha.water", "U.orig", "U", "p.orig", "p.gz", "beta.air.gz"}) {
+        m_folder.write(std::string("postProcessing/sampleSurface/0/cut/scalarField/") + file, "");
+    }
+    OFReader reader;
+    ASSERT_TRUE(reader.init(m_folder.str()));
+    Texts names;
+    for (std::size_t i = 0; i < reader.state(0).resultCount(); ++i) {
+        names.push_back(reader.state(0).result(i).nativeName().toUtf8());
+    }
+    std::ranges::sort(names);
+    EXPECT_EQ(joined(names), "U, U, alpha.air, alpha.water, beta.air, p, p");
+}
+
 TEST_F(OFReaderCase, FindsSurfaceValuesOfALaterTime)
 {
     std::filesystem::create_directory(m_folder / "0");

@@ -134,6 +134,36 @@ TEST_F(OFFileBoundaryFields, MixedPatchesTakeTheirValueEntry)
     EXPECT_EQ(values, (Patches{{2}, {3}, {4}, {1, 2}}));
 }
 
+// A heated or coupled wall: the list of "value" takes several lines, right after an entry that is looked past.
+TEST_F(OFFileBoundaryFields, MixedPatchesTakeALongListOfValues)
+{
+    EXPECT_TRUE(
+        readField(section({"type mixed;|refValue uniform 280;|refGradient uniform 0;|valueFraction uniform 1;|"
+                           "value           nonuniform List<scalar> |2|(|5|6|)|;",
+                           "type externalWallHeatFluxTemperature;|refValue nonuniform List<scalar> |2|(|1|2|)|;|"
+                           "value nonuniform List<scalar>|2|(|7|8|)|;|valueFraction uniform 1;",
+                           "type fixedValue;|value uniform 9;"}),
+                  {2, 2, 1}));
+    EXPECT_EQ(values, (Patches{{5, 6}, {7, 8}, {9}}));
+}
+
+// Tools that edit dictionaries put blanks inside brackets.
+TEST_F(OFFileBoundaryFields, BlanksInsideBracketsDoNotCount)
+{
+    EXPECT_TRUE(
+        readField(section({"value uniform ( 1 0 -2 );", "value uniform (4  5 6 );"}), {2, 1}, "volVectorField"));
+    EXPECT_EQ(values, (Patches{{1, 0, -2, 1, 0, -2}, {4, 5, 6}}));
+}
+
+TEST_F(OFFileBoundaryFields, SkipsBlocksWithinBlocks)
+{
+    EXPECT_TRUE(readField(section({"type codedMixed;|uniformValue|{|type table;|file|{|format csv;|}|value uniform 8;|"
+                                   "}|value uniform 5;",
+                                   "value uniform 6;"}),
+                          {1, 1}));
+    EXPECT_EQ(values, (Patches{{5}, {6}}));
+}
+
 TEST_F(OFFileBoundaryFields, SkipsInnerBlocksAndOddLines)
 {
     names = {"other", "a", "b", "c"};
@@ -231,8 +261,8 @@ TEST_F(OFFileBoundaryFields, ValuesOfTheWrongShapeStayWithinTheirPatch)
 {
     EXPECT_TRUE(readField(section({"value nonuniform List<vector> |2|(|(1 2 3)|(4 5 6)|)|;", "value ;"}), {4, 1}));
     EXPECT_EQ(values, (Patches{{1, 2, 3, 4}, {P}}));
-    EXPECT_TRUE(readField(section({"value uniform ( 1 2 3);", "value nonuniform;"}), {1, 1}, "volVectorField"));
-    EXPECT_EQ(values, (Patches{{0, 1, 2}, {P, P, P}})) << "a lone bracket is not a number";
+    EXPECT_TRUE(readField(section({"value uniform (;", "value nonuniform;"}), {1, 1}, "volVectorField"));
+    EXPECT_EQ(values, (Patches{{0, 0, 0}, {P, P, P}})) << "a lone bracket is not a number";
     Values four(4, P);
     std::vector<dvn::Str> tokens = {"uniform", "(1", "2", "3)"};
     EXPECT_TRUE(OFFile(true).readUniformValues("volVectorField", tokens, &four));

@@ -65,6 +65,17 @@ TEST_F(OFFileBoundary, ReadsPatchesWithTheirEntries)
     EXPECT_TRUE(boundaries.empty());
 }
 
+// Tools that edit dictionaries write such a comment. Digits elsewhere in a comment are not the count.
+TEST_F(OFFileBoundary, ACommentMayFollowTheCount)
+{
+    const std::string patch = "(\n a\n {\n type wall;\n nFaces 4;\n startFace 2;\n }\n)\n";
+    for (const std::string count : {"1 // entry0\n", "\n// version 3 // of 2 patches\n  1\t //(\n", "1\n// 7\n"}) {
+        EXPECT_TRUE(readBoundary(count + patch)) << count;
+        ASSERT_EQ(boundaries.size(), 1U) << count;
+        EXPECT_EQ(boundaries.front().faceCount(), 4U) << count;
+    }
+}
+
 // Compatibility (docs/compatibility.md, "the exception text").
 TEST_F(OFFileBoundary, MissingEntriesThrow)
 {

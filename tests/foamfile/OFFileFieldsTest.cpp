@@ -55,6 +55,11 @@ TEST_F(OFFileFields, ReadsEveryFormOfTheInterior)
         {"Scalar", "nonuniform List<scalar> 3(1 2 3);\n", {1, 2, 3}},
         {"Scalar", "nonuniform List<scalar> 3(1 2 3);\r\n", {1, 2, 3}},
         {"Vector", "nonuniform List<vector> 2((1 2 3) (4 5 6));\n", {1, 2, 3, 4, 5, 6}},
+        {"Vector", "uniform ( 1 -2 3 );\n", {1, -2, 3, 1, -2, 3, -1}},
+        {"Vector", "nonuniform List<vector> 2(( 1 2 3 ) ( 4 5 6 ));\n", {1, 2, 3, 4, 5, 6}},
+        {"Scalar", "nonuniform List<scalar> \n3 // cells\n(\n1\n2\n3\n)\n;\n", {1, 2, 3}},
+        {"Scalar", "nonuniform List<scalar> \n3{300}\n;\n", {300, 300, 300}},
+        {"Vector", "nonuniform List<vector> \n2{(1 0 -1)}\n;\n", {1, 0, -1, 1, 0, -1}},
         {"Scalar", "nonuniform List<scalar> 0();\n", {}},
         {"Scalar", "nonuniform List<scalar> \n0\n;\n", {}},
     };
@@ -88,6 +93,9 @@ TEST_F(OFFileFields, ReportsFormsThatCannotBeRead)
           {"Scalar", list + "scalar> 99999999999(1);\n", badCount},
           {"Vector", list + "vector> \n2147483646\n(\n", badCount},
           {"Tensor", list + "tensor> \n1\n((1 2 3 4 5 6 7 8 9));\n", badSize},
+          {"Scalar", list + "scalar> \n4{7}\n;\n", badSize},
+          {"Scalar", list + "scalar> \n3{x}\n;\n", noNumber + last},
+          {"Scalar", list + "scalar> \n3{7", "Error reading result"},
           {"Scalar", list + "scalar> \n3\n(\n1\n\nx\n)\n", "Error reading result"}}) {
         const LogCapture log;
         EXPECT_FALSE(readInterior(kind, text, 3)) << text;

@@ -222,6 +222,17 @@ TEST_F(OFFileLists, CellCountComesOnlyFromTheNote)
     EXPECT_THROW(read("labelList", header("labelList", "thing") + "1\n(\n0\n)\n"), std::out_of_range);
 }
 
+// A mesh of one cell has such owners.
+TEST_F(OFFileLists, ReadsAListOfEqualLabels)
+{
+    for (const std::string text : {"3{7}\n", "\n3 // owners\n{7}\n"}) {
+        EXPECT_TRUE(read("labelList", header("labelList", "thing", "ascii", note(8)) + text)) << text;
+        EXPECT_EQ(labelsRead, (std::vector<int>{7, 7, 7})) << text;
+    }
+    EXPECT_FALSE(read("labelList", header("labelList", "thing", "ascii", note(8)) + "3{x}\n"));
+    EXPECT_FALSE(read("labelList", header("labelList", "thing", "ascii", note(8)) + "3{7"));
+}
+
 TEST_F(OFFileLists, SkipsALineFeedThatStartsRawData)
 {
     const std::vector<int> written = {10, 1};

@@ -48,6 +48,60 @@ TEST_F(Results, CoverThePartAndItsPatchesButNotFaceZones)
     EXPECT_EQ(openCase.result("PRESSURE_E", 1)->groups[0].calls.operations.size(), 2U);
 }
 
+/// A field like that of `writePressure`.
+std::string fieldLikePressure(const std::string& name)
+{
+    return fieldFile("volScalarField", name, "nonuniform List<scalar> \n2\n(\n1\n3\n)\n",
+                     {{"left side", "type fixedValue;\n        value uniform 7;"}, {"rest", "type zeroGradient;"}});
+}
+
+TEST_F(Results, WithADotInTheNameComeFromThatFile)
+{
+    m_folder.write("1/alpha.water", fieldLikePressure("alpha.water"));
+    m_folder.write("1/alpha.water.orig", fieldFile("volScalarField", "alpha.water", "uniform 9"));
+    m_folder.writeGz("2/alpha.water.gz", fieldLikePressure("alpha.water"));
+    m_folder.write("3/alpha.water", fieldLikePressure("alpha.water"));
+    m_folder.write("4/alpha.water.orig", fieldLikePressure("alpha.water"));
+    OpenCase openCase(m_folder.path());
+    openCase.geometry();
+    for (const int state : {1, 2, 3}) {
+        SCOPED_TRACE(state);
+        EXPECT_EQ(openCase.values("ALPHA.WATER_E", state), openCase.values("PRESSURE_E", 1));
+        EXPECT_EQ(openCase.values("ALPHA.WATER_N", state), openCase.values("PRESSURE_N", 1));
+    }
+    EXPECT_EQ(openCase.values("ALPHA.WATER_E", 4), undefined({2, 1, 9}));
+}
+
+// A field whose file has another name is listed, but its name must not lead to files in other folders.
+TEST_F(Results, DoNotComeFromOutsideTheTimeFolder)
+{
+    m_folder.write("1/x", fieldLikePressure("../p.other"));
+    m_folder.write("p.other", fieldLikePressure("../p.other"));
+    OpenCase openCase(m_folder.path());
+    openCase.geometry();
+    EXPECT_EQ(openCase.values("../P.OTHER_E", 1), undefined({2, 1, 9}));
+}
+
+TEST_F(Results, OfASurfaceWithADotInTheNameComeFromThatFile)
+{
+    const std::string surface = "postProcessing/sampleSurface/1/cut/";
+    m_folder.write(surface + "points", "3\n(\n(0 0 0)\n(1 0 0)\n(0 1 0)\n)\n");
+    m_folder.write(surface + "faces", "1\n(\n3(0 1 2)\n)\n");
+    m_folder.write(surface + "faceCentres", "1\n(\n(0.3 0.3 0)\n)\n");
+    m_folder.write(surface + "scalarField/alpha.water", "3\n(\n1\n2\n3\n)\n");
+    m_folder.writeGz(surface + "scalarField/alpha.air.gz", "3\n(\n4\n5\n6\n)\n");
+    m_folder.write(surface + "vectorField/U.air", "3\n(\n(1 0 0)\n(2 0 0)\n(3 0 0)\n)\n");
+    OpenCase openCase(m_folder.path());
+    openCase.geometry();
+    const auto surfaceValues = [&](const char* key) {
+        const Groups groups = openCase.values(key, 1);
+        return groups.size() == 4 ? groups.back() : Values();
+    };
+    EXPECT_EQ(surfaceValues("ALPHA.WATER_N*"), (Values{1, 2, 3}));
+    EXPECT_EQ(surfaceValues("ALPHA.AIR_N*"), (Values{4, 5, 6}));
+    EXPECT_EQ(surfaceValues("U.AIR_N*"), (Values{1, 0, 0, 2, 0, 0, 3, 0, 0}));
+}
+
 TEST_F(Results, AreUndefinedInStatesThatLackThem)
 {
     m_folder.write("2/U", fieldFile("volVectorField", "U", "uniform (1 2 3)"));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A host that does not link TBB itself: when it closes the plug-in, nothing else keeps TBB loaded, whose threads go on.
+// A host that does not link TBB itself: once it closes the plug-in, nothing keeps TBB loaded, but its threads go on.
 // It opens a case, reads the geometry, closes the library and stays alive for a moment, several times. It fails by
 // crashing. The arguments are the plug-in and the case.
 #include "border/HostOptions.h"

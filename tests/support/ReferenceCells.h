@@ -17,7 +17,7 @@ struct ReferenceCell
 {
     DDPElementType type;
     std::vector<ReferencePoint> points;
-    ReferenceFaces faces; ///< each seen from outside counter-clockwise
+    ReferenceFaces faces; ///< each counter-clockwise as seen from outside
     double volume() const;
 };
 

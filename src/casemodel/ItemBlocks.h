@@ -30,6 +30,7 @@ struct ItemBlock
     }
     bool isInside(const dvf::IndexRange& nodes) const
     {
+        // guard: block-labels
         return lowest >= 0 && static_cast<std::size_t>(lowest) >= nodes.begin() && highest >= 0 &&
                static_cast<std::size_t>(highest) < nodes.end();
     }

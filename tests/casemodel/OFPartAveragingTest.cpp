@@ -64,6 +64,11 @@ TEST(NodeAveraging, StaysInsideItsArraysWhateverTheConnectivitySays)
     const Values nodes = aware(part, {1, 3}, {{2, 2}, {5}, {5}});
     EXPECT_EQ(Values(nodes.begin(), nodes.begin() + 3), (Values{2, 2, 1}));
     EXPECT_TRUE(std::isnan(nodes[4]));
+    for (const int label : {-1, 6, 1000000}) {
+        part.setConnectivities({0, 1, 2, label, 2, 3, 4, 5});
+        part.boundaries()[0].faceConnectivity() = {0, label};
+        EXPECT_EQ(aware(part, {1, 3}, {{2}}), (Values{2, 1, 2, 3, 3, 3})) << label;
+    }
 }
 
 /// A block of hexahedra with `side` cells along each edge; `labels` renumbers its nodes.

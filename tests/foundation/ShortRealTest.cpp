@@ -7,7 +7,6 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <random>
 #include <string>
 
@@ -15,68 +14,31 @@ namespace {
 
 constexpr int TOKENS = 1000000;
 
-/// Random tokens: numbers of few and of many digits as solvers write them, any double, digits with a point and an
-/// exponent anywhere, and runs of characters that are nearly numbers.
-class TokenMaker
+std::string printed(const char* format, double value)
 {
-public:
-    std::string next()
-    {
-        switch (upTo(4)) {
-        case 0:
-            return printed("%.6g", std::bit_cast<double>(moderateBits()));
-        case 1:
-            return printed("%.17g", std::bit_cast<double>(m_random()));
-        case 2:
-            return digits() + (upTo(1) != 0 ? "e" + sign() + std::to_string(upTo(30)) : "");
-        case 3:
-            return digits();
-        default:
-            return scrap();
-        }
-    }
+    std::string text(64, '\0');
+    text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(), format, value)));
+    return text;
+}
 
-private:
-    std::uint64_t upTo(std::uint64_t largest) { return m_random() % (largest + 1); }
-    std::string sign() { return upTo(1) != 0 ? "-" : ""; }
-
-    /// A double between about 1e-19 and 1e19.
-    std::uint64_t moderateBits()
-    {
-        const std::uint64_t exponent = 960 + upTo(126);
-        return (m_random() & 0x800FFFFFFFFFFFFFU) | exponent << 52U;
-    }
-
-    static std::string printed(const char* format, double value)
-    {
-        std::string text(64, '\0');
-        text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(), format, value)));
-        return text;
-    }
-
-    std::string digits()
-    {
-        std::string text = sign();
-        const std::size_t first = text.size();
-        for (std::uint64_t i = upTo(21); i != 0; --i) {
-            text += static_cast<char>('0' + upTo(9));
-        }
-        text.insert(first + upTo(text.size() - first), upTo(2) != 0 ? "." : "");
-        return text;
-    }
-
-    std::string scrap()
-    {
-        static const std::string CHARACTERS = "0123456789.eE+-n )x";
-        std::string text;
-        for (std::uint64_t i = upTo(9); i != 0; --i) {
-            text += CHARACTERS[upTo(CHARACTERS.size() - 1)];
+/// A random token: a number as a solver writes it, any double, or characters of numbers in any order.
+std::string randomToken(std::mt19937_64& random)
+{
+    static const std::string CHARACTERS = "00123456789012345678.e-+E)";
+    const auto bits = random();
+    switch (random() % 4) {
+    case 0: // between about 1e-19 and 1e19
+        return printed("%.6g", std::bit_cast<double>((bits & 0x800FFFFFFFFFFFFFU) | (960 + random() % 127) << 52U));
+    case 1:
+        return printed("%.17g", std::bit_cast<double>(bits));
+    default:
+        std::string text(bits % 2, '-');
+        for (std::uint64_t i = random() % 24, kinds = random() % 2 == 0 ? 21 : CHARACTERS.size(); i != 0; --i) {
+            text += CHARACTERS[random() % kinds];
         }
         return text;
     }
-
-    std::mt19937_64 m_random{20};
-};
+}
 
 } // namespace
 
@@ -84,10 +46,10 @@ private:
 // comparison of two runs.
 TEST(ShortReal, EqualsTheGeneralConversionBitForBit)
 {
-    TokenMaker tokens;
+    std::mt19937_64 random(20);
     int taken = 0;
     for (int i = 0; i < TOKENS; ++i) {
-        const std::string token = tokens.next();
+        const std::string token = randomToken(random);
         // Digits right after the token must not count; without them the text is too short to be taken in one piece.
         const std::string text = i % 2 == 0 ? token : token + '\0' + "31415926535897932384";
         double fast = 7.0;

@@ -54,10 +54,10 @@ TEST_F(OFFileBoundary, ReadsPatchesWithTheirEntries)
                      "        nFaces 20; // comment\n        nFaces 9;\n        startFace       760x;\n        none\n"
                      "    }\n\n    w\xc3\xa4nde \n  {\r\n type wall;\r\n nFaces -3;\r\n startFace x;\r\n  }\r\n)\n"));
     std::vector<std::string> patches;
-    for (const OFBoundary& patch : boundaries) {
-        patches.push_back(patch.patchName().toUtf8() + "|" + patch.type().toUtf8() + "|" +
-                          std::to_string(patch.faceCount()) + "|" + std::to_string(patch.startFaceIndex()) + "|" +
-                          std::to_string(patch.partID()));
+    for (const OFBoundary& boundary : boundaries) {
+        patches.push_back(boundary.patchName().toUtf8() + "|" + boundary.type().toUtf8() + "|" +
+                          std::to_string(boundary.faceCount()) + "|" + std::to_string(boundary.startFaceIndex()) + "|" +
+                          std::to_string(boundary.partID()));
     }
     // A negative count reads as 0.
     EXPECT_EQ(patches, (std::vector<std::string>{"inlet|patch|20|760|7", "w\xc3\xa4nde |wall|0|0|7"}));
@@ -68,9 +68,9 @@ TEST_F(OFFileBoundary, ReadsPatchesWithTheirEntries)
 // Tools that edit dictionaries write such a comment. Digits elsewhere in a comment are not the count.
 TEST_F(OFFileBoundary, ACommentMayFollowTheCount)
 {
-    const std::string patch = "(\n a\n {\n type wall;\n nFaces 4;\n startFace 2;\n }\n)\n";
+    const std::string list = "(\n a\n {\n type wall;\n nFaces 4;\n startFace 2;\n }\n)\n";
     for (const std::string count : {"1 // entry0\n", "\n// version 3 // of 2 patches\n  1\t //(\n", "1\n// 7\n"}) {
-        EXPECT_TRUE(readBoundary(count + patch)) << count;
+        EXPECT_TRUE(readBoundary(count + list)) << count;
         ASSERT_EQ(boundaries.size(), 1U) << count;
         EXPECT_EQ(boundaries.front().faceCount(), 4U) << count;
     }

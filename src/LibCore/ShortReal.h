@@ -139,7 +139,7 @@ inline bool readExponent(const char*& p, int* power)
 /// `std::from_chars`: no plus sign and no leading blank, "e" only if digits follow.
 ///
 /// @param first text that ends with something that is not a digit, at the latest with its NUL
-/// @param end   the NUL of the text; memory up to there is read
+/// @param end   of the text: its NUL, or the start of a line; memory up to there is read
 /// @return where the number ends, or null with `*value` untouched if the general conversion must decide
 inline const char* scanShortReal(const char* first, const char* end, double* value)
 {

@@ -18,7 +18,7 @@ std::vector<ItemBlock> itemBlocks(const std::vector<std::uint8_t>& nodeCounts, c
         blocks.back().nodeCount += nodeCounts[item];
         nodesLeft -= nodeCounts[item];
     }
-    dvf::forEachIndex(blocks.size(), [&blocks, &nodes](std::size_t i) {
+    const auto findLabels = [&blocks, &nodes](std::size_t i) {
         ItemBlock& block = blocks[i];
         const int* const first = nodes.data() + block.firstNode;
         // Locals, or each step of the loop would store them.
@@ -30,6 +30,7 @@ std::vector<ItemBlock> itemBlocks(const std::vector<std::uint8_t>& nodeCounts, c
         }
         block.lowest = lowest;
         block.highest = highest;
-    });
+    };
+    dvf::isolated([&] { dvf::forEachIndex(blocks.size(), findLabels); });
     return blocks;
 }

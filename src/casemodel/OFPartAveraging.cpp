@@ -139,10 +139,12 @@ public:
             averageRange(dvf::IndexRange(0, nodeCount), startsAtZero, sums);
             return;
         }
-        dvf::forLargeItems(NODE_RANGES, [&](const dvf::IndexRange& ranges) {
-            for (std::size_t i = ranges.begin(); i != ranges.end(); ++i) {
-                averageRange(nodeRange(i, nodeCount), startsAtZero, sums);
-            }
+        dvf::isolated([&] {
+            dvf::forLargeItems(NODE_RANGES, [&](const dvf::IndexRange& ranges) {
+                for (std::size_t i = ranges.begin(); i != ranges.end(); ++i) {
+                    averageRange(nodeRange(i, nodeCount), startsAtZero, sums);
+                }
+            });
         });
     }
 

@@ -138,7 +138,8 @@ bool fillUniform(const std::vector<dvn::Str>& tokens, const Request& request, st
 {
     const auto uniform = std::find(tokens.begin(), tokens.end(), dvn::Str("uniform"));
     const std::size_t first = static_cast<std::size_t>(uniform - tokens.begin()) + 1;
-    if (first == tokens.size()) {
+    // Also where the word comes after all words that are looked at.
+    if (first >= tokens.size()) {
         return logError(dvn::Str("Failed to read uniform value in result file. File basename is %1").arg(request.path));
     }
     const std::optional<OFResultType> type = FieldInterior::typeOfClass(request.resultClass);
@@ -272,7 +273,7 @@ bool FieldInterior::readFile(FoamFile& file, const Request& request, const dvn::
 bool FieldInterior::readMultipleLines(TextSource& text, const Request& request, std::vector<double>* values)
 {
     int count = 0;
-    if (!text.readCount(&count)) {
+    if (!text.readCount(&count, '{')) {
         return logError(
             dvn::Str("Failed to read number of items in result file. File basename is %1").arg(request.path));
     }
@@ -316,8 +317,8 @@ bool FieldInterior::readSingleLine(TextSource& text, const dvn::Str& line, const
     if (!checkCount(text, count, request, *values)) {
         return false;
     }
-    // The list ends three characters before the line does. With another ending the cut falls elsewhere, which does not
-    // affect the conversion of the last number.
+    // Compatibility (docs/compatibility.md, "short single-line lists"): the list ends three characters before the line
+    // does, even if the line ends otherwise and the last number loses digits.
     const std::size_t first = std::min(bracket, wide.size() - 1) + 1;
     // guard: line-tail
     const std::size_t end = std::max(first, wide.size() - std::min(wide.size(), LIST_TAIL));

@@ -39,10 +39,11 @@ void readVectorsOfPiece(FieldPieces::Piece* piece, const char* end)
             return;
         }
         piece->count += VECTOR_COMPONENTS;
-        piece->stop = vector;
         p = vector;
         TokenScanner::skipLineFeeds(p, piece->limit);
     }
+    // The walk would skip the rest too, as there is no further bracket.
+    piece->stop = piece->limit;
     piece->isClean = true;
 }
 

@@ -123,7 +123,7 @@ int GzStream::nextByte()
 void GzStream::unread(char byte)
 {
     if (m_next != 0) {
-        --m_next;
+        m_ahead.data()[--m_next] = byte;
     } else {
         gzungetc(static_cast<unsigned char>(byte), m_handle.get());
     }
@@ -252,6 +252,10 @@ void GzStream::appendStaged(std::size_t unread)
         m_next = first;
         m_end = STAGING_ROOM + m_stagedCount;
     } else {
+        // Drops what has been taken, or the memory would grow with the file.
+        std::memmove(m_ahead.data() + 1, m_ahead.data() + m_next, unread);
+        m_next = 1;
+        m_end = 1 + unread;
         m_ahead.grow(m_end + m_stagedCount + 1, m_end);
         std::memcpy(m_ahead.data() + m_end, m_staged.data() + STAGING_ROOM, m_stagedCount);
         m_end += m_stagedCount;

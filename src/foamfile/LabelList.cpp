@@ -26,11 +26,14 @@ bool cellCountFromNote(const dvn::Str& note, int* cellCount)
     return true;
 }
 
+/// What follows the count of a list of equal items.
+constexpr char EQUAL_ITEMS = '{';
+
 /// Reads a list of equal labels from its brace on, as a mesh of one cell has its owners: "6{0}".
 bool readEqual(TextSource& text, std::vector<int>* labels)
 {
     int label = 0;
-    if (!text.takeByte('{') || text.readInt('}', &label) != TextSource::Token::Number) {
+    if (!text.takeByte(EQUAL_ITEMS) || text.readInt('}', &label) != TextSource::Token::Number) {
         return false;
     }
     std::fill(labels->begin(), labels->end(), label);
@@ -56,7 +59,8 @@ bool LabelList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& o
         return file.text.reportError(NO_CELL_COUNT);
     }
     int count = 0;
-    if (!ListHeader::readCount(file, dvf::limits::BYTES_PER_NUMBER, dvf::limits::LIST_COUNT, MESSAGES, &count)) {
+    if (!ListHeader::readCount(file, dvf::limits::BYTES_PER_NUMBER, dvf::limits::LIST_COUNT, MESSAGES, &count,
+                               EQUAL_ITEMS)) {
         return false;
     }
     dvf::reserveLarge(labels, static_cast<std::size_t>(count));

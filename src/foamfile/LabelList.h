@@ -9,7 +9,7 @@
 /// Lists of labels: `owner`, `neighbour`, the members of zones.
 ///
 /// Ascii: unsigned labels, separated by one blank or by line feeds, read by a walk from chunk to chunk. Binary: 4-byte
-/// labels in the byte order of the machine, in one read. What follows the labels stays to be read, the ")" included.
+/// labels in the byte order of the machine, in one read. What follows the labels stays to be read.
 namespace LabelList {
 
 /// The message for a header whose note does not give the number of cells; %1 is the path.

@@ -38,9 +38,10 @@ bool checkClass(const FoamFile& file, const char* className, const Messages& mes
     return file.header.at("class") == className || file.text.reportError(messages.wrongClass);
 }
 
-bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count)
+bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count,
+               char otherEnd)
 {
-    if (!file.text.readCount(count)) {
+    if (!file.text.readCount(count, otherEnd)) {
         return file.text.reportError(messages.noCount);
     }
     // Digits that overflowed come out negative. guard: list-count

@@ -46,6 +46,8 @@ bool checkClass(const FoamFile& file, const char* className, const Messages& mes
 /// Reads the count of a list and refuses one that is out of range or that a file of this size cannot hold.
 ///
 /// @param bytesPerItem the fewest bytes that an item takes in the file
-bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count);
+/// @param otherEnd     see `TextSource::readCount`
+bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count,
+               char otherEnd = '\0');
 
 } // namespace ListHeader

@@ -311,7 +311,7 @@ TextSource::IntAttempt TextSource::tryInt(char delimiter)
     }
 }
 
-bool TextSource::readCount(int* value)
+bool TextSource::readCount(int* value, char otherEnd)
 {
     // Each failed attempt has used up the byte at which it stopped, so this ends.
     bool isAtLineStart = true;
@@ -322,10 +322,11 @@ bool TextSource::readCount(int* value)
         }
         const bool isBlank = attempt.stop == ' ' || attempt.stop == '\t';
         const bool isFirstOfLine = isAtLineStart && attempt.digits != 0;
-        if (isFirstOfLine && attempt.stop == '{') {
-            m_stream->unread('{');
+        const bool isOtherEnd = isFirstOfLine && otherEnd != '\0' && attempt.stop == otherEnd;
+        if (isOtherEnd) {
+            m_stream->unread(otherEnd);
         }
-        if (attempt.token == Token::Number || (isFirstOfLine && (attempt.stop == '{' || (isBlank && skipComment())))) {
+        if (attempt.token == Token::Number || isOtherEnd || (isFirstOfLine && isBlank && skipComment())) {
             *value = attempt.value;
             return true;
         }

@@ -141,9 +141,10 @@ public:
     Token readInt(char delimiter, int* value);
     /// Reads the first run of digits in the stream that a line feed, a carriage return or "(" ends, and skips all else.
     /// This finds the count of a list after the header. A count that a line begins with may also be followed by a
-    /// comment, as tools that edit dictionaries write it, "3 // entry0", or by the brace of a list of equal items,
-    /// "6{0}", which stays to be read.
-    bool readCount(int* value);
+    /// comment, as tools that edit dictionaries write it, "3 // entry0".
+    ///
+    /// @param otherEnd what may end such a count as well, and stays to be read: "{" of a list of equal items, "6{0}"
+    bool readCount(int* value, char otherEnd = '\0');
     /// Reads the first line that begins with digits, up to a blank or its end, from the pending chunk or the stream.
     bool readCountLine(int* value);
 

@@ -13,8 +13,9 @@
 #include <string_view>
 #include <system_error>
 
-/// Scanners of single tokens in text that ends with a NUL. No scanner advances past that NUL, so a loop that tests for
-/// it never leaves the text. A failed scan leaves the cursor where it was unless its comment says otherwise.
+/// Scanners of single tokens in text that ends with a NUL, or with a line before more text. No scanner advances past
+/// that NUL, so a loop that tests for it never leaves the text. A failed scan leaves the cursor where it was unless its
+/// comment says otherwise.
 namespace TokenScanner {
 
 inline bool isDigit(char c)
@@ -88,7 +89,7 @@ inline bool endsListItem(char c)
 /// Fast path. If it stops at a delimiter, the token is complete. If not, nothing is decided: the token may still be a
 /// number for `strtod`, and the caller applies its own rules. Infinite values and NaN are left to the caller too,
 /// because the conversion reads on past a delimiter in texts such as "nan(1)".
-/// @param end the NUL of the text
+/// @param end of the text: its NUL, or the start of a line
 inline const char* scanPlainReal(const char* first, const char* end, double* value)
 {
     if (const char* const stop = dvf::scanShortReal(first, end, value)) {
@@ -153,7 +154,7 @@ bool scanUnusualComponent(const char*& cursor, char delimiter, double* value)
 ///
 /// A line feed ends the token too, and the text between it and the next delimiter is skipped. Where there is no
 /// delimiter, the scan fails with the cursor at the end of the text, which nobody has to search again.
-/// @param end the NUL of the text
+/// @param end of the text: its NUL, or the start of a line
 template <ComponentEnd END>
 bool scanComponent(const char*& cursor, const char* end, char delimiter, double* value)
 {
@@ -180,7 +181,7 @@ std::size_t scanVector(const char*& cursor, const char* end, std::size_t limit, 
 /// Reads one number of a scalar list and stops at the character that ended it: line feed, blank, ")" or NUL.
 ///
 /// A token that merely begins with a number is refused, but the value is stored.
-/// @param end the NUL of the text
+/// @param end of the text: its NUL, or the start of a line
 inline bool scanScalar(const char*& cursor, const char* end, double* value)
 {
     const char* const stop = scanPlainReal(cursor, end, value);

@@ -87,7 +87,7 @@ void makeConsistent(FacesData* faces, std::size_t pointCount)
 }
 
 /// Every cell of a sound mesh has several faces, so sound meshes stay far below the bound. The number of faces counts
-/// too, because a mesh of one cell may write its owners in a form that is not read, such as "6{0}".
+/// too, because a mesh of one cell has no neighbours, and its owners may be in a form that is not read.
 void limitCellCount(OFPolymesh* mesh)
 {
     const auto claimed = static_cast<int>(mesh->cellCount());

@@ -215,8 +215,11 @@ std::vector<HugeSample> hugeSamples()
     const std::string labelCount = header("labelList", "file", "ascii", note(3)) + "400000000\n(\n1\n";
     const std::string offsets =
         header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 250000000}) + "\n1\n(";
+    const std::string blankLine = std::string(127, ' ') + "\n";
+    const std::string oddVectorAndBlanks = "(1 2 3\n)\n" + repeated(2000, blankLine);
     const auto manyPatches = readPatches<5000, 1>;
     const auto largePatches = readPatches<1500, 1366>;
+    const auto hugePatch = readPatches<1, 100000>;
     return {
         {.name = "PlaceholdersInPatchTypeAndValue",
          .build =
@@ -244,6 +247,10 @@ std::vector<HugeSample> hugeSamples()
         {.name = "CountLargerThanInflatedData",
          .build = [=] { return zippedWithNoise(labelCount, 500000); },
          .readers = {readLabels}},
+        // Text between vectors uses up no values. With an odd vector in each chunk, none of it can be parsed ahead.
+        {.name = "BlanksBetweenOddVectors",
+         .build = [=] { return gzipped(section + patch + "100000\n(\n" + repeated(500, oddVectorAndBlanks)); },
+         .readers = {hugePatch}},
         {.name = "OffsetsLargerThanInflatedData",
          .build = [=] { return zippedWithNoise(offsets, 1000000); },
          .readers = {readFaces<true>}},

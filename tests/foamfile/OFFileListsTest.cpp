@@ -77,6 +77,7 @@ TEST_F(OFFileLists, EachReaderReportsOnceInItsOwnWords)
             {header(className, "other"), "Unexpected object in "},
             {header("other", "thing"), "Unexpected class in "},
             {good + "no count 3", "Failed to read number of items in "},
+            {good + (className == "labelList" ? "{7}" : "2{7}\n"), "Failed to read number of items in "},
             {good + "2000000000\n(\n)\n", "Invalid number of items in "}};
         for (const auto& [text, message] : cases) {
             const LogCapture log;

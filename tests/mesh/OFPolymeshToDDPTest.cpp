@@ -291,7 +291,7 @@ TEST(DamagedMesh, LimitsCellCountToWhatFacesCanForm)
     EXPECT_EQ(deliver(mesh).elements.types, (std::vector<int>{DDP_POLY, DDP_POLY}));
 }
 
-// "6{0}" is a valid list of owners, but it is not read. Fields still have a value for the cell.
+// Owners may be in a form that is not read. Fields still have a value for the cell.
 TEST(DamagedMesh, KeepsTheOnlyCellIfItsOwnersAreMissing)
 {
     const LogCapture log;

@@ -7,7 +7,7 @@ namespace {
 
 using SolidFace = std::array<int, 4>;
 
-//     tetrahedron 0 the apex, behind the base 1 2 3     hexahedron  7---6
+//     tetrahedron 0 the apex, beyond the base 1 2 3     hexahedron  7---6
 //     pyramid     4 the apex over the base 0 1 2 3                 4---5|   top 4 5 6 7
 //     pentahedron 3 4 5 the top over the base 0 1 2                |3--|2   base 0 1 2 3
 //                                                                  0---1

@@ -53,23 +53,6 @@ TEST_P(OFFileLines, StreamLinesKeepLineFeedsAndChunkLinesDropThem)
     EXPECT_EQ(all(text + "\n", &OFFile::getNextLine), (Lines{pieces[0], pieces[1] + "\n"}));
 }
 
-TEST_P(OFFileLines, NoLineIsLostAtAChunkBorder)
-{
-    std::string body;
-    for (int i = 0; i < 30000; ++i) {
-        body.append("line ").append(std::to_string(i)).append("\n");
-    }
-    for (std::size_t shift = 1; shift < 14; ++shift) {
-        const std::string text = std::string(shift, 'x') + "\n" + body;
-        std::string joined;
-        for (const std::string& line : all(text, &OFFile::getNextLineUsingChunk)) {
-            // After an exhausted chunk one line comes from the stream and keeps its line feed.
-            joined.append(line, 0, line.find('\n')).append("\n");
-        }
-        ASSERT_EQ(joined, text) << shift;
-    }
-}
-
 TEST_P(OFFileLines, ChunksEndAtALineEndAndReportTheirLastIndex)
 {
     const std::string most(OFFile::CHUNK_SIZE, 'a');

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "LibCore/Parallel.h"
-#include "foamfile/GrowingBuffer.h"
+#include "foamfile/TextSource.h"
 
 #include <array>
 #include <cstddef>
@@ -11,8 +11,7 @@
 struct ChunkSlot
 {
     ChunkBuffer buffer;
-    const char* begin = nullptr;
-    const char* end = nullptr;
+    TextSource::Chunk chunk;
     /// Whether there was a chunk; false once the file has ended.
     bool more = true;
 };

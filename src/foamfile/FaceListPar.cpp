@@ -37,9 +37,9 @@ struct FaceSlot : ChunkSlot
         if (!more) {
             return;
         }
-        const char* p = begin;
+        const char* p = chunk.begin;
         TokenScanner::skipLineFeeds(p);
-        while (scanFace<TokenScanner::FaceTokenEnd::Delimiter>(p, end, this)) {
+        while (scanFace<TokenScanner::FaceTokenEnd::Delimiter>(p, chunk.end, this)) {
         }
     }
 
@@ -88,14 +88,7 @@ public:
     bool isFull() const { return m_facesDone == m_faces->faceCount(); }
     std::size_t facesDone() const { return m_facesDone; }
 
-    bool fill(FaceSlot* slot)
-    {
-        TextSource::Chunk chunk;
-        const bool hasCome = m_chunks.next(&slot->buffer, &chunk);
-        slot->begin = chunk.begin;
-        slot->end = chunk.end;
-        return hasCome;
-    }
+    bool fill(FaceSlot* slot) { return m_chunks.next(&slot->buffer, &slot->chunk); }
 
     void place(FaceSlot* slot)
     {

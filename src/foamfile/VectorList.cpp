@@ -30,14 +30,14 @@ struct VectorSlot : ChunkSlot
         if (!more) {
             return;
         }
-        const char* p = begin;
+        const char* p = chunk.begin;
         while (TokenScanner::skipPast(p, '(')) {
             // guard: vector-slot
             if (count + VECTOR_COMPONENTS > values.capacity()) {
                 values.grow(count + VALUES_STEP, count);
             }
-            if (TokenScanner::scanVector<ComponentEnd::Delimiter>(p, end, VECTOR_COMPONENTS, values.data() + count) <
-                VECTOR_COMPONENTS) {
+            if (TokenScanner::scanVector<ComponentEnd::Delimiter>(p, chunk.end, VECTOR_COMPONENTS,
+                                                                  values.data() + count) < VECTOR_COMPONENTS) {
                 return;
             }
             count += VECTOR_COMPONENTS;
@@ -54,14 +54,7 @@ public:
     bool isFull() const { return m_done == m_values->size(); }
     std::size_t done() const { return m_done; }
 
-    bool fill(VectorSlot* slot)
-    {
-        TextSource::Chunk chunk;
-        const bool hasCome = m_text.nextChunk(&slot->buffer, &chunk);
-        slot->begin = chunk.begin;
-        slot->end = chunk.end;
-        return hasCome;
-    }
+    bool fill(VectorSlot* slot) { return m_text.nextChunk(&slot->buffer, &slot->chunk); }
 
     void place(VectorSlot* slot)
     {

@@ -64,6 +64,12 @@ bool readListCount(TextSource& text, const Messages& messages, std::vector<int>*
     return text.readCountLine(&count) && sizeList(text, count, messages, labels);
 }
 
+bool openZones(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, const Messages& messages, int* count)
+{
+    return ListHeader::open(file, path, objectName, messages) &&
+           ListHeader::readCount(file, dvf::limits::BYTES_PER_ZONE, dvf::limits::LIST_COUNT, messages, count);
+}
+
 // --- face zones
 
 /// Reads the flips of a zone from the line that begins them; a line that ends in ">" is followed by a list.
@@ -201,8 +207,7 @@ bool Zones::readFaceZones(FoamFile& file, const dvn::Str& path, const dvn::Str& 
                                           .badCount = "Invalid number of items in FaceZone file. File basename is %1"};
     zones.clear();
     int count = 0;
-    if (!ListHeader::open(file, path, objectName, MESSAGES) ||
-        !ListHeader::readCount(file, dvf::limits::BYTES_PER_ZONE, dvf::limits::LIST_COUNT, MESSAGES, &count)) {
+    if (!openZones(file, path, objectName, MESSAGES, &count)) {
         return false;
     }
     if (count != 0 && !file.text.skipPast('(')) {
@@ -231,8 +236,7 @@ bool Zones::readCellZones(FoamFile& file, const dvn::Str& path, const dvn::Str& 
                                           .badCount = "Invalid number of items in CellZone file. File basename is %1"};
     zones.clear();
     int count = 0;
-    if (!ListHeader::open(file, path, objectName, MESSAGES) ||
-        !ListHeader::readCount(file, dvf::limits::BYTES_PER_ZONE, dvf::limits::LIST_COUNT, MESSAGES, &count)) {
+    if (!openZones(file, path, objectName, MESSAGES, &count)) {
         return false;
     }
     if (count == 0) {

@@ -60,6 +60,14 @@ for target in $targets; do
 done
 echo "New inputs are in build/asan/fuzz/corpus; tests/fuzz/README.md says how to keep them."
 if ((found > 0)); then
+    # Whoever sees only this output must be able to repeat the finding: its report and its input.
+    for finding in "$work"/findings/*; do
+        name=$(basename "$finding")
+        printf '\n== %s\n' "$name"
+        grep -a -A 40 -m 1 -e FINDING -e ERROR: -e 'runtime error' "$work/${name%%-*}.log" | cut -c 1-400 || true
+        printf 'input as base64 (tests/fuzz/README.md says how to repeat it):\n'
+        head -c 8192 "$finding" | gzip -9 | base64 -w 120
+    done
     echo "Findings are in build/asan/fuzz/findings, and their reports in build/asan/fuzz/TARGET.log."
     exit 1
 fi

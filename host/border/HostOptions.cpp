@@ -46,10 +46,10 @@ HostOptions HostOptions::parse(const std::vector<std::string>& texts, const Host
         const std::string key = text.substr(0, sign);
         const std::string value = text.substr(sign + 1);
         const HostSetting* const setting = provider.find(key);
-        if (setting == nullptr) {
+        if (setting == nullptr && key != EXTENDED_READING) {
             refuseUnknownKey(key, provider);
         }
-        if (!setting->isBool) {
+        if (setting != nullptr && !setting->isBool) {
             options.setString(key, value);
             continue;
         }

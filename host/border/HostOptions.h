@@ -13,7 +13,10 @@
 class HostOptions final : public DDPInitOptions
 {
 public:
-    /// Parses texts of the form KEY=VALUE and checks them against what the provider declares.
+    /// A boolean setting that the library reads without declaring it.
+    static constexpr const char* EXTENDED_READING = "EXTENDED_READING";
+
+    /// Parses texts of the form KEY=VALUE and checks them against what the provider declares, `EXTENDED_READING` aside.
     ///
     /// A boolean accepts on, off, true, false, yes, no, 1 and 0 in any case. If a key is given twice, the last value
     /// wins.

@@ -86,7 +86,8 @@ HostOptions CheckRun::options(const PluginLibrary& library) const
 {
     std::vector<std::string> texts;
     for (const std::string& text : m_task.preferred) {
-        if (library.providerInfo().find(text.substr(0, text.find('='))) != nullptr) {
+        const std::string key = text.substr(0, text.find('='));
+        if (key == HostOptions::EXTENDED_READING || library.providerInfo().find(key) != nullptr) {
             texts.push_back(text);
         }
     }

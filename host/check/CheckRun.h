@@ -16,7 +16,7 @@ struct CheckTask
     std::filesystem::path library;
     std::filesystem::path casePath;     ///< empty for a check that does not need one
     std::vector<std::string> settings;  ///< as KEY=VALUE
-    std::vector<std::string> preferred; ///< the same, used only if the library has such a setting; `settings` win
+    std::vector<std::string> preferred; ///< the same, used only if the library may have such a setting; `settings` win
     std::filesystem::path workFolder;   ///< for files of the check; whoever created it removes it
 };
 

@@ -77,9 +77,10 @@ void checkReload(CheckRun& run)
 
 void checkSettingsAsked(CheckRun& run)
 {
-    static const std::vector<std::string> WANTED = {"LOAD_GLOBAL_MESH",         "LOAD_LOCAL_MESHES",    "LOAD_BC_PARTS",
-                                                    "LOAD_CELL_ZONES",          "LOAD_FACE_ZONES",      "NODE_AVG_RES",
-                                                    "HIDE_PARALLEL_INTERFACES", "RESULTS_NAMES_MAPPING"};
+    static const std::vector<std::string> WANTED = {
+        "LOAD_GLOBAL_MESH",         "LOAD_LOCAL_MESHES",     "LOAD_BC_PARTS",
+        "LOAD_CELL_ZONES",          "LOAD_FACE_ZONES",       "NODE_AVG_RES",
+        "HIDE_PARALLEL_INTERFACES", "RESULTS_NAMES_MAPPING", HostOptions::EXTENDED_READING};
     const std::unique_ptr<CheckedCase> open = run.open();
     const std::vector<std::string>& asked = open->options().askedKeys();
     run.expect(asked == WANTED, fmt::format("init asks for {}", fmt::join(asked, ", ")));

@@ -199,5 +199,6 @@ void addBenchCommand(CLI::App* app, HostContext* context)
     command->add_option("--repeat", options->repeats, "Report the medians of N runs, 3 by default")
         ->type_name("N")
         ->check(CLI::Range(1, 1000).description(""));
+    addExtendedFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runBench(*context, *options); }; });
 }

@@ -68,6 +68,9 @@ std::regex patternOf(const std::string& option, const std::string& text)
     }
 }
 
+/// Follows the name of a sample that is read extended.
+constexpr std::string_view EXTENDED_SUFFIX = "/extended";
+
 /// Selects the jobs that match the user's patterns.
 class JobFilter
 {
@@ -110,6 +113,9 @@ std::vector<CheckJob> planJobs(const CheckArguments& arguments)
         for (const std::string& name : sampleNames()) {
             addAll(true, name, true);
         }
+        for (const std::string& name : sampleNames()) {
+            addAll(true, name + std::string(EXTENDED_SUFFIX), true);
+        }
     }
     if (jobs.empty()) {
         throw HostError(ExitCode::Usage, "no check matches --include and --exclude");
@@ -141,11 +147,15 @@ void writeSamples(const std::filesystem::path& folder, std::vector<CheckJob>* jo
     std::map<std::string, WrittenSample> written;
     for (CheckJob& job : *jobs) {
         if (job.sample) {
-            if (!written.contains(job.subject)) {
-                written[job.subject] = writeSample(job.subject, folder);
+            const std::string name = job.subject.substr(0, job.subject.find('/'));
+            if (!written.contains(name)) {
+                written[name] = writeSample(name, folder);
             }
-            job.casePath = written[job.subject].folder;
-            job.settings = written[job.subject].settings;
+            job.casePath = written[name].folder;
+            job.settings = written[name].settings;
+            if (job.subject.ends_with(EXTENDED_SUFFIX)) {
+                job.settings.push_back(std::string(HostOptions::EXTENDED_READING) + "=on");
+            }
         }
     }
 }
@@ -162,7 +172,7 @@ std::string repeatedOptions(const HostContext& context, const CheckArguments& ar
     } else if (const char* const fromEnvironment = std::getenv("DDP_PLUGIN"); fromEnvironment != nullptr) {
         add("--plugin", fromEnvironment);
     }
-    for (const std::string& setting : context.options.settings) {
+    for (const std::string& setting : context.options.allSettings()) {
         add("--set", setting);
     }
     if (context.options.threads > 0) {
@@ -227,7 +237,7 @@ ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
         throw HostError(ExitCode::LibraryRefused, fmt::format("there is no library file {}", options.library.string()));
     }
     const WorkFolder work;
-    options.settings = context.options.settings;
+    options.settings = context.options.allSettings();
     options.threads = context.options.threads;
     options.parallelJobs = arguments.jobs;
     options.timeLimit = arguments.timeLimit;
@@ -297,6 +307,7 @@ void addCheckCommand(CLI::App* app, HostContext* context)
     command->add_option("--timeout", arguments->timeLimit, "Stop a check after S seconds, 60 by default")
         ->type_name("S")
         ->check(CLI::Range(0.01, 86400.0).description(""));
+    addExtendedFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runCheck(*context, *arguments); }; });
     addCheckChild(app, context);
 }

@@ -253,6 +253,7 @@ void addExportCommand(CLI::App* app, HostContext* context)
     command->add_option("--result", options->resultPattern, "Only results whose name or key matches RE")
         ->type_name("RE");
     command->add_flag("--overwrite", options->overwrite, "Replace existing files");
+    addPlainFlag(command, &context->options);
     command->callback([=] {
         context->command = [=] {
             Exporter(*context, *options).run();

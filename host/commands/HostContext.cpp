@@ -3,6 +3,7 @@
 
 #include "border/HostLog.h"
 
+#include <CLI/CLI.hpp>
 #include <tbb/global_control.h>
 
 #include <algorithm>
@@ -17,6 +18,30 @@ namespace {
 constexpr std::array<std::int32_t, 3> SHOWN_LEVELS = {LOG_ERROR, LOG_INFO, LOG_DEBUG};
 
 } // namespace
+
+std::vector<std::string> GlobalOptions::allSettings() const
+{
+    std::vector<std::string> all;
+    if (!extendedReading.empty()) {
+        all.push_back(std::string(HostOptions::EXTENDED_READING) + "=" + extendedReading);
+    }
+    all.insert(all.end(), settings.begin(), settings.end());
+    return all;
+}
+
+void addPlainFlag(CLI::App* command, GlobalOptions* options)
+{
+    const auto isPlain = std::make_shared<bool>(false);
+    command->add_flag("--plain", *isPlain, "Show what a host gets that does not ask for extended reading");
+    command->parse_complete_callback([=] { options->extendedReading = *isPlain ? "off" : "on"; });
+}
+
+void addExtendedFlag(CLI::App* command, GlobalOptions* options)
+{
+    const auto isExtended = std::make_shared<bool>(false);
+    command->add_flag("--extended", *isExtended, "Ask the library for extended reading");
+    command->parse_complete_callback([=] { options->extendedReading = *isExtended ? "on" : ""; });
+}
 
 void HostContext::applyOptions()
 {
@@ -41,7 +66,7 @@ std::unique_ptr<OpenedCase> HostContext::open(const std::string& casePath)
 {
     PluginLibrary& loaded = library();
     if (!m_settings) {
-        m_settings = std::make_unique<HostOptions>(HostOptions::parse(options.settings, loaded.providerInfo()));
+        m_settings = std::make_unique<HostOptions>(HostOptions::parse(options.allSettings(), loaded.providerInfo()));
     }
     return std::make_unique<OpenedCase>(loaded, casePath, *m_settings);
 }

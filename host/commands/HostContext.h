@@ -28,7 +28,18 @@ struct GlobalOptions
     int threads = 0;                   ///< 0 uses the default of the machine
     ColorMode color = ColorMode::Auto;
     bool noProgress = false;
+    /// "on" or "off" for the library's extended reading; empty passes no such setting.
+    std::string extendedReading;
+
+    /// The settings of all options; the user's own come last and win.
+    std::vector<std::string> allSettings() const;
 };
+
+/// Lets a command read cases in full, as OpenFOAM would, unless the user gives --plain.
+void addPlainFlag(CLI::App* command, GlobalOptions* options);
+
+/// Lets a command open cases as a host does that sets nothing, unless the user gives --extended.
+void addExtendedFlag(CLI::App* command, GlobalOptions* options);
 
 /// What the commands share: the options, the library and a function to open a case.
 class HostContext

@@ -254,5 +254,6 @@ void addInfoCommand(CLI::App* app, HostContext* context)
     CLI::App* const command = app->add_subcommand("info", "Show what a case contains: parts, groups, states, results");
     command->add_option("CASE", options->casePath, "A case folder or the path to its case.foam")->required();
     command->add_flag("--counts", options->counts, "Read the meshes too and show node and element counts");
+    addPlainFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runInfo(*context, *options); }; });
 }

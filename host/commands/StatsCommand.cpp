@@ -186,5 +186,6 @@ void addStatsCommand(CLI::App* app, HostContext* context)
         ->type_name("STATE");
     command->add_option("--part", options->partPattern, "Only parts and groups whose name matches RE")->type_name("RE");
     command->add_flag("--csv", options->csv, "Write comma-separated values with all digits");
+    addPlainFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runStats(*context, *options); }; });
 }

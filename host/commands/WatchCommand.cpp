@@ -83,5 +83,6 @@ void addWatchCommand(CLI::App* app, HostContext* context)
     command->add_option("--count", options->count, "Stop after N polls instead of polling until interrupted")
         ->type_name("N")
         ->check(CLI::PositiveNumber.description(""));
+    addExtendedFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runWatch(*context, *options); }; });
 }

@@ -5,6 +5,7 @@
 #include "casemodel/OFPart.h"
 #include "casemodel/OFSampledSurface.h"
 #include "casemodel/OFState.h"
+#include "foamfile/Reading.h"
 #include "interface/DataProviderInterface.h"
 #include "records/OFResult.h"
 
@@ -33,6 +34,9 @@ public:
     void setMakeNodeAverageResultFlag(bool make) { m_makeNodeAverageResult = make; }
     void setLoadGlobalMesh(bool load) { m_loadGlobalMesh = load; }
     void setLoadLocalMeshes(bool load) { m_loadLocalMeshes = load; }
+    /// Sets how much of what OpenFOAM writes is read; plain until set.
+    void setReading(Reading reading) { m_reading = reading; }
+    Reading reading() const { return m_reading; }
     /// Sets the shown names of fields, as pairs NAME=SHOWN separated by semicolons.
     void setCustomResultNames(const DDPString& names) { m_customResultNames = names.c_str(); }
 
@@ -146,6 +150,7 @@ private:
     std::map<dvn::Str, dvn::Str> m_controlDict;
     dvn::Str m_simulationTitle;
     dvn::Str m_simulationDescription;
+    Reading m_reading = Reading::Plain;
     bool m_loadBoundaries = false;
     bool m_loadCellZones = false;
     bool m_loadFaceZones = false;

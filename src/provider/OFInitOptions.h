@@ -53,4 +53,11 @@ inline const OFInitOption OF_HIDE_PARALLEL_INTERFACES("HIDE_PARALLEL_INTERFACES"
 /// Shown names of fields, as pairs NAME=SHOWN separated by semicolons.
 inline const OFInitOptionString OF_RESULTS_NAMES_MAPPING("RESULTS_NAMES_MAPPING", "Result names mapping",
                                                          "U=Velocity;p=Pressure;rho=Density;T=Temperature;g=Gravity");
+/// Reads a case as OpenFOAM itself would (docs/extended-reading.md). It is not among the settings that the factory
+/// declares, since hosts store what they know about these; a host that does not know it can be given
+/// `EXTENDED_READING_VARIABLE` in its environment.
+inline const OFInitOption OF_EXTENDED_READING("EXTENDED_READING", "Extended Reading", false);
 // NOLINTEND(cert-err58-cpp)
+
+/// The environment variable that decides if a host does not pass `EXTENDED_READING`: 1, 0, true or false.
+inline constexpr const char* EXTENDED_READING_VARIABLE = "OPENFOAM_PLUGIN_EXTENDED_READING";

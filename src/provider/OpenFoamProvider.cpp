@@ -7,6 +7,8 @@
 
 #include <tbb/version.h>
 
+#include <cstdlib>
+
 namespace {
 
 void logVersions(const DDPString& key)
@@ -33,6 +35,14 @@ dvn::Str folderOf(const DDPString& key)
         folder += i == 0 ? components[i] : "/" + components[i];
     }
     return components.empty() ? dvn::Str() : folder;
+}
+
+/// The value of a setting that the host passes, which goes into the log.
+bool givenFlag(const DDPInitOptions& options, const DDPString& key)
+{
+    const bool value = options.boolOption(key);
+    logInfo(dvn::Str(" - %1: %2").arg(key.c_str()).arg(value ? "ON" : "OFF"));
+    return value;
 }
 
 } // namespace
@@ -67,18 +77,14 @@ void OpenFoamProvider::applyUserReaderSettings(const DDPInitOptions& options)
     m_reader.setMakeNodeAverageResultFlag(m_makeNodeAverageResults);
     m_reader.setHideProcessorInterfacesAsBoundariesFlag(getBoolUserSetting(options, OF_HIDE_PARALLEL_INTERFACES));
     m_reader.setCustomResultNames(getStringUserSetting(options, OF_RESULTS_NAMES_MAPPING));
+    m_reader.setReading(getReadingUserSetting(options));
     // A blank line separates the settings from what follows.
     logInfo(" ");
 }
 
 bool OpenFoamProvider::getBoolUserSetting(const DDPInitOptions& options, const OFInitOption& option) const
 {
-    if (!options.hasOption(option.key)) {
-        return option.defaultValue;
-    }
-    const bool value = options.boolOption(option.key);
-    logInfo(dvn::Str(" - %1: %2").arg(option.key.c_str()).arg(value ? "ON" : "OFF"));
-    return value;
+    return options.hasOption(option.key) ? givenFlag(options, option.key) : option.defaultValue;
 }
 
 DDPString OpenFoamProvider::getStringUserSetting(const DDPInitOptions& options, const OFInitOptionString& option) const
@@ -89,4 +95,23 @@ DDPString OpenFoamProvider::getStringUserSetting(const DDPInitOptions& options, 
     DDPString value = *options.stringOption(option.key);
     logInfo(dvn::Str(" - %1: %2").arg(option.key.c_str()).arg("ENABLED"));
     return value;
+}
+
+Reading OpenFoamProvider::getReadingUserSetting(const DDPInitOptions& options) const
+{
+    if (options.hasOption(OF_EXTENDED_READING.key)) {
+        return givenFlag(options, OF_EXTENDED_READING.key) ? Reading::Extended : Reading::Plain;
+    }
+    // Hosts call from one thread and do not change their environment while a case is opened.
+    const char* const variable = std::getenv(EXTENDED_READING_VARIABLE); // NOLINT(concurrency-mt-unsafe)
+    const dvn::Str text = variable == nullptr ? dvn::Str() : dvn::Str(variable).toLower();
+    const bool isOn = text == dvn::Str("1") || text == dvn::Str("true");
+    if (isOn) {
+        logInfo(dvn::Str(" - %1: ON").arg(EXTENDED_READING_VARIABLE));
+    } else if (!text.isEmpty() && text != dvn::Str("0") && text != dvn::Str("false")) {
+        logInfo(dvn::Str(" - %1: '%2' is not one of 1, 0, true, false; it counts as 0")
+                    .arg(EXTENDED_READING_VARIABLE)
+                    .arg(excerpt(text.toUtf8())));
+    }
+    return isOn ? Reading::Extended : Reading::Plain;
 }

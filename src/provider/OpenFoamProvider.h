@@ -52,6 +52,8 @@ public:
     bool getBoolUserSetting(const DDPInitOptions& options, const OFInitOption& option) const;
     /// The value, owned by the caller. The log says that a text was given, but not what it is.
     DDPString getStringUserSetting(const DDPInitOptions& options, const OFInitOptionString& option) const;
+    /// The setting that the factory does not declare: the host's value, else that of the environment, else plain.
+    Reading getReadingUserSetting(const DDPInitOptions& options) const;
 
     // --- description (OpenFoamProviderMetaData.cpp)
 

@@ -97,7 +97,7 @@ TEST(Settings, AreReadInOrderAndLoggedIfGiven)
     OpenFoamProvider().init(DDPString("case.foam"), options, nullptr);
     EXPECT_EQ(joined(options.askedKeys()), "LOAD_GLOBAL_MESH, LOAD_LOCAL_MESHES, LOAD_BC_PARTS, LOAD_CELL_ZONES, "
                                            "LOAD_FACE_ZONES, NODE_AVG_RES, HIDE_PARALLEL_INTERFACES, "
-                                           "RESULTS_NAMES_MAPPING");
+                                           "RESULTS_NAMES_MAPPING, EXTENDED_READING");
     const Texts lines = log.infos();
     ASSERT_EQ(lines.size(), 10U);
     EXPECT_EQ(lines[0], "OpenFoamProvider : init(key = 'case.foam')");

@@ -30,6 +30,21 @@ public:
     bool isDefaultRegion() const { return m_isDefaultRegion; }
     void setDefaultRegion(bool isDefault) { m_isDefaultRegion = isDefault; }
 
+    /// Makes the part a piece of a decomposed case, whose files may be in either of two layouts.
+    ///
+    /// @param processor the processor's folder
+    /// @param region    the region in it; empty for the default one
+    void setPiece(const dvn::Str& processor, const dvn::Str& region);
+    /// The region of a piece; empty for the default one and for a part that is not a piece.
+    const dvn::Str& pieceRegion() const { return m_pieceRegion; }
+    bool isPiece() const { return !m_processor.isEmpty(); }
+    /// The folders that may hold the part's files of one time, the preferred one first.
+    ///
+    /// The default region keeps its files in the time folder itself, any other part in a sub-folder. A piece may also
+    /// have a time folder of its own, as solvers write it.
+    /// @param timeFolder path of the case's folder of that time, which need not exist
+    std::vector<dvn::Str> timeFolders(const dvn::Str& timeFolder) const;
+
     /// Counts of the built mesh, else `UNKNOWN_COUNT`.
     std::size_t nodeCount() const { return m_nodeCount; }
     void setNodeCount(std::size_t count) { m_nodeCount = count; }
@@ -72,6 +87,8 @@ private:
     int m_id;
     dvn::Str m_name;
     dvn::Str m_folder;
+    dvn::Str m_processor;
+    dvn::Str m_pieceRegion;
     std::size_t m_nodeCount = UNKNOWN_COUNT;
     std::size_t m_elementCount = UNKNOWN_COUNT;
     bool m_isDefaultRegion = false;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "casemodel/OFReader.h"
 
-#include "foamfile/OFFile.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 
@@ -16,7 +15,8 @@ bool OFReader::init(const dvn::Str& path)
                                         dvn::Str("Failed to open case %1 - file does not exist").arg(folder));
     }
     m_path = folder;
-    if (!OFFile(true).readDictionary(m_path + "/system/controlDict", "controlDict", &m_controlDict)) {
+    m_omissions.clear();
+    if (!m_files->readDictionary(m_path + "/system/controlDict", "controlDict", &m_controlDict)) {
         return OFLogger::get().logError(
             LOG_SOURCE, dvn::Str("Failed to open case %1 - could not read system/controlDict").arg(folder));
     }

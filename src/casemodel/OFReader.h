@@ -5,6 +5,8 @@
 #include "casemodel/OFPart.h"
 #include "casemodel/OFSampledSurface.h"
 #include "casemodel/OFState.h"
+#include "casemodel/Omissions.h"
+#include "foamfile/DescriptionReaders.h"
 #include "foamfile/Reading.h"
 #include "interface/DataProviderInterface.h"
 #include "records/OFResult.h"
@@ -35,7 +37,11 @@ public:
     void setLoadGlobalMesh(bool load) { m_loadGlobalMesh = load; }
     void setLoadLocalMeshes(bool load) { m_loadLocalMeshes = load; }
     /// Sets how much of what OpenFOAM writes is read; plain until set.
-    void setReading(Reading reading) { m_reading = reading; }
+    void setReading(Reading reading)
+    {
+        m_reading = reading;
+        m_files = &DescriptionReaders::of(reading);
+    }
     Reading reading() const { return m_reading; }
     /// Sets the shown names of fields, as pairs NAME=SHOWN separated by semicolons.
     void setCustomResultNames(const DDPString& names) { m_customResultNames = names.c_str(); }
@@ -128,6 +134,9 @@ public:
     const OFState& state(std::size_t index) const { return m_states[index]; }
 
 private:
+    bool isExtended() const { return m_reading == Reading::Extended; }
+    bool listSubFolders(const dvn::Str& folder, std::vector<dvn::Str>* names) const;
+    bool hasMesh(const dvn::Str& folder) const;
     bool initSerialGeometry(const std::vector<dvn::Str>& caseSubFolders);
     bool addConstantMeshes(const dvn::Str& constantPath, int* nextId);
     bool addGlobalMesh(const dvn::Str& meshPath, int* nextId);
@@ -135,6 +144,15 @@ private:
     bool addTimeZeroMesh(int* nextId);
     void addProcessorPart(const dvn::Str& name, int* nextId);
     void addSampledSurfaces();
+
+    // --- extended reading (OFReaderExtended.cpp)
+
+    bool initExtendedGeometry(const std::vector<dvn::Str>& caseSubFolders);
+    void addPieces(const dvn::Str& processor, int* nextId);
+    void addPiece(const dvn::Str& processor, const dvn::Str& region, const dvn::Str& meshPath, int* nextId);
+    bool wasReconstructed(const std::vector<dvn::Str>& caseSubFolders) const;
+    void addTimesOfPieces(std::vector<dvn::Str>* names) const;
+    std::vector<dvn::Str> fieldFolders(const dvn::Str& timeName) const;
 
     std::vector<dvn::Str> regionNames() const;
     bool appendState(int id, const dvn::Str& folderName, const std::vector<dvn::Str>& regions,
@@ -151,6 +169,8 @@ private:
     dvn::Str m_simulationTitle;
     dvn::Str m_simulationDescription;
     Reading m_reading = Reading::Plain;
+    const DescriptionReaders* m_files = &DescriptionReaders::of(Reading::Plain);
+    Omissions m_omissions;
     bool m_loadBoundaries = false;
     bool m_loadCellZones = false;
     bool m_loadFaceZones = false;

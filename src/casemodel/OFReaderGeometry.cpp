@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "casemodel/OFReader.h"
 #include "casemodel/SampledSurfaceFolders.h"
-#include "foamfile/OFFile.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
 
@@ -40,9 +39,12 @@ bool OFReader::initGeometry()
 {
     m_simulationTitle = OFUtilities::fileNameFromPath(m_path);
     std::vector<dvn::Str> caseSubFolders;
-    if (!OFUtilities::listSubFolders(m_path, &caseSubFolders)) {
+    if (!listSubFolders(m_path, &caseSubFolders)) {
         // A decomposed case would open as one without a mesh, and no poll would correct that.
         return false;
+    }
+    if (isExtended()) {
+        return initExtendedGeometry(caseSubFolders);
     }
     if (std::ranges::any_of(caseSubFolders, isProcessorFolder)) {
         // Always true: a processor folder that cannot be read only loses its own part.
@@ -50,6 +52,17 @@ bool OFReader::initGeometry()
         return true;
     }
     return initSerialGeometry(caseSubFolders);
+}
+
+bool OFReader::listSubFolders(const dvn::Str& folder, std::vector<dvn::Str>* names) const
+{
+    return isExtended() ? OFUtilities::listFoldersThroughLinks(folder, names)
+                        : OFUtilities::listSubFolders(folder, names);
+}
+
+bool OFReader::hasMesh(const dvn::Str& folder) const
+{
+    return isExtended() ? OFUtilities::isFolder(folder + "/polyMesh") : OFUtilities::hasSubFolder(folder, "polyMesh");
 }
 
 bool OFReader::initParallelGeometry(std::vector<dvn::Str>& caseSubFolders)
@@ -110,7 +123,7 @@ bool OFReader::initSerialGeometry(const std::vector<dvn::Str>& caseSubFolders)
 bool OFReader::addConstantMeshes(const dvn::Str& constantPath, int* nextId)
 {
     std::vector<dvn::Str> names;
-    if (!OFUtilities::listSubFolders(constantPath, &names)) {
+    if (!listSubFolders(constantPath, &names)) {
         return false;
     }
     for (const dvn::Str& name : names) {
@@ -119,7 +132,7 @@ bool OFReader::addConstantMeshes(const dvn::Str& constantPath, int* nextId)
             if (m_loadGlobalMesh && !addGlobalMesh(path, nextId)) {
                 return false;
             }
-        } else if (m_loadLocalMeshes && OFUtilities::hasSubFolder(path, "polyMesh")) {
+        } else if (m_loadLocalMeshes && hasMesh(path)) {
             if (!addRegion(name, path + "/polyMesh", nextId)) {
                 return false;
             }
@@ -145,12 +158,17 @@ bool OFReader::addGlobalMesh(const dvn::Str& meshPath, int* nextId)
     return true;
 }
 
-/// Compatibility (docs/compatibility.md, "regions without zones"): a region gets only patches.
+/// Compatibility (docs/compatibility.md, "regions without zones"): a region gets only patches, unless reading is
+/// extended.
 bool OFReader::addRegion(const dvn::Str& name, const dvn::Str& meshPath, int* nextId)
 {
     OFPart part((*nextId)++, name, meshPath);
     if (!addBoundaries(part, meshPath + "/boundary", nextId)) {
         return logProblem(BOUNDARY_PROBLEM, meshPath + "/boundary");
+    }
+    if (isExtended()) {
+        (void)addFaceZones(part, meshPath + "/faceZones", nextId);
+        (void)addCellZones(part, meshPath + "/cellZones", nextId);
     }
     m_parts.push_back(std::move(part));
     return true;
@@ -158,16 +176,17 @@ bool OFReader::addRegion(const dvn::Str& name, const dvn::Str& meshPath, int* ne
 
 /// The last resort, used whatever the mesh settings are. Compatibility (docs/compatibility.md, "time zero mesh"): the
 /// part has the default region's name but is not marked as such, so its results are looked for in a sub-folder of that
-/// name.
+/// name. Extended reading does neither.
 bool OFReader::addTimeZeroMesh(int* nextId)
 {
     const dvn::Str timeFolder = m_path + "/0";
-    if (!OFUtilities::hasSubFolder(timeFolder, "polyMesh")) {
+    if (!hasMesh(timeFolder)) {
         return true;
     }
     OFPart part((*nextId)++, DEFAULT_PART_NAME, timeFolder + "/polyMesh");
     // Compatibility (docs/compatibility.md, "time zero mesh"): the "/" after the time is left out on purpose.
-    const dvn::Str descriptions = timeFolder + "polyMesh";
+    const dvn::Str descriptions = isExtended() ? part.folder() : timeFolder + "polyMesh";
+    part.setDefaultRegion(isExtended());
     if (!addBoundaries(part, descriptions + "/boundary", nextId)) {
         return logProblem(BOUNDARY_PROBLEM, timeFolder + "/polyMesh/boundary");
     }
@@ -208,7 +227,7 @@ bool OFReader::addBoundaries(OFPart& part, const dvn::Str& file, int* nextId)
         return true;
     }
     std::vector<OFBoundary>& boundaries = part.boundaries();
-    if (!OFFile(true).readBoundary(file, "boundary", boundaries, static_cast<std::size_t>(part.id()))) {
+    if (!m_files->readBoundary(file, boundaries, static_cast<std::size_t>(part.id()))) {
         // The patches of a half-read list have no ids yet.
         boundaries.clear();
         return logProblem("Cannot init geometry. Boundary File/Folder %1 does not exist.", file);
@@ -228,8 +247,7 @@ bool OFReader::addFaceZones(OFPart& part, const dvn::Str& file, int* nextId)
     if (!m_loadFaceZones || !existsPlainOrZipped(file)) {
         return true;
     }
-    const bool isRead =
-        OFFile(true).readFaceZones(file, "faceZones", part.faceZones(), static_cast<std::size_t>(part.id()));
+    const bool isRead = m_files->readFaceZones(file, part.faceZones(), static_cast<std::size_t>(part.id()));
     // Zones read before the file broke off stay, so their ids are taken either way.
     *nextId += static_cast<int>(part.faceZones().size());
     return isRead || logProblem("Cannot init geometry. faceZones File/Folder %1 does not exist.", file);
@@ -240,8 +258,7 @@ bool OFReader::addCellZones(OFPart& part, const dvn::Str& file, int* nextId)
     if (!m_loadCellZones || !existsPlainOrZipped(file)) {
         return true;
     }
-    const bool isRead =
-        OFFile(true).readCellZones(file, "cellZones", part.cellZones(), static_cast<std::size_t>(part.id()));
+    const bool isRead = m_files->readCellZones(file, part.cellZones(), static_cast<std::size_t>(part.id()));
     // Zones read before the file broke off stay, so their ids are taken either way.
     *nextId += static_cast<int>(part.cellZones().size());
     return isRead || logProblem("Cannot init geometry. CellZones File/Folder %1 does not exist.", file);

@@ -62,11 +62,14 @@ OFResult surfaceResult(const dvn::Str& fieldName, OFResultType type, const std::
 
 bool OFReader::listCaseFolders(std::vector<dvn::Str>* names) const
 {
-    if (!OFUtilities::listSubFolders(m_path, names)) {
+    if (!listSubFolders(m_path, names)) {
         return false;
     }
     if (names->empty() && !m_statesFolder.empty() && !OFUtilities::fileExists(m_path)) {
         return OFLogger::get().logError(LOG_SOURCE, dvn::Str("Case folder %1 does not exist.").arg(m_path));
+    }
+    if (isExtended()) {
+        addTimesOfPieces(names);
     }
     std::sort(names->begin(), names->end());
     return true;
@@ -102,7 +105,7 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
     const dvn::Str surfaceRoot = sampledSurfaceRoot(m_path);
     int nextId = firstId;
     for (const dvn::Str& name : folderNames) {
-        if (isFixedFolder(name)) {
+        if (isFixedFolder(name) || (isExtended() && !OFUtilities::isTimeName(name))) {
             continue;
         }
         if (appendState(nextId, name, regions, resultNames)) {
@@ -137,7 +140,9 @@ bool OFReader::appendState(int id, const dvn::Str& folderName, const std::vector
     state.setGenerateNodeAverageResult(m_makeNodeAverageResult);
     state.setLoadGlobalResultFlag(m_loadGlobalMesh);
     state.setLoadLocalResultFlag(m_loadLocalMeshes);
-    if (!state.init(folder, folderName, regions, resultNames)) {
+    if (isExtended()) {
+        state.initExtended(folder, folderName, fieldFolders(folderName), resultNames, &m_omissions);
+    } else if (!state.init(folder, folderName, regions, resultNames)) {
         OFLogger::get().logInfo(LOG_SOURCE, dvn::Str("Parsed folder, non registered %1 state.").arg(folder));
         return false;
     }

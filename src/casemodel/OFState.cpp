@@ -87,9 +87,20 @@ dvn::Str OFState::name() const
                : m_name;
 }
 
-dvn::Str OFState::folderOf(const OFPart& part) const
+std::vector<dvn::Str> OFState::foldersOf(const OFPart& part) const
 {
-    return part.isDefaultRegion() ? m_folder : m_folder + "/" + part.name();
+    return part.timeFolders(m_folder);
+}
+
+dvn::Str OFState::folderOf(const OFPart& part, const dvn::Str& fieldName) const
+{
+    const std::vector<dvn::Str> folders = foldersOf(part);
+    if (folders.size() == 1) {
+        return folders.front();
+    }
+    const auto found = std::ranges::find_if(
+        folders, [&fieldName](const dvn::Str& folder) { return OFUtilities::hasFieldFile(folder, fieldName); });
+    return found == folders.end() ? folders.front() : *found;
 }
 
 const OFResult* OFState::resultById(int id) const

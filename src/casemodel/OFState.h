@@ -12,6 +12,7 @@
 #include <vector>
 
 class OFFile;
+class Omissions;
 
 /// One time step of a case: its folder, its time and the catalogue of its results, without a single value.
 ///
@@ -31,8 +32,10 @@ public:
     const dvn::Str& folder() const { return m_folder; }
     /// Its last component, by which the list finds a state.
     const dvn::Str& folderName() const { return m_folderName; }
-    /// The folder in which a part keeps its files of this state: the time folder itself or its region's sub-folder.
-    dvn::Str folderOf(const OFPart& part) const;
+    /// The folders that may hold a part's files of this state, the preferred one first.
+    std::vector<dvn::Str> foldersOf(const OFPart& part) const;
+    /// The first of them that has a file for this field; if none has, the preferred one.
+    dvn::Str folderOf(const OFPart& part, const dvn::Str& fieldName) const;
     /// The bare folder name while the list is built, after that the shown name, such as "Time 0.10000 #20". The shown
     /// name is built on demand, since each change of the list renames all states.
     dvn::Str name() const;
@@ -62,6 +65,15 @@ public:
     /// @return false if the name is not a number; the files have been read all the same
     bool init(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& regionNames,
               const std::map<dvn::Str, dvn::Str>& resultNames);
+    /// The same for extended reading, which needs no flag but the one for averages.
+    ///
+    /// A field has the name of its file, whatever its header says, and files that were set aside (U.orig, p.bak) do not
+    /// count.
+    /// @param name         the folder's bare name, a number
+    /// @param fieldFolders all folders that may hold fields of this time, the one with `uniform/time` among them
+    /// @param omissions    takes what is there but cannot be shown
+    void initExtended(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& fieldFolders,
+                      const std::map<dvn::Str, dvn::Str>& resultNames, Omissions* omissions);
     /// "index" of the folder's `uniform/time`, or `UNKNOWN_INDEX`.
     std::size_t stepIndexFromTimeDict() const { return m_stepIndexFromTimeDict; }
     /// Makes the shown name consist of time and step index.
@@ -107,6 +119,9 @@ private:
     void addResultsFrom(const dvn::Str& folder, const std::vector<dvn::Str>& files, std::set<dvn::Str>& seenNames,
                         const std::map<dvn::Str, dvn::Str>& resultNames);
     std::set<dvn::Str> nativeNames() const;
+    void addFieldsOf(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
+                     const std::map<dvn::Str, dvn::Str>& resultNames, Omissions* omissions);
+    void addMovedPoints(const std::map<dvn::Str, dvn::Str>& resultNames);
     dvn::Str addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& seenNames,
                                const std::map<dvn::Str, dvn::Str>& resultNames);
     dvn::Str addResultFromFileOfSameName(const dvn::Str& path, std::set<dvn::Str>& seenNames,

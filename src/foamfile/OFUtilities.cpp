@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/OFUtilities.h"
 
+#include "LibCore/Numbers.h"
 #include "foamfile/OFLogger.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -40,7 +42,7 @@ bool isLinkToFolder(const std::string& linkPath)
     return stat(target.data(), &info) == 0 && (info.st_mode & S_IFDIR) != 0;
 }
 
-bool isFolder(const std::string& folder, const dirent& entry)
+bool isListedFolder(const std::string& folder, const dirent& entry)
 {
     if (entry.d_type == DT_LNK) {
         return isLinkToFolder(folder + "/" + entry.d_name);
@@ -106,11 +108,26 @@ bool OFUtilities::listSubFolders(const dvn::Str& folder, std::vector<dvn::Str>* 
     names->clear();
     const std::string path = folder.toUtf8();
     return visitEntries(folder, [&](const dirent& entry) {
-        if (isFolder(path, entry)) {
+        if (isListedFolder(path, entry)) {
             names->emplace_back(entry.d_name);
         }
         return true;
     });
+}
+
+bool OFUtilities::listFoldersThroughLinks(const dvn::Str& folder, std::vector<dvn::Str>* names)
+{
+    names->clear();
+    const bool isListed = visitEntries(folder, [&](const dirent& entry) {
+        // Some file systems do not say what an entry is.
+        const bool mayBeFolder = entry.d_type == DT_DIR || entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN;
+        if (entry.d_type == DT_DIR || (mayBeFolder && isFolder(folder + "/" + entry.d_name))) {
+            names->emplace_back(entry.d_name);
+        }
+        return true;
+    });
+    std::sort(names->begin(), names->end());
+    return isListed;
 }
 
 bool OFUtilities::hasFileOfBaseName(const dvn::Str& folder, const dvn::Str& baseName)
@@ -162,6 +179,20 @@ bool OFUtilities::isRegularFile(const dvn::Str& path)
 bool OFUtilities::isRegularFileOrGz(const dvn::Str& path)
 {
     return isRegularFile(path) || isRegularFile(path + ".gz");
+}
+
+bool OFUtilities::isFolder(const dvn::Str& path)
+{
+    struct stat info = {};
+    return stat(path.toUtf8().c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+bool OFUtilities::isTimeName(const dvn::Str& name)
+{
+    const std::string text = name.toUtf8();
+    // Words such as "inf" are numbers to the conversion, but no solver gives a time folder such a name.
+    double time = 0.0;
+    return text.find_first_not_of("0123456789+-.eE") == std::string::npos && dvf::tokenToDouble(text, &time);
 }
 
 dvn::Str OFUtilities::fileNameFromPath(const dvn::Str& path)

@@ -23,6 +23,9 @@ public:
     /// @return false if the folder cannot be listed; `names` then holds those read so far
     static bool listSubFolders(const dvn::Str& folder, std::vector<dvn::Str>* names);
 
+    /// The same in order, with every link that leads to a folder, as OpenFOAM itself sees them.
+    static bool listFoldersThroughLinks(const dvn::Str& folder, std::vector<dvn::Str>* names);
+
     /// Full paths of all entries, sub-folders too, in the order of `readdir`; those read so far if the folder cannot be
     /// listed.
     static std::vector<dvn::Str> filesInFolder(const dvn::Str& folder);
@@ -45,6 +48,10 @@ public:
     static bool isRegularFile(const dvn::Str& path);
     /// The same for the path or the path with ".gz".
     static bool isRegularFileOrGz(const dvn::Str& path);
+    /// True if the path leads to a folder, through links.
+    static bool isFolder(const dvn::Str& path);
+    /// True if the text is a number from its first to its last character, as the name of every time folder is.
+    static bool isTimeName(const dvn::Str& name);
 
     /// The last component of a path, "/" and "\" being separators; empty if there is none.
     static dvn::Str fileNameFromPath(const dvn::Str& path);

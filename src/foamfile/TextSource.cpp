@@ -430,6 +430,13 @@ bool TextSource::takeByte(char byte)
     return false;
 }
 
+void TextSource::returnByte(char byte)
+{
+    if (m_stream != nullptr) {
+        m_stream->unread(byte);
+    }
+}
+
 void TextSource::skipRaw(std::uint64_t byteCount)
 {
     if (m_stream != nullptr) {

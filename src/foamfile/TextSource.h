@@ -163,6 +163,8 @@ public:
     int nextByte();
     /// Takes the next byte of the stream if it is this one.
     bool takeByte(char byte);
+    /// Puts back a byte of the stream that `nextByte` has just given.
+    void returnByte(char byte);
     /// Skips bytes of the stream.
     void skipRaw(std::uint64_t byteCount);
 

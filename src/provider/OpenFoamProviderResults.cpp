@@ -154,7 +154,7 @@ bool OpenFoamProvider::getResultForPart(int partIndex, const OFState* state, con
     if (result->mapping() == OFResultNodeAverage) {
         return getAverageForPart(part, state, result, values, groups);
     }
-    const OFFieldFile field = fieldFile(state->folderOf(part), *result);
+    const OFFieldFile field = fieldFile(state->folderOf(part, result->nativeName()), *result);
     if (m_loadBoundaries) {
         getResultsWithBoundaries(field, part.boundaries(), values, groups);
         return true;
@@ -173,7 +173,7 @@ bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* stat
     if (source == nullptr) {
         return false;
     }
-    const OFFieldFile field = fieldFile(state->folderOf(part), *source);
+    const OFFieldFile field = fieldFile(state->folderOf(part, source->nativeName()), *source);
     const int dimension = field.dimension;
     std::vector<double> cellValues = dvf::filledLarge(valueCount(*source, part), 0.0);
     if (!m_loadBoundaries) {

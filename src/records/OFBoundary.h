@@ -29,6 +29,9 @@ public:
     /// The patch's `type` entry.
     dvn::Str type() const { return m_type; }
     void setType(dvn::Str type) { m_type = std::move(type); }
+    /// The groups that the patch is in, its type among them; filled in extended reading only.
+    const std::vector<dvn::Str>& groups() const { return m_groups; }
+    void setGroups(std::vector<dvn::Str> groups) { m_groups = std::move(groups); }
     /// The patch's `nFaces`, even if the mesh has fewer: the size of `nodeCountPerFace` is the number that was built.
     std::size_t faceCount() const { return m_faceCount; }
     void setFaceCount(std::size_t count) { m_faceCount = count; }
@@ -62,6 +65,12 @@ public:
     const std::vector<std::uint8_t>& nodeCountPerFace() const { return m_nodeCountPerFace; }
     std::uint8_t nodeCountPerFace(int i) const { return m_nodeCountPerFace[static_cast<std::size_t>(i)]; }
 
+    /// x, y, z of the unit normal of each face, out of the mesh; 0 for a face without area. Filled in extended reading
+    /// only.
+    const std::vector<double>& faceNormals() const { return m_faceNormals; }
+    /// Computes the normals of the built patch from the points of its part, x, y, z of each in turn.
+    void computeFaceNormals(const std::vector<double>& points);
+
     /// Declares the patch to the host under its part, with the id `offset` + `boundaryID`, which is stored.
     void addBoundaryInfo(int offset, DDPElementGroupInfo* info);
 
@@ -86,4 +95,6 @@ private:
     std::vector<int> m_faceNodeToNodeMapping;
     std::vector<int> m_faceConnectivity;
     std::vector<std::uint8_t> m_nodeCountPerFace;
+    std::vector<dvn::Str> m_groups;
+    std::vector<double> m_faceNormals;
 };

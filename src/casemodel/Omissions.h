@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DvnCore/Str.h"
+
+#include <set>
+
+/// What a case holds and a host cannot be shown. Each kind is told once in the log, since a case may hold thousands.
+class Omissions
+{
+public:
+    /// Logs that files of this kind are not shown, unless it has been said before.
+    ///
+    /// @param kind    such as "surfaceScalarField"
+    /// @param example the path of the first one
+    /// @param reason  a whole sentence
+    void tell(const dvn::Str& kind, const dvn::Str& example, const char* reason);
+    /// The same for a field class; classes that are not field classes are passed over.
+    void tellClass(const dvn::Str& className, const dvn::Str& example);
+    /// Forgets what has been said.
+    void clear() { m_told.clear(); }
+
+private:
+    std::set<dvn::Str> m_told;
+};

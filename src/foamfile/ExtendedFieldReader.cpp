@@ -1,0 +1,425 @@
+// SPDX-License-Identifier: MIT
+#include "foamfile/ExtendedFieldReader.h"
+
+#include "DvnCore/Undefined.h"
+#include "foamfile/FieldPatches.h"
+#include "foamfile/ListAt.h"
+#include "foamfile/OFLogger.h"
+#include "records/Components.h"
+
+#include <algorithm>
+#include <utility>
+
+using foamdict::Dictionary;
+using foamdict::Entry;
+using foamdict::Token;
+
+namespace {
+
+constexpr std::string_view INTERIOR = "internalField";
+/// The same in a file of the interior alone.
+constexpr std::string_view INTERNAL_VALUES = "value";
+constexpr std::string_view PATCHES = "boundaryField";
+/// Ascii lists up to this count are read token by token, since a macro may stand in them. Solvers write lists in lines
+/// of their own from the next count on.
+constexpr std::size_t SHORT_LIST = 10;
+
+bool isInterior(const foamdict::ListPlace& place)
+{
+    return place.path.size() == 1 && (place.path.front() == INTERIOR || place.path.front() == INTERNAL_VALUES);
+}
+
+bool isInPatch(const foamdict::ListPlace& place)
+{
+    constexpr std::size_t DEPTH = 3;
+    return place.path.size() == DEPTH && place.path.front() == PATCHES;
+}
+
+/// The block for a patch: that of its name, else that of the last group it is in, else that of the last expression
+/// which matches its name.
+const Dictionary* blockOfPatch(const Dictionary& patches, const OFBoundary& patch)
+{
+    const std::string name = patch.patchName().toUtf8();
+    if (const Dictionary* const block = patches.block(name)) {
+        return block;
+    }
+    const Entry* last = nullptr;
+    for (const dvn::Str& group : patch.groups()) {
+        const Entry* const entry = patches.find(group.toUtf8());
+        if (entry != nullptr && entry->block != nullptr && (last == nullptr || entry > last)) {
+            last = entry;
+        }
+    }
+    if (last == nullptr) {
+        last = patches.findPattern(name);
+    }
+    return last == nullptr ? nullptr : last->block.get();
+}
+
+/// The places of a patch's points in the order in which its faces name them, which is that of lists in files. The
+/// host's order is ascending.
+std::vector<std::size_t> placesOfPoints(const OFBoundary& patch)
+{
+    const std::vector<int>& nodes = patch.faceNodeToNodeMapping();
+    std::vector<bool> isPlaced(nodes.size());
+    std::vector<std::size_t> places;
+    places.reserve(nodes.size());
+    for (const int node : patch.faceConnectivity()) {
+        const auto found = std::ranges::lower_bound(nodes, node);
+        const auto place = static_cast<std::size_t>(found - nodes.begin());
+        if (found != nodes.end() && *found == node && !isPlaced[place]) {
+            isPlaced[place] = true;
+            places.push_back(place);
+        }
+    }
+    return places;
+}
+
+void orderPoints(const OFBoundary& patch, std::size_t width, std::vector<double>* values)
+{
+    const std::vector<std::size_t> places = placesOfPoints(patch);
+    // guard: point-places
+    if (places.size() * width != values->size()) {
+        return;
+    }
+    std::vector<double> ordered(values->size());
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        std::copy_n(values->begin() + static_cast<std::ptrdiff_t>(i * width), width,
+                    ordered.begin() + static_cast<std::ptrdiff_t>(places[i] * width));
+    }
+    *values = std::move(ordered);
+}
+
+} // namespace
+
+ExtendedFieldReader::ExtendedFieldReader(const dvn::Str& path, const ExtendedField::Target& target)
+    : DictionaryClient(path), m_path(path), m_target(target)
+{}
+
+void ExtendedFieldReader::onHeader(const Dictionary& header)
+{
+    DictionaryClient::onHeader(header);
+    m_kind = ExtendedField::kindOfClass(firstWord(header, "class"));
+    if (m_kind && m_target.dimension != (m_kind->type == OFResultTensor ? static_cast<int>(TENSOR_COMPONENTS)
+                                                                        : static_cast<int>(m_kind->items.components))) {
+        m_kind.reset();
+    }
+    if (!m_kind) {
+        chars().end();
+    }
+}
+
+std::optional<std::size_t> ExtendedFieldReader::readList(const foamdict::ListPlace& place)
+{
+    if (!m_kind || (!isBinary() && place.count <= SHORT_LIST)) {
+        return std::nullopt;
+    }
+    const std::string listType = "List<" + std::string(place.type) + ">";
+    const bool isOfField = place.type.empty() || listItemsOfType(listType) == m_kind->items;
+    if (isOfField && isInterior(place) && canReadInPlace(place.count)) {
+        m_isInteriorInTarget = ListAt::readReals(sourceOf(place), place.count, m_kind->items, m_target.values);
+        return IN_TARGET;
+    }
+    if (isOfField && (isInterior(place) || isInPatch(place))) {
+        return keepList(place);
+    }
+    dropList(place, listType);
+    return DROPPED;
+}
+
+/// Whether the interior can be read straight into the array of the caller.
+bool ExtendedFieldReader::canReadInPlace(std::size_t count) const
+{
+    return m_kind->items.components == width() && m_target.values->size() / width() == count &&
+           m_target.values->size() % width() == 0;
+}
+
+std::size_t ExtendedFieldReader::keepList(const foamdict::ListPlace& place)
+{
+    List list;
+    list.isGood = ListAt::readReals(sourceOf(place), place.count, m_kind->items, &list.values);
+    m_lists.push_back(std::move(list));
+    return m_lists.size() - 1;
+}
+
+/// Goes on past a list that is not one of the field's values, such as the map of a coupling.
+void ExtendedFieldReader::dropList(const foamdict::ListPlace& place, const std::string& listType)
+{
+    if (!isBinary() || place.bracket == '{') {
+        skipList(place);
+        return;
+    }
+    TextSource& text = sourceOf(place);
+    const std::size_t itemSize = rawBytesPerItem(listType, text.rawForm());
+    // Nothing says how long the items of an unknown type are, so they end what can be read of the file.
+    if (itemSize == 0) {
+        chars().end();
+    } else if (place.count != 0 && text.skipPast('(')) {
+        text.skipRaw(static_cast<std::uint64_t>(place.count) * itemSize);
+    }
+}
+
+/// The numbers of a tensor as the host takes them: xx xy xz yy yz zz. Of a tensor that is not symmetric this is the
+/// symmetric part, as there is no place for the rest.
+std::array<double, TENSOR_COMPONENTS> ExtendedFieldReader::tensorOf(const double* item) const
+{
+    if (m_kind->items == ListItems::sphericalTensors()) {
+        return {item[0], 0.0, 0.0, item[0], 0.0, item[0]};
+    }
+    if (m_kind->items == ListItems::symmTensors()) {
+        return {item[0], item[1], item[2], item[3], item[4], item[5]};
+    }
+    return {item[0], 0.5 * (item[1] + item[3]), 0.5 * (item[2] + item[6]), item[4], 0.5 * (item[5] + item[7]), item[8]};
+}
+
+/// The values of a list of the file as the host takes them.
+std::vector<double> ExtendedFieldReader::delivered(std::vector<double> values) const
+{
+    if (m_kind->type != OFResultTensor || m_kind->items == ListItems::symmTensors()) {
+        return values;
+    }
+    const std::size_t count = values.size() / m_kind->items.components;
+    std::vector<double> tensors(count * TENSOR_COMPONENTS);
+    for (std::size_t i = 0; i < count; ++i) {
+        std::ranges::copy(tensorOf(values.data() + i * m_kind->items.components),
+                          tensors.begin() + static_cast<std::ptrdiff_t>(i * TENSOR_COMPONENTS));
+    }
+    return tensors;
+}
+
+/// The numbers of one item from a token on: "1", "(1 0 0)", with nothing after it.
+std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOf(const Tokens& tokens, std::size_t first,
+                                                                     std::size_t end) const
+{
+    if (m_kind->items.isBracketed) {
+        // guard: item-brackets
+        if (end < first + 2 || !tokens[first].isPunctuation('(') || !tokens[end - 1].isPunctuation(')')) {
+            return std::nullopt;
+        }
+        ++first;
+        --end;
+    }
+    if (end - first != m_kind->items.components) {
+        return std::nullopt;
+    }
+    Item item = {};
+    for (std::size_t i = first; i < end; ++i) {
+        if (tokens[i].kind != Token::Kind::Number) {
+            return std::nullopt;
+        }
+        item[i - first] = tokens[i].number;
+    }
+    return item;
+}
+
+void ExtendedFieldReader::fillUniform(const Item& item, std::vector<double>* values) const
+{
+    std::array<double, TENSOR_COMPONENTS> sent = {};
+    if (m_kind->type == OFResultTensor) {
+        sent = tensorOf(item.data());
+    } else {
+        std::copy_n(item.begin(), width(), sent.begin());
+    }
+    // guard: uniform-values
+    for (std::size_t i = 0; i + width() <= values->size(); i += width()) {
+        std::copy_n(sent.begin(), width(), values->begin() + static_cast<std::ptrdiff_t>(i));
+    }
+}
+
+/// Fills an array from a value: "uniform ITEM", "nonuniform LIST", or ITEM alone as older versions wrote it.
+///
+/// @return false, with the array unchanged, if the value is not of this form or does not fit
+bool ExtendedFieldReader::fill(const Tokens& tokens, std::vector<double>* values)
+{
+    if (tokens.empty()) {
+        return false;
+    }
+    if (tokens.front().text == "nonuniform") {
+        return fillFromList(tokens, values);
+    }
+    const std::size_t first = tokens.front().text == "uniform" ? 1 : 0;
+    const std::optional<Item> item = itemOf(tokens, first, tokens.size());
+    if (item) {
+        fillUniform(*item, values);
+    }
+    return item.has_value();
+}
+
+bool ExtendedFieldReader::fillFromList(const Tokens& tokens, std::vector<double>* values)
+{
+    const auto list = std::ranges::find(tokens, Token::Kind::List, &Token::kind);
+    if (list == tokens.end()) {
+        return fillFromItems(tokens, values);
+    }
+    if (list->list >= m_lists.size() || !m_lists[list->list].isGood) {
+        return false;
+    }
+    // A copy: several patches may share a list by a macro or an expression.
+    std::vector<double> all = delivered(m_lists[list->list].values);
+    if (all.size() != values->size()) {
+        return false;
+    }
+    *values = std::move(all);
+    return true;
+}
+
+/// The same for a short list, which comes as tokens: "nonuniform List<scalar> 2 (1 2)", or "2 {1}".
+bool ExtendedFieldReader::fillFromItems(const Tokens& tokens, std::vector<double>* values)
+{
+    std::size_t next = 1;
+    if (next < tokens.size() && tokens[next].text.starts_with("List<")) {
+        ++next;
+    }
+    // guard: short-list
+    if (next >= tokens.size() || tokens[next].kind != Token::Kind::Number || tokens[next].number < 0 ||
+        tokens[next].number > static_cast<double>(SHORT_LIST)) {
+        return false;
+    }
+    const auto count = static_cast<std::size_t>(tokens[next++].number);
+    if (values->size() != count * width()) {
+        return false;
+    }
+    if (count == 0) {
+        return true;
+    }
+    if (tokens.size() < next + 2) {
+        return false;
+    }
+    const std::size_t end = tokens.size() - 1;
+    if (tokens[next].isPunctuation('{')) {
+        const std::optional<Item> item = itemOf(tokens, next + 1, end);
+        if (item) {
+            fillUniform(*item, values);
+        }
+        return item.has_value();
+    }
+    ++next;
+    const std::size_t tokensPerItem = m_kind->items.components + (m_kind->items.isBracketed ? 2 : 0);
+    if (end - next != count * tokensPerItem) {
+        return false;
+    }
+    std::vector<double> all;
+    for (; next != end; next += tokensPerItem) {
+        const std::optional<Item> item = itemOf(tokens, next, next + tokensPerItem);
+        if (!item) {
+            return false;
+        }
+        all.insert(all.end(), item->begin(), item->begin() + static_cast<std::ptrdiff_t>(m_kind->items.components));
+    }
+    *values = delivered(std::move(all));
+    return true;
+}
+
+bool ExtendedFieldReader::read()
+{
+    if (!isOpen()) {
+        return OFLogger::get().logError("OFFile",
+                                        dvn::Str("Failed to open result file. File basename is %1").arg(m_path));
+    }
+    const foamdict::Content content = parse();
+    if (!m_kind) {
+        return OFLogger::get().logError("OFFile", dvn::Str("Unexpected class in result file %1").arg(m_path));
+    }
+    if (!takeInterior(content.entries)) {
+        return OFLogger::get().logError(
+            "OFFile", dvn::Str("The interior values of %1 are missing or do not fit the mesh.").arg(m_path));
+    }
+    const Dictionary* const patches = content.entries.block(PATCHES);
+    if (m_kind->hasPatches && patches != nullptr) {
+        readPatches(*patches);
+    }
+    return true;
+}
+
+bool ExtendedFieldReader::takeInterior(const Dictionary& entries)
+{
+    const Entry* const interior = entries.find(m_kind->hasPatches ? INTERIOR : INTERNAL_VALUES);
+    const bool isInTarget = interior != nullptr && std::ranges::any_of(interior->tokens, [](const Token& token) {
+                                return token.kind == Token::Kind::List && token.list == IN_TARGET;
+                            });
+    if (isInTarget ? m_isInteriorInTarget : interior != nullptr && fill(interior->tokens, m_target.values)) {
+        return true;
+    }
+    // A list that broke off has left values in the array.
+    std::ranges::fill(*m_target.values, dvn::UNDEFINED_DOUBLE);
+    return false;
+}
+
+void ExtendedFieldReader::readPatches(const Dictionary& patches)
+{
+    const std::size_t count = std::min(m_target.boundaries->size(), m_target.patchValues->size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const OFBoundary& patch = (*m_target.boundaries)[i];
+        if (const Dictionary* const block = blockOfPatch(patches, patch)) {
+            readPatch(*block, patch, &(*m_target.patchValues)[i]);
+        }
+    }
+}
+
+void ExtendedFieldReader::readPatch(const Dictionary& block, const OFBoundary& patch, std::vector<double>* values)
+{
+    using PatchRules::Source;
+    const std::string type = firstWord(block, "type");
+    if (isOnPoints()) {
+        if (!readEntry(block, "value", patch, values)) {
+            copyMeshValues(patch, values);
+        }
+        return;
+    }
+    const Source source = PatchRules::sourceOfType(type);
+    if (source != Source::File && source != Source::FileElseCell) {
+        applySource(source, block, patch, values);
+        return;
+    }
+    const std::string_view substitute = PatchRules::substituteOfType(type);
+    if (readEntry(block, "value", patch, values) ||
+        (!substitute.empty() && readEntry(block, substitute, patch, values))) {
+        return;
+    }
+    if (source == Source::FileElseCell && block.find("value") == nullptr) {
+        copyMeshValues(patch, values);
+    }
+}
+
+/// @return false, with the values unchanged, if there is no such entry or it does not fit
+bool ExtendedFieldReader::readEntry(const Dictionary& block, std::string_view keyword, const OFBoundary& patch,
+                                    std::vector<double>* values)
+{
+    const Entry* const entry = block.find(keyword);
+    if (entry == nullptr || !fill(entry->tokens, values)) {
+        return false;
+    }
+    const bool isList = entry->tokens.front().text == "nonuniform";
+    if (isOnPoints() && isList) {
+        orderPoints(patch, width(), values);
+    }
+    return true;
+}
+
+void ExtendedFieldReader::copyMeshValues(const OFBoundary& patch, std::vector<double>* values) const
+{
+    FieldPatches::copyMeshItems(
+        *m_target.values, isOnPoints() ? patch.faceNodeToNodeMapping() : patch.faceToCellMapping(), width(), values);
+}
+
+void ExtendedFieldReader::applySource(PatchRules::Source source, const Dictionary& block, const OFBoundary& patch,
+                                      std::vector<double>* values)
+{
+    using PatchRules::Source;
+    if (source == Source::Zero) {
+        std::ranges::fill(*values, 0.0);
+        return;
+    }
+    copyMeshValues(patch, values);
+    if (source == Source::Wedge) {
+        PatchRules::turnToWedge(patch, m_target.dimension, values);
+    } else if (source == Source::Symmetry || source == Source::FixedNormal) {
+        PatchRules::makeSymmetric(patch, m_target.dimension, values);
+    }
+    if (source == Source::FixedNormal && width() == VECTOR_COMPONENTS) {
+        std::vector<double> fixed(values->size(), 0.0);
+        if (readEntry(block, "fixedValue", patch, &fixed)) {
+            PatchRules::addNormalComponent(patch, fixed, values);
+        }
+    }
+}

@@ -102,14 +102,14 @@ std::size_t readCompactNodes(TextSource& text, std::size_t labelCount, std::vect
         return size + (missing + NODES_STEP - 1) / NODES_STEP * NODES_STEP;
     };
     // guard: compact-offsets
-    if (text.canHold(labelCount, sizeof(int))) {
+    if (text.canHold(labelCount, text.rawForm().labelSize)) {
         dvf::reserveLarge(nodes, sizeFor(labelCount));
     }
     std::size_t done = 0;
     while (done < labelCount) {
         const std::size_t wanted = std::min(NODES_STEP, labelCount - done);
         nodes->resize(std::max(nodes->size(), done + wanted));
-        const std::size_t came = text.readRaw(nodes->data() + done, sizeof(int), wanted);
+        const std::size_t came = text.readRawLabels(nodes->data() + done, wanted);
         done += came;
         if (came < wanted) {
             break;
@@ -132,7 +132,7 @@ bool FaceList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& ob
     if (!ListHeader::openWithOrWithoutHeader(file, path, objectName, MESSAGES)) {
         return false;
     }
-    const bool isCompact = file.hasHeader && file.header.at("class") == "faceCompactList";
+    const bool isCompact = file.hasHeader && file.entry("class") == "faceCompactList";
     if (file.hasHeader && !isCompact && !ListHeader::checkClass(file, "faceList", MESSAGES)) {
         return false;
     }
@@ -162,7 +162,7 @@ bool FaceList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& ob
 
 bool FaceList::readNext(TextSource& text, bool isCompact, FacesData* faces, std::size_t* found)
 {
-    if (!text.skipToList() || (text.isBinary() && !isCompact)) {
+    if (!text.skipToList((faces->faceCount() + 1) * text.rawForm().labelSize) || (text.isBinary() && !isCompact)) {
         return false;
     }
     if (text.isBinary()) {
@@ -203,12 +203,14 @@ bool FaceList::readCompactBinary(TextSource& text, FacesData* faces, std::size_t
     const std::size_t offsetCount = faces->faceCount() + 1;
     GrowingBuffer<int> offsets;
     offsets.grow(offsetCount, 0);
-    if (text.readRaw(offsets.data(), sizeof(int), offsetCount) != offsetCount || text.nextByte() != ')') {
+    if (text.readRawLabels(offsets.data(), offsetCount) != offsetCount || text.nextByte() != ')') {
         return false;
     }
-    // The offsets say how many labels there are; the count before the labels only has to be there.
+    // The offsets say how many labels there are; the count before the labels only has to be there, and helps to find
+    // the first of them.
     int labelCount = 0;
-    if (!text.readCount(&labelCount) || !text.skipToList()) {
+    if (!text.readCount(&labelCount) ||
+        !text.skipToList(static_cast<std::uint32_t>(labelCount) * text.rawForm().labelSize)) {
         return false;
     }
     const std::size_t planned = risingFaces(offsets.data(), faces->faceCount());

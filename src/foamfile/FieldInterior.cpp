@@ -288,7 +288,7 @@ bool FieldInterior::readMultipleLines(TextSource& text, const Request& request, 
     if (text.takeByte('{')) {
         return fillEqual(text, request, values);
     }
-    const bool isAtList = text.skipToList();
+    const bool isAtList = text.skipToList(values->size() * text.rawForm().realSize);
     if (type == OFResultTensor) {
         return logError(dvn::Str(TENSOR_LIST).arg(request.path));
     }
@@ -296,7 +296,8 @@ bool FieldInterior::readMultipleLines(TextSource& text, const Request& request, 
         return false;
     }
     std::size_t found = 0;
-    const bool isRead = FieldList::read(text, type != OFResultScalar, values, &found);
+    const bool isRead =
+        FieldList::read(text, type == OFResultScalar ? ListItems::scalars() : ListItems::vectors(), values, &found);
     if (found < values->size()) {
         const std::size_t width = values->size() / static_cast<std::size_t>(count);
         text.reportShortList(static_cast<std::size_t>(count), found / width);

@@ -32,25 +32,6 @@ bool continuesCellValue(std::string_view type)
     return std::find(TYPES.begin(), TYPES.end(), type) != TYPES.end();
 }
 
-/// Bytes of one item of a raw list such as "List<vector>"; 0 for an unknown type.
-std::size_t rawItemSize(std::string_view listType)
-{
-    struct Type
-    {
-        std::string_view name;
-        std::size_t size;
-    };
-    static constexpr std::array<Type, 7> TYPES = {{{"List<scalar>", 8},
-                                                   {"List<vector>", 24},
-                                                   {"List<tensor>", 72},
-                                                   {"List<symmTensor>", 48},
-                                                   {"List<sphericalTensor>", 8},
-                                                   {"List<label>", 4},
-                                                   {"List<bool>", 1}}};
-    const auto type = std::find_if(TYPES.begin(), TYPES.end(), [&](const Type& t) { return t.name == listType; });
-    return type == TYPES.end() ? 0 : type->size;
-}
-
 /// The number of a token without its first `skip` characters; 0.0 if there is none.
 double tokenNumber(const std::vector<dvn::Str>& tokens, std::size_t index, std::size_t skip)
 {
@@ -104,7 +85,7 @@ struct CopyMeshItemFunctor
 /// Skips the raw list that a line announces by ending in its type.
 void skipRawList(TextSource& text, std::string_view line)
 {
-    const std::size_t itemSize = rawItemSize(line.substr(line.rfind(' ') + 1));
+    const std::size_t itemSize = rawBytesPerItem(line.substr(line.rfind(' ') + 1), text.rawForm());
     int count = 0;
     if (itemSize != 0 && text.readCount(&count) && count > 0 && text.skipPast('(')) {
         text.skipRaw(static_cast<std::uint64_t>(count) * itemSize);
@@ -233,11 +214,12 @@ void readRawPatchList(TextSource& text, const std::string& type, bool isListOnKe
     if (!text.readCount(&count) || count <= 0 || !text.skipPast('(')) {
         return;
     }
-    const std::uint64_t present = static_cast<std::uint64_t>(count) * rawItemSize(type) / sizeof(double);
+    const std::size_t realSize = text.rawForm().realSize;
+    const std::uint64_t present = static_cast<std::uint64_t>(count) * rawBytesPerItem(type, text.rawForm()) / realSize;
     // guard: raw-patch-list
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(present, values->size()));
-    static_cast<void>(text.readRaw(values->data(), sizeof(double), wanted));
-    text.skipRaw((present - wanted) * sizeof(double));
+    static_cast<void>(text.readRawReals(values->data(), wanted));
+    text.skipRaw((present - wanted) * realSize);
 }
 
 /// Reads the values of a patch from the text after "value", and returns its first token.
@@ -360,9 +342,9 @@ void FieldPatches::readNonUniform(TextSource& text, const std::vector<dvn::Str>&
     if (text.isBinary()) {
         readRawPatchList(text, type.toUtf8(), isListOnKeyLine, values);
     } else if (type == "List<scalar>") {
-        static_cast<void>(FieldList::readNext(text, false, values));
+        static_cast<void>(FieldList::readNext(text, ListItems::scalars(), values));
     } else if (type == "List<vector>") {
-        static_cast<void>(FieldList::readNext(text, true, values));
+        static_cast<void>(FieldList::readNext(text, ListItems::vectors(), values));
     } else if (type == "List<tensor>") {
         static_cast<void>(text.skipToList());
     }

@@ -277,6 +277,24 @@ std::string_view GzStream::peek(std::size_t size)
     return {m_ahead.data() + m_next, std::min(size, m_end - m_next)};
 }
 
+int GzStream::byteAhead(std::uint64_t distance)
+{
+    const std::size_t inMemory = stored().size();
+    const z_off_t position = gztell(m_handle.get());
+    if (distance >= inMemory && m_stagedCount == 0 && gzdirect(m_handle.get()) != 0 && position >= 0) {
+        unsigned char byte = 0;
+        const auto place = static_cast<off_t>(position) + static_cast<off_t>(distance - inMemory);
+        return readBlock(m_descriptor, reinterpret_cast<char*>(&byte), 1, place) == 1 ? byte : END_OF_DATA;
+    }
+    // guard: byte-ahead
+    if (!canHold(distance)) {
+        return END_OF_DATA;
+    }
+    const std::string_view ahead = peek(static_cast<std::size_t>(distance) + 1);
+    return distance < ahead.size() ? static_cast<unsigned char>(ahead[static_cast<std::size_t>(distance)])
+                                   : END_OF_DATA;
+}
+
 void GzStream::stage(std::size_t size)
 {
     if (m_stagedCount == 0) {

@@ -55,6 +55,9 @@ public:
     /// Reads up to `size` bytes more into memory, after those of the last `peek`. A worker may do this while others
     /// parse the peeked text. Damage is not reported before the bytes are taken.
     void stage(std::size_t size);
+    /// The byte that comes after the next `distance` bytes, without taking any, or `END_OF_DATA`. Of a compressed file
+    /// all of these are read into memory.
+    int byteAhead(std::uint64_t distance);
     /// Takes the first `size` of the peeked bytes.
     void take(std::size_t size) { m_next += size; }
 

@@ -54,9 +54,13 @@ bool LabelList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& o
     if (!ListHeader::open(file, path, objectName, MESSAGES) || !ListHeader::checkClass(file, "labelList", MESSAGES)) {
         return false;
     }
-    // Only `owner` and `neighbour` carry the note, so other label lists leave here, by exception or with the message.
-    if (!cellCountFromNote(file.header.at("note"), cellCount)) {
-        return file.text.reportError(NO_CELL_COUNT);
+    // Only `owner` and `neighbour` carry the note, so in plain reading other label lists leave here, by exception or
+    // with the message.
+    if (!cellCountFromNote(file.entry("note"), cellCount)) {
+        if (file.reading == Reading::Plain) {
+            return file.text.reportError(NO_CELL_COUNT);
+        }
+        *cellCount = UNKNOWN_CELL_COUNT;
     }
     int count = 0;
     if (!ListHeader::readCount(file, dvf::limits::BYTES_PER_NUMBER, dvf::limits::LIST_COUNT, MESSAGES, &count,
@@ -74,7 +78,7 @@ bool LabelList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& o
 
 bool LabelList::readNextReportingShort(TextSource& text, std::vector<int>* labels)
 {
-    if (!text.skipToList()) {
+    if (!text.skipToList(labels->size() * text.rawForm().labelSize)) {
         return false;
     }
     const std::size_t found = read(text, labels);
@@ -87,7 +91,7 @@ bool LabelList::readNextReportingShort(TextSource& text, std::vector<int>* label
 std::size_t LabelList::read(TextSource& text, std::vector<int>* labels)
 {
     // guard: labels-binary
-    return text.isBinary() ? text.readRaw(labels->data(), sizeof(int), labels->size()) : walk(text, labels);
+    return text.isBinary() ? text.readRawLabels(labels->data(), labels->size()) : walk(text, labels);
 }
 
 std::size_t LabelList::walk(TextSource& text, std::vector<int>* labels)

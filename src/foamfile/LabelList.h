@@ -8,13 +8,16 @@
 
 /// Lists of labels: `owner`, `neighbour`, the members of zones.
 ///
-/// Ascii: unsigned labels, separated by one blank or by line feeds, read by a walk from chunk to chunk. Binary: 4-byte
-/// labels in the byte order of the machine, in one read. What follows the labels stays to be read.
+/// Ascii: unsigned labels, separated by one blank or by line feeds, read by a walk from chunk to chunk. Binary:
+/// labels of the file's raw form, in one read if that is the usual one. What follows the labels stays to be read.
 namespace LabelList {
 
 /// The message for a header whose note does not give the number of cells; %1 is the path.
 inline constexpr const char* NO_CELL_COUNT =
     "Failed to read number of cells in file. This info should be available as 'note' in the header of File: %1";
+
+/// The number of cells, in extended reading, where the header has no note that gives it.
+inline constexpr int UNKNOWN_CELL_COUNT = -1;
 
 /// Reads a whole `owner` or `neighbour` file. See `OFFile::readLabelList`.
 bool readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, std::vector<int>* labels,

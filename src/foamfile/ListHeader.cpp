@@ -3,6 +3,7 @@
 
 bool FoamFile::open(const dvn::Str& path)
 {
+    text.setReading(reading);
     if (!text.open(path)) {
         return false;
     }
@@ -12,7 +13,18 @@ bool FoamFile::open(const dvn::Str& path)
     }
     // Exactly this word: "binary " with a blank after it is ascii, because values are not trimmed.
     text.setBinary(hasHeader && header.has("format", "binary"));
+    if (reading == Reading::Extended && text.isBinary()) {
+        const auto arch = header.entries().find("arch");
+        text.setRawForm(arch == header.entries().end() ? RawForm() : rawFormOfArch(arch->second));
+    }
     return true;
+}
+
+const std::string& FoamFile::entry(const char* key) const
+{
+    static const std::string NONE;
+    const bool isMissing = reading == Reading::Extended && header.entries().count(key) == 0;
+    return isMissing ? NONE : header.at(key);
 }
 
 namespace ListHeader {
@@ -22,7 +34,7 @@ bool open(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, cons
     if (!file.open(path)) {
         return file.text.reportError(messages.openFailed);
     }
-    return file.header.at("object") == objectName.toUtf8() || file.text.reportError(messages.wrongObject);
+    return file.entry("object") == objectName.toUtf8() || file.text.reportError(messages.wrongObject);
 }
 
 bool openWithOrWithoutHeader(FoamFile& file, const dvn::Str& path, const dvn::Str& objectName, const Messages& messages)
@@ -35,7 +47,7 @@ bool openWithOrWithoutHeader(FoamFile& file, const dvn::Str& path, const dvn::St
 
 bool checkClass(const FoamFile& file, const char* className, const Messages& messages)
 {
-    return file.header.at("class") == className || file.text.reportError(messages.wrongClass);
+    return file.entry("class") == className || file.text.reportError(messages.wrongClass);
 }
 
 bool readCount(FoamFile& file, std::uint64_t bytesPerItem, int largest, const Messages& messages, int* count,

@@ -12,9 +12,10 @@
 
 #include <string_view>
 
-OFFile::OFFile(bool hasHeader) : m_file(std::make_unique<FoamFile>())
+OFFile::OFFile(bool hasHeader, Reading reading) : m_file(std::make_unique<FoamFile>())
 {
     m_file->hasHeader = hasHeader;
+    m_file->reading = reading;
 }
 
 OFFile::~OFFile() = default;

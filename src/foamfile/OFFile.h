@@ -38,7 +38,9 @@ public:
     static constexpr std::size_t CHUNK_BUFFER_SIZE = TextSource::CHUNK_BUFFER_SIZE;
 
     /// @param hasHeader true for files with a `FoamFile` block, false for the values of sampled surfaces
-    explicit OFFile(bool hasHeader);
+    /// @param reading   in extended reading, a header entry that is missing is not an exception but a file of another
+    ///                  kind
+    explicit OFFile(bool hasHeader, Reading reading = Reading::Plain);
     ~OFFile();
     OFFile(const OFFile&) = delete;
     OFFile& operator=(const OFFile&) = delete;
@@ -65,7 +67,8 @@ public:
     /// Reads a whole `owner` or `neighbour` file.
     ///
     /// @param[out] labels    one 0-based cell label for each face, in file order
-    /// @param[out] cellCount `nCells` of the header's `note`; the labels are not counted
+    /// @param[out] cellCount `nCells` of the header's `note`; the labels are not counted. In extended reading,
+    ///                       `LabelList::UNKNOWN_CELL_COUNT` if there is no such note.
     /// @return false if the file cannot be read; `labels` then holds what was read so far
     /// @throws std::out_of_range when the header lacks `object`, `class` or `note`
     bool readLabelList(const dvn::Str& path, const dvn::Str& objectName, std::vector<int>* labels, int* cellCount);

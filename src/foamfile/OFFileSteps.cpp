@@ -229,7 +229,8 @@ bool OFFile::readNextBufDouble(char** cursor, double* value, char delimiter) con
 
 bool OFFile::readNextLabelList(std::vector<int>* labels)
 {
-    return text().skipToList() && LabelList::read(text(), labels) == labels->size();
+    return text().skipToList(labels->size() * text().rawForm().labelSize) &&
+           LabelList::read(text(), labels) == labels->size();
 }
 
 bool OFFile::readNextLabelListAscii(std::vector<int>* labels)
@@ -239,7 +240,7 @@ bool OFFile::readNextLabelListAscii(std::vector<int>* labels)
 
 bool OFFile::readNextLabelListBinary(std::vector<int>* labels)
 {
-    return text().readRaw(labels->data(), sizeof(int), labels->size()) == labels->size();
+    return text().readRawLabels(labels->data(), labels->size()) == labels->size();
 }
 
 bool OFFile::readNextVectorFieldAscii(std::vector<double>* values) const
@@ -256,7 +257,7 @@ bool OFFile::readNextVectorFieldAsciiPar(std::vector<double>* values) const
 
 bool OFFile::readNextVectorFieldBinary(std::vector<double>* values) const
 {
-    return text().readRaw(values->data(), sizeof(double), values->size()) == values->size();
+    return text().readRawReals(values->data(), values->size()) == values->size();
 }
 
 bool OFFile::readNextFaceList(FacesData* faces)
@@ -349,12 +350,12 @@ void OFFile::readNonUniformValues(std::vector<dvn::Str>& tokens, std::vector<dou
 
 bool OFFile::readNextVolScalarField(std::vector<double>* values)
 {
-    return FieldList::readNext(text(), false, values);
+    return FieldList::readNext(text(), ListItems::scalars(), values);
 }
 
 bool OFFile::readNextVolVectorField(std::vector<double>* values)
 {
-    return FieldList::readNext(text(), true, values);
+    return FieldList::readNext(text(), ListItems::vectors(), values);
 }
 
 bool OFFile::readNextVolScalarFieldAscii(std::vector<double>* values)
@@ -365,7 +366,7 @@ bool OFFile::readNextVolScalarFieldAscii(std::vector<double>* values)
 
 bool OFFile::readNextVolScalarFieldBinary(std::vector<double>* values)
 {
-    return text().readRaw(values->data(), sizeof(double), values->size()) == values->size();
+    return text().readRawReals(values->data(), values->size()) == values->size();
 }
 
 bool OFFile::readNextVolTensorField(std::vector<double>* /*values*/) const

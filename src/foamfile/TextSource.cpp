@@ -8,6 +8,7 @@
 #include "foamfile/TokenScanner.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 
@@ -27,6 +28,30 @@ std::size_t lineLength(const char* line, std::size_t most)
     return length;
 }
 
+/// Bytes of raw values that are converted at once: they fit the first cache of a core.
+constexpr std::size_t RAW_BLOCK = 16384;
+/// More line feeds than any writer puts between the "(" of a raw list and its first value.
+constexpr std::size_t MOST_LINE_FEEDS = 16;
+
+/// Reads raw values that are not in the form of the machine, block by block, and returns how many were read.
+template <typename Value, typename Convert>
+std::size_t readConverted(TextSource& text, std::size_t itemSize, const Convert& convert, Value* values,
+                          std::size_t count)
+{
+    std::array<char, RAW_BLOCK> block;
+    std::size_t done = 0;
+    while (done < count) {
+        const std::size_t wanted = std::min(count - done, block.size() / itemSize);
+        const std::size_t came = text.readRaw(block.data(), itemSize, wanted);
+        convert(block.data(), came, text.rawForm(), values + done);
+        done += came;
+        if (came < wanted) {
+            break;
+        }
+    }
+    return done;
+}
+
 } // namespace
 
 TextSource::TextSource() = default;
@@ -43,6 +68,7 @@ bool TextSource::open(const dvn::Str& path)
     const dvn::Str zipped = path + ".gz";
     m_stream = GzStream::open(OFUtilities::fileExists(zipped) ? zipped : path);
     m_isBinary = false;
+    m_rawForm = RawForm();
     return m_stream != nullptr;
 }
 
@@ -408,9 +434,50 @@ bool TextSource::skipLineFeeds()
     return true;
 }
 
+bool TextSource::skipToList(std::uint64_t rawSize)
+{
+    if (!m_isBinary || m_reading == Reading::Plain) {
+        return skipToList();
+    }
+    if (!skipPast('(')) {
+        return false;
+    }
+    startRaw(rawSize);
+    return true;
+}
+
+void TextSource::startRaw(std::uint64_t size)
+{
+    // Nearly every list starts with another byte, and then there is nothing to decide.
+    if (!takeByte('\n')) {
+        return;
+    }
+    m_stream->unread('\n');
+    if (m_stream->byteAhead(size) == ')') {
+        return;
+    }
+    const std::string_view next = m_stream->peek(MOST_LINE_FEEDS);
+    const std::size_t lineFeeds = std::min(next.find_first_not_of('\n'), next.size());
+    if (m_stream->byteAhead(lineFeeds + size) == ')') {
+        m_stream->take(lineFeeds);
+    }
+}
+
 std::size_t TextSource::readRaw(void* target, std::size_t itemSize, std::size_t itemCount)
 {
     return m_stream == nullptr ? 0 : m_stream->read(target, itemSize * itemCount) / itemSize;
+}
+
+std::size_t TextSource::readRawLabels(int* labels, std::size_t count)
+{
+    return m_rawForm.hasUsualLabels() ? readRaw(labels, sizeof(int), count)
+                                      : readConverted(*this, m_rawForm.labelSize, labelsFromRaw, labels, count);
+}
+
+std::size_t TextSource::readRawReals(double* values, std::size_t count)
+{
+    return m_rawForm.hasUsualReals() ? readRaw(values, sizeof(double), count)
+                                     : readConverted(*this, m_rawForm.realSize, realsFromRaw, values, count);
 }
 
 int TextSource::nextByte()

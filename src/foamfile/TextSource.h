@@ -3,6 +3,8 @@
 
 #include "DvnCore/Str.h"
 #include "foamfile/GrowingBuffer.h"
+#include "foamfile/RawForm.h"
+#include "foamfile/Reading.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -53,6 +55,12 @@ public:
     /// has no end that can be seen in raw values.
     bool isBinary() const { return m_isBinary; }
     void setBinary(bool isBinary) { m_isBinary = isBinary; }
+    /// How the lists of a binary file hold their values; usual until it is set.
+    const RawForm& rawForm() const { return m_rawForm; }
+    void setRawForm(const RawForm& form) { m_rawForm = form; }
+    /// Which forms of lists are read, in this file and those opened later.
+    Reading reading() const { return m_reading; }
+    void setReading(Reading reading) { m_reading = reading; }
 
     // --- messages
 
@@ -156,9 +164,22 @@ public:
     bool skipLineFeeds();
     /// Advances past the next "(" and the line feeds after it, to the first item of a list.
     bool skipToList() { return skipPast('(') && skipLineFeeds(); }
+    /// The same for a list that may be raw. In extended reading, `startRaw` then finds its first value.
+    /// @param rawSize bytes of the list's values, if it is raw
+    bool skipToList(std::uint64_t rawSize);
+    /// Advances from the "(" of a raw list to its first value.
+    ///
+    /// OpenFOAM puts it right after the "(", where a byte that equals a line feed is part of it. Other writers add line
+    /// feeds; these are skipped only if the list then ends on its ")", and otherwise does not.
+    /// @param size bytes of the list's values
+    void startRaw(std::uint64_t size);
     /// Reads items of the stream as they lie in memory, in the byte order of the machine, and returns how many were
     /// read.
     std::size_t readRaw(void* target, std::size_t itemSize, std::size_t itemCount);
+    /// Reads labels of the file's raw form, and returns how many were read. A label that does not fit an int gives -1.
+    std::size_t readRawLabels(int* labels, std::size_t count);
+    /// Reads scalars of the file's raw form, and returns how many were read.
+    std::size_t readRawReals(double* values, std::size_t count);
     /// The next byte of the stream, or -1.
     int nextByte();
     /// Takes the next byte of the stream if it is this one.
@@ -199,6 +220,8 @@ private:
     /// Null while no file is open.
     std::unique_ptr<GzStream> m_stream;
     bool m_isBinary = false;
+    Reading m_reading = Reading::Plain;
+    RawForm m_rawForm;
     ChunkBuffer m_chunkBuffer;
     ChunkBuffer m_lineBuffer;
     Position m_position;

@@ -99,12 +99,12 @@ bool VectorList::readFile(FoamFile& file, const dvn::Str& path, const dvn::Str& 
         text.close();
         return true;
     }
-    if (!text.skipToList()) {
+    if (!text.skipToList(values->size() * text.rawForm().realSize)) {
         return false;
     }
     // guard: points-binary
     const std::size_t found =
-        text.isBinary() ? text.readRaw(values->data(), sizeof(double), values->size()) : readPar(text, values);
+        text.isBinary() ? text.readRawReals(values->data(), values->size()) : readPar(text, values);
     const bool isWhole = found == values->size();
     if (!isWhole) {
         text.reportShortList(static_cast<std::size_t>(count), found / VECTOR_COMPONENTS);

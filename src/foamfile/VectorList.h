@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-/// Lists of vectors as `points` holds them: "(x y z)" triples in ascii, 8-byte reals in binary.
+/// Lists of vectors as `points` holds them: "(x y z)" triples in ascii, reals of the file's raw form in binary.
 ///
 /// The vectors of fields are read by `FieldList`, which is stricter about what comes between and after them.
 namespace VectorList {

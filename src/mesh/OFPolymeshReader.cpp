@@ -6,6 +6,8 @@
 #include "foamfile/OFFile.h"
 #include "mesh/ListFile.h"
 
+#include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 namespace {
@@ -23,6 +25,13 @@ bool lacksOnlyNote(const dvn::Str& path)
     }
     const auto& header = file.headerMap();
     return header.count("object") != 0 && header.count("class") != 0 && header.count("note") == 0;
+}
+
+/// One more than the largest label, as each cell owns a face or neighbours one. Without a label there is no cell.
+int cellsNamed(const std::vector<int>& labels)
+{
+    const auto largest = std::ranges::max_element(labels);
+    return largest == labels.end() || *largest < 0 ? 0 : std::min(*largest, std::numeric_limits<int>::max() - 1) + 1;
 }
 
 } // namespace
@@ -45,7 +54,7 @@ bool OFPolymeshReader::readPolymeshPar(const dvn::Str& folder, OFPolymesh* mesh)
     };
     dvf::invokeAll(task(OFPolymeshReadFunctor::POINTS), task(OFPolymeshReadFunctor::NEIGHBORS),
                    task(OFPolymeshReadFunctor::FACES), task(OFPolymeshReadFunctor::OWNERS));
-    mesh->setCellCount(m_cellCount);
+    setCellCount(mesh);
     const double seconds = timer.time();
     OFLogger::get().logDebug(MESH_LOG_GROUP,
                              dvn::Str(">>> Polymesh reading done (parallel). Time used : %1").arg(seconds));
@@ -69,14 +78,21 @@ bool OFPolymeshReader::readPolymeshSeq(const dvn::Str& folder, OFPolymesh* mesh)
     }
     OFLogger::get().logDebug(MESH_LOG_GROUP,
                              dvn::Str(">>> Polymesh reading done (sequential). Time used : %1").arg(timer.time()));
-    mesh->setCellCount(m_cellCount);
+    setCellCount(mesh);
     return true;
+}
+
+void OFPolymeshReader::setCellCount(OFPolymesh* mesh) const
+{
+    mesh->setCellCount(m_cellCount == LabelList::UNKNOWN_CELL_COUNT
+                           ? std::max(cellsNamed(mesh->owners()), cellsNamed(mesh->neighbors()))
+                           : m_cellCount);
 }
 
 bool OFPolymeshReader::readPoints(const dvn::Str& folder, std::vector<double>* points)
 {
     const dvn::Timer timer;
-    OFFile file(true);
+    OFFile file(true, m_reading);
     // Compatibility (docs/compatibility.md, "points counted in doubles").
     return file.readVectorField(folder + "/points", "points", points) &&
            logListRead(MESH_LOG_GROUP, "Points file done. Read %1 items. Time used : %2", points->size(), timer);
@@ -85,7 +101,7 @@ bool OFPolymeshReader::readPoints(const dvn::Str& folder, std::vector<double>* p
 bool OFPolymeshReader::readNeighbors(const dvn::Str& folder, std::vector<int>* neighbors)
 {
     const dvn::Timer timer;
-    OFFile file(true);
+    OFFile file(true, m_reading);
     int unusedCellCount = 0;
     return file.readLabelList(folder + NEIGHBOUR_FILE, "neighbour", neighbors, &unusedCellCount) &&
            logListRead(MESH_LOG_GROUP, "Neighbours file done. Read %1 items. Time used : %2", neighbors->size(), timer);
@@ -94,7 +110,7 @@ bool OFPolymeshReader::readNeighbors(const dvn::Str& folder, std::vector<int>* n
 bool OFPolymeshReader::readFaces(const dvn::Str& folder, FacesData* faces)
 {
     const dvn::Timer timer;
-    OFFile file(true);
+    OFFile file(true, m_reading);
     return file.readFaceList(folder + "/faces", "faces", faces) &&
            logListRead(MESH_LOG_GROUP, "Faces file done. Read %1 items. Time used : %2", faces->faceCount(), timer);
 }
@@ -102,7 +118,7 @@ bool OFPolymeshReader::readFaces(const dvn::Str& folder, FacesData* faces)
 bool OFPolymeshReader::readOwners(const dvn::Str& folder, std::vector<int>* owners)
 {
     const dvn::Timer timer;
-    OFFile file(true);
+    OFFile file(true, m_reading);
     return file.readLabelList(folder + OWNER_FILE, "owner", owners, &m_cellCount) &&
            logListRead(MESH_LOG_GROUP, "Owners file done. Read %1 items. Time used : %2", owners->size(), timer);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
+#include "foamfile/Reading.h"
 #include "mesh/OFPolymesh.h"
 
 #include <vector>
@@ -10,11 +11,15 @@
 class OFPolymeshReader
 {
 public:
+    explicit OFPolymeshReader(Reading reading = Reading::Plain) : m_reading(reading) {}
+
     /// Reads the mesh of a folder into an empty mesh; always true.
     ///
     /// A file that cannot be read leaves a line in the log, and its list keeps what was read so far. Hosts get as much
     /// of such a mesh as there is, so check the lists, not the result.
-    /// @throws std::out_of_range when a file's header lacks `object` or `class`
+    ///
+    /// In extended reading, owners without a note are whole, and their mesh has as many cells as its labels name.
+    /// @throws std::out_of_range when a file's header lacks `object` or `class`, in plain reading
     bool read(const dvn::Str& folder, OFPolymesh* mesh);
 
     /// Reads the four files at the same time; always true.
@@ -27,13 +32,16 @@ public:
     bool readPoints(const dvn::Str& folder, std::vector<double>* points);
     bool readNeighbors(const dvn::Str& folder, std::vector<int>* neighbors);
     bool readFaces(const dvn::Str& folder, FacesData* faces);
-    /// Keeps the cell count of the file's header for `setCellCount` of the mesh; nothing else gives that count.
+    /// Keeps the cell count of the file's header, which decides that of the mesh.
     bool readOwners(const dvn::Str& folder, std::vector<int>* owners);
 
     /// The folder last given to `read`.
     dvn::Str polyMeshFolder() const { return m_polyMeshFolder; }
 
 private:
+    void setCellCount(OFPolymesh* mesh) const;
+
+    Reading m_reading;
     dvn::Str m_polyMeshFolder;
     int m_cellCount = 0;
 };

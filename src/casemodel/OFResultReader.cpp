@@ -2,6 +2,7 @@
 #include "casemodel/OFResultReader.h"
 
 #include "DvnCore/Timer.h"
+#include "foamfile/ExtendedField.h"
 #include "foamfile/OFFile.h"
 #include "foamfile/OFLogger.h"
 
@@ -25,6 +26,19 @@ void store(bool* target, bool value)
     }
 }
 
+void logRead(const OFFieldFile& field, std::size_t valueCount, const std::vector<std::vector<double>>& patchValues,
+             const dvn::Timer& timer)
+{
+    OFLogger::get().logInfo(OFResultReader::LOG_SOURCE,
+                            dvn::Str("Result %1 file done. Read %2 cellItems. Read %3 boundary patches containing %4 "
+                                     "boundaryItems. Time used : %5")
+                                .arg(field.nativeName)
+                                .arg(valueCount)
+                                .arg(patchValues.size())
+                                .arg(totalSize(patchValues))
+                                .arg(timer.time()));
+}
+
 } // namespace
 
 OFFieldFile fieldFile(const dvn::Str& folder, const OFResult& result)
@@ -34,6 +48,10 @@ OFFieldFile fieldFile(const dvn::Str& folder, const OFResult& result)
 
 bool OFResultReader::readValues(const OFFieldFile& field, std::vector<double>* values) const
 {
+    if (m_reading == Reading::Extended) {
+        std::vector<std::vector<double>> noPatches;
+        return readExtended(field, values, {}, noPatches);
+    }
     return readFile(true, field, values, nullptr);
 }
 
@@ -66,6 +84,11 @@ bool OFResultReader::readValuesForCellAndBoundaries(const OFFieldFile& field, st
                                                     std::vector<std::vector<double>>& boundaryValues,
                                                     bool* isInteriorRead) const
 {
+    if (m_reading == Reading::Extended) {
+        const bool isGood = readExtended(field, cellValues, boundaries, boundaryValues);
+        store(isInteriorRead, isGood);
+        return isGood;
+    }
     const dvn::Timer timer;
     OFFile file(true);
     const bool isRead = file.readValuesOfCellAndBoundaries(field.folder + "/" + field.nativeName, field.nativeName,
@@ -74,13 +97,19 @@ bool OFResultReader::readValuesForCellAndBoundaries(const OFFieldFile& field, st
     if (!isRead) {
         return false;
     }
-    OFLogger::get().logInfo(LOG_SOURCE,
-                            dvn::Str("Result %1 file done. Read %2 cellItems. Read %3 boundary patches containing %4 "
-                                     "boundaryItems. Time used : %5")
-                                .arg(field.nativeName)
-                                .arg(cellValues->size())
-                                .arg(boundaries.size())
-                                .arg(totalSize(boundaryValues))
-                                .arg(timer.time()));
+    logRead(field, cellValues->size(), boundaryValues, timer);
+    return true;
+}
+
+bool OFResultReader::readExtended(const OFFieldFile& field, std::vector<double>* values,
+                                  const std::vector<OFBoundary>& boundaries,
+                                  std::vector<std::vector<double>>& boundaryValues) const
+{
+    const dvn::Timer timer;
+    if (!ExtendedField::read(field.folder + "/" + field.nativeName,
+                             {field.dimension, values, &boundaries, &boundaryValues})) {
+        return false;
+    }
+    logRead(field, values->size(), boundaryValues, timer);
     return true;
 }

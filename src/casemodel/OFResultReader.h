@@ -2,6 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
+#include "foamfile/Reading.h"
 #include "records/OFBoundary.h"
 #include "records/OFResult.h"
 
@@ -26,6 +27,11 @@ OFFieldFile fieldFile(const dvn::Str& folder, const OFResult& result);
 class OFResultReader
 {
 public:
+    /// The source named in log lines.
+    static constexpr const char* LOG_SOURCE = "OFResultReader";
+
+    explicit OFResultReader(Reading reading = Reading::Plain) : m_reading(reading) {}
+
     /// Reads the interior values of a field.
     ///
     /// @param values emptied if the file says that it has no values
@@ -44,8 +50,9 @@ public:
                                         bool* isInteriorRead = nullptr) const;
 
 private:
-    /// The source named in log lines.
-    static constexpr const char* LOG_SOURCE = "OFResultReader";
-
+    bool readExtended(const OFFieldFile& field, std::vector<double>* values, const std::vector<OFBoundary>& boundaries,
+                      std::vector<std::vector<double>>& boundaryValues) const;
     bool readFile(bool hasHeader, const OFFieldFile& field, std::vector<double>* values, bool* isInteriorRead) const;
+
+    Reading m_reading;
 };

@@ -11,7 +11,8 @@
 #include <map>
 #include <vector>
 
-/// The readers of the small files that describe a case, one set for each way of reading. A catalogue picks its set once.
+/// The readers of the small files that describe a case, one set for each way of reading. A catalogue picks its set
+/// once.
 ///
 /// Every path is that of the plain file; one with ".gz" is opened instead if it is there.
 struct DescriptionReaders

@@ -3,6 +3,7 @@
 
 #include "DvnCore/Str.h"
 #include "casemodel/OFReader.h"
+#include "casemodel/OFResultReader.h"
 #include "interface/DataProviderInterface.h"
 #include "provider/OFInitOptions.h"
 #include "provider/SharedFolder.h"
@@ -14,7 +15,6 @@
 class OFPolymeshReader;
 class OFPolymeshToDDP;
 class OFTriSurfaceReader;
-struct OFFieldFile;
 
 /// The two host objects that take one group of the geometry; borrowed for the length of one call.
 struct OFGroupPair
@@ -130,6 +130,9 @@ public:
 private:
     static constexpr int NO_RESULT_ID = -1;
 
+    bool isExtended() const { return m_reader.reading() == Reading::Extended; }
+    OFResultReader resultReader() const { return OFResultReader(m_reader.reading()); }
+    dvn::Str pointsFolder(const OFPart& part, const OFState& state) const;
     bool deliverCells(OFPart& part, OFPolymeshToDDP& converter, const OFGroupPair& pair);
     void deliverUndefined(const OFResult& result, DDPResult* dataResult) const;
     /// @param nodeValues undefined values for all nodes of the part; may be empty afterwards

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "provider/OpenFoamProvider.h"
 
+#include "foamfile/OFUtilities.h"
 #include "mesh/OFPolymeshReader.h"
+#include "provider/ProviderLog.h"
 #include "provider/ValueArrays.h"
 #include "records/Components.h"
 
@@ -42,10 +44,21 @@ bool OpenFoamProvider::updatePointsForPart(int partIndex, int stateId, OFValueGr
         return false;
     }
     // Compatibility (docs/compatibility.md, "displacements of state 1"): one folder serves every part.
-    const dvn::Str folder = stateId == FIRST_STATE_ID ? m_polyMeshFolder.get() : state->folderOf(part) + "/polyMesh";
+    const dvn::Str folder = isExtended()                ? pointsFolder(part, *state)
+                            : stateId == FIRST_STATE_ID ? m_polyMeshFolder.get()
+                                                        : state->foldersOf(part).front() + "/polyMesh";
     std::vector<double> points;
-    if (!OFPolymeshReader().readPoints(folder, &points)) {
+    if (!OFPolymeshReader(m_reader.reading()).readPoints(folder, &points)) {
         return false;
+    }
+    if (isExtended() && points.size() != part.nodeCount() * VECTOR_COMPONENTS) {
+        // The mesh of this time is another one, with nodes of its own.
+        logInfo(dvn::Str("The points of %1 do not fit the mesh of %2 and are not shown: %3 coordinates for %4 nodes")
+                    .arg(folder)
+                    .arg(part.name())
+                    .arg(points.size())
+                    .arg(part.nodeCount()));
+        points = undefinedItems(part.nodeCount() == OFPart::UNKNOWN_COUNT ? 0 : part.nodeCount(), POINT_DIMENSION);
     }
     deliver(points, POINT_DIMENSION, groups.front());
     for (std::size_t i = 0; i < part.boundaries().size(); ++i) {
@@ -56,4 +69,21 @@ bool OpenFoamProvider::updatePointsForPart(int partIndex, int stateId, OFValueGr
         deliverAndRelease(values, POINT_DIMENSION, groups[i + 1]);
     }
     return true;
+}
+
+/// The mesh folder with the points of a part at some time: of that time or the last one before it that has points, else
+/// that of the mesh itself. Solvers write points only when they have moved.
+dvn::Str OpenFoamProvider::pointsFolder(const OFPart& part, const OFState& state) const
+{
+    for (std::size_t i = m_reader.stateCount(); i-- > 0;) {
+        if (m_reader.state(i).referenceValue() > state.referenceValue()) {
+            continue;
+        }
+        for (const dvn::Str& folder : m_reader.state(i).foldersOf(part)) {
+            if (OFUtilities::isRegularFileOrGz(folder + "/polyMesh/points")) {
+                return folder + "/polyMesh";
+            }
+        }
+    }
+    return part.folder();
 }

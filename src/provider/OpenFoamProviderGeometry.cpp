@@ -35,10 +35,11 @@ struct OFReadPartMeshFunctor
     const DDPGeometrySpec* spec;
     std::size_t partCount;
     dvf::Failures* failures;
+    Reading reading;
 
     void operator()(const dvf::IndexRange& range) const
     {
-        OFPolymeshReader meshReader;
+        OFPolymeshReader meshReader(reading);
         OFTriSurfaceReader surfaceReader;
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             failures->guard(i, [&] {
@@ -102,7 +103,7 @@ bool OpenFoamProvider::getGeometry(const DDPGeometrySpec& spec, DDPGeometry* geo
     std::vector<OFGroupPairs> pairs = makePairs(m_reader, geometry);
     const dvn::Timer timer;
     dvf::Failures failures(pairs.size());
-    const OFReadPartMeshFunctor readMesh = {this, &pairs, &spec, m_reader.partCount(), &failures};
+    const OFReadPartMeshFunctor readMesh = {this, &pairs, &spec, m_reader.partCount(), &failures, m_reader.reading()};
     dvf::forLargeItems(pairs.size(), readMesh);
     failures.rethrowFirst();
     logInfo(dvn::Str(">>>> Get Geometry [Parallel] done. Total time used : %1").arg(timer.time()));
@@ -131,6 +132,11 @@ bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolyme
     OFPolymeshToDDP converter(&polyMesh);
     const dvn::Timer boundaryTimer;
     (void)generateBoundaryParts(part.boundaries(), pairs, converter);
+    if (isExtended()) {
+        for (OFBoundary& boundary : part.boundaries()) {
+            boundary.computeFaceNormals(polyMesh.points());
+        }
+    }
     logStep(" Get Part %1. BC creation %2 seconds", partIndex, boundaryTimer.time());
     (void)generateFaceZones(part.faceZones(), pairs, part.boundaries(), converter);
     if (!converter.createMesh()) {

@@ -63,12 +63,12 @@ bool holdsValues(const std::vector<double>& values)
 }
 
 /// Reads a field on cells with its patches; true if there are cell values to average, even without those of patches.
-bool readForAverage(const OFFieldFile& field, const std::vector<OFBoundary>& boundaries,
+bool readForAverage(const OFResultReader& reader, const OFFieldFile& field, const std::vector<OFBoundary>& boundaries,
                     std::vector<double>* cellValues, std::vector<std::vector<double>>* faceValues)
 {
     bool isInteriorRead = false;
     // Patches that cannot be read leave the interior good.
-    (void)OFResultReader().readValuesForCellAndBoundaries(field, cellValues, boundaries, *faceValues, &isInteriorRead);
+    (void)reader.readValuesForCellAndBoundaries(field, cellValues, boundaries, *faceValues, &isInteriorRead);
     // guard: cells-to-average
     return isInteriorRead && holdsValues(*cellValues);
 }
@@ -82,6 +82,17 @@ std::vector<std::vector<double>> undefinedFaceValues(const std::vector<OFBoundar
         values.push_back(undefinedItems(boundary.nodeCountPerFace().size(), dimension));
     }
     return values;
+}
+
+/// The patches at the front and back of a case in two dimensions have no values of their own. Cell values of the whole
+/// plane would dilute those of walls and inlets at their common nodes.
+void leaveOutEmptyPatches(const std::vector<OFBoundary>& boundaries, std::vector<std::vector<double>>* faceValues)
+{
+    for (std::size_t i = 0; i < boundaries.size(); ++i) {
+        if (boundaries[i].type() == dvn::Str("empty")) {
+            (*faceValues)[i].clear();
+        }
+    }
 }
 
 } // namespace
@@ -159,7 +170,7 @@ bool OpenFoamProvider::getResultForPart(int partIndex, const OFState* state, con
         getResultsWithBoundaries(field, part.boundaries(), values, groups);
         return true;
     }
-    if (!OFResultReader().readValues(field, &values)) {
+    if (!resultReader().readValues(field, &values)) {
         return false;
     }
     deliverAndRelease(values, dimension, groups.front());
@@ -177,18 +188,24 @@ bool OpenFoamProvider::getAverageForPart(const OFPart& part, const OFState* stat
     const int dimension = field.dimension;
     std::vector<double> cellValues = dvf::filledLarge(valueCount(*source, part), 0.0);
     if (!m_loadBoundaries) {
-        if (!OFResultReader().readValues(field, &cellValues) || !holdsValues(cellValues)) {
+        if (!resultReader().readValues(field, &cellValues) || !holdsValues(cellValues)) {
             return false;
         }
         // Compatibility (docs/compatibility.md, "averages without patches"): the array goes in full of the undefined
         // mark and is added to.
+        if (isExtended()) {
+            std::ranges::fill(nodeValues, 0.0);
+        }
         part.computeAverageNodeResult(cellValues, nodeValues, dimension);
         deliverAndRelease(nodeValues, dimension, groups.front());
         return true;
     }
     std::vector<std::vector<double>> faceValues = undefinedFaceValues(part.boundaries(), dimension);
-    if (!readForAverage(field, part.boundaries(), &cellValues, &faceValues)) {
+    if (!readForAverage(resultReader(), field, part.boundaries(), &cellValues, &faceValues)) {
         return false;
+    }
+    if (isExtended()) {
+        leaveOutEmptyPatches(part.boundaries(), &faceValues);
     }
     part.computeAverageNodeResultAwareBC(cellValues, faceValues, nodeValues, dimension);
     deliver(nodeValues, dimension, groups.front());
@@ -216,7 +233,7 @@ void OpenFoamProvider::getResultsWithBoundaries(const OFFieldFile& field, const 
     }
     bool isInteriorRead = false;
     // A file without a sound boundary section still has its interior. Without that, the undefined values stay.
-    (void)OFResultReader().readValuesForCellAndBoundaries(field, &values, boundaries, patchValues, &isInteriorRead);
+    (void)resultReader().readValuesForCellAndBoundaries(field, &values, boundaries, patchValues, &isInteriorRead);
     if (!isInteriorRead) {
         return;
     }
@@ -240,7 +257,7 @@ bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* s
     if (result->mapping() == OFResultOnNode) {
         const bool hasFile = OFUtilities::hasFieldFile(folder, result->nativeName());
         bool isRead = true;
-        if (hasFile && !OFResultReader().readNonHeaderValues(fieldFile(folder, *result), &values, &isRead)) {
+        if (hasFile && !resultReader().readNonHeaderValues(fieldFile(folder, *result), &values, &isRead)) {
             return false;
         }
         if (!isRead) {

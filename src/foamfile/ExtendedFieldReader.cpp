@@ -2,6 +2,7 @@
 #include "foamfile/ExtendedFieldReader.h"
 
 #include "DvnCore/Undefined.h"
+#include "LibCore/Numbers.h"
 #include "foamfile/FieldPatches.h"
 #include "foamfile/ListAt.h"
 #include "foamfile/OFLogger.h"
@@ -204,10 +205,12 @@ std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOf(const Token
     }
     Item item = {};
     for (std::size_t i = first; i < end; ++i) {
-        if (tokens[i].kind != Token::Kind::Number) {
+        // A run that diverged writes words such as "nan", which are numbers to the conversion.
+        const bool isWord = tokens[i].kind == Token::Kind::Word;
+        if (isWord ? !dvf::tokenToDouble(tokens[i].text, &item[i - first]) : tokens[i].kind != Token::Kind::Number) {
             return std::nullopt;
         }
-        item[i - first] = tokens[i].number;
+        item[i - first] = isWord ? item[i - first] : tokens[i].number;
     }
     return item;
 }
@@ -333,7 +336,10 @@ bool ExtendedFieldReader::read()
 
 bool ExtendedFieldReader::takeInterior(const Dictionary& entries)
 {
-    const Entry* const interior = entries.find(m_kind->hasPatches ? INTERIOR : INTERNAL_VALUES);
+    const Entry* interior = entries.find(INTERIOR);
+    if (interior == nullptr) {
+        interior = entries.find(INTERNAL_VALUES);
+    }
     const bool isInTarget = interior != nullptr && std::ranges::any_of(interior->tokens, [](const Token& token) {
                                 return token.kind == Token::Kind::List && token.list == IN_TARGET;
                             });
@@ -350,16 +356,20 @@ void ExtendedFieldReader::readPatches(const Dictionary& patches)
     const std::size_t count = std::min(m_target.boundaries->size(), m_target.patchValues->size());
     for (std::size_t i = 0; i < count; ++i) {
         const OFBoundary& patch = (*m_target.boundaries)[i];
-        if (const Dictionary* const block = blockOfPatch(patches, patch)) {
-            readPatch(*block, patch, &(*m_target.patchValues)[i]);
+        const Dictionary* const block = blockOfPatch(patches, patch);
+        const std::string meshType = patch.type().toUtf8();
+        if (block != nullptr) {
+            readPatch(*block, firstWord(*block, "type"), patch, &(*m_target.patchValues)[i]);
+        } else if (PatchRules::isConstraint(meshType)) {
+            readPatch(Dictionary(), meshType, patch, &(*m_target.patchValues)[i]);
         }
     }
 }
 
-void ExtendedFieldReader::readPatch(const Dictionary& block, const OFBoundary& patch, std::vector<double>* values)
+void ExtendedFieldReader::readPatch(const Dictionary& block, const std::string& type, const OFBoundary& patch,
+                                    std::vector<double>* values)
 {
     using PatchRules::Source;
-    const std::string type = firstWord(block, "type");
     if (isOnPoints()) {
         if (!readEntry(block, "value", patch, values)) {
             copyMeshValues(patch, values);

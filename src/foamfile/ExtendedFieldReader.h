@@ -60,7 +60,8 @@ private:
 
     bool takeInterior(const foamdict::Dictionary& entries);
     void readPatches(const foamdict::Dictionary& patches);
-    void readPatch(const foamdict::Dictionary& block, const OFBoundary& patch, std::vector<double>* values);
+    void readPatch(const foamdict::Dictionary& block, const std::string& type, const OFBoundary& patch,
+                   std::vector<double>* values);
     bool readEntry(const foamdict::Dictionary& block, std::string_view keyword, const OFBoundary& patch,
                    std::vector<double>* values);
     void copyMeshValues(const OFBoundary& patch, std::vector<double>* values) const;

@@ -21,7 +21,7 @@ struct TypeRule
 
 /// Types that are not in this table show what the file says. Those of couplings compute their values from both sides
 /// and seldom write them; the cell's own value is what is known of them.
-constexpr std::array<TypeRule, 36> TYPES = {{
+constexpr std::array<TypeRule, 37> TYPES = {{
     {"zeroGradient", Source::Cell, {}},
     {"empty", Source::Cell, {}},
     {"extrapolatedCalculated", Source::Cell, {}},
@@ -45,7 +45,8 @@ constexpr std::array<TypeRule, 36> TYPES = {{
     {"overset", Source::FileElseCell, {}},
     {"fixedFluxPressure", Source::FileElseCell, {}},
     {"fixedFluxExtrapolatedPressure", Source::FileElseCell, {}},
-    {"kqRWallFunction", Source::FileElseCell, {}},
+    {"kqRWallFunction", Source::Cell, {}},
+    {"fluxCorrectedVelocity", Source::Cell, {}},
     {"advective", Source::FileElseCell, {}},
     {"waveTransmissive", Source::FileElseCell, {}},
     {"inletOutlet", Source::File, "inletValue"},
@@ -185,6 +186,14 @@ Source PatchRules::sourceOfType(std::string_view type)
 {
     const TypeRule* const rule = ruleOfType(type);
     return rule == nullptr ? Source::File : rule->source;
+}
+
+bool PatchRules::isConstraint(std::string_view meshType)
+{
+    static constexpr std::array<std::string_view, 12> CONSTRAINTS = {
+        "empty",      "wedge",      "symmetry",  "symmetryPlane",   "cyclic",  "cyclicAMI",
+        "cyclicACMI", "cyclicSlip", "processor", "processorCyclic", "overset", "nonuniformTransformCyclic"};
+    return std::ranges::find(CONSTRAINTS, meshType) != CONSTRAINTS.end();
 }
 
 std::string_view PatchRules::substituteOfType(std::string_view type)

@@ -25,6 +25,9 @@ enum class Source
 
 /// The source of the values on cells for a type of patch field.
 Source sourceOfType(std::string_view type);
+/// True for a type of mesh patch that leaves no choice of patch field: the field has the same type. Cases take such
+/// fields from an include of OpenFOAM's installation.
+bool isConstraint(std::string_view meshType);
 /// The entry whose values a type shows if it has no `value`, such as "inletValue"; empty if there is none.
 std::string_view substituteOfType(std::string_view type);
 

@@ -48,6 +48,37 @@ inline constexpr std::size_t SHARE_OF_PATCHES = 2;
 /// that all hash to one place; in a table that is at most half full, honest ones are found after a few probes.
 inline constexpr std::size_t NODE_SET_PROBES = 256;
 
+// --- dictionaries; a dictionary that reaches one of these is read up to there
+
+/// How deep blocks may be nested, copies of blocks included. It also bounds the recursion over blocks.
+inline constexpr std::size_t DICTIONARY_DEPTH = 64;
+/// The most values and brackets that are kept of one dictionary; lists that are read apart do not count.
+inline constexpr std::size_t DICTIONARY_TOKENS = 4000000;
+/// The most entries, blocks included.
+inline constexpr std::size_t DICTIONARY_ENTRIES = 1000000;
+/// The longest word, string or block of code.
+inline constexpr std::size_t TOKEN_LENGTH = 1U << 20U;
+/// How deep files may include one another.
+inline constexpr std::size_t INCLUDE_DEPTH = 16;
+/// How many files a dictionary may include in all; files that include two others each soon include thousands.
+inline constexpr std::size_t INCLUDE_COUNT = 1024;
+/// How many bytes of included files are read as text.
+inline constexpr std::size_t INCLUDE_BYTES = std::size_t{64} << 20U;
+/// How many bytes macros may copy: blocks that copy the one before twice double with each line.
+inline constexpr std::size_t MACRO_BYTES = std::size_t{64} << 20U;
+/// How many characters and entries may be compared to find what macros and removals name.
+inline constexpr std::size_t MACRO_STEPS = 100000000;
+/// The longest name of a macro.
+inline constexpr std::size_t MACRO_NAME = 1024;
+/// The longest regular expression.
+inline constexpr std::size_t PATTERN_LENGTH = 1024;
+/// The most states of one regular expression, and of all that one dictionary holds: matching a name takes time in
+/// proportion to its length and to the states.
+inline constexpr std::size_t PATTERN_STATES = 4096;
+inline constexpr std::size_t DICTIONARY_PATTERN_STATES = 16384;
+/// How many different problems of one dictionary are reported.
+inline constexpr std::size_t DICTIONARY_REPORTS = 100;
+
 // --- text
 
 /// How many words of a line are looked at where values are expected; values take a dozen.

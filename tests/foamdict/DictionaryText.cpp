@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "foamdict/DictionaryText.h"
+
+using foamdict::Content;
+using foamdict::Dictionary;
+using foamdict::Entry;
+using foamdict::Token;
+
+namespace {
+
+std::string inQuotes(std::string_view text)
+{
+    std::string result = "\"";
+    for (const char c : text) {
+        result += c == '"' ? "\\\"" : std::string(1, c);
+    }
+    return result + "\"";
+}
+
+std::string textOf(const Token& token)
+{
+    if (token.kind == Token::Kind::List) {
+        return "<list " + std::to_string(token.list) + ">";
+    }
+    return token.kind == Token::Kind::String ? inQuotes(token.text) : token.text;
+}
+
+} // namespace
+
+std::string textOf(const std::vector<Token>& tokens)
+{
+    std::string text;
+    for (const Token& token : tokens) {
+        text += (text.empty() ? "" : " ") + textOf(token);
+    }
+    return text;
+}
+
+std::string textOf(const Dictionary& dictionary)
+{
+    std::string text;
+    for (const Entry& entry : dictionary.entries()) {
+        text += (text.empty() ? "" : " ") + (entry.isPattern ? inQuotes(entry.keyword) : entry.keyword);
+        if (entry.block != nullptr) {
+            const std::string inner = textOf(*entry.block);
+            text += inner.empty() ? " { }" : " { " + inner + " }";
+        } else {
+            text += (entry.tokens.empty() ? "" : " ") + textOf(entry.tokens) + ";";
+        }
+    }
+    return text;
+}
+
+std::unique_ptr<foamdict::CharSource> TextClient::openInclude(const std::string& path)
+{
+    opened.push_back(path);
+    const auto file = files.find(path);
+    return file == files.end() ? nullptr : std::make_unique<foamdict::TextChars>(file->second);
+}
+
+Content parseText(std::string_view text, foamdict::Client& client)
+{
+    foamdict::TextChars chars(text);
+    return foamdict::parse(chars, {"case/system/dict", "case"}, client);
+}
+
+std::string reread(std::string_view text)
+{
+    TextClient client;
+    const Content content = parseText(text, client);
+    const std::string result =
+        content.items.has_value() ? "( " + textOf(*content.items) + " )" : textOf(content.entries);
+    return result + (content.problem.empty() ? "" : " -> " + content.problem);
+}

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "foamdict/Pattern.h"
+
+#include "LibCore/Limits.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using foamdict::Pattern;
+
+namespace {
+
+struct Row
+{
+    const char* pattern;
+    std::vector<const char*> matches;
+    std::vector<const char*> others;
+};
+
+} // namespace
+
+TEST(Pattern, MatchesWholeNames)
+{
+    const std::vector<Row> rows = {
+        {"wall", {"wall"}, {"walls", "awall", "wal", ""}},
+        {".*", {"", "a", "inlet_1"}, {}},
+        {"a.c", {"abc", "a.c"}, {"ac", "abbc"}},
+        {"a\\.c", {"a.c"}, {"abc"}},
+        {"ab*c", {"ac", "abbbc"}, {"abb", "adc"}},
+        {"ab+c", {"abc", "abbc"}, {"ac"}},
+        {"ab?c", {"ac", "abc"}, {"abbc"}},
+        {"(inlet|outlet).*", {"inlet", "outlet2"}, {"let", "in"}},
+        {"inlet|out", {"inlet", "out"}, {"inletout", "inleout"}},
+        {"(a|b)*c", {"c", "abbac"}, {"abd"}},
+        {"((a|)(b|))+x", {"x", "abx", "aabbx"}, {"ac"}},
+        {"(a*)*b", {"b", "aaab"}, {"aaa"}},
+        {"a{2}", {"aa"}, {"a", "aaa"}},
+        {"(ab){1,2}", {"ab", "abab"}, {"", "ababab"}},
+        {"a{2,}", {"aa", "aaaaa"}, {"a"}},
+        {"a{0}b", {"b"}, {"ab"}},
+        {"[a-c]1", {"a1", "c1"}, {"d1", "-1"}},
+        {"[^a-c]1", {"d1", "^1"}, {"a1"}},
+        {"[]a]", {"]", "a"}, {"b"}},
+        {"[a-]", {"a", "-"}, {"b"}},
+        {"[a\\.]", {"a", "\\", "."}, {"b"}},
+        {"[[:alpha:]_]+[[:digit:]]", {"in_1", "x2"}, {"1", "a-1"}},
+        {"\\w+\\W\\w", {"a_b-c"}, {"abc"}},
+        {"^a$|^b", {"a", "b"}, {"ab", "^a$"}},
+        {"a^b|a$b", {}, {"ab", "a^b", "a$b"}},
+        {"\\(x\\)", {"(x)"}, {"x"}},
+        {"(?i)Wall[x-z]", {"wallX", "WALLy"}, {"wal"}},
+        {"(?i)[^a]", {"b"}, {"a", "A"}},
+        {"w\xc3\xa4.de", {"w\xc3\xa4nde"}, {"wande"}},
+    };
+    for (const Row& row : rows) {
+        const Pattern pattern(row.pattern);
+        EXPECT_TRUE(pattern.isValid()) << row.pattern;
+        for (const char* const name : row.matches) {
+            EXPECT_TRUE(pattern.matches(name)) << row.pattern << " " << name;
+        }
+        for (const char* const name : row.others) {
+            EXPECT_FALSE(pattern.matches(name)) << row.pattern << " " << name;
+        }
+    }
+}
+
+TEST(Pattern, WhatIsNoExpressionMatchesNothing)
+{
+    for (const char* const text :
+         {"(a",     "a)",   "[a",     "[]",    "[a-",        "*a",      "a|*", "(+)",    "a{",   "a{1",
+          "a{2,1}", "a{x}", "a{256}", "[b-a]", "[[:none:]]", "[[.a.]]", "a\\", "(a)\\1", "\\bx", "{1}"}) {
+        const Pattern pattern(text);
+        EXPECT_FALSE(pattern.isValid()) << text;
+        EXPECT_FALSE(pattern.matches(text)) << text;
+    }
+}
+
+// Each of these takes exponential time or space in a matcher that tries one way after the other.
+TEST(Pattern, TakesTimeInProportionToTheName)
+{
+    const std::string name(5000, 'a');
+    EXPECT_FALSE(Pattern("(a*)*(a*)*(a|aa)+b").matches(name));
+    EXPECT_TRUE(Pattern("(a?){200}a{200}").matches(std::string(200, 'a')));
+    for (const char* const text :
+         {"((((a{99}){99}){99}){99}){99}", "((((){255}){255}){255}){255}", "(((.?){60}){60}){60}"}) {
+        EXPECT_FALSE(Pattern(text).isValid()) << text;
+    }
+    EXPECT_FALSE(Pattern(std::string(dvf::limits::PATTERN_LENGTH + 1, 'a')).isValid());
+    EXPECT_FALSE(Pattern(std::string(500, '(') + "a" + std::string(500, ')')).isValid());
+}

@@ -261,7 +261,8 @@ std::vector<HugeSample> hugeSamples()
     const std::string zones = header("dictionary", "file") + "6000\n(\n";
     const std::string zone = "a\n{\ntype t;\nlabels List<label> 1(1);\n}\n";
     const std::string labelCount = header("labelList", "file", "ascii", note(3)) + "400000000\n(\n1\n";
-    const std::string rawCount = header("labelList", "file", "binary", note(3)) + "1000000\n(\n";
+    const std::string labelsOfFaces =
+        header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 1}) + "\n400000000\n(\n";
     const std::string offsets =
         header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 250000000}) + "\n1\n(";
     const std::string blankLine = std::string(127, ' ') + "\n";
@@ -305,7 +306,7 @@ std::vector<HugeSample> hugeSamples()
          .readers = {readListsAt<ListAt::readLabels, int>, readListsAt<readReals<1>, double>}},
         // The first byte of the list is a line feed, so its end is looked for.
         {.name = "RawCountLargerThanInflatedData",
-         .build = [=] { return zippedWithNoise(rawCount, 500000); },
+         .build = [=] { return zippedWithNoise(labelsOfFaces, 500000); },
          .readers = {readExtendedMesh, readListsAt<ListAt::readLabels, int>}},
         {.name = "OffsetsLargerThanInflatedData",
          .build = [=] { return zippedWithNoise(offsets, 1000000); },

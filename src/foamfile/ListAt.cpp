@@ -49,7 +49,6 @@ void readItemsOfPiece(FieldPieces::Piece* piece, const char* end)
         if (p == piece->limit) {
             break;
         }
-        // guard: item-pieces
         p = scanItem<COMPONENTS, IS_BRACKETED>(p, end, piece->room(COMPONENTS));
         if (p == nullptr) {
             return;
@@ -80,6 +79,9 @@ bool walk(TextSource& text, const ListItems& items, const ReadPiece& readPiece, 
           std::vector<double>* values, std::size_t* found)
 {
     ListAhead ahead(text, values);
+    if (!tokens.endsChunk()) {
+        tokens.jumpTo(ahead.readChunk(tokens.cursor(), tokens.end(), readPiece, found));
+    }
     // guard: items-sequential
     while (*found + items.components <= values->size()) {
         if (tokens.endsChunk()) {
@@ -203,7 +205,6 @@ bool fillEqual(ListTokens& tokens, const Kind& kind, std::vector<Value>* values)
     if (!kind.takeItem(tokens, item.data()) || !tokens.take('}')) {
         return false;
     }
-    // guard: equal-items
     for (std::size_t i = 0; i + item.size() <= values->size(); i += item.size()) {
         std::ranges::copy(item, values->begin() + static_cast<std::ptrdiff_t>(i));
     }

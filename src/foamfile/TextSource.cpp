@@ -453,13 +453,14 @@ void TextSource::startRaw(std::uint64_t size)
         return;
     }
     m_stream->unread('\n');
-    if (m_stream->byteAhead(size) == ')') {
-        return;
-    }
     const std::string_view next = m_stream->peek(MOST_LINE_FEEDS);
     const std::size_t lineFeeds = std::min(next.find_first_not_of('\n'), next.size());
-    if (m_stream->byteAhead(lineFeeds + size) == ')') {
-        m_stream->take(lineFeeds);
+    // The fewest that fit: the others are part of the first value.
+    for (std::size_t skipped = 0; skipped <= lineFeeds; ++skipped) {
+        if (m_stream->byteAhead(skipped + size) == ')') {
+            m_stream->take(skipped);
+            return;
+        }
     }
 }
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "foamfile/ListAt.h"
+#include "foamfile/ListHeader.h"
 #include "foamfile/OFFile.h"
 #include "support/FoamText.h"
+#include "support/RawText.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -101,6 +104,36 @@ void readDictionary(const dvn::Str& path)
     OFFile(true).readDictionary(path, "file", &entries);
 }
 
+/// Lists of extended reading, each with its count; none of them may throw.
+template <auto READ, typename Value>
+void readListsAt(const dvn::Str& path)
+{
+    FoamFile file;
+    file.reading = Reading::Extended;
+    int count = 0;
+    for (bool isGood = file.open(path); isGood && file.text.readCountLine(&count);) {
+        std::vector<Value> values;
+        isGood = READ(file.text, static_cast<std::size_t>(count), &values);
+    }
+}
+
+template <std::size_t COMPONENTS>
+bool readReals(TextSource& text, std::size_t count, std::vector<double>* values)
+{
+    return ListAt::readReals(text, count, {COMPONENTS, COMPONENTS != 1}, values);
+}
+
+void readExtendedMesh(const dvn::Str& path)
+{
+    std::vector<int> labels;
+    std::vector<double> points;
+    FacesData faces;
+    int cells = 0;
+    EXPECT_NO_THROW(OFFile(true, Reading::Extended).readLabelList(path, "file", &labels, &cells));
+    EXPECT_NO_THROW(OFFile(true, Reading::Extended).readVectorField(path, "file", &points));
+    EXPECT_NO_THROW(OFFile(true, Reading::Extended).readFaceList(path, "file", &faces));
+}
+
 using Readers = std::vector<void (*)(const dvn::Str& path)>;
 
 const Readers ALL_READERS = {readLabels,       readVectors<true>,      readVectors<false>, readFaces<true>,
@@ -144,6 +177,9 @@ std::vector<Sample> samples()
     const std::string field = header(SCALARS, "file") + "internalField nonuniform List<scalar> ";
     const std::string rawField = header(SCALARS, "file", "binary") + "internalField nonuniform List<scalar> \n";
     const std::string smallFile = header("dictionary", "file");
+    const RawWidths wide{.labelBits = 64, .scalarBits = 32, .isBigEndian = true};
+    const std::string arch = "    arch " + archOf(wide) + ";\n";
+    const std::string wideLabels = "3\n(" + rawLabels(std::vector<int>{10, 22, 333}, wide) + ")";
     const struct
     {
         Readers readers;
@@ -169,6 +205,18 @@ std::vector<Sample> samples()
          .files = {{"zones", smallFile + zone + rows + zoneEnd},
                    {"zonesOnLines", smallFile + zone + "3(1 2 3)" + zoneEnd},
                    {"rawZones", header("dictionary", "file", "binary") + zone + "\n" + rawList(ints) + zoneEnd}}},
+        {.readers = {readExtendedMesh},
+         .files = {{"wideLabels", header("labelList", "file", "binary", arch) + wideLabels},
+                   {"wideVectors",
+                    header("vectorField", "file", "binary", arch) + "1\n(" + rawReals(three, wide) + ")"},
+                   {"wideFaces", header("faceCompactList", "file", "binary", arch) + "2\n(" +
+                                     rawLabels(std::vector<int>{0, 3}, wide) + ")" + wideLabels}}},
+        {.readers = {readListsAt<readReals<1>, double>, readListsAt<readReals<9>, double>,
+                     readListsAt<ListAt::readLabels, int>, readListsAt<ListAt::readFlags, int>},
+         .files = {{"listsAt",
+                    smallFile + "2\n((1 2 3 4 5 6 7 8 9)/* ) */\n(1 2 3 4 5 6 7 8 9))\n3\n(\n1 1// (\n 0)\n2\n{1}"},
+                   {"rawListsAt",
+                    header("dictionary", "file", "binary", arch) + wideLabels + "\n4\n{0}\n" + wideLabels}}},
         {.readers = {readDictionary},
          .files = {{"dictionary", smallFile + "a b;\n  c d e;\ndimensions [0 1 2 3 4 5 6];\n"}}},
         {.readers = {readBoundary},
@@ -213,6 +261,8 @@ std::vector<HugeSample> hugeSamples()
     const std::string zones = header("dictionary", "file") + "6000\n(\n";
     const std::string zone = "a\n{\ntype t;\nlabels List<label> 1(1);\n}\n";
     const std::string labelCount = header("labelList", "file", "ascii", note(3)) + "400000000\n(\n1\n";
+    const std::string labelsOfFaces =
+        header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 1}) + "\n400000000\n(\n";
     const std::string offsets =
         header("faceCompactList", "file", "binary") + rawList(std::vector<int>{0, 250000000}) + "\n1\n(";
     const std::string blankLine = std::string(127, ' ') + "\n";
@@ -251,6 +301,13 @@ std::vector<HugeSample> hugeSamples()
         {.name = "BlanksBetweenOddVectors",
          .build = [=] { return gzipped(section + patch + "100000\n(\n" + repeated(500, oddVectorAndBlanks)); },
          .readers = {hugePatch}},
+        {.name = "LongLineAfterManyLists",
+         .build = [=] { return header("dictionary", "file") + repeated(20000, "3\n{1}\n3\n(1 1 1)\n") + longLine(); },
+         .readers = {readListsAt<ListAt::readLabels, int>, readListsAt<readReals<1>, double>}},
+        // The first byte of the list is a line feed, so its end is looked for.
+        {.name = "RawCountLargerThanInflatedData",
+         .build = [=] { return zippedWithNoise(labelsOfFaces, 500000); },
+         .readers = {readExtendedMesh, readListsAt<ListAt::readLabels, int>}},
         {.name = "OffsetsLargerThanInflatedData",
          .build = [=] { return zippedWithNoise(offsets, 1000000); },
          .readers = {readFaces<true>}},

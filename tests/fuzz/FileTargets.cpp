@@ -2,6 +2,8 @@
 //
 // Targets for the kinds of files. An input is a byte of flags, a byte for the reader, one that picks the reader among
 // those of the target, and the text of the file.
+#include "foamfile/ListAt.h"
+#include "foamfile/ListHeader.h"
 #include "foamfile/OFFile.h"
 #include "fuzz/FuzzHarness.h"
 #include "support/TempFolder.h"
@@ -19,6 +21,7 @@ enum Flag : std::uint8_t
     MANY_THREADS = 2,
     GZIP = 4,
     DAMAGED_GZIP = 8,
+    EXTENDED = 16,
     LONG = 128
 };
 
@@ -35,6 +38,7 @@ struct FileRequest
     dvn::Str path;
     std::string_view text;
     bool hasHeader;
+    Reading reading;
     std::uint8_t choice;
 };
 
@@ -49,7 +53,8 @@ void runFile(FuzzInput input)
     const std::uint8_t choice = input.byte();
     const Reader reader = ALL[input.byte() % ALL.size()];
     const std::string text = expanded(input.rest(), (flags & LONG) != 0 ? LONG_CHUNKS : USUAL_CHUNKS);
-    const FileRequest request{folder.str("file"), text, (flags & WITHOUT_HEADER) == 0, choice};
+    const FileRequest request{folder.str("file"), text, (flags & WITHOUT_HEADER) == 0,
+                              (flags & EXTENDED) != 0 ? Reading::Extended : Reading::Plain, choice};
     const auto read = [&](Outcome* outcome) { reader(request, outcome); };
     folder.write("file", text);
     const Outcome plain = observe(1, read);
@@ -118,18 +123,52 @@ FacesData roomFor(std::size_t faceCount)
     return {std::vector<std::uint8_t>(faceCount), std::vector<int>(faceCount), {}};
 }
 
+/// Reads the lists of a file one after the other, each with a count on a line of its own. `read` takes a source, a
+/// count and the target.
+template <typename Value, typename Read>
+void readListsAt(const FileRequest& request, Outcome* outcome, std::size_t components, const Read& read)
+{
+    FoamFile file;
+    file.reading = request.reading;
+    int count = 0;
+    for (bool isGood = file.open(request.path); isGood && file.text.readCountLine(&count);) {
+        // Whether the file can hold it depends on the file's form.
+        outcome->isDoubtful |= static_cast<std::uint32_t>(count) * components > request.text.size();
+        std::vector<Value> values;
+        isGood = read(file.text, static_cast<std::uint32_t>(count), &values);
+        outcome->add(isGood);
+        if (isGood) {
+            outcome->add(values);
+        }
+    }
+}
+
 void readLabels(const FileRequest& request, Outcome* outcome)
 {
     std::vector<int> labels;
     int cellCount = -1;
-    outcome->add(OFFile(true).readLabelList(request.path, "owner", &labels, &cellCount), labels, cellCount);
+    OFFile file(true, request.reading);
+    outcome->add(file.readLabelList(request.path, "owner", &labels, &cellCount), labels, cellCount);
+    if (request.reading == Reading::Extended) {
+        readListsAt<int>(request, outcome, 1, request.choice % 2 == 0 ? ListAt::readLabels : ListAt::readFlags);
+    }
 }
 
 void readPoints(const FileRequest& request, Outcome* outcome)
 {
     std::vector<double> points;
-    const bool isRead = OFFile(request.hasHeader).readVectorField(request.path, "points", &points);
+    const bool isRead = OFFile(request.hasHeader, request.reading).readVectorField(request.path, "points", &points);
     outcome->add(isRead, points);
+    if (request.reading == Reading::Extended) {
+        static constexpr std::array<ListItems, 6> ITEMS = {ListItems::scalars(),          ListItems::vectors(),
+                                                           ListItems::sphericalTensors(), ListItems::symmTensors(),
+                                                           ListItems::tensors(),          ListItems{2, true}};
+        const ListItems& items = ITEMS[request.choice % ITEMS.size()];
+        readListsAt<double>(request, outcome, items.components,
+                            [&items](TextSource& text, std::size_t count, std::vector<double>* values) {
+                                return ListAt::readReals(text, count, items, values);
+                            });
+    }
     // The sequential reader accepts more forms of vectors, but if both read the whole list they must agree. Zeros at
     // the end may be vectors that the parallel reader refused.
     std::vector<double> walked(points.size());
@@ -147,7 +186,8 @@ void readPoints(const FileRequest& request, Outcome* outcome)
 void readFaces(const FileRequest& request, Outcome* outcome)
 {
     FacesData faces;
-    outcome->add(OFFile(request.hasHeader).readFaceList(request.path, "faces", &faces), asOutcome(faces).bytes);
+    outcome->add(OFFile(request.hasHeader, request.reading).readFaceList(request.path, "faces", &faces),
+                 asOutcome(faces).bytes);
     // The parallel reader refuses more, so if it accepts all faces of a list, the sequential one must as well.
     FacesData walked = roomFor(faces.faceCount());
     OFFile walk(request.hasHeader);
@@ -220,7 +260,7 @@ void readField(const FileRequest& request, Outcome* outcome)
         }
         patchValues.emplace_back(faces * (isTensor ? 9 : components), -2.0);
     }
-    OFFile file(request.hasHeader);
+    OFFile file(request.hasHeader, request.reading);
     const bool isRead = file.readValuesOfCellAndBoundaries(request.path, "p", className, &values, patches, patchValues);
     outcome->add(isRead, file.interiorWasRead(), values, patchValues);
 }

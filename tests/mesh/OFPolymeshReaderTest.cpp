@@ -2,9 +2,11 @@
 #include "mesh/OFPolymeshReader.h"
 #include "support/CaseFiles.h"
 #include "support/LogCapture.h"
+#include "support/RawText.h"
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <stdexcept>
 
 namespace {
@@ -45,6 +47,72 @@ TEST(PolymeshReader, EveryFormGivesTheSameMesh)
         OFPolymesh sequential;
         EXPECT_TRUE(reader.readPolymeshSeq(folder.str(form), &sequential));
         expectEqual(sequential, expected);
+    }
+}
+
+// Coordinates of unit cubes are exact in 32 bits too. The lists are longer than one block of the conversion, and the
+// owners have no note.
+TEST(PolymeshReader, ExtendedReadingTakesEveryWidthAndOrderOfBytes)
+{
+    const TempFolder folder;
+    const OFPolymesh expected = hexahedronMesh(15, 15, 15);
+    for (const RawWidths& widths : std::initializer_list<RawWidths>{
+             {32, 64, false}, {64, 64, false}, {32, 32, false}, {64, 32, false}, {32, 64, true}, {64, 32, true}}) {
+        SCOPED_TRACE(archOf(widths));
+        const MeshFiles files = rawMeshFiles(expected, widths);
+        writeMesh(folder, "plain", files);
+        writeMesh(folder, "gzip",
+                  {gzipped(files.points), gzipped(files.faces), gzipped(files.owner), gzipped(files.neighbour)});
+        for (const char* const form : {"plain", "gzip"}) {
+            OFPolymesh mesh;
+            EXPECT_TRUE(OFPolymeshReader(Reading::Extended).read(folder.str(form), &mesh));
+            expectEqual(mesh, expected);
+            OFPolymesh sequential;
+            EXPECT_TRUE(OFPolymeshReader(Reading::Extended).readPolymeshSeq(folder.str(form), &sequential));
+            EXPECT_EQ(sequential.cellCount(), expected.cellCount());
+        }
+    }
+}
+
+TEST(PolymeshReader, ExtendedReadingCountsCellsByTheLargestLabel)
+{
+    const TempFolder folder;
+    const struct
+    {
+        std::vector<int> owners;
+        std::vector<int> neighbours;
+        std::size_t cells;
+    } meshes[] = {{{0, 5, 2}, {6}, 7}, {{0, 8, 2}, {6}, 9}, {{}, {}, 0}, {{2147483647}, {}, 2147483647}};
+    for (const auto& [owners, neighbours, cells] : meshes) {
+        const OFPolymesh box = hexahedronMesh(1, 1, 1);
+        MeshFiles files = asciiFiles(box);
+        const auto labelFile = [](const std::string& object, const std::vector<int>& labels) {
+            return foamtext::header("labelList", object) + foamtext::list(labels.size(), foamtext::labels(labels));
+        };
+        files.owner = labelFile("owner", owners);
+        files.neighbour = labelFile("neighbour", neighbours);
+        writeMesh(folder, "mesh", files);
+        OFPolymesh mesh;
+        const LogCapture log;
+        EXPECT_TRUE(OFPolymeshReader(Reading::Extended).read(folder.str("mesh"), &mesh));
+        EXPECT_EQ(mesh.cellCount(), cells);
+        EXPECT_EQ(joined(log.errors()), "");
+    }
+}
+
+TEST(PolymeshReader, ExtendedReadingRefusesHeadersWithoutObjectOrClass)
+{
+    const TempFolder folder;
+    const MeshFiles good = asciiFiles(hexahedronMesh(1, 1, 1));
+    for (const char* const key : {"object", "class"}) {
+        writeMesh(folder, "mesh",
+                  {without(good.points, key), without(good.faces, key), without(good.owner, key),
+                   without(good.neighbour, key)});
+        OFPolymesh mesh;
+        const LogCapture log;
+        EXPECT_TRUE(OFPolymeshReader(Reading::Extended).read(folder.str("mesh"), &mesh));
+        EXPECT_EQ(log.errors().size(), 4U) << joined(log.errors());
+        EXPECT_EQ(mesh.cellCount(), 0U);
     }
 }
 

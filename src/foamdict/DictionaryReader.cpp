@@ -178,6 +178,11 @@ void DictionaryReader::readEntry(File& file, const Scope& scope, Lexeme keyword,
     Entry entry;
     setKeyword(file, keyword, &entry);
     Lexeme first = next(file);
+    // A name with blanks, which mesh tools write although OpenFOAM itself would not read it.
+    while (first.kind == Lexeme::Kind::Word && (scope.keepsEqualNames || file.lexer.skipBlanks() == '{')) {
+        entry.keyword += " " + first.text;
+        first = next(file);
+    }
     if (first.is('{')) {
         entry.block = readBlock(file, scope, entry.keyword);
         // An included file has a header of its own, which says nothing about this one.

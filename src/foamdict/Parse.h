@@ -81,8 +81,8 @@ struct Content
 /// the value of `#calc`, `#eval` and `#codeStream` is an unresolved token. Environment variables are not looked up,
 /// since they belong to the process that reads, not to the case.
 ///
-/// Two forms that OpenFOAM refuses are read: a value whose ";" is missing before "}" or at the end of the file, and
-/// words that begin like a number ("2nd").
+/// Three forms that OpenFOAM refuses are read: a value whose ";" is missing before "}" or at the end of the file, words
+/// that begin like a number ("2nd"), and names of blocks that have blanks ("left side { ... }").
 Content parse(CharSource& chars, const Place& place, Client& client);
 
 } // namespace foamdict

@@ -164,9 +164,9 @@ void compareReaders(const std::filesystem::path& folder)
 
 void runCase(FuzzInput input)
 {
-    static constexpr std::array<const char*, 7> SWITCHES = {
-        "LOAD_BC_PARTS",     "LOAD_CELL_ZONES", "LOAD_FACE_ZONES",         "LOAD_GLOBAL_MESH",
-        "LOAD_LOCAL_MESHES", "NODE_AVG_RES",    "HIDE_PARALLEL_INTERFACES"};
+    static constexpr std::array<const char*, 8> SWITCHES = {
+        "LOAD_BC_PARTS",     "LOAD_CELL_ZONES", "LOAD_FACE_ZONES",          "LOAD_GLOBAL_MESH",
+        "LOAD_LOCAL_MESHES", "NODE_AVG_RES",    "HIDE_PARALLEL_INTERFACES", "EXTENDED_READING"};
     const TempFolder folder;
     const std::filesystem::path caseFolder = folder.path() / "case";
     const std::uint8_t flags = input.byte();

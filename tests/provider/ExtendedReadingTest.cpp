@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: MIT
+//
+// What a host gets that asks for extended reading: cases as OpenFOAM and its users write them.
+
+#include "support/LogCapture.h"
+#include "support/OpenCase.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+using foamtext::header;
+
+namespace {
+
+using Values = std::vector<double>;
+using Groups = std::vector<Values>;
+
+constexpr double UNDEFINED = 1.7976931348623157e308;
+
+/// The patches of two cubes: the face x = 0, the faces of cell 0 at its sides, and all other faces of cell 1.
+const char* const BOUNDARY = "( // no count\n"
+                             " in { type patch; inGroups 2(open flow); nFaces 1; startFace 1; }\n"
+                             " side { type wall; nFaces 4; startFace 2; }\n"
+                             " rest { type empty; nFaces 5; startFace 6; } )\n";
+
+class ExtendedReading : public testing::Test
+{
+protected:
+    ExtendedReading()
+    {
+        writeControlDict(m_folder);
+        writeCubes("constant/polyMesh");
+    }
+
+    void writeCubes(const std::string& meshFolder)
+    {
+        writeTwoCubes(m_folder, meshFolder);
+        m_folder.write(meshFolder + "/boundary", header("polyBoundaryMesh", "boundary") + BOUNDARY);
+        std::filesystem::remove(m_folder / (meshFolder + "/cellZones"));
+    }
+    void writeVelocity(const std::string& time, const std::string& patches,
+                       const std::string& interior = "nonuniform List<vector> 2((1 2 3) (4 5 6))")
+    {
+        m_folder.write(time + "/U", header("volVectorField", "U") + "dimensions [ 0 1 -1 0 0 0 0 ];\ninternalField " +
+                                        interior + ";\nboundaryField\n{\n" + patches + "\n}\n");
+    }
+    void writeScalar(const std::string& path, const std::string& interior)
+    {
+        m_folder.write(path, fieldFile("volScalarField", "p", interior, {{"\".*\"", "type zeroGradient;"}}));
+    }
+    static HostOptions extended(std::vector<std::pair<std::string, bool>> switches = {})
+    {
+        switches.emplace_back("EXTENDED_READING", true);
+        return settings(switches);
+    }
+    Groups valuesOf(const std::string& key, int stateId, const HostOptions& options = extended())
+    {
+        OpenCase openCase(m_folder.path(), options);
+        openCase.geometry();
+        return openCase.values(key, stateId);
+    }
+
+    TempFolder m_folder;
+};
+
+Values undefined(std::size_t count)
+{
+    return Values(count, UNDEFINED);
+}
+
+} // namespace
+
+TEST_F(ExtendedReading, PatchesWithoutValuesHaveThoseOfTheirType)
+{
+    // The face of the patch looks towards -x, and its cell has (1 2 3).
+    const std::pair<const char*, Values> types[] = {
+        {"type noSlip;", {0, 0, 0}},
+        {"type slip;", {0, 2, 3}},
+        {"type symmetryPlane;", {0, 2, 3}},
+        {"type fixedNormalSlip; fixedValue uniform (9 9 9);", {9, 2, 3}},
+        {"type wedge;", {1, 2, 3}},
+        {"type cyclic;", {1, 2, 3}},
+        {"type zeroGradient; value uniform (9 9 9);", {1, 2, 3}},
+        {"type processor; value nonuniform List<vector> 1{( 7 8 9 )};", {7, 8, 9}},
+        {"type inletOutlet; inletValue uniform (4 5 6);", {4, 5, 6}},
+        {"type uniformFixedValue; uniformValue (1 1 1); value uniform (7 8 9);", {7, 8, 9}},
+        {"type uniformFixedValue; uniformValue (1 1 1);", {1, 1, 1}},
+        {"type mixed; refValue uniform (0 0 0); value $vector;", {7, 8, 9}},
+        {"type fixedValue; value uniform (1 $number nan);", {1, 5, std::nan("")}},
+        {"type fixedValue;", undefined(3)},
+        {"type fixedValue; value uniform (1 2);", undefined(3)},
+        {"type fixedValue; value uniform $missing;", undefined(3)},
+        {"type fixedValue; value nonuniform List<vector> 2((1 2 3) (4 5 6));", undefined(3)},
+        {"type cyclic; value uniform (1 2 x);", undefined(3)},
+        {"type someoneElses;", undefined(3)},
+    };
+    for (const auto& [entries, expected] : types) {
+        writeVelocity("1", "vector uniform (7 8 9); number 5; in { " + std::string(entries) + " }");
+        const Groups groups = valuesOf("VELOCITY_E", 1);
+        ASSERT_EQ(groups.size(), 4U) << entries;
+        EXPECT_EQ(groups[0], (Values{1, 2, 3, 4, 5, 6})) << entries;
+        ASSERT_EQ(groups[1].size(), 3U) << entries;
+        for (std::size_t k = 0; k < 3; ++k) {
+            EXPECT_TRUE(groups[1][k] == expected[k] || (std::isnan(expected[k]) && std::isnan(groups[1][k])))
+                << entries << " has " << groups[1][k];
+        }
+        EXPECT_EQ(groups[2], undefined(12));
+        // Nobody writes an entry for the patch at the front and back.
+        EXPECT_EQ(Values(groups[3].begin(), groups[3].begin() + 3), (Values{4, 5, 6}));
+    }
+}
+
+TEST_F(ExtendedReading, PatchesAreFoundByNameThenGroupThenExpression)
+{
+    const auto entry = [](const char* name, int value) {
+        return std::string(name) + " { type fixedValue; value uniform (" + std::to_string(value) + " 0 0); }\n";
+    };
+    const std::string expressions = entry("\"i.*\"", 1) + entry("\"(in|out)\"", 2) + entry("\"n.*\"", 3);
+    const std::pair<std::string, double> files[] = {
+        {expressions + entry("flow", 4) + entry("open", 5) + entry("in", 6), 6},
+        {entry("open", 5) + entry("flow", 4) + expressions, 4},
+        {expressions, 2},
+        {entry("in", 6) + entry("in", 7), 7},
+        {"#include \"more\"\n" + entry("\"rest\"", 1), 8},
+    };
+    m_folder.write("1/more", entry("in", 8));
+    for (const auto& [patches, expected] : files) {
+        writeVelocity("1", patches);
+        EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(1).at(0), expected) << patches;
+    }
+}
+
+TEST_F(ExtendedReading, AveragesLeaveOutEmptyPatchesAndWorkWithoutPatches)
+{
+    m_folder.write("1/p", fieldFile("volScalarField", "p", "nonuniform List<scalar> 2(1 3)",
+                                    {{"in", "type fixedValue; value uniform 7;"}, {"side", "type zeroGradient;"}}));
+    // Four nodes are on the patch "in", with two faces of "side" each; of the nodes of cell 1 the left ones are on
+    // "side", and the right ones only on the empty patch.
+    const Values nodes = {3, 1, 3, 3, 1, 3, 3, 1, 3, 3, 1, 3};
+    EXPECT_EQ(valuesOf("PRESSURE_N", 1).at(0), nodes);
+    const Values fromCells = {1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3};
+    EXPECT_EQ(valuesOf("PRESSURE_N", 1, extended({{"LOAD_BC_PARTS", false}})), Groups{fromCells});
+}
+
+TEST_F(ExtendedReading, TensorsAreSixNumbersAndInternalFieldsHaveNoPatches)
+{
+    struct Form
+    {
+        const char* className;
+        const char* interior;
+        Values expected;
+    };
+    const Form forms[] = {
+        {"volSymmTensorField",
+         "internalField nonuniform List<symmTensor> 2((1 2 3 4 5 6) (6 5 4 3 2 1));",
+         {1, 2, 3, 4, 5, 6, 6, 5, 4, 3, 2, 1}},
+        {"volTensorField", "internalField uniform (1 2 3 4 5 6 7 8 9);", {1, 3, 5, 5, 7, 9, 1, 3, 5, 5, 7, 9}},
+        {"volSphericalTensorField",
+         "internalField nonuniform List<sphericalTensor> 2((2) (3));",
+         {2, 0, 0, 2, 0, 2, 3, 0, 0, 3, 0, 3}},
+        {"volScalarField::Internal", "value nonuniform List<scalar> 2(8 9);", {8, 9}},
+    };
+    for (const Form& form : forms) {
+        m_folder.write("1/a", header(form.className, "other") + "dimensions [0 0 0 0 0 0 0];\n" + form.interior +
+                                  "\nboundaryField { side { type slip; } }\n");
+        const Groups groups = valuesOf("A_E", 1);
+        ASSERT_EQ(groups.size(), 4U) << form.className;
+        EXPECT_EQ(groups[0], form.expected) << form.className;
+        EXPECT_EQ(groups[1], undefined(groups[1].size())) << form.className;
+    }
+}
+
+TEST_F(ExtendedReading, TimesAndFieldsGoByTheNamesOfTheirFiles)
+{
+    for (const char* const path : {"0/p", "0/p.orig", "0.orig/p", "3abc/p", "1e-1/beta.gas", "0/q~"}) {
+        writeScalar(path, "uniform 1");
+    }
+    m_folder.writeGz("1e-1/uniform/time.gz", "FoamFile { object other; }\nindex 12; // not the first line\n");
+    std::filesystem::create_directory_symlink("1e-1", m_folder / "2");
+    m_folder.write("0/phi", header("surfaceScalarField", "phi"));
+    m_folder.write("2/phi", header("surfaceScalarField", "phi"));
+    m_folder.write("2/lagrangian/cloud/positions", "");
+    const LogCapture log;
+    OpenCase openCase(m_folder.path(), extended());
+    EXPECT_EQ(openCase.states(), "1 Time 0.00000 #0, 2 Time 0.10000 #12, 3 Time 2.00000 #12");
+    EXPECT_EQ(openCase.results(), "1 Pressure PRESSURE_E 010 m s-1 , 2 Pressure [node] PRESSURE_N 000 m s-1 , "
+                                  "3 beta.gas BETA.GAS_E 010 m s-1 , 4 beta.gas [node] BETA.GAS_N 000 m s-1 ");
+    const Texts lines = log.infos();
+    EXPECT_EQ(std::ranges::count_if(
+                  lines, [](const std::string& line) { return line.find("Not shown: ") != std::string::npos; }),
+              2);
+}
+
+TEST_F(ExtendedReading, PiecesHaveResultsInBothLayoutsAndRegions)
+{
+    std::filesystem::remove_all(m_folder / "constant");
+    for (const char* const piece : {"processor10/constant", "processor2/constant", "processor2/constant/air"}) {
+        writeCubes(piece + std::string("/polyMesh"));
+    }
+    writeScalar("0/processor2/p", "uniform 1");
+    writeScalar("processor2/0/p", "uniform 2");
+    writeScalar("processor10/0/p", "uniform 3");
+    writeScalar("processor10/0.5/p", "uniform 4");
+    writeScalar("processor2/0.5/air/p", "uniform 5");
+    OpenCase openCase(m_folder.path(), extended({{"LOAD_BC_PARTS", false}}));
+    EXPECT_EQ(openCase.groups(), "1 processor2 < 0 , 2 processor2/air < 0 , 3 processor10 < 0 ");
+    EXPECT_EQ(openCase.states(), "1 Time 0.00000 #0, 2 Time 0.50000 #1");
+    openCase.geometry();
+    EXPECT_EQ(openCase.values("PRESSURE_E", 1), (Groups{{1, 1}, undefined(2), {3, 3}}));
+    EXPECT_EQ(openCase.values("PRESSURE_E", 2), (Groups{undefined(2), {5, 5}, {4, 4}}));
+    writeScalar("processor10/1/p", "uniform 6");
+    EXPECT_EQ(openCase.poll(), "add 1003 Time 1.00000 #2");
+    std::filesystem::remove_all(m_folder / "processor10/1");
+    openCase.poll();
+    EXPECT_NE(openCase.poll().find("remove 3"), std::string::npos);
+
+    // A whole mesh beside the pieces is shown where it has results of its own, as after putting the pieces together.
+    writeCubes("constant/polyMesh");
+    writeScalar("0/p", "uniform 7");
+    const auto groups = [this] { return OpenCase(m_folder.path(), extended({{"LOAD_BC_PARTS", false}})).groups(); };
+    EXPECT_EQ(groups(), "1 processor2 < 0 , 2 processor2/air < 0 , 3 processor10 < 0 ");
+    writeScalar("0.5/p", "uniform 8");
+    EXPECT_EQ(groups(), "1 processor2 < 0 , 2 processor2/air < 0 , 3 processor10 < 0 , 4 default_region < 0 ");
+}
+
+TEST_F(ExtendedReading, DescriptionsMayHaveAnyLayoutAndDamageIsLeftOut)
+{
+    m_folder.write("system/controlDict", "\nFoamFile\n{\n\n object other; }\n#include \"interval\"\n");
+    m_folder.write("system/interval", "writeInterval $step; step 3;");
+    m_folder.write("constant/polyMesh/faceZones", header("regIOobject", "faceZones") +
+                                                      "2 ( one { type faceZone; faceLabels List<label> 2(0 1);"
+                                                      " flipMap List<bool> 2{0}; } none { faceLabels 0(); } )");
+    m_folder.write("constant/polyMesh/cellZones",
+                   header("regIOobject", "cellZones") + "2 ( a { cellLabels List<label> 1(1); } b { cellLabels");
+    writeScalar("0/p", "uniform 1");
+    writeScalar("1/p", "uniform 1");
+    OpenCase openCase(m_folder.path(), extended({{"LOAD_FACE_ZONES", true}}));
+    EXPECT_EQ(openCase.groups(), "1 default_region < 0 , 2 a < 1 CellZone, 3 in < 1 patch, 4 side < 1 wall, "
+                                 "5 rest < 1 empty, 6 one [FZ] < 1 FaceZone, 7 none [FZ] < 1 FaceZone");
+    EXPECT_EQ(openCase.geometry().elementGroups.at(4).types.size(), 2U);
+    // The macro stands before the entry that it names, so the interval is not known.
+    EXPECT_EQ(openCase.states(), "1 Time 0.00000 #0, 2 Time 1.00000 #1");
+}
+
+TEST_F(ExtendedReading, MovedPointsCountUntilTheNextOnesAndMustFit)
+{
+    const std::string points = fileBytes(m_folder / "constant/polyMesh/points");
+    for (const char* const time : {"0", "1", "2", "3"}) {
+        writeScalar(time + std::string("/p"), "uniform 1");
+    }
+    std::string moved = points;
+    moved.replace(moved.find("(0 0 0)"), 7, "(9 9 9)");
+    m_folder.write("1/polyMesh/points", moved);
+    m_folder.write("3/polyMesh/points", header("vectorField", "points") + "2\n(\n(0 0 0)\n(1 1 1)\n)\n");
+    const LogCapture log;
+    OpenCase openCase(m_folder.path(), extended());
+    openCase.geometry();
+    const double firstX[] = {0, 9, 9, UNDEFINED};
+    for (int state = 1; state <= 4; ++state) {
+        const Groups groups = openCase.values("POINTS", state);
+        ASSERT_EQ(groups.size(), 4U);
+        EXPECT_EQ(groups[0].size(), 36U);
+        EXPECT_EQ(groups[0][0], firstX[state - 1]);
+        EXPECT_EQ(groups[1][0], firstX[state - 1]);
+    }
+    EXPECT_NE(joined(log.infos()).find("do not fit the mesh"), std::string::npos);
+}
+
+TEST_F(ExtendedReading, ValuesOnPointsGoByTheOrderOfThePatch)
+{
+    // The face x = 0 names its nodes in the order 0 6 9 3, while a host gets them ascending.
+    m_folder.write("1/a", header("pointScalarField", "a") + "internalField nonuniform List<scalar> 12{4};\n"
+                                                            "boundaryField { in { type fixedValue; value nonuniform "
+                                                            "List<scalar> 4(0 6 9 3); } side { type calculated; } }");
+    const Groups groups = valuesOf("A_N*", 1);
+    ASSERT_EQ(groups.size(), 4U);
+    EXPECT_EQ(groups[1], (Values{0, 3, 6, 9}));
+    EXPECT_EQ(groups[2], Values(groups[2].size(), 4));
+}
+
+TEST_F(ExtendedReading, IsAskedForByTheHostElseByTheEnvironment)
+{
+    m_folder.write("constant/polyMesh/boundary", boundaryFile({{"in", "patch", 1, 1}}));
+    writeVelocity("1", "in { type noSlip; }");
+    const auto isExtended = [this](const char* variable, const HostOptions& options) {
+        setenv("OPENFOAM_PLUGIN_EXTENDED_READING", variable, 1);
+        const Groups groups = valuesOf("VELOCITY_E", 1, options);
+        unsetenv("OPENFOAM_PLUGIN_EXTENDED_READING");
+        return !groups.empty() && groups.at(1) == Values{0, 0, 0};
+    };
+    for (const char* const on : {"1", "true", "TRUE"}) {
+        EXPECT_TRUE(isExtended(on, {})) << on;
+    }
+    for (const char* const off : {"", "0", "false", "yes"}) {
+        EXPECT_FALSE(isExtended(off, {})) << off;
+    }
+    EXPECT_FALSE(isExtended("1", settings({{"EXTENDED_READING", false}})));
+    EXPECT_TRUE(isExtended("0", extended()));
+}

@@ -228,9 +228,11 @@ NodePtr PatternReader::readSequence(std::size_t depth)
     while (!isAtEnd() && !has('|') && !has(')')) {
         NodePtr item = readItem(depth);
         while (item != nullptr && (has('*') || has('+') || has('?') || has('{'))) {
+            // A start or end of the name cannot be repeated.
+            const bool isRepeatable = item->kind != Node::Kind::NameStart && item->kind != Node::Kind::NameEnd;
             NodePtr repeat = makeNode(Node::Kind::Repeat);
             repeat->children.push_back(std::move(item));
-            item = readRepetition(repeat.get()) ? std::move(repeat) : nullptr;
+            item = isRepeatable && readRepetition(repeat.get()) ? std::move(repeat) : nullptr;
         }
         if (item == nullptr) {
             return nullptr;

@@ -64,8 +64,10 @@ inline constexpr std::size_t INCLUDE_DEPTH = 16;
 inline constexpr std::size_t INCLUDE_COUNT = 1024;
 /// How many bytes of included files are read as text.
 inline constexpr std::size_t INCLUDE_BYTES = std::size_t{64} << 20U;
-/// How many bytes macros may copy: blocks that copy the one before twice double with each line.
-inline constexpr std::size_t MACRO_BYTES = std::size_t{64} << 20U;
+/// How many bytes macros may copy, and how many more for each byte that was read: blocks that copy the one before twice
+/// double with each line. In an honest file each of very many patches copies one block.
+inline constexpr std::size_t MACRO_BYTES = std::size_t{16} << 20U;
+inline constexpr std::size_t MACRO_RATIO = 256;
 /// How many characters and entries may be compared to find what macros and removals name.
 inline constexpr std::size_t MACRO_STEPS = 100000000;
 /// The longest name of a macro.

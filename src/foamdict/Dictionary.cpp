@@ -83,8 +83,12 @@ void Dictionary::replace(Entry entry)
 void Dictionary::merge(Entry entry)
 {
     Entry* const existing = findEntry(entry.keyword, entry.isPattern);
-    if (existing == nullptr || existing->block == nullptr || entry.block == nullptr) {
-        replace(std::move(entry));
+    if (existing == nullptr) {
+        append(std::move(entry));
+        return;
+    }
+    if (existing->block == nullptr || entry.block == nullptr) {
+        *existing = std::move(entry);
         return;
     }
     for (Entry& inner : entry.block->m_entries) {

@@ -38,8 +38,10 @@ void DictionaryReader::stop(const File& file, const std::string& problem)
 Lexeme DictionaryReader::next(File& file)
 {
     Lexeme lexeme = file.lexer.next();
-    m_includedBytes += file.isIncluded ? file.lexer.taken() - file.counted : 0;
-    file.counted = file.lexer.taken();
+    const std::size_t bytes = file.lexer.taken() - file.counted;
+    file.counted += bytes;
+    m_readBytes += bytes;
+    m_includedBytes += file.isIncluded ? bytes : 0;
     // guard: include-bytes
     if (m_includedBytes > dvf::limits::INCLUDE_BYTES) {
         stop(file, "too much text is included");
@@ -186,7 +188,7 @@ void DictionaryReader::readEntry(File& file, const Scope& scope, Lexeme keyword,
     if (first.is('{')) {
         entry.block = readBlock(file, scope, entry.keyword);
         // An included file has a header of its own, which says nothing about this one.
-        if (entry.keyword == "FoamFile" && (file.isIncluded || scope.outer == nullptr)) {
+        if (entry.keyword == "FoamFile" && (file.isIncluded || (scope.outer == nullptr && !scope.keepsEqualNames))) {
             takeHeader(file, std::move(entry.block));
         } else if (entry.block != nullptr) {
             add(file, scope, std::move(entry), mode);

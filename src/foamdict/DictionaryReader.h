@@ -47,7 +47,7 @@ private:
         std::string path;
         bool isIncluded = false;
         std::size_t openConditions = 0; ///< of `#if` whose entries are being read
-        std::size_t counted = 0;        ///< characters of an included file that are in `m_includedBytes`
+        std::size_t counted = 0;        ///< characters that are in `m_readBytes`
     };
     /// What ends a run of entries.
     enum class Ending
@@ -92,6 +92,7 @@ private:
     void takeToken(File& file, const Scope& scope, Lexeme lexeme, Value* value);
     void takePunctuation(File& file, Lexeme lexeme, Value* value);
     bool readList(File& file, const Lexeme& count, Value* value);
+    bool countTokens(File& file, std::size_t count);
     bool keep(File& file, Token token, Value* value);
 
     // Macros (DictionaryReaderMacros.cpp)
@@ -135,6 +136,7 @@ private:
     std::size_t m_tokenCount = 0;
     std::size_t m_entryCount = 0;
     std::size_t m_copiedBytes = 0;
+    std::size_t m_readBytes = 0;
     std::size_t m_includeCount = 0;
     std::size_t m_includedBytes = 0;
     std::size_t m_patternStates = 0;

@@ -57,7 +57,7 @@ bool DictionaryReader::countCopy(File& file, std::size_t bytes)
 {
     m_copiedBytes += bytes;
     // guard: macro-bytes
-    if (m_copiedBytes > dvf::limits::MACRO_BYTES) {
+    if (m_copiedBytes > dvf::limits::MACRO_BYTES + dvf::limits::MACRO_RATIO * m_readBytes) {
         stop(file, "macros copy too much");
     }
     return !m_isStopped;
@@ -121,7 +121,7 @@ std::unique_ptr<Dictionary> DictionaryReader::copyBlock(File& file, const Dictio
         for (const Token& token : entry.tokens) {
             bytes += sizeof(Token) + token.text.size();
         }
-        if (!countCopy(file, bytes) || !countEntry(file)) {
+        if (!countCopy(file, bytes) || !countEntry(file) || !countTokens(file, entry.tokens.size())) {
             return nullptr;
         }
         Entry same;

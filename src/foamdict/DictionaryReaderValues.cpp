@@ -108,11 +108,19 @@ void DictionaryReader::takePunctuation(File& file, Lexeme lexeme, Value* value)
     keep(file, tokenOf(std::move(lexeme)), value);
 }
 
+bool DictionaryReader::countTokens(File& file, std::size_t count)
+{
+    m_tokenCount += count;
+    // guard: dictionary-tokens
+    if (m_tokenCount > dvf::limits::DICTIONARY_TOKENS) {
+        stop(file, "too many values");
+    }
+    return !m_isStopped;
+}
+
 bool DictionaryReader::keep(File& file, Token token, Value* value)
 {
-    // guard: dictionary-tokens
-    if (++m_tokenCount > dvf::limits::DICTIONARY_TOKENS) {
-        stop(file, "too many values");
+    if (!countTokens(file, 1)) {
         return false;
     }
     value->tokens.push_back(std::move(token));

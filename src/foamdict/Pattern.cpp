@@ -228,9 +228,11 @@ NodePtr PatternReader::readSequence(std::size_t depth)
     while (!isAtEnd() && !has('|') && !has(')')) {
         NodePtr item = readItem(depth);
         while (item != nullptr && (has('*') || has('+') || has('?') || has('{'))) {
+            // A start or end of the name cannot be repeated.
+            const bool isRepeatable = item->kind != Node::Kind::NameStart && item->kind != Node::Kind::NameEnd;
             NodePtr repeat = makeNode(Node::Kind::Repeat);
             repeat->children.push_back(std::move(item));
-            item = readRepetition(repeat.get()) ? std::move(repeat) : nullptr;
+            item = isRepeatable && readRepetition(repeat.get()) ? std::move(repeat) : nullptr;
         }
         if (item == nullptr) {
             return nullptr;
@@ -372,7 +374,7 @@ public:
     explicit StateWriter(std::vector<State>* states) : m_states(*states) {}
 
     /// @return false if there would be too many states
-    bool write(const Node& node);
+    bool emit(const Node& node);
     bool add(State state)
     {
         m_states.push_back(state);
@@ -381,14 +383,14 @@ public:
 
 private:
     std::uint32_t place() const { return static_cast<std::uint32_t>(m_states.size()); }
-    bool writeAlternatives(const Node& node);
-    bool writeRepeat(const Node& node);
+    bool emitAlternatives(const Node& node);
+    bool emitRepeat(const Node& node);
 
     std::vector<State>& m_states;
     std::size_t m_visits = 0;
 };
 
-bool StateWriter::write(const Node& node)
+bool StateWriter::emit(const Node& node)
 {
     // guard: pattern-states
     // Visits count as well as states: repetitions of nothing make no state.
@@ -403,22 +405,22 @@ bool StateWriter::write(const Node& node)
     case Node::Kind::NameEnd:
         return add({State::Kind::NameEnd, 0, 0});
     case Node::Kind::Alternatives:
-        return writeAlternatives(node);
+        return emitAlternatives(node);
     case Node::Kind::Repeat:
-        return writeRepeat(node);
+        return emitRepeat(node);
     case Node::Kind::Sequence:
         break;
     }
-    return std::ranges::all_of(node.children, [this](const NodePtr& child) { return write(*child); });
+    return std::ranges::all_of(node.children, [this](const NodePtr& child) { return emit(*child); });
 }
 
 /// For each child but the last: a split to it and past it, and a jump from its end to the end of all.
-bool StateWriter::writeAlternatives(const Node& node)
+bool StateWriter::emitAlternatives(const Node& node)
 {
     std::vector<std::uint32_t> jumps;
     for (std::size_t i = 0; i + 1 < node.children.size(); ++i) {
         const std::uint32_t split = place();
-        if (!add({State::Kind::Split, split + 1, 0}) || !write(*node.children[i])) {
+        if (!add({State::Kind::Split, split + 1, 0}) || !emit(*node.children[i])) {
             return false;
         }
         jumps.push_back(place());
@@ -427,7 +429,7 @@ bool StateWriter::writeAlternatives(const Node& node)
         }
         m_states[split].b = place();
     }
-    if (!write(*node.children.back())) {
+    if (!emit(*node.children.back())) {
         return false;
     }
     for (const std::uint32_t jump : jumps) {
@@ -437,17 +439,17 @@ bool StateWriter::writeAlternatives(const Node& node)
     return true;
 }
 
-bool StateWriter::writeRepeat(const Node& node)
+bool StateWriter::emitRepeat(const Node& node)
 {
     const Node& child = *node.children.front();
     for (std::size_t i = 0; i < node.least; ++i) {
-        if (!write(child)) {
+        if (!emit(child)) {
             return false;
         }
     }
     if (node.most == UNBOUNDED) {
         const std::uint32_t split = place();
-        if (!add({State::Kind::Split, split + 1, 0}) || !write(child) || !add({State::Kind::Split, split, split})) {
+        if (!add({State::Kind::Split, split + 1, 0}) || !emit(child) || !add({State::Kind::Split, split, split})) {
             return false;
         }
         m_states[split].b = place();
@@ -456,7 +458,7 @@ bool StateWriter::writeRepeat(const Node& node)
     std::vector<std::uint32_t> splits;
     for (std::size_t i = node.least; i < node.most; ++i) {
         splits.push_back(place());
-        if (!add({State::Kind::Split, place() + 1, 0}) || !write(child)) {
+        if (!add({State::Kind::Split, place() + 1, 0}) || !emit(child)) {
             return false;
         }
     }
@@ -524,7 +526,7 @@ Pattern::Pattern(std::string_view text)
     }
     const NodePtr root = PatternReader(text.substr(ignoresCase ? ANY_CASE.size() : 0), ignoresCase, &m_sets).read();
     StateWriter writer(&m_states);
-    if (root == nullptr || !writer.write(*root) || !writer.add({State::Kind::Accept, 0, 0})) {
+    if (root == nullptr || !writer.emit(*root) || !writer.add({State::Kind::Accept, 0, 0})) {
         m_states.clear();
     }
 }

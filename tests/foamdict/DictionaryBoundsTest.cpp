@@ -74,6 +74,9 @@ TEST(DictionaryBounds, MacrosMayNotMultiply)
     }
     expectStop(values, "macros copy too much");
     expectStop("s \"" + std::string(100000, 'x') + "\";\n v" + repeated(" $s", 1000) + ";", "macros copy too much");
+    // Any number of patches may share one block.
+    const std::string block = "b { x0 (1 2 3); x1 4; x2 5; x3 6; x4 7; x5 8; x6 9; x7 10; x8 11; x9 12; } ";
+    EXPECT_EQ(reread(block + "c { " + repeated("p { $..b; } ", 50000) + " }").find("->"), std::string::npos);
 }
 
 TEST(DictionaryBounds, SearchesMayNotTakeTooLong)

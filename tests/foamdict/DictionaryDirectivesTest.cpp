@@ -3,26 +3,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-struct Case
-{
-    const char* text;
-    const char* expected;
-};
-
-void expectAll(const std::vector<Case>& cases)
-{
-    for (const Case& row : cases) {
-        EXPECT_EQ(reread(row.text), row.expected) << row.text;
-    }
-}
-
-} // namespace
-
 TEST(DictionaryDirectives, InputModesDecideAboutSecondEntries)
 {
-    expectAll({
+    expectRead({
         {"a 1; b { c 1; } #inputMode protect\na 2; b { d 2; } e 3;", "a 1; b { c 1; } e 3;"},
         {"a 1; b { c 1; } #inputMode overwrite\na 2; b { d 2; }", "a 2; b { d 2; }"},
         {"b { c 1; } #inputMode overwrite\n#inputMode merge\nb { d 2; }", "b { c 1; d 2; }"},
@@ -36,7 +19,7 @@ TEST(DictionaryDirectives, InputModesDecideAboutSecondEntries)
 
 TEST(DictionaryDirectives, RemoveTakesNamesAndExpressions)
 {
-    expectAll({
+    expectRead({
         {"a 1; bb 2; bc 3; d { x 1; } #remove a\n#remove (\"b.\" d)\ne 1;", "e 1;"},
         {"a 1; b { a 2; #remove a\nc 3; }", "a 1; b { c 3; }"},
         {"a 1; #remove ; b 2;", "a 1; -> case/system/dict, line 1: #remove without names"},
@@ -45,7 +28,7 @@ TEST(DictionaryDirectives, RemoveTakesNamesAndExpressions)
 
 TEST(DictionaryDirectives, ConditionsChooseEntries)
 {
-    expectAll({
+    expectRead({
         {"x on; #if $x\na 1;\n#else\na 2;\n#endif\nb 3;", "x on; a 1; b 3;"},
         {"#if off\na { b 1;\n#else\na 2;\n#endif\nb 3;", "a 2; b 3;"},
         {"#if 0\n#if 1\na 1;\n#else\na 2;\n#endif\n#else\na 3;\n#if 2\nb 4;\n#endif\n#endif\nc 5;", "a 3; b 4; c 5;"},
@@ -60,7 +43,7 @@ TEST(DictionaryDirectives, ConditionsChooseEntries)
 
 TEST(DictionaryDirectives, ComputedValuesAreSkippedWhole)
 {
-    expectAll({
+    expectRead({
         {"a #calc \"1; + }\"; b (#eval{ 2*(3+$x) } 4); c #codeStream { code #{ } ; #}; d { } }; e #calc #{ 5; #}; f 6;",
          "a #calc; b ( #eval 4 ); c #codeStream; e #calc; f 6;"},
         {"#calc \"x\"\na 1; #other b { 2;\nc 3; #includeEtc \"x\" d 4; e { #includeFunc f(p,U) }",

@@ -10,19 +10,6 @@ using foamdict::Token;
 
 namespace {
 
-struct Case
-{
-    const char* text;
-    const char* expected;
-};
-
-void expectAll(const std::vector<Case>& cases)
-{
-    for (const Case& row : cases) {
-        EXPECT_EQ(reread(row.text), row.expected) << row.text;
-    }
-}
-
 std::string kindsOf(const std::vector<Token>& tokens)
 {
     std::string kinds;
@@ -36,7 +23,7 @@ std::string kindsOf(const std::vector<Token>& tokens)
 
 TEST(DictionaryGrammar, ReadsEntriesAndBlocksInAnyLayout)
 {
-    expectAll({
+    expectRead({
         {"a 1;b 2 ; c;", "a 1; b 2; c;"},
         {"a{b{c 1;}}d{};e 2;;f 3;", "a { b { c 1; } } d { } e 2; f 3;"},
         {"a\r\n\t1\r\n;", "a 1;"},
@@ -48,7 +35,7 @@ TEST(DictionaryGrammar, ReadsEntriesAndBlocksInAnyLayout)
 
 TEST(DictionaryGrammar, CommentsSeparateWordsAndHideNothingElse)
 {
-    expectAll({
+    expectRead({
         {"a/* ; */1/**/2;", "a 1 2;"},
         {"a 1; /*/ b 2; */ c 3; // d 4;\ne 5; /***/ f 6;", "a 1; c 3; e 5; f 6;"},
         {"a \"x//y /* z\"; // last line", "a \"x//y /* z\";"},
@@ -58,7 +45,7 @@ TEST(DictionaryGrammar, CommentsSeparateWordsAndHideNothingElse)
 
 TEST(DictionaryGrammar, WordsKeepBalancedBracketsAndWhatFollowsANumber)
 {
-    expectAll({
+    expectRead({
         {"div(phi,U) Gauss; div((nuEff*dev2(T(grad(U))))) x;", "div(phi,U) Gauss; div((nuEff*dev2(T(grad(U))))) x;"},
         {"thermo:rho 1; alpha.water 2; T<a,b> 3;", "thermo:rho 1; alpha.water 2; T<a,b> 3;"},
         {"inGroups 2(wall sides);", "inGroups 2 ( wall sides );"},
@@ -96,7 +83,7 @@ u"; d #{ v; "w" # } #};)x",
 
 TEST(DictionaryGrammar, LaterEntriesReplaceAndBlocksMerge)
 {
-    expectAll({
+    expectRead({
         {"a 1; b 2; a 3;", "a 3; b 2;"},
         {"b { c 1; d { e 1; } } b { c 2; d { f 2; } }", "b { c 2; d { e 1; f 2; } }"},
         {"a 1; a { x 1; } b { x 1; } b 2;", "a { x 1; } b 2;"},
@@ -147,7 +134,7 @@ TEST(DictionaryGrammar, TheLastMatchingExpressionCounts)
 
 TEST(DictionaryGrammar, AListOfEntriesKeepsOrderAndEqualNames)
 {
-    expectAll({
+    expectRead({
         {"2 ( inlet { type patch; } outlet { type wall; } )", "( inlet { type patch; } outlet { type wall; } )"},
         {"FoamFile { class x; } // c\n\n( b { x 1; } a { } b { y 2; } )", "( b { x 1; } a { } b { y 2; } )"},
         {"0()", "(  )"},
@@ -250,7 +237,7 @@ TEST(DictionaryGrammar, ListsGoToTheClientWhereverItStops)
 
 TEST(DictionaryGrammar, StopsAtDamageAndKeepsWhatIsWhole)
 {
-    expectAll({
+    expectRead({
         {"a 1;\nb { c 2; d (3", "a 1; b { c 2; } -> case/system/dict, line 2: a bracket is not closed"},
         {"a 1; b { c 2; ", "a 1; b { c 2; } -> case/system/dict, line 1: a \"}\" is missing"},
         {"a 1;\n}\nb 2;", "a 1; -> case/system/dict, line 2: \"}\" where a keyword is expected"},
@@ -266,7 +253,7 @@ TEST(DictionaryGrammar, StopsAtDamageAndKeepsWhatIsWhole)
 TEST(DictionaryGrammar, EveryPrefixKeepsTheEntriesThatAreWhole)
 {
     // One piece of the text after the other, and what it adds.
-    const std::vector<Case> pieces = {
+    const std::vector<TextCase> pieces = {
         {"FoamFile { class a; object \"b\"; } ", ""},
         {"a 1; ", "a 1; "},
         {"b { c (2 3); d { \"e.*\" [4]; } } ", "b { c ( 2 3 ); d { \"e.*\" [ 4 ]; } } "},
@@ -278,7 +265,7 @@ TEST(DictionaryGrammar, EveryPrefixKeepsTheEntriesThatAreWhole)
     };
     std::string before;
     std::string whole;
-    for (const Case& piece : pieces) {
+    for (const TextCase& piece : pieces) {
         for (std::size_t length = 0; length <= std::string_view(piece.text).size(); ++length) {
             TextClient client;
             client.files["case/system/x"] = "y { z 1; }";

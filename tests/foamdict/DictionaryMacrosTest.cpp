@@ -3,26 +3,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-struct Case
-{
-    const char* text;
-    const char* expected;
-};
-
-void expectAll(const std::vector<Case>& cases)
-{
-    for (const Case& row : cases) {
-        EXPECT_EQ(reread(row.text), row.expected) << row.text;
-    }
-}
-
-} // namespace
-
 TEST(DictionaryMacros, LookInTheOwnBlockThenOutward)
 {
-    expectAll({
+    expectRead({
         {"a 1; b { c $a; a 2; d $a; e { f $a; } }", "a 1; b { c 1; a 2; d 2; e { f 2; } }"},
         {"a $b; b 1;", "a $b; b 1;"},
         // A second block of the same name is read before it is merged with the first.
@@ -33,7 +16,7 @@ TEST(DictionaryMacros, LookInTheOwnBlockThenOutward)
 
 TEST(DictionaryMacros, NamesMayBeScopedByDotsColonsAndPaths)
 {
-    expectAll({
+    expectRead({
         {"b { d { e 1; } } x $b.d.e; c { y $b.d.e; z $:b.d.e; w $^b.d.e; }",
          "b { d { e 1; } } x 1; c { y $b.d.e; z 1; w 1; }"},
         {"a.b 1; x $a.b; c.d { e 2; } y $c.d.e; f.g 3; f.g.h 4; z $f.g.h;",
@@ -47,7 +30,7 @@ TEST(DictionaryMacros, NamesMayBeScopedByDotsColonsAndPaths)
 
 TEST(DictionaryMacros, ValuesAreReplacedAtAnyDepth)
 {
-    expectAll({
+    expectRead({
         {"a 1 (2); v ($a ($a) [$a] {$a;});", "a 1 ( 2 ); v ( 1 ( 2 ) ( 1 ( 2 ) ) [ 1 ( 2 ) ] { 1 ( 2 ) ; } );"},
         {"a \"$b\"; b $a;", "a \"$b\"; b \"$b\";"},
         {"a; v 1 $a 2;", "a; v 1 2;"},
@@ -57,7 +40,7 @@ TEST(DictionaryMacros, ValuesAreReplacedAtAnyDepth)
 
 TEST(DictionaryMacros, BlocksAreCopied)
 {
-    expectAll({
+    expectRead({
         {"b { c 1; d { e 2; } } f $b; g { h $..b }",
          "b { c 1; d { e 2; } } f { c 1; d { e 2; } } g { h { c 1; d { e 2; } } }"},
         {"b { c 1; d { e 2; } } f { $b; c 3; d { g 4; } }", "b { c 1; d { e 2; } } f { c 3; d { e 2; g 4; } }"},
@@ -65,7 +48,7 @@ TEST(DictionaryMacros, BlocksAreCopied)
         {"b { a 1; b 2; c 3; } $b;", "b 2; a 1; c 3;"},
         {"\"p.*\" { c 1; } q { $px; } r $px;", "\"p.*\" { c 1; } q { c 1; } r $px;"},
         {"k in; $k { x 1; } s \"w.*\"; $s { y 2; } $t { z 3; } n 4; $n;",
-         "k in; in { x 1; } s \"w.*\"; \"w.*\" { y 2; } $t { z 3; } n 4;"},
+         "k in; in { x 1; } s \"w.*\"; \"w.*\" { y 2; } \"$t\" { z 3; } n 4;"},
     });
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foamdict/DictionaryText.h"
 
+#include <gtest/gtest.h>
+
 using foamdict::Content;
 using foamdict::Dictionary;
 using foamdict::Entry;
@@ -15,6 +17,15 @@ std::string inQuotes(std::string_view text)
         result += c == '"' ? "\\\"" : std::string(1, c);
     }
     return result + "\"";
+}
+
+std::string keywordText(const Entry& entry)
+{
+    // Quoted names that are no words stay in quotes.
+    const bool isWord = !entry.keyword.empty() &&
+                        entry.keyword.find_first_of(" \t\n\v\f\r;{}\"'/") == std::string::npos &&
+                        std::string_view("#$()[]:,=*").find(entry.keyword.front()) == std::string_view::npos;
+    return entry.isPattern || !isWord ? inQuotes(entry.keyword) : entry.keyword;
 }
 
 std::string textOf(const Token& token)
@@ -40,7 +51,7 @@ std::string textOf(const Dictionary& dictionary)
 {
     std::string text;
     for (const Entry& entry : dictionary.entries()) {
-        text += (text.empty() ? "" : " ") + (entry.isPattern ? inQuotes(entry.keyword) : entry.keyword);
+        text += (text.empty() ? "" : " ") + keywordText(entry);
         if (entry.block != nullptr) {
             const std::string inner = textOf(*entry.block);
             text += inner.empty() ? " { }" : " { " + inner + " }";
@@ -71,4 +82,11 @@ std::string reread(std::string_view text)
     const std::string result =
         content.items.has_value() ? "( " + textOf(*content.items) + " )" : textOf(content.entries);
     return result + (content.problem.empty() ? "" : " -> " + content.problem);
+}
+
+void expectRead(const std::vector<TextCase>& cases)
+{
+    for (const TextCase& row : cases) {
+        EXPECT_EQ(reread(row.text), row.expected) << row.text;
+    }
 }

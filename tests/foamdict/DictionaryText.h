@@ -32,3 +32,10 @@ foamdict::Content parseText(std::string_view text, foamdict::Client& client);
 
 /// What `parseText` reads: the entries of the file or, in brackets, those of its list; after them the problem, if any.
 std::string reread(std::string_view text);
+
+struct TextCase
+{
+    const char* text;
+    const char* expected; ///< what `reread` must give
+};
+void expectRead(const std::vector<TextCase>& cases);

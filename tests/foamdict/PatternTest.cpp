@@ -69,8 +69,8 @@ TEST(Pattern, MatchesWholeNames)
 TEST(Pattern, WhatIsNoExpressionMatchesNothing)
 {
     for (const char* const text :
-         {"(a",     "a)",   "[a",     "[]",    "[a-",        "*a",      "a|*", "(+)",    "a{",   "a{1",
-          "a{2,1}", "a{x}", "a{256}", "[b-a]", "[[:none:]]", "[[.a.]]", "a\\", "(a)\\1", "\\bx", "{1}"}) {
+         {"(a",   "a)",     "[a",    "[]",         "[a-",     "*a",  "a|*",    "(+)",  "a{", "a{1",  "a{2,1}",
+          "a{x}", "a{256}", "[b-a]", "[[:none:]]", "[[.a.]]", "a\\", "(a)\\1", "\\bx", "^*", "a|$+", "{1}"}) {
         const Pattern pattern(text);
         EXPECT_FALSE(pattern.isValid()) << text;
         EXPECT_FALSE(pattern.matches(text)) << text;

@@ -144,7 +144,7 @@ const std::vector<FuzzTarget>& fuzzTargets()
 {
     static const std::vector<FuzzTarget> targets = [] {
         std::vector<FuzzTarget> all = fileTargets();
-        for (const auto& rows : {valueTargets(), caseTargets()}) {
+        for (const auto& rows : {valueTargets(), caseTargets(), grammarTargets()}) {
             all.insert(all.end(), rows.begin(), rows.end());
         }
         return all;

@@ -98,6 +98,7 @@ struct FuzzTarget
 std::vector<FuzzTarget> fileTargets();
 std::vector<FuzzTarget> valueTargets();
 std::vector<FuzzTarget> caseTargets();
+std::vector<FuzzTarget> grammarTargets();
 const std::vector<FuzzTarget>& fuzzTargets();
 /// The target of this name; null if there is none.
 const FuzzTarget* findTarget(std::string_view name);

@@ -32,11 +32,9 @@ std::string caseFolderOf(std::string path)
 
 bool FoamChars::fillChunk()
 {
-    if (!m_text.nextChunk(&m_chunk)) {
-        return false;
-    }
-    m_next = m_chunk.begin;
-    return m_next != m_chunk.end;
+    const bool hasCome = m_text.nextChunk(&m_chunk);
+    m_next = hasCome ? m_chunk.begin : m_chunk.end;
+    return hasCome && m_next != m_chunk.end;
 }
 
 int FoamChars::peek()
@@ -146,7 +144,7 @@ void DictionaryClient::skipList(const foamdict::ListPlace& place)
     } while (depth > 0);
 }
 
-std::string textOf(const std::vector<foamdict::Token>& tokens)
+std::string joinedTokens(const std::vector<foamdict::Token>& tokens)
 {
     std::string text;
     for (const foamdict::Token& token : tokens) {

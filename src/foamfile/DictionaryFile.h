@@ -73,6 +73,6 @@ private:
 };
 
 /// The words of a value with one blank between them.
-std::string textOf(const std::vector<foamdict::Token>& tokens);
+std::string joinedTokens(const std::vector<foamdict::Token>& tokens);
 /// The text of the first token of an entry; empty if there is no such entry or it has no value.
 std::string firstWord(const foamdict::Dictionary& dictionary, std::string_view keyword);

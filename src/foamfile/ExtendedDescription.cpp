@@ -120,7 +120,7 @@ bool ExtendedDescription::readDictionary(const dvn::Str& path, const dvn::Str& /
     const foamdict::Content content = client.parse();
     for (const Entry& entry : content.entries.entries()) {
         if (entry.block == nullptr && !entry.isPattern) {
-            entries->insert_or_assign(entry.keyword, textOf(entry.tokens));
+            entries->insert_or_assign(entry.keyword, joinedTokens(entry.tokens));
         }
     }
     return true;

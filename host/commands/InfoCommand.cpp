@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "border/HostLog.h"
 #include "commands/Commands.h"
 #include "commands/GroupCounts.h"
 #include "output/TextTable.h"
@@ -125,6 +126,19 @@ Json resultDocument(const HostMetaData& metaData, const HostResultInfo& result)
             {"averageOf", source == nullptr ? Json() : Json(source->id)}};
 }
 
+/// What the library says it cannot show of the case: the texts of its log lines after "Not shown: ".
+std::vector<std::string> omissions()
+{
+    static constexpr std::string_view MARK = "Not shown: ";
+    std::vector<std::string> texts;
+    for (const HostLogLine& line : HostLog::get().lines()) {
+        if (const std::size_t mark = line.text.find(MARK); mark != std::string::npos) {
+            texts.push_back(line.text.substr(mark + MARK.size()));
+        }
+    }
+    return texts;
+}
+
 Json infoDocument(HostContext& context, const HostMetaData& metaData, const CountsById& counts)
 {
     Json document = newDocument("info");
@@ -146,6 +160,7 @@ Json infoDocument(HostContext& context, const HostMetaData& metaData, const Coun
     for (const HostResultInfo& result : metaData.results) {
         document["results"].push_back(resultDocument(metaData, result));
     }
+    document["notShown"] = omissions();
     return document;
 }
 
@@ -230,6 +245,11 @@ std::string infoTree(const HostMetaData& metaData, const CountsById& counts, con
     text += groupSection(style.faint("surfaces"), groupsOf(metaData, HostGroupKind::Surface, nullptr), counts, 0);
     text += style.faint("states") + "\n" + stateSection(metaData);
     text += style.faint("results") + "\n" + resultSection(metaData);
+    const std::vector<std::string> left = omissions();
+    text += left.empty() ? "" : style.faint("not shown") + "\n";
+    for (const std::string& omission : left) {
+        text += "  " + omission + "\n";
+    }
     return text;
 }
 

@@ -40,11 +40,11 @@ private:
     std::string m_className;
 };
 
-/// Exponents are bytes; one that is no whole number, as in "[0 0.5 0 0 0 0 0]", has no text that a host could show.
+/// Exponents are bytes; a fraction, as in "[0 0.5 0 0 0 0 0]", is cut off, since no text for a host has one.
 signed char exponentOf(double number)
 {
     constexpr double LARGEST = std::numeric_limits<signed char>::max();
-    return static_cast<signed char>(std::clamp(number, -LARGEST, LARGEST));
+    return number >= -LARGEST && number <= LARGEST ? static_cast<signed char>(number) : static_cast<signed char>(0);
 }
 
 /// Five or seven exponents in brackets; anything else has no dimensions.

@@ -274,8 +274,8 @@ bool ExtendedFieldReader::fillFromItems(const Tokens& tokens, std::vector<double
         ++next;
     }
     // guard: short-list
-    if (next >= tokens.size() || tokens[next].kind != Token::Kind::Number || tokens[next].number < 0 ||
-        tokens[next].number > static_cast<double>(SHORT_LIST)) {
+    if (next >= tokens.size() || tokens[next].kind != Token::Kind::Number ||
+        !(tokens[next].number >= 0 && tokens[next].number <= static_cast<double>(SHORT_LIST))) {
         return false;
     }
     const auto count = static_cast<std::size_t>(tokens[next++].number);

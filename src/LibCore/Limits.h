@@ -50,6 +50,8 @@ inline constexpr std::size_t NODE_SET_PROBES = 256;
 
 // --- dictionaries; a dictionary that reaches one of these is read up to there
 
+/// How far into a file its header and dimensions are looked for. Any file may lie in a time folder.
+inline constexpr std::size_t HEADER_BYTES = std::size_t{256} << 10U;
 /// How deep blocks may be nested, copies of blocks included. It also bounds the recursion over blocks.
 inline constexpr std::size_t DICTIONARY_DEPTH = 64;
 /// The most values and brackets that are kept of one dictionary; lists that are read apart do not count.

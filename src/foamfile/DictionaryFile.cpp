@@ -39,7 +39,7 @@ bool FoamChars::fillChunk()
 
 int FoamChars::peek()
 {
-    if (m_isEnded || !m_isOpen) {
+    if (m_isEnded || !m_isOpen || m_bytesLeft == 0) {
         return END;
     }
     if (m_byte != NONE) {
@@ -64,6 +64,7 @@ int FoamChars::take()
     } else if (c != END) {
         ++m_next;
     }
+    m_bytesLeft -= c == END ? 0 : 1;
     return c;
 }
 

@@ -22,6 +22,8 @@ public:
 
     /// Ends the file here, for a caller who has seen enough.
     void end();
+    /// Ends the file after so many further bytes.
+    void endAfter(std::size_t bytes) { m_bytesLeft = bytes; }
     /// Says what the header says: whether the file is binary, and in which form its raw values are. Text that is not
     /// binary comes in chunks from here on.
     void setForm(bool isBinary, const RawForm& form);
@@ -39,6 +41,7 @@ private:
     bool m_isOpen = false;
     bool m_hasChunks = false;
     bool m_isEnded = false;
+    std::size_t m_bytesLeft = static_cast<std::size_t>(-1);
     static constexpr int NONE = -2;
 };
 

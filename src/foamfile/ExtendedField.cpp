@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foamfile/ExtendedField.h"
 
+#include "LibCore/Limits.h"
 #include "foamfile/DictionaryFile.h"
 #include "foamfile/ExtendedFieldReader.h"
 
@@ -35,6 +36,7 @@ public:
     void report(const std::string& /*problem*/) override {}
 
     const std::string& className() const { return m_className; }
+    void endAfter(std::size_t bytes) { chars().endAfter(bytes); }
 
 private:
     std::string m_className;
@@ -101,6 +103,7 @@ bool ExtendedField::readHeader(const dvn::Str& path, Header* header)
     if (!client.isOpen()) {
         return false;
     }
+    client.endAfter(dvf::limits::HEADER_BYTES);
     const foamdict::Content content = client.parse();
     header->className = client.className();
     header->unit = unitOf(content.entries.find("dimensions"));

@@ -18,6 +18,8 @@ public:
     ///
     /// @return false if there is no block, it does not end, or an entry lacks its ";", which also closes the source
     bool read(TextSource& text);
+    /// The same by the grammar of dictionaries, for a block at the start of a file in any layout.
+    bool readByGrammar(TextSource& text);
     /// Reads on to the first line of the next `FoamFile` block.
     static bool skipToBlock(TextSource& text);
 

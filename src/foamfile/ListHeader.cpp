@@ -7,7 +7,7 @@ bool FoamFile::open(const dvn::Str& path)
     if (!text.open(path)) {
         return false;
     }
-    if (hasHeader && !header.read(text)) {
+    if (hasHeader && !(reading == Reading::Extended ? header.readByGrammar(text) : header.read(text))) {
         text.close();
         return false;
     }

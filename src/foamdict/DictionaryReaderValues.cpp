@@ -155,9 +155,8 @@ bool DictionaryReader::readList(File& file, const Lexeme& count, Value* value)
     if (after.is(')') && !value->isInItems) {
         after = next(file);
     }
-    if (!after.is(';')) {
-        file.lexer.putBack(std::move(after));
-    }
+    // A ";" is skipped where the next keyword is expected.
+    file.lexer.putBack(std::move(after));
     value->isEnded = true;
     return true;
 }

@@ -76,7 +76,7 @@ void DictionaryReader::readHeader(File& file, const Scope& top)
         file.lexer.putBack(std::move(first));
         return;
     }
-    readEntry(file, top, std::move(first), m_inputMode);
+    readEntry(file, top, first, m_inputMode);
 }
 
 /// Reads the file as a list of entries, if it is one.
@@ -135,7 +135,7 @@ void DictionaryReader::readEntries(File& file, const Scope& scope, Ending ending
         if (scope.keepsEqualNames && lexeme.kind == Lexeme::Kind::Number) {
             stop(file, "a number in a list of entries");
         } else if (isKeyword(lexeme)) {
-            readEntry(file, scope, std::move(lexeme), m_inputMode);
+            readEntry(file, scope, lexeme, m_inputMode);
         } else if (lexeme.kind == Lexeme::Kind::Macro) {
             readMacroStatement(file, scope, lexeme);
         } else if (lexeme.kind == Lexeme::Kind::Directive) {
@@ -172,7 +172,7 @@ bool DictionaryReader::countEntry(File& file)
     return !m_isStopped;
 }
 
-void DictionaryReader::readEntry(File& file, const Scope& scope, Lexeme keyword, InputMode mode)
+void DictionaryReader::readEntry(File& file, const Scope& scope, const Lexeme& keyword, InputMode mode)
 {
     if (!countEntry(file)) {
         return;

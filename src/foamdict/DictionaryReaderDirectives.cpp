@@ -122,7 +122,7 @@ void DictionaryReader::readEntryInMode(File& file, const Scope& scope, const std
     const InputMode mode = directive == "#default" ? InputMode::Protect : *inputMode(directive.substr(1));
     Lexeme keyword = next(file);
     if (isKeyword(keyword)) {
-        readEntry(file, scope, std::move(keyword), mode);
+        readEntry(file, scope, keyword, mode);
     } else {
         file.lexer.putBack(std::move(keyword));
     }

@@ -111,7 +111,6 @@ void DictionaryReader::takePunctuation(File& file, Lexeme lexeme, Value* value)
 bool DictionaryReader::countTokens(File& file, std::size_t count)
 {
     m_tokenCount += count;
-    // guard: dictionary-tokens
     if (m_tokenCount > dvf::limits::DICTIONARY_TOKENS) {
         stop(file, "too many values");
     }

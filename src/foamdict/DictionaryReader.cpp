@@ -20,7 +20,6 @@ std::string excerpt(const std::string& text)
 void DictionaryReader::report(const File& file, const std::string& problem)
 {
     const std::string text = file.path + ", line " + std::to_string(file.lexer.line()) + ": " + excerpt(problem);
-    // guard: dictionary-reports
     if (m_reports.size() < dvf::limits::DICTIONARY_REPORTS && m_reports.insert(text).second) {
         m_client.report(text);
     }
@@ -42,7 +41,6 @@ Lexeme DictionaryReader::next(File& file)
     file.counted += bytes;
     m_readBytes += bytes;
     m_includedBytes += file.isIncluded ? bytes : 0;
-    // guard: include-bytes
     if (m_includedBytes > dvf::limits::INCLUDE_BYTES) {
         stop(file, "too much text is included");
     } else if (lexeme.kind == Lexeme::Kind::Fault) {
@@ -76,7 +74,7 @@ void DictionaryReader::readHeader(File& file, const Scope& top)
         file.lexer.putBack(std::move(first));
         return;
     }
-    readEntry(file, top, std::move(first), m_inputMode);
+    readEntry(file, top, first, m_inputMode);
 }
 
 /// Reads the file as a list of entries, if it is one.
@@ -135,7 +133,7 @@ void DictionaryReader::readEntries(File& file, const Scope& scope, Ending ending
         if (scope.keepsEqualNames && lexeme.kind == Lexeme::Kind::Number) {
             stop(file, "a number in a list of entries");
         } else if (isKeyword(lexeme)) {
-            readEntry(file, scope, std::move(lexeme), m_inputMode);
+            readEntry(file, scope, lexeme, m_inputMode);
         } else if (lexeme.kind == Lexeme::Kind::Macro) {
             readMacroStatement(file, scope, lexeme);
         } else if (lexeme.kind == Lexeme::Kind::Directive) {
@@ -152,7 +150,6 @@ void DictionaryReader::setKeyword(File& file, const Lexeme& keyword, Entry* entr
         return;
     }
     auto pattern = std::make_shared<const Pattern>(keyword.text);
-    // guard: dictionary-pattern-states
     if (!pattern->isValid()) {
         report(file, "not a regular expression: \"" + keyword.text + "\"");
     } else if (m_patternStates + pattern->stateCount() > dvf::limits::DICTIONARY_PATTERN_STATES) {
@@ -165,14 +162,13 @@ void DictionaryReader::setKeyword(File& file, const Lexeme& keyword, Entry* entr
 
 bool DictionaryReader::countEntry(File& file)
 {
-    // guard: dictionary-entries
     if (++m_entryCount > dvf::limits::DICTIONARY_ENTRIES) {
         stop(file, "too many entries");
     }
     return !m_isStopped;
 }
 
-void DictionaryReader::readEntry(File& file, const Scope& scope, Lexeme keyword, InputMode mode)
+void DictionaryReader::readEntry(File& file, const Scope& scope, const Lexeme& keyword, InputMode mode)
 {
     if (!countEntry(file)) {
         return;
@@ -216,7 +212,6 @@ void DictionaryReader::takeHeader(const File& file, std::unique_ptr<Dictionary> 
 
 std::unique_ptr<Dictionary> DictionaryReader::readBlock(File& file, const Scope& outer, const std::string& keyword)
 {
-    // guard: dictionary-depth
     if (outer.depth + 1 >= dvf::limits::DICTIONARY_DEPTH) {
         stop(file, "blocks are nested too deep");
         return nullptr;

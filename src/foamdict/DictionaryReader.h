@@ -79,7 +79,7 @@ private:
     bool readItems(File& file);
     void readEntries(File& file, const Scope& scope, Ending ending);
     bool isEnd(File& file, const Lexeme& lexeme, Ending ending);
-    void readEntry(File& file, const Scope& scope, Lexeme keyword, InputMode mode);
+    void readEntry(File& file, const Scope& scope, const Lexeme& keyword, InputMode mode);
     std::unique_ptr<Dictionary> readBlock(File& file, const Scope& outer, const std::string& keyword);
     void takeHeader(const File& file, std::unique_ptr<Dictionary> header);
     void setKeyword(File& file, const Lexeme& keyword, Entry* entry);

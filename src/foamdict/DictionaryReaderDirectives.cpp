@@ -122,7 +122,7 @@ void DictionaryReader::readEntryInMode(File& file, const Scope& scope, const std
     const InputMode mode = directive == "#default" ? InputMode::Protect : *inputMode(directive.substr(1));
     Lexeme keyword = next(file);
     if (isKeyword(keyword)) {
-        readEntry(file, scope, std::move(keyword), mode);
+        readEntry(file, scope, keyword, mode);
     } else {
         file.lexer.putBack(std::move(keyword));
     }
@@ -138,7 +138,6 @@ void DictionaryReader::readRemove(File& file, const Scope& scope)
         const bool isPattern = lexeme.kind == Lexeme::Kind::String && hasPatternCharacters(lexeme.text);
         const Pattern pattern(isPattern ? lexeme.text : std::string());
         m_macros.addSteps((scope.entries.entries().size() + 1) * (isPattern ? pattern.stateCount() + 1 : 1));
-        // guard: macro-steps
         if (m_macros.isExhausted()) {
             stop(file, "too much work to remove entries");
             return;
@@ -276,7 +275,6 @@ void DictionaryReader::include(File& file, const Scope& scope, bool isOptional, 
         report(file, (path.empty() ? "not a known path: " : "a file includes itself: ") + name.text);
         return;
     }
-    // guard: include-depth
     if (m_includes.size() > dvf::limits::INCLUDE_DEPTH || ++m_includeCount > dvf::limits::INCLUDE_COUNT) {
         stop(file, "too many files are included");
         return;

@@ -42,7 +42,6 @@ const Entry* DictionaryReader::lookUp(const Scope& scope, const std::string& mac
 const Entry* DictionaryReader::findMacro(File& file, const Scope& scope, const std::string& macro, bool isStatement)
 {
     const Entry* const entry = lookUp(scope, macro, isStatement);
-    // guard: macro-steps
     if (m_macros.isExhausted()) {
         stop(file, "too much work to find macros");
         return nullptr;
@@ -56,7 +55,6 @@ const Entry* DictionaryReader::findMacro(File& file, const Scope& scope, const s
 bool DictionaryReader::countCopy(File& file, std::size_t bytes)
 {
     m_copiedBytes += bytes;
-    // guard: macro-bytes
     if (m_copiedBytes > dvf::limits::MACRO_BYTES + dvf::limits::MACRO_RATIO * m_readBytes) {
         stop(file, "macros copy too much");
     }
@@ -110,7 +108,6 @@ void DictionaryReader::expandBlock(File& file, const Dictionary& block, Value* v
 /// @return null if a bound is reached; the reading has stopped then
 std::unique_ptr<Dictionary> DictionaryReader::copyBlock(File& file, const Dictionary& block, std::size_t depth)
 {
-    // guard: dictionary-depth
     if (depth >= dvf::limits::DICTIONARY_DEPTH) {
         stop(file, "blocks are nested too deep");
         return nullptr;

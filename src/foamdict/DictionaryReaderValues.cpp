@@ -111,7 +111,6 @@ void DictionaryReader::takePunctuation(File& file, Lexeme lexeme, Value* value)
 bool DictionaryReader::countTokens(File& file, std::size_t count)
 {
     m_tokenCount += count;
-    // guard: dictionary-tokens
     if (m_tokenCount > dvf::limits::DICTIONARY_TOKENS) {
         stop(file, "too many values");
     }
@@ -155,9 +154,8 @@ bool DictionaryReader::readList(File& file, const Lexeme& count, Value* value)
     if (after.is(')') && !value->isInItems) {
         after = next(file);
     }
-    if (!after.is(';')) {
-        file.lexer.putBack(std::move(after));
-    }
+    // A ";" is skipped where the next keyword is expected.
+    file.lexer.putBack(std::move(after));
     value->isEnded = true;
     return true;
 }

@@ -108,7 +108,6 @@ void Lexer::skipLine()
 
 bool Lexer::isTooLong(const std::string& text)
 {
-    // guard: token-length
     if (text.size() < dvf::limits::TOKEN_LENGTH) {
         return false;
     }

@@ -47,7 +47,6 @@ std::string_view withoutBraces(std::string_view name)
 
 bool MacroSearch::isExhausted() const
 {
-    // guard: macro-steps
     return m_steps > dvf::limits::MACRO_STEPS;
 }
 
@@ -115,7 +114,6 @@ const Entry* MacroSearch::findPath(const Scope& scope, std::string_view path)
 
 const Entry* MacroSearch::findScoped(const Scope& scope, std::string_view name, bool usePatterns)
 {
-    // guard: macro-name
     if (name.empty() || name.size() > dvf::limits::MACRO_NAME || isExhausted()) {
         return nullptr;
     }
@@ -147,7 +145,6 @@ const Entry* MacroSearch::findScoped(const Scope& scope, std::string_view name, 
 
 std::optional<std::string> MacroSearch::expand(const Scope& scope, std::string_view text)
 {
-    // guard: macro-name
     if (text.size() > dvf::limits::MACRO_NAME) {
         return std::nullopt;
     }

@@ -392,7 +392,6 @@ private:
 
 bool StateWriter::emit(const Node& node)
 {
-    // guard: pattern-states
     // Visits count as well as states: repetitions of nothing make no state.
     if (++m_visits > dvf::limits::PATTERN_STATES) {
         return false;
@@ -520,7 +519,6 @@ Pattern::Pattern(std::string_view text)
 {
     constexpr std::string_view ANY_CASE = "(?i)";
     const bool ignoresCase = text.starts_with(ANY_CASE);
-    // guard: pattern-length
     if (text.size() > dvf::limits::PATTERN_LENGTH) {
         return;
     }

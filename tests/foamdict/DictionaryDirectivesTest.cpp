@@ -31,7 +31,9 @@ TEST(DictionaryDirectives, ConditionsChooseEntries)
     expectRead({
         {"x on; #if $x\na 1;\n#else\na 2;\n#endif\nb 3;", "x on; a 1; b 3;"},
         {"#if off\na { b 1;\n#else\na 2;\n#endif\nb 3;", "a 2; b 3;"},
-        {"#if 0\n#if 1\na 1;\n#else\na 2;\n#endif\n#else\na 3;\n#if 2\nb 4;\n#endif\n#endif\nc 5;", "a 3; b 4; c 5;"},
+        {"#if 0\n#if 1\na 1;\n#else\na 2;\n#endif\n#ifeq 1 1\n#else\nd 4;\n#endif\n#else\na 3;\n#if 2\nb "
+         "4;\n#endif\n#endif\nc 5;",
+         "a 3; b 4; c 5;"},
         {"x (on); #if $x\na 1;\n#else\na 2;\n#endif", "x ( on ); a 2;"},
         {"x \"a b\"; #ifeq $x \"a b\"\na 1;\n#endif\n#ifeq 1 1.0\nb 1;\n#endif\n#ifeq \"${x}\" $x\nc 1;\n#endif",
          "x \"a b\"; a 1; b 1; c 1;"},

@@ -27,7 +27,7 @@ public:
         if (!m_readsLists || place.count % 2 == 0) {
             return std::nullopt;
         }
-        const int close = place.bracket == '(' ? ')' : '}';
+        const auto close = static_cast<unsigned char>(place.bracket == '(' ? ')' : '}');
         for (int c = place.chars.take(); c != close && c != foamdict::CharSource::END;) {
             c = place.chars.take();
         }
@@ -139,7 +139,8 @@ void runPattern(std::string_view input)
         return;
     }
     regex_t reference{};
-    if (regcomp(&reference, ("^(" + text + ")$").c_str(), REG_EXTENDED | REG_NOSUB) != 0) {
+    const std::string whole = std::string("^(").append(text).append(")$");
+    if (regcomp(&reference, whole.c_str(), REG_EXTENDED | REG_NOSUB) != 0) {
         expect(false, "a wrong expression is accepted: " + text);
     }
     for (int i = 0; i < 8 && !input.empty(); ++i) {

@@ -37,7 +37,8 @@ bool isInPatch(const foamdict::ListPlace& place)
 }
 
 /// The block for a patch: that of its name, else that of the last group it is in, else that of the last expression
-/// which matches its name.
+/// which matches its name. An expression that is meant for other patches does not count for one whose type leaves no
+/// choice: OpenFOAM's own include for these would come before it.
 const Dictionary* blockOfPatch(const Dictionary& patches, const OFBoundary& patch)
 {
     const std::string name = patch.patchName().toUtf8();
@@ -51,10 +52,14 @@ const Dictionary* blockOfPatch(const Dictionary& patches, const OFBoundary& patc
             last = entry;
         }
     }
-    if (last == nullptr) {
-        last = patches.findPattern(name);
+    if (last != nullptr) {
+        return last->block.get();
     }
-    return last == nullptr ? nullptr : last->block.get();
+    const Entry* const pattern = patches.findPattern(name);
+    const std::string meshType = patch.type().toUtf8();
+    const bool counts = pattern != nullptr && pattern->block != nullptr &&
+                        (!PatchRules::isConstraint(meshType) || firstWord(*pattern->block, "type") == meshType);
+    return counts ? pattern->block.get() : nullptr;
 }
 
 /// The places of a patch's points in the order in which its faces name them, which is that of lists in files. The

@@ -131,6 +131,11 @@ TEST_F(ExtendedReading, PatchesAreFoundByNameThenGroupThenExpression)
         writeVelocity("1", patches);
         EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(1).at(0), expected) << patches;
     }
+    // The patch "rest" is empty, so its field is too, and the expression is meant for others.
+    writeVelocity("1", entry("\".*\"", 9));
+    const Groups groups = valuesOf("VELOCITY_E", 1);
+    EXPECT_EQ(groups.at(1).at(0), 9);
+    EXPECT_EQ(groups.at(3).at(0), 4);
 }
 
 TEST_F(ExtendedReading, AveragesLeaveOutEmptyPatchesAndWorkWithoutPatches)

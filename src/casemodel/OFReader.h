@@ -160,6 +160,10 @@ private:
     void addSampledSurfaceResults(const dvn::Str& folderName, const std::map<dvn::Str, dvn::Str>& resultNames);
     int writeInterval() const;
 
+    // --- sampled surfaces in extended reading (OFReaderSurfaces.cpp)
+
+    void addSampledFields(const dvn::Str& timeName, const std::map<dvn::Str, dvn::Str>& resultNames);
+
     dvn::Str m_path;
     std::vector<dvn::Str> m_statesFolder;
     std::vector<OFPart> m_parts;

@@ -204,6 +204,11 @@ bool OFReader::addTimeZeroMesh(int* nextId)
 void OFReader::addSampledSurfaces()
 {
     m_sampledSurfaces.clear();
+    if (isExtended()) {
+        m_sampledSurfaces = findSampledSurfaces(m_path);
+        logCount("Parsed folder, registered %1 sampled Surfaces.", m_sampledSurfaces.size());
+        return;
+    }
     const dvn::Str root = sampledSurfaceRoot(m_path);
     if (!OFUtilities::fileExists(root)) {
         return;

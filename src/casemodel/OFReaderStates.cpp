@@ -111,6 +111,10 @@ bool OFReader::populateStates(const std::vector<dvn::Str>& folderNames, int firs
         if (appendState(nextId, name, regions, resultNames)) {
             ++nextId;
         }
+        if (isExtended()) {
+            addSampledFields(name, resultNames);
+            continue;
+        }
         // Compatibility (docs/compatibility.md, "surface results of rejected folders"): also after a rejected folder.
         if (OFUtilities::hasSubFolder(surfaceRoot, name)) {
             addSampledSurfaceResults(name, resultNames);

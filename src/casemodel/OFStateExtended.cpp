@@ -10,19 +10,8 @@
 #include "foamfile/OFUtilities.h"
 
 #include <algorithm>
-#include <array>
-#include <string_view>
 
 namespace {
-
-/// Whether the file was set aside by a user or a tool; OpenFOAM does not take it for a field of the case either.
-bool isSetAside(const dvn::Str& fileName)
-{
-    static constexpr std::array<std::string_view, 6> ENDINGS = {"~", ".orig", ".bak", ".BAK", ".old", ".save"};
-    const std::string name = fileName.toUtf8();
-    return name.starts_with('.') ||
-           std::ranges::any_of(ENDINGS, [&name](std::string_view ending) { return name.ends_with(ending); });
-}
 
 /// "index" of `uniform/time` in the first of these folders that has such a file.
 std::size_t stepIndexIn(const std::vector<dvn::Str>& folders)
@@ -70,7 +59,7 @@ void OFState::addFieldsOf(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
     std::set<dvn::Str> names;
     for (const dvn::Str& file : OFUtilities::filesInFolder(folder)) {
         const dvn::Str name = OFUtilities::fileNameWithoutGz(file);
-        if (!isSetAside(name)) {
+        if (!OFUtilities::isSetAside(name)) {
             names.insert(name);
         }
     }

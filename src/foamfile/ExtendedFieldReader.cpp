@@ -6,6 +6,7 @@
 #include "foamfile/FieldPatches.h"
 #include "foamfile/ListAt.h"
 #include "foamfile/OFLogger.h"
+#include "foamfile/TensorItems.h"
 #include "records/Components.h"
 
 #include <algorithm>
@@ -165,34 +166,6 @@ void ExtendedFieldReader::dropList(const foamdict::ListPlace& place, const std::
     }
 }
 
-/// The numbers of a tensor as the host takes them: xx xy xz yy yz zz. Of a tensor that is not symmetric this is the
-/// symmetric part, as there is no place for the rest.
-std::array<double, TENSOR_COMPONENTS> ExtendedFieldReader::tensorOf(const double* item) const
-{
-    if (m_kind->items == ListItems::sphericalTensors()) {
-        return {item[0], 0.0, 0.0, item[0], 0.0, item[0]};
-    }
-    if (m_kind->items == ListItems::symmTensors()) {
-        return {item[0], item[1], item[2], item[3], item[4], item[5]};
-    }
-    return {item[0], 0.5 * (item[1] + item[3]), 0.5 * (item[2] + item[6]), item[4], 0.5 * (item[5] + item[7]), item[8]};
-}
-
-/// The values of a list of the file as the host takes them.
-std::vector<double> ExtendedFieldReader::delivered(std::vector<double> values) const
-{
-    if (m_kind->type != OFResultTensor || m_kind->items == ListItems::symmTensors()) {
-        return values;
-    }
-    const std::size_t count = values.size() / m_kind->items.components;
-    std::vector<double> tensors(count * TENSOR_COMPONENTS);
-    for (std::size_t i = 0; i < count; ++i) {
-        std::ranges::copy(tensorOf(values.data() + i * m_kind->items.components),
-                          tensors.begin() + static_cast<std::ptrdiff_t>(i * TENSOR_COMPONENTS));
-    }
-    return tensors;
-}
-
 /// The numbers of one item from a token on: "1", "(1 0 0)", with nothing after it.
 std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOf(const Tokens& tokens, std::size_t first,
                                                                      std::size_t end) const
@@ -224,7 +197,7 @@ void ExtendedFieldReader::fillUniform(const Item& item, std::vector<double>* val
 {
     std::array<double, TENSOR_COMPONENTS> sent = {};
     if (m_kind->type == OFResultTensor) {
-        sent = tensorOf(item.data());
+        sent = hostTensor(m_kind->items, item.data());
     } else {
         std::copy_n(item.begin(), width(), sent.begin());
     }
@@ -263,7 +236,7 @@ bool ExtendedFieldReader::fillFromList(const Tokens& tokens, std::vector<double>
         return false;
     }
     // A copy: several patches may share a list by a macro or an expression.
-    std::vector<double> all = delivered(m_lists[list->list].values);
+    std::vector<double> all = hostItems(m_kind->items, m_lists[list->list].values);
     if (all.size() != values->size()) {
         return false;
     }
@@ -314,7 +287,7 @@ bool ExtendedFieldReader::fillFromItems(const Tokens& tokens, std::vector<double
         }
         all.insert(all.end(), item->begin(), item->begin() + static_cast<std::ptrdiff_t>(m_kind->items.components));
     }
-    *values = delivered(std::move(all));
+    *values = hostItems(m_kind->items, std::move(all));
     return true;
 }
 

@@ -50,8 +50,6 @@ private:
     std::size_t keepList(const foamdict::ListPlace& place);
     void dropList(const foamdict::ListPlace& place, const std::string& listType);
 
-    std::array<double, TENSOR_COMPONENTS> tensorOf(const double* item) const;
-    std::vector<double> delivered(std::vector<double> values) const;
     std::optional<Item> itemOf(const Tokens& tokens, std::size_t first, std::size_t end) const;
     void fillUniform(const Item& item, std::vector<double>* values) const;
     bool fill(const Tokens& tokens, std::vector<double>* values);

@@ -25,13 +25,13 @@ struct ListItems
 /// The items of a list of reals such as "List<vector>"; none for another type.
 inline std::optional<ListItems> listItemsOfType(std::string_view listType)
 {
-    constexpr std::array<std::pair<std::string_view, ListItems>, 5> TYPES = {
+    constexpr std::array<std::pair<std::string_view, ListItems>, 5> LIST_TYPES = {
         {{"List<scalar>", ListItems::scalars()},
          {"List<vector>", ListItems::vectors()},
          {"List<sphericalTensor>", ListItems::sphericalTensors()},
          {"List<symmTensor>", ListItems::symmTensors()},
          {"List<tensor>", ListItems::tensors()}}};
-    for (const auto& [name, items] : TYPES) {
+    for (const auto& [name, items] : LIST_TYPES) {
         if (name == listType) {
             return items;
         }

@@ -195,6 +195,14 @@ bool OFUtilities::isTimeName(const dvn::Str& name)
     return text.find_first_not_of("0123456789+-.eE") == std::string::npos && dvf::tokenToDouble(text, &time);
 }
 
+bool OFUtilities::isSetAside(const dvn::Str& fileName)
+{
+    static constexpr std::array<std::string_view, 6> ENDINGS = {"~", ".orig", ".bak", ".BAK", ".old", ".save"};
+    const std::string name = fileName.toUtf8();
+    return name.starts_with('.') ||
+           std::ranges::any_of(ENDINGS, [&name](std::string_view ending) { return name.ends_with(ending); });
+}
+
 dvn::Str OFUtilities::fileNameFromPath(const dvn::Str& path)
 {
     const std::vector<dvn::Str> pieces = path.split("/\\");

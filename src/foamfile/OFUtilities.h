@@ -52,6 +52,9 @@ public:
     static bool isFolder(const dvn::Str& path);
     /// True if the text is a number from its first to its last character, as the name of every time folder is.
     static bool isTimeName(const dvn::Str& name);
+    /// True for the name of a file that was set aside by a user or a tool, such as U.orig; OpenFOAM does not take it
+    /// for a field of the case either.
+    static bool isSetAside(const dvn::Str& fileName);
 
     /// The last component of a path, "/" and "\" being separators; empty if there is none.
     static dvn::Str fileNameFromPath(const dvn::Str& path);

@@ -3,6 +3,7 @@
 
 #include "LibCore/Parallel.h"
 #include "foamfile/OFFile.h"
+#include "foamfile/SurfaceValues.h"
 #include "mesh/ListFile.h"
 
 namespace {
@@ -11,13 +12,19 @@ constexpr const char* SURFACE_LOG_GROUP = "OFTriSurfaceReader";
 /// Compatibility (docs/compatibility.md, "log source spelling").
 constexpr const char* CENTERS_LOG_GROUP = "OFTriSUrfaceReader";
 
-bool readVectors(const dvn::Str& path, const dvn::Str& objectName, std::vector<double>* values)
+} // namespace
+
+bool OFTriSurfaceReader::hasHeader(const dvn::Str& path) const
 {
-    OFFile file(OFFile::hasFoamBlock(path));
-    return file.readVectorField(path, objectName, values);
+    return m_reading == Reading::Extended ? SurfaceValues::hasHeader(path) : OFFile::hasFoamBlock(path);
 }
 
-} // namespace
+bool OFTriSurfaceReader::readVectors(const dvn::Str& path, const dvn::Str& objectName,
+                                     std::vector<double>* values) const
+{
+    OFFile file(hasHeader(path), m_reading);
+    return file.readVectorField(path, objectName, values);
+}
 
 bool OFTriSurfaceReader::read(const dvn::Str& folder, OFTriSurface* surface)
 {
@@ -30,16 +37,18 @@ bool OFTriSurfaceReader::readTriSurfacePar(const dvn::Str& folder, OFTriSurface*
     bool hasPoints = false;
     bool hasCenters = false;
     bool hasFaces = false;
-    dvf::invokeAll([&] { hasPoints = readPoints(folder, &surface->points()); },
-                   [&] { hasCenters = readFaceCenters(folder, &surface->facecenters()); },
-                   [&] { hasFaces = readFaces(folder, &surface->faces()); });
+    dvf::invokeAll(
+        [&] { hasPoints = readPoints(folder, &surface->points()); },
+        [&] { hasCenters = m_reading == Reading::Extended || readFaceCenters(folder, &surface->facecenters()); },
+        [&] { hasFaces = readFaces(folder, &surface->faces()); });
     return hasPoints && hasCenters && hasFaces;
 }
 
 bool OFTriSurfaceReader::readTriSurfaceSeq(const dvn::Str& folder, OFTriSurface* surface)
 {
     const dvn::Timer timer;
-    if (!readPoints(folder, &surface->points()) || !readFaceCenters(folder, &surface->facecenters()) ||
+    if (!readPoints(folder, &surface->points()) ||
+        (m_reading == Reading::Plain && !readFaceCenters(folder, &surface->facecenters())) ||
         !readFaces(folder, &surface->faces())) {
         return false;
     }
@@ -68,7 +77,7 @@ bool OFTriSurfaceReader::readFaces(const dvn::Str& folder, FacesData* faces)
 {
     const dvn::Timer timer;
     const dvn::Str path = folder + "/faces";
-    OFFile file(OFFile::hasFoamBlock(path));
+    OFFile file(hasHeader(path), m_reading);
     return file.readFaceList(path, "faces", faces) &&
            logListRead(SURFACE_LOG_GROUP, "Faces file done. Read %1 items. Time used : %2", faces->faceCount(), timer);
 }

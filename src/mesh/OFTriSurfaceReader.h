@@ -2,6 +2,7 @@
 #pragma once
 
 #include "DvnCore/Str.h"
+#include "foamfile/Reading.h"
 #include "mesh/OFTriSurface.h"
 
 #include <vector>
@@ -11,6 +12,9 @@
 class OFTriSurfaceReader
 {
 public:
+    /// In extended reading the centres of faces, which nobody needs, are not read and may be missing.
+    explicit OFTriSurfaceReader(Reading reading = Reading::Plain) : m_reading(reading) {}
+
     /// Reads the surface of a folder.
     /// @return false if one of the files cannot be read; the surface then holds the others
     bool read(const dvn::Str& folder, OFTriSurface* surface);
@@ -23,4 +27,10 @@ public:
     bool readPoints(const dvn::Str& folder, std::vector<double>* points);
     bool readFaceCenters(const dvn::Str& folder, std::vector<double>* facecenters);
     bool readFaces(const dvn::Str& folder, FacesData* faces);
+
+private:
+    bool hasHeader(const dvn::Str& path) const;
+    bool readVectors(const dvn::Str& path, const dvn::Str& objectName, std::vector<double>* values) const;
+
+    Reading m_reading;
 };

@@ -10,6 +10,7 @@
 #include "mesh/OFTriSurface.h"
 #include "mesh/OFTriSurfaceReader.h"
 #include "mesh/OFTriSurfaceToDDP.h"
+#include "mesh/SurfaceFans.h"
 #include "provider/PluginIdentity.h"
 #include "provider/ProviderLog.h"
 
@@ -40,7 +41,7 @@ struct OFReadPartMeshFunctor
     void operator()(const dvf::IndexRange& range) const
     {
         OFPolymeshReader meshReader(reading);
-        OFTriSurfaceReader surfaceReader;
+        OFTriSurfaceReader surfaceReader(reading);
         for (std::size_t i = range.begin(); i != range.end(); ++i) {
             failures->guard(i, [&] {
                 if (i < partCount) {
@@ -248,6 +249,7 @@ bool OpenFoamProvider::getGeometryForTrisurface(const std::size_t& surfaceIndex,
     OFSampledSurface& sampled = m_reader.sampledSurface(surfaceIndex);
     sampled.setNodeCount(0);
     sampled.setElementCount(0);
+    sampled.setFaces({}, 0);
     OFTriSurface surface;
     if (!reader.read(sampled.folder(), &surface)) {
         return false;
@@ -255,6 +257,11 @@ bool OpenFoamProvider::getGeometryForTrisurface(const std::size_t& surfaceIndex,
     logStep(" Get triSurface %1. surfaceReader.read() time [1] : %2 seconds", surfaceIndex, lapTimer.lapTime());
     std::size_t nodeCount = 0;
     std::size_t triangleCount = 0;
+    if (isExtended()) {
+        SurfaceFans fans = fansOf(surface.faces(), surface.nodeCount());
+        sampled.setFaces(std::move(fans.faceOfTriangle), surface.faces().faceCount());
+        surface.faces() = std::move(fans.triangles);
+    }
     const OFTriSurfaceToDDP converter(&surface);
     if (!converter.populateNodeAndElementGroup(pair.nodes, pair.elements, &nodeCount, &triangleCount)) {
         return false;

@@ -6,6 +6,7 @@
 #include "LibCore/LargePages.h"
 #include "LibCore/Parallel.h"
 #include "casemodel/OFResultReader.h"
+#include "casemodel/SampledSurfaceFields.h"
 #include "casemodel/SampledSurfaceFolders.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/OFUtilities.h"
@@ -251,9 +252,14 @@ bool OpenFoamProvider::getResultForTrisurface(int surfaceIndex, const OFState* s
     if (result->type() == OFResultDisplacement) {
         return false;
     }
+    std::vector<double> values = undefinedValues(*result, surface);
+    if (isExtended()) {
+        readSampledField(surface, surface.folderAt(m_reader.path(), state->folderName()), *result, &values);
+        deliver(values, result->dimension(), group);
+        return true;
+    }
     const dvn::Str folder = sampledSurfaceRoot(m_reader.path()) + "/" + state->folderName() + "/" + surface.name() +
                             sampledFieldFolder(result->type());
-    std::vector<double> values = undefinedValues(*result, surface);
     if (result->mapping() == OFResultOnNode) {
         const bool hasFile = OFUtilities::hasFieldFile(folder, result->nativeName());
         bool isRead = true;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "mesh/OFTriSurfaceReader.h"
 #include "mesh/OFTriSurfaceToDDP.h"
+#include "mesh/SurfaceFans.h"
 #include "support/FoamText.h"
 #include "support/HostArrays.h"
 #include "support/LogCapture.h"
@@ -130,4 +131,52 @@ TEST(TriSurface, WrongOffsetsStayInBoundsAndAddNothing)
     surface.faces().nodeOffsets = {0, 6, 0, 0};
     EXPECT_EQ(deliver(&surface).elementCount, 2U);
     EXPECT_EQ(surface.faces().nodes.size(), 9U);
+}
+
+// The centres of faces are of no use to anyone, so their file may be missing.
+TEST(TriSurface, NeedsNoFaceCentresInExtendedReading)
+{
+    const TempFolder folder;
+    folder.writeGz("points.gz", foamtext::header("vectorField", "points") + POINTS);
+    folder.write("faces", FACES);
+    const LogCapture log;
+    OFTriSurface surface;
+    OFTriSurfaceReader reader(Reading::Extended);
+    EXPECT_TRUE(reader.read(folder.str(), &surface) && reader.readTriSurfaceSeq(folder.str(), &surface));
+    EXPECT_EQ(surface.nodeCount(), 4U);
+    EXPECT_EQ(foamtext::unpacked(surface.faces()), (foamtext::Faces{{0, 1, 2}, {1, 3, 2}}));
+    EXPECT_TRUE(log.errors().empty());
+}
+
+TEST(SurfaceFans, KeepTheOrderOfNodesAndTheFaceOfEachTriangle)
+{
+    const SurfaceFans fans =
+        fansOf(foamtext::packed({{4, 3, 2, 1, 0}, {0, 1}, {5, 2, 1}, {}, {0, 1, 2, 6}, {-1, 0, 1}}), 6);
+    EXPECT_EQ(foamtext::unpacked(fans.triangles), (foamtext::Faces{{4, 3, 2}, {4, 2, 1}, {4, 1, 0}, {5, 2, 1}}));
+    EXPECT_EQ(fans.faceOfTriangle, (std::vector<int>{0, 0, 0, 2}));
+}
+
+// The byte with their number of nodes says 0, 1 and 44.
+TEST(SurfaceFans, CoverFacesOfMoreNodesThanTheirCountHolds)
+{
+    const std::vector<std::size_t> sizes = {256, 257, 300};
+    foamtext::Faces faces;
+    std::vector<int> expected;
+    for (const std::size_t size : sizes) {
+        expected.insert(expected.end(), size - 2, static_cast<int>(faces.size()));
+        faces.push_back(foamtext::someLabels(size));
+    }
+    EXPECT_EQ(fansOf(foamtext::packed(faces), 300).faceOfTriangle, expected);
+}
+
+TEST(SurfaceFans, StayInBoundsWhateverTheOffsetsAre)
+{
+    // The labels of the faces are 0 1 2 and 1 3 2 0.
+    const std::vector<std::pair<int, std::vector<int>>> expected = {
+        {-1, {0}}, {1, {1, 1, 1, 1}}, {4, {0, 0}}, {7, {0, 0, 0, 0, 0}}, {2147483647, {0}}};
+    for (const auto& [offset, faceOfTriangle] : expected) {
+        FacesData faces = foamtext::packed({{0, 1, 2}, {1, 3, 2, 0}, {}});
+        faces.nodeOffsets[1] = offset;
+        EXPECT_EQ(fansOf(faces, 4).faceOfTriangle, faceOfTriangle) << offset;
+    }
 }

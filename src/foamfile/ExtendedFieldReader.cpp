@@ -124,7 +124,7 @@ std::optional<std::size_t> ExtendedFieldReader::readList(const foamdict::ListPla
     const std::string listType = "List<" + std::string(place.type) + ">";
     const bool isOfField = place.type.empty() || listItemsOfType(listType) == m_kind->items;
     if (isOfField && isInterior(place) && canReadInPlace(place.count)) {
-        m_isInteriorInTarget = ListAt::readReals(sourceOf(place), place.count, m_kind->items, m_target.values);
+        m_isInteriorInTarget = readReals(place, m_target.values);
         return IN_TARGET;
     }
     if (isOfField && (isInterior(place) || isInPatch(place))) {
@@ -141,10 +141,18 @@ bool ExtendedFieldReader::canReadInPlace(std::size_t count) const
            m_target.values->size() % width() == 0;
 }
 
+/// @return false, with the file in the log, for a list that breaks off or that the file cannot hold
+bool ExtendedFieldReader::readReals(const foamdict::ListPlace& place, std::vector<double>* values) const
+{
+    TextSource& text = sourceOf(place);
+    return ListAt::readReals(text, place.count, m_kind->items, values) ||
+           text.reportError("Cannot read a list of values in %1.");
+}
+
 std::size_t ExtendedFieldReader::keepList(const foamdict::ListPlace& place)
 {
     List list;
-    list.isGood = ListAt::readReals(sourceOf(place), place.count, m_kind->items, &list.values);
+    list.isGood = readReals(place, &list.values);
     m_lists.push_back(std::move(list));
     return m_lists.size() - 1;
 }

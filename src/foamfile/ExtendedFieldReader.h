@@ -47,6 +47,7 @@ private:
     std::size_t width() const { return static_cast<std::size_t>(m_target.dimension); }
 
     bool canReadInPlace(std::size_t count) const;
+    bool readReals(const foamdict::ListPlace& place, std::vector<double>* values) const;
     std::size_t keepList(const foamdict::ListPlace& place);
     void dropList(const foamdict::ListPlace& place, const std::string& listType);
 

@@ -6,6 +6,7 @@
 #include "foamfile/FieldPatches.h"
 #include "foamfile/ListAt.h"
 #include "foamfile/OFLogger.h"
+#include "foamfile/OFUtilities.h"
 #include "foamfile/TensorItems.h"
 #include "records/Components.h"
 
@@ -97,10 +98,24 @@ void orderPoints(const OFBoundary& patch, std::size_t width, std::vector<double>
     *values = std::move(ordered);
 }
 
+/// The time whose folder a file is in; the file may be in the folder of a region or a processor there.
+std::optional<double> timeOf(const dvn::Str& path)
+{
+    const std::vector<dvn::Str> names = path.split("/");
+    constexpr std::size_t MOST_FOLDERS_UP = 3;
+    for (std::size_t i = 1; i <= MOST_FOLDERS_UP && i < names.size(); ++i) {
+        const dvn::Str& name = names[names.size() - 1 - i];
+        if (OFUtilities::isTimeName(name)) {
+            return name.toDouble();
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 ExtendedFieldReader::ExtendedFieldReader(const dvn::Str& path, const ExtendedField::Target& target)
-    : DictionaryClient(path), m_path(path), m_target(target)
+    : DictionaryClient(path), m_path(path), m_target(target), m_time(timeOf(path))
 {}
 
 void ExtendedFieldReader::onHeader(const Dictionary& header)
@@ -299,6 +314,52 @@ bool ExtendedFieldReader::fillFromItems(const Tokens& tokens, std::vector<double
     return true;
 }
 
+/// Fills an array from a function of time, at the time of the file: "constant ITEM" or "table ((TIME ITEM) ...)", which
+/// is linear between its rows.
+bool ExtendedFieldReader::fillFromFunction(const Tokens& tokens, std::vector<double>* values) const
+{
+    const std::string_view form = tokens.empty() ? std::string_view() : tokens.front().text;
+    std::optional<Item> item;
+    if (form == "constant") {
+        item = itemOf(tokens, 1, tokens.size());
+    } else if (form == "table" && m_time) {
+        item = itemOfTable(tokens, *m_time);
+    }
+    if (item) {
+        fillUniform(*item, values);
+    }
+    return item.has_value();
+}
+
+std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOfTable(const Tokens& tokens, double time) const
+{
+    const std::size_t tokensPerItem = m_kind->items.components + (m_kind->items.isBracketed ? 2 : 0);
+    const std::size_t tokensPerRow = tokensPerItem + 3;
+    // guard: table-rows
+    if (tokens.size() < 3 + tokensPerRow || (tokens.size() - 3) % tokensPerRow != 0) {
+        return std::nullopt;
+    }
+    std::optional<Item> before;
+    double timeBefore = 0.0;
+    for (std::size_t row = 2; row + 1 < tokens.size(); row += tokensPerRow) {
+        const Token& rowTime = tokens[row + 1];
+        std::optional<Item> item = itemOf(tokens, row + 2, row + 2 + tokensPerItem);
+        if (rowTime.kind != Token::Kind::Number || !item) {
+            return std::nullopt;
+        }
+        if (rowTime.number >= time) {
+            const double weight = before ? (time - timeBefore) / (rowTime.number - timeBefore) : 1.0;
+            for (std::size_t k = 0; before && k < MOST_COMPONENTS; ++k) {
+                (*item)[k] = (*before)[k] + weight * ((*item)[k] - (*before)[k]);
+            }
+            return item;
+        }
+        before = item;
+        timeBefore = rowTime.number;
+    }
+    return before;
+}
+
 bool ExtendedFieldReader::read()
 {
     if (!isOpen()) {
@@ -382,7 +443,7 @@ bool ExtendedFieldReader::readEntry(const Dictionary& block, std::string_view ke
                                     std::vector<double>* values)
 {
     const Entry* const entry = block.find(keyword);
-    if (entry == nullptr || !fill(entry->tokens, values)) {
+    if (entry == nullptr || (!fill(entry->tokens, values) && !fillFromFunction(entry->tokens, values))) {
         return false;
     }
     const bool isList = entry->tokens.front().text == "nonuniform";

@@ -57,6 +57,9 @@ private:
     bool fillFromList(const Tokens& tokens, std::vector<double>* values);
     bool fillFromItems(const Tokens& tokens, std::vector<double>* values);
 
+    bool fillFromFunction(const Tokens& tokens, std::vector<double>* values) const;
+    std::optional<Item> itemOfTable(const Tokens& tokens, double time) const;
+
     bool takeInterior(const foamdict::Dictionary& entries);
     void readPatches(const foamdict::Dictionary& patches);
     void readPatch(const foamdict::Dictionary& block, const std::string& type, const OFBoundary& patch,
@@ -69,6 +72,7 @@ private:
 
     dvn::Str m_path;
     ExtendedField::Target m_target;
+    std::optional<double> m_time;
     std::optional<ExtendedField::Kind> m_kind;
     std::vector<List> m_lists;
     bool m_isInteriorInTarget = false;

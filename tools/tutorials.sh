@@ -188,23 +188,43 @@ list_meshes() {
                    print base, ($(i + 1) == "polyMesh" ? "region0" : $(i + 1)) }' | sort -u
 }
 
-# Converts one mesh. A boundary condition that foamToVTK cannot set up ends it; then it gets the fields one by one.
+# Without the libraries of a condition foamToVTK shows the value in the file, which is what the solver had. With them it
+# also sets up conditions without a value, but then some wall functions start anew from the cells.
+libraries="(turbulenceModels incompressibleTurbulenceModels compressibleTurbulenceModels atmosphericModels waveModels
+    liquidPropertiesFvPatchFields semiPermeableBaffle thermalBaffleModels regionCoupling
+    surfaceFilmDerivedFvPatchFields fvMotionSolvers reactingEulerianFvPatchFields combustionModels
+    interfaceProperties twoPhaseProperties)"
+
+convert() {
+    timeout "$TUTORIAL_SECONDS" foamToVTK "${options[@]}" -name "$@" </dev/null >>"$log" 2>&1 && return
+    rm -rf "${base:?}/$1"
+    return 1
+}
+
+# Converts one mesh. A boundary condition that foamToVTK cannot set up ends it; then each field is converted by itself,
+# and each time of such a field.
 convert_mesh() {
-    local base=$1 region=$2 vtk=VTK-$2 options field
+    local base=$1 region=$2 options file field time sub
+    local vtk=VTK-$region log=log.foamToVTK.$base.$region
+    rm -rf "${base:?}/$vtk"
+    : >"$log"
     options=(-case "$base" -region "$region" -processor-fields -no-lagrangian)
     [ "$base" != . ] || options=(-region "$region" -no-lagrangian)
-    rm -rf "${base:?}/$vtk"
-    if timeout $((2 * TUTORIAL_SECONDS)) foamToVTK "${options[@]}" -name "$vtk" >"log.foamToVTK.$base.$region" 2>&1; then
+    if convert "$vtk"; then
         return
     fi
-    echo "log.foamToVTK.$base.$region" >>"$TUTORIAL_FAILED"
-    rm -rf "${base:?}/$vtk"
-    local sub=$region
+    echo "$log" >>failed
+    sub=$region
     [ "$region" != region0 ] || sub=.
     find "$base"/[0-9]*/"$sub" -maxdepth 1 -type f -printf '%f\n' 2>/dev/null | sed 's,\.gz$,,' | sort -u |
         while read -r field; do
-            timeout "$TUTORIAL_SECONDS" foamToVTK "${options[@]}" -fields "$field" -name "$vtk/$field" \
-                </dev/null >"log.foamToVTK.$base.$region.$field" 2>&1 || true
+            convert "$vtk/$field" -fields "$field" && continue
+            for file in "$base"/[0-9]*/"$sub/$field"; do
+                time=${file#"$base"/}
+                time=${time%%/*}
+                convert "$vtk/$field-$time" -fields "$field" -time "$time" ||
+                    convert "$vtk/$field-$time" -fields "$field" -time "$time" -lib "$libraries" || true
+            done
         done
 }
 
@@ -218,17 +238,21 @@ run_case() {
             *) eval "$word=yes" ;;
         esac
     done
-    [ ! -f "$case/ran" ] || return 0
-    [ -d "$examples/$path" ] || { echo "no such tutorial: $path" >&2; return 0; }
-    say "$path"
-    export TUTORIAL_FAILED=$case/failed
-    prepare "$path" "$case"
-    (run_steps)
-    list_meshes >meshes
+    if [ ! -f "$case/ran" ]; then
+        [ -d "$examples/$path" ] || { echo "no such tutorial: $path" >&2; return 0; }
+        say "$path"
+        export TUTORIAL_FAILED=$case/failed
+        prepare "$path" "$case"
+        (run_steps)
+        list_meshes >meshes
+        touch case.foam ran
+    fi
+    cd "$case"
+    [ ! -f converted ] || return 0
     while read -r base region; do
-        convert_mesh "$base" "$region" </dev/null
+        convert_mesh "$base" "$region"
     done <meshes
-    touch case.foam ran
+    touch converted
     [ ! -f failed ] || sed 's,^,   failed: ,' failed
 }
 

@@ -151,8 +151,11 @@ prepare() {
     cd "$case"
     # Debian's packaging compresses longer files. OpenFOAM reads fields and geometry in that form, but not the rest.
     find . -name '*.gz' ! -path './0*' ! -path '*/triSurface/*' ! -path '*/polyMesh/*' -exec gunzip -f {} +
-    # The functions of RunFunctions need bash.
-    find . -type f -exec sed -i '1s,^#! */bin/sh,#!/bin/bash,' {} +
+    # The functions of RunFunctions need bash, and a script that was compressed has lost its mode.
+    find . -type f -exec grep -l '^#! */bin' {} + | while read -r file; do
+        sed -i '1s,^#! */bin/sh,#!/bin/bash,' "$file"
+        chmod +x "$file"
+    done
     shorten
     [ -z "$surfaces" ] || sample_patch "$surfaces"
     if [ -n "$decompose" ] || [ -n "$(find . -name 'decomposeParDict*')" ]; then

@@ -63,6 +63,10 @@ def array_of(values):
     values = values.astype(float)
     if values.shape[1] == 6:
         values = values[:, FOAM_ORDER]
+    elif values.shape[1] == 9:
+        # Hosts get six numbers of a tensor: those of its symmetric part.
+        transposed = values.reshape(-1, 3, 3).swapaxes(1, 2).reshape(-1, 9)
+        values = ((values + transposed) / 2)[:, [0, 1, 2, 4, 5, 8]]
     if len(values) == 0:
         return None
     return Array(len(values), values.min(0), values.max(0), values.mean(0))

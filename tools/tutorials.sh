@@ -204,6 +204,14 @@ convert() {
     return 1
 }
 
+# Without its library this wall function is taken for a fixed value, but it is that of the cells to any solver.
+convert_wall_functions() {
+    local fields
+    fields=$(find "$base"/[0-9]*/"$sub" -maxdepth 1 -type f -exec zgrep -l '\<kqRWallFunction;' {} + 2>/dev/null |
+        sed 's,.*/,,; s,\.gz$,,' | sort -u | tr '\n' ' ')
+    [ -z "$fields" ] || convert "$vtk/wall-functions" -fields "($fields)" -lib "$libraries" || true
+}
+
 # Converts one mesh. A boundary condition that foamToVTK cannot set up ends it; then each field is converted by itself,
 # and each time of such a field.
 convert_mesh() {
@@ -211,24 +219,24 @@ convert_mesh() {
     local vtk=VTK-$region log=log.foamToVTK.$base.$region
     rm -rf "${base:?}/$vtk"
     : >"$log"
-    options=(-case "$base" -region "$region" -processor-fields -no-lagrangian)
-    [ "$base" != . ] || options=(-region "$region" -no-lagrangian)
-    if convert "$vtk"; then
-        return
-    fi
-    echo "$log" >>failed
     sub=$region
     [ "$region" != region0 ] || sub=.
-    find "$base"/[0-9]*/"$sub" -maxdepth 1 -type f -printf '%f\n' 2>/dev/null | sed 's,\.gz$,,' | sort -u |
-        while read -r field; do
-            convert "$vtk/$field" -fields "$field" && continue
-            for file in "$base"/[0-9]*/"$sub/$field"; do
-                time=${file#"$base"/}
-                time=${time%%/*}
-                convert "$vtk/$field-$time" -fields "$field" -time "$time" ||
-                    convert "$vtk/$field-$time" -fields "$field" -time "$time" -lib "$libraries" || true
+    options=(-case "$base" -region "$region" -processor-fields -no-lagrangian)
+    [ "$base" != . ] || options=(-region "$region" -no-lagrangian)
+    if ! convert "$vtk"; then
+        echo "$log" >>failed
+        find "$base"/[0-9]*/"$sub" -maxdepth 1 -type f -printf '%f\n' 2>/dev/null | sed 's,\.gz$,,' | sort -u |
+            while read -r field; do
+                convert "$vtk/$field" -fields "$field" && continue
+                for file in "$base"/[0-9]*/"$sub/$field"; do
+                    time=${file#"$base"/}
+                    time=${time%%/*}
+                    convert "$vtk/$field-$time" -fields "$field" -time "$time" ||
+                        convert "$vtk/$field-$time" -fields "$field" -time "$time" -lib "$libraries" || true
+                done
             done
-        done
+    fi
+    convert_wall_functions
 }
 
 run_case() {

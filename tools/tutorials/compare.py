@@ -19,6 +19,7 @@ import re
 import shlex
 import subprocess
 import sys
+import tempfile
 
 import numpy
 from vtkmodules.util.numpy_support import vtk_to_numpy
@@ -75,11 +76,20 @@ def array_of(values):
 # --- what foamToVTK wrote
 
 
+def quoted_name(match):
+    return match.group().replace(b"<", b"&lt;").replace(b">", b"&gt;")
+
+
 def read_arrays(file):
     """The arrays of a .vtu or .vtp: (name, is a point field) -> Array."""
     reader = vtkXMLUnstructuredGridReader() if file.endswith(".vtu") else vtkXMLPolyDataReader()
-    reader.SetFileName(file)
-    reader.Update()
+    with tempfile.NamedTemporaryFile(suffix=os.path.splitext(file)[1]) as copy:
+        # foamToVTK does not quote names such as "EDC<psiReactionThermo>:kappa".
+        with open(file, "rb") as stream:
+            copy.write(re.sub(rb"Name='[^'\n]*[<>][^'\n]*'", quoted_name, stream.read()))
+        copy.flush()
+        reader.SetFileName(copy.name)
+        reader.Update()
     data = reader.GetOutput()
     arrays = {}
     for is_point, attributes in ((False, data.GetCellData()), (True, data.GetPointData())):
@@ -95,7 +105,8 @@ def reference(case, base, region):
     """time text -> group -> (name, is a point field) -> Array, where the group of the interior is None."""
     times = collections.defaultdict(lambda: collections.defaultdict(dict))
     pattern = os.path.join(glob.escape(os.path.join(case, base, "VTK-" + region)), "**", "*.vtm.series")
-    for series in glob.glob(pattern, recursive=True):
+    # Folders that were converted with more libraries come last and replace what the others have.
+    for series in sorted(glob.glob(pattern, recursive=True), key=lambda path: ("/wall-functions/" in path, path)):
         with open(series) as file:
             entries = json.load(file)["files"]
         for entry in entries:
@@ -284,12 +295,15 @@ class Case:
     def compare_group(self, time, place, group_id, arrays):
         ours = self.ours.arrays.get((self.state(time), group_id), {})
         for (name, is_point), theirs in arrays.items():
-            # foamToVTK adds a field of points to each field of cells by interpolation.
-            if not is_point or (name, False) not in arrays:
+            # foamToVTK adds a field of points to each field of cells by interpolation, and shows the copies that
+            # setFields starts from as fields.
+            if not (is_point and (name, False) in arrays) and not name.endswith(".orig"):
                 mine = ours.get((name, is_point))
                 self.note(outcome(mine, theirs), time, place, name, is_point, mine, theirs)
         for (name, is_point), mine in ours.items():
-            if (name, is_point) not in arrays and mine.undefined < mine.count:
+            # foamToVTK takes "_0" for the values of the last step, and the moved points are not a field.
+            is_left_out = name.endswith("_0") or name == "points"
+            if (name, is_point) not in arrays and mine.undefined < mine.count and not is_left_out:
                 self.note("only ours", time, place, name, is_point, mine, None)
 
     def note(self, result, time, place, name, is_point, mine, theirs):

@@ -152,7 +152,7 @@ prepare() {
     # Debian's packaging compresses longer files. OpenFOAM reads fields and geometry in that form, but not the rest.
     find . -name '*.gz' ! -path './0*' ! -path '*/triSurface/*' ! -path '*/polyMesh/*' -exec gunzip -f {} +
     # The functions of RunFunctions need bash, and a script that was compressed has lost its mode.
-    find . -type f -exec grep -l '^#! */bin' {} + | while read -r file; do
+    { find . -type f -exec grep -l '^#! */bin' {} + || true; } | while read -r file; do
         sed -i '1s,^#! */bin/sh,#!/bin/bash,' "$file"
         chmod +x "$file"
     done
@@ -179,7 +179,8 @@ run_steps() {
             runApplication "$(getApplication)"
         fi
     else
-        timeout $((4 * TUTORIAL_SECONDS)) bash ./Allrun </dev/null >log.Allrun 2>&1 || echo log.Allrun >>"$TUTORIAL_FAILED"
+        timeout $((4 * TUTORIAL_SECONDS)) bash ./Allrun </dev/null >log.Allrun 2>&1 ||
+            echo log.Allrun >>"$TUTORIAL_FAILED"
     fi
 }
 
@@ -207,8 +208,8 @@ convert() {
 # Without its library this wall function is taken for a fixed value, but it is that of the cells to any solver.
 convert_wall_functions() {
     local fields
-    fields=$(find "$base"/[0-9]*/"$sub" -maxdepth 1 -type f -exec zgrep -l '\<kqRWallFunction;' {} + 2>/dev/null |
-        sed 's,.*/,,; s,\.gz$,,' | sort -u | tr '\n' ' ')
+    fields=$({ find "$base"/[0-9]*/"$sub" -maxdepth 1 -type f -exec zgrep -l '\<kqRWallFunction;' {} + 2>/dev/null ||
+        true; } | sed 's,.*/,,; s,\.gz$,,' | sort -u | tr '\n' ' ')
     [ -z "$fields" ] || convert "$vtk/wall-functions" -fields "($fields)" -lib "$libraries" || true
 }
 

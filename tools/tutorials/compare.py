@@ -5,7 +5,8 @@
 usage: compare.py --ddphost PATH [--flags "..."] FOLDER < CASES
 
 CASES has one line per case, whose first word is the path below FOLDER/cases. Prints a row per case and totals, and
-writes FOLDER/differences.txt and FOLDER/causes.txt, which counts them by form of file and patch. The exit code is 1 if an array is wrong.
+writes FOLDER/differences.txt and FOLDER/causes.txt, which counts them by form of file and patch. The exit code is 1 if
+an array is wrong.
 """
 
 import argparse
@@ -145,7 +146,8 @@ class Ours:
         try:
             return json.loads(result.stdout)
         except ValueError:
-            self.problem = f"{command[0]}: exit code {result.returncode}: " + result.stderr.decode(errors="replace")[-300:]
+            errors = result.stderr.decode(errors="replace")
+            self.problem = f"{command[0]}: exit code {result.returncode}: {errors[-300:]}"
             return None
 
     def collect(self, rows):
@@ -277,12 +279,10 @@ class Case:
                 self.note(outcome(mine, theirs), time, (SURFACES, "", name), field, is_point, mine, theirs)
 
     def part_of(self, base, region):
-        names = {
-            (True, True): ["default_region", "region0"],
-            (True, False): [region],
-            (False, True): [base],
-            (False, False): [f"{base}/{region}", f"{base}.{region}", f"{base}_{region}", f"{region}/{base}", f"{base} {region}"],
-        }[base == ".", region == "region0"]
+        if base == ".":
+            names = ["default_region", "region0"] if region == "region0" else [region]
+        else:
+            names = [base] if region == "region0" else [f"{base}/{region}"]
         for part in self.ours.parts:
             if part["name"] in names:
                 return part
@@ -317,7 +317,8 @@ class Case:
             cause = "values of points" if is_point else "values of faces"
         else:
             cause = self.cause(time, base, region, name, group)
-        self.causes[result, when, where, cause].append(f"{self.path}: time {time}, {base}/{region}, {name}, {group or 'cells'}")
+        example = f"{self.path}: time {time}, {base}/{region}, {name}, {group or 'cells'}"
+        self.causes[result, when, where, cause].append(example)
         self.differences.append(
             f"{self.path}\t{result}\t{when}\t{where}\t{time}\t{base}\t{region}\t{name}"
             f"\t{group or ''}\t{cause}\n    OpenFOAM {theirs.text() if theirs else 'has none'}\n"
@@ -358,7 +359,8 @@ def print_table(cases):
         cells = "  |".join(row_text(counts, when, where) for when in (True, False) for where in PLACES[:2])
         print(f"{title[-50:]:50s}{cells}")
 
-    print(f"{'':50s}{'time 0, interior':27s}  |{'time 0, patches':27s}  |{'later, interior':27s}  |{'later, patches':27s}")
+    heads = ("time 0, interior", "time 0, patches", "later, interior", "later, patches")
+    print(f"{'':50s}" + "  |".join(f"{head:27s}" for head in heads))
     print(f"{'case':50s}" + "  |".join([" ".join(f"{w:>6s}" for w in ("right", "wrong", "undef", "unlist"))] * 4))
     total = collections.Counter()
     for case in cases:

@@ -14,7 +14,7 @@ tutorial's path; without one all of tools/tutorials/cases.txt are compared.
   -o FOLDER          keep cases and results here (build/tutorials); a case that is there is not run again
   -j N               run N cases at once (1)
   --ddphost PATH     the host to test (build/release/host/ddphost)
-  --flags "..."      more options for "ddphost stats"
+  --flags "..."      more options for "ddphost info" and "ddphost stats", such as --plain
   --run-only         prepare and run the cases, compare nothing
 
 Needs Debian's packages openfoam, openfoam-examples, python3-vtk9, python3-numpy and m4, and installs them as root. All
@@ -282,6 +282,7 @@ chosen_cases() {
 }
 
 set_environment
+# How the script runs itself for each case, so that xargs can run several at once.
 if [ -n "${one:-}" ]; then
     # shellcheck disable=SC2086
     run_case $one
@@ -291,8 +292,9 @@ fi
 install_packages openfoam openfoam-examples python3-vtk9 python3-numpy m4
 make_project
 chosen_cases >"$folder/chosen"
+[ -s "$folder/chosen" ] || fail "no tutorial of tools/tutorials/cases.txt contains: ${wanted[*]}"
 xargs -d '\n' -P "$jobs" -I{} "$root/tools/tutorials.sh" -o "$folder" --one {} <"$folder/chosen"
 [ "$compare" = true ] || exit 0
 [ -x "$ddphost" ] || fail "no host at $ddphost: run ./run.sh or give --ddphost"
 # The system's Python, since Debian's VTK module is only there.
-exec /usr/bin/python3 tools/tutorials/compare.py --ddphost "$ddphost" --flags "$flags" "$folder" <"$folder/chosen"
+exec /usr/bin/python3 tools/tutorials/compare.py --ddphost "$ddphost" "--flags=$flags" "$folder" <"$folder/chosen"

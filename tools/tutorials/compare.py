@@ -366,6 +366,8 @@ def print_table(cases):
     for case in cases:
         line(case.path, case.counts)
         total.update(case.counts)
+        if not case.counts:
+            print("    nothing to compare with: foamToVTK wrote nothing")
         if case.ours.problem:
             print(f"    {case.ours.problem}")
     line("total", total)

@@ -216,14 +216,20 @@ std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOf(const Token
     return item;
 }
 
+/// The numbers of an item as the host takes them, of which the first `width()` count.
+ExtendedFieldReader::HostItem ExtendedFieldReader::hostItem(const Item& item) const
+{
+    if (m_kind->type == OFResultTensor) {
+        return hostTensor(m_kind->items, item.data());
+    }
+    HostItem sent = {};
+    std::copy_n(item.begin(), width(), sent.begin());
+    return sent;
+}
+
 void ExtendedFieldReader::fillUniform(const Item& item, std::vector<double>* values) const
 {
-    std::array<double, TENSOR_COMPONENTS> sent = {};
-    if (m_kind->type == OFResultTensor) {
-        sent = hostTensor(m_kind->items, item.data());
-    } else {
-        std::copy_n(item.begin(), width(), sent.begin());
-    }
+    const HostItem sent = hostItem(item);
     // guard: uniform-values
     for (std::size_t i = 0; i + width() <= values->size(); i += width()) {
         std::copy_n(sent.begin(), width(), values->begin() + static_cast<std::ptrdiff_t>(i));
@@ -378,7 +384,27 @@ bool ExtendedFieldReader::read()
     if (m_kind->hasPatches && patches != nullptr) {
         readPatches(*patches);
     }
+    addReferenceLevel(content.entries);
     return true;
+}
+
+/// Adds the entry "referenceLevel", if there is one, to all values: fields of small differences have it.
+void ExtendedFieldReader::addReferenceLevel(const Dictionary& entries)
+{
+    const Entry* const entry = entries.find("referenceLevel");
+    const std::optional<Item> item = entry == nullptr ? std::nullopt : itemOf(entry->tokens, 0, entry->tokens.size());
+    if (!item) {
+        return;
+    }
+    const HostItem level = hostItem(*item);
+    const auto addTo = [&](std::vector<double>* values) {
+        for (std::size_t i = 0; i < values->size(); ++i) {
+            double& value = (*values)[i];
+            value = value == dvn::UNDEFINED_DOUBLE ? value : value + level[i % width()];
+        }
+    };
+    addTo(m_target.values);
+    std::ranges::for_each(*m_target.patchValues, [&](std::vector<double>& values) { addTo(&values); });
 }
 
 bool ExtendedFieldReader::takeInterior(const Dictionary& entries)

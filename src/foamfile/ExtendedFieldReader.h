@@ -30,6 +30,7 @@ private:
     /// The most numbers of an item in a file, those of a tensor.
     static constexpr std::size_t MOST_COMPONENTS = 9;
     using Item = std::array<double, MOST_COMPONENTS>;
+    using HostItem = std::array<double, TENSOR_COMPONENTS>;
     using Tokens = std::vector<foamdict::Token>;
 
     /// A list that was read: items as the host takes them. Not good if it did not come in full.
@@ -52,6 +53,7 @@ private:
     void dropList(const foamdict::ListPlace& place, const std::string& listType);
 
     std::optional<Item> itemOf(const Tokens& tokens, std::size_t first, std::size_t end) const;
+    HostItem hostItem(const Item& item) const;
     void fillUniform(const Item& item, std::vector<double>* values) const;
     bool fill(const Tokens& tokens, std::vector<double>* values);
     bool fillFromList(const Tokens& tokens, std::vector<double>* values);
@@ -60,6 +62,7 @@ private:
     bool fillFromFunction(const Tokens& tokens, std::vector<double>* values) const;
     std::optional<Item> itemOfTable(const Tokens& tokens, double time) const;
 
+    void addReferenceLevel(const foamdict::Dictionary& entries);
     bool takeInterior(const foamdict::Dictionary& entries);
     void readPatches(const foamdict::Dictionary& patches);
     void readPatch(const foamdict::Dictionary& block, const std::string& type, const OFBoundary& patch,

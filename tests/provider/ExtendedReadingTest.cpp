@@ -118,6 +118,15 @@ TEST_F(ExtendedReading, PatchesWithoutValuesHaveThoseOfTheirType)
     }
 }
 
+TEST_F(ExtendedReading, AReferenceLevelIsAddedToAllValues)
+{
+    writeVelocity("1", "in { type noSlip; }", "uniform (1 2 3); referenceLevel (1 0 10)");
+    const Groups groups = valuesOf("VELOCITY_E", 1);
+    EXPECT_EQ(groups.at(0), (Values{2, 2, 13, 2, 2, 13}));
+    EXPECT_EQ(groups.at(1), (Values{1, 0, 10}));
+    EXPECT_EQ(groups.at(2), undefined(12));
+}
+
 TEST_F(ExtendedReading, PatchesAreFoundByNameThenGroupThenExpression)
 {
     const auto entry = [](const char* name, int value) {

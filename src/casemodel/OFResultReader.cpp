@@ -20,17 +20,6 @@ std::size_t totalSize(const std::vector<std::vector<double>>& arrays)
     return size;
 }
 
-/// Whether the values of a file are on cells, but those of the class sought on points, or the other way round. A field
-/// on cells may have the name of one that sampled surfaces have on their nodes, so this is not an error.
-bool isElsewhere(const dvn::Str& path, const dvn::Str& soughtClass)
-{
-    ExtendedField::Header header;
-    const auto sought = ExtendedField::kindOfClass(soughtClass);
-    const auto found =
-        ExtendedField::readHeader(path, &header) ? ExtendedField::kindOfClass(header.className) : std::nullopt;
-    return sought && found && sought->mapping != found->mapping;
-}
-
 void store(bool* target, bool value)
 {
     if (target != nullptr) {
@@ -118,9 +107,9 @@ bool OFResultReader::readExtended(const OFFieldFile& field, std::vector<double>*
                                   std::vector<std::vector<double>>& boundaryValues) const
 {
     const dvn::Timer timer;
-    const dvn::Str path = field.folder + "/" + field.nativeName;
-    if (isElsewhere(path, field.className) ||
-        !ExtendedField::read(path, {field.dimension, values, &boundaries, &boundaryValues})) {
+    const OFResultMapping mapping = field.className.startsWith("point") ? OFResultOnNode : OFResultOnCell;
+    if (!ExtendedField::read(field.folder + "/" + field.nativeName,
+                             {mapping, field.dimension, values, &boundaries, &boundaryValues})) {
         return false;
     }
     logRead(field, values->size(), boundaryValues, timer);

@@ -42,7 +42,8 @@ bool readHeader(const dvn::Str& path, Header* header);
 /// Where the values of a field go: flat arrays, item after item, sized by the caller and full of undefined values.
 struct Target
 {
-    int dimension; ///< numbers of an item as the host takes them: 1, 3, or 6 for a tensor (xx xy xz yy yz zz)
+    OFResultMapping mapping; ///< on cells or on nodes
+    int dimension;           ///< numbers of an item as the host takes them: 1, 3, or 6 for a tensor (xx xy xz yy yz zz)
     std::vector<double>* values;
     const std::vector<OFBoundary>* boundaries;
     std::vector<std::vector<double>>* patchValues; ///< one array for each of the boundaries
@@ -50,7 +51,9 @@ struct Target
 
 /// Reads a field with its patches. What the file does not say stays undefined.
 ///
-/// @return false if the file cannot be opened, or its interior has no values that fit the target; both are in the log
+/// A field on cells may have the name of one that sampled surfaces have on their nodes, so a file of the other mapping
+/// is not an error and gives nothing.
+/// @return false if there are no values; unless the mapping is the reason, it is in the log
 bool read(const dvn::Str& path, const Target& target);
 
 } // namespace ExtendedField

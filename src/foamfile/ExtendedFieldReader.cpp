@@ -126,7 +126,9 @@ void ExtendedFieldReader::onHeader(const Dictionary& header)
                                                                         : static_cast<int>(m_kind->items.components))) {
         m_kind.reset();
     }
-    if (!m_kind) {
+    m_isElsewhere = m_kind && m_kind->mapping != m_target.mapping;
+    if (!m_kind || m_isElsewhere) {
+        m_kind.reset();
         chars().end();
     }
 }
@@ -373,6 +375,9 @@ bool ExtendedFieldReader::read()
                                         dvn::Str("Failed to open result file. File basename is %1").arg(m_path));
     }
     const foamdict::Content content = parse();
+    if (m_isElsewhere) {
+        return false;
+    }
     if (!m_kind) {
         return OFLogger::get().logError("OFFile", dvn::Str("Unexpected class in result file %1").arg(m_path));
     }

@@ -78,5 +78,6 @@ private:
     std::optional<double> m_time;
     std::optional<ExtendedField::Kind> m_kind;
     std::vector<List> m_lists;
+    bool m_isElsewhere = false;
     bool m_isInteriorInTarget = false;
 };

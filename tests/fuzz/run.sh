@@ -4,7 +4,8 @@
 #
 #   tests/fuzz/run.sh MINUTES [TARGET...]
 #
-# New inputs and findings are kept in build/asan/fuzz. Exit code 1 means a finding, 2 wrong usage.
+# New inputs and findings are kept in build/asan/fuzz. Exit code 1 means a finding, 2 wrong usage. FUZZ_SEED=N in the
+# environment makes runs alike, as those of .ci/run are: a change is judged by its own faults, not by chance.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/../.."
@@ -38,7 +39,7 @@ run_target()
     mkdir -p "$work/corpus/$1" "$work/findings"
     # The suite's replay reports leaks when it ends; checking after each input would halve the speed.
     OFP_FUZZ_TARGET=$1 TMPDIR=$files ASAN_OPTIONS=quarantine_size_mb=16 nice -n 10 "$program" -max_len=$most \
-        -max_total_time="$seconds" -dict=tests/fuzz/words.dict -print_final_stats=1 -detect_leaks=0 -timeout=60 -report_slow_units=60 \
+        -max_total_time="$seconds" -seed="${FUZZ_SEED:-0}" -dict=tests/fuzz/words.dict -print_final_stats=1 -detect_leaks=0 -timeout=60 -report_slow_units=60 \
         -malloc_limit_mb=1024 -entropic_scale_per_exec_time=1 -artifact_prefix="$work/findings/$1-" \
         "$work/corpus/$1" "$corpus/$1" >"$work/$1.log" 2>&1 || true
 }

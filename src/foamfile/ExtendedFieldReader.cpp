@@ -449,7 +449,14 @@ void ExtendedFieldReader::readPatch(const Dictionary& block, const std::string& 
         }
         return;
     }
-    const Source source = PatchRules::sourceOfType(type);
+    Source source = PatchRules::sourceOfType(type);
+    if (source == Source::Cyclic) {
+        // OpenFOAM computes the values anew, so a `value` in the file does not matter.
+        if (interpolateCyclic(patch, values)) {
+            return;
+        }
+        source = Source::FileElseCell;
+    }
     if (source != Source::File && source != Source::FileElseCell) {
         applySource(source, block, patch, values);
         return;
@@ -483,6 +490,21 @@ void ExtendedFieldReader::copyMeshValues(const OFBoundary& patch, std::vector<do
 {
     FieldPatches::copyMeshItems(
         *m_target.values, isOnPoints() ? patch.faceNodeToNodeMapping() : patch.faceToCellMapping(), width(), values);
+}
+
+/// @return false, with the values unchanged, if it is not known what lies beyond the patch
+bool ExtendedFieldReader::interpolateCyclic(const OFBoundary& patch, std::vector<double>* values) const
+{
+    if (patch.cyclicCoupling().cells.empty()) {
+        return false;
+    }
+    std::vector<double> between(values->size(), dvn::UNDEFINED_DOUBLE);
+    copyMeshValues(patch, &between);
+    if (!PatchRules::interpolateCyclic(patch, *m_target.values, m_target.dimension, &between)) {
+        return false;
+    }
+    *values = std::move(between);
+    return true;
 }
 
 void ExtendedFieldReader::applySource(PatchRules::Source source, const Dictionary& block, const OFBoundary& patch,

@@ -32,7 +32,7 @@ constexpr std::array<TypeRule, 37> TYPES = {{
     {"basicSymmetry", Source::Symmetry, {}},
     {"fixedNormalSlip", Source::FixedNormal, {}},
     {"wedge", Source::Wedge, {}},
-    {"cyclic", Source::FileElseCell, {}},
+    {"cyclic", Source::Cyclic, {}},
     {"cyclicAMI", Source::FileElseCell, {}},
     {"cyclicACMI", Source::FileElseCell, {}},
     {"cyclicSlip", Source::FileElseCell, {}},
@@ -158,6 +158,34 @@ void PatchRules::turnToWedge(const OFBoundary& patch, int dimension, std::vector
             rotation::transform(rotation::between(nearestAxis(normal), normal), dimension, item);
         }
     });
+}
+
+bool PatchRules::interpolateCyclic(const OFBoundary& patch, const std::vector<double>& meshValues, int dimension,
+                                   std::vector<double>* values)
+{
+    const CyclicCoupling& coupling = patch.cyclicCoupling();
+    const auto width = static_cast<std::size_t>(dimension);
+    const auto isCell = [cellCount = meshValues.size() / width](int cell) {
+        return static_cast<std::size_t>(cell) < cellCount;
+    };
+    // guard: coupling-size
+    if (coupling.cells.empty() || coupling.cells.size() != values->size() / width || width > TENSOR_COMPONENTS ||
+        !std::ranges::all_of(coupling.cells, isCell) || !std::ranges::all_of(patch.faceToCellMapping(), isCell)) {
+        return false;
+    }
+    const std::size_t lastRotation = coupling.rotations.size() - 1;
+    for (std::size_t face = 0; face < coupling.cells.size(); ++face) {
+        std::array<double, TENSOR_COMPONENTS> beyond = {};
+        std::copy_n(meshValues.data() + static_cast<std::size_t>(coupling.cells[face]) * width, width, beyond.begin());
+        if (!coupling.rotations.empty()) {
+            rotation::transform(coupling.rotations[std::min(face, lastRotation)], dimension, beyond.data());
+        }
+        for (std::size_t k = 0; k < width; ++k) {
+            double& value = (*values)[face * width + k];
+            value = coupling.weights[face] * value + (1.0 - coupling.weights[face]) * beyond[k];
+        }
+    }
+    return true;
 }
 
 void PatchRules::addNormalComponent(const OFBoundary& patch, const std::vector<double>& others,

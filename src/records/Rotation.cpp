@@ -75,6 +75,19 @@ Matrix rotation::between(const Vector& from, const Vector& to)
     return matrix;
 }
 
+Matrix rotation::about(const Vector& axis, double cosine, double sine)
+{
+    const Matrix crossProduct = {Vector{0.0, -axis[2], axis[1]}, Vector{axis[2], 0.0, -axis[0]},
+                                 Vector{-axis[1], axis[0], 0.0}};
+    Matrix matrix = {};
+    for (std::size_t i = 0; i < VECTOR_COMPONENTS; ++i) {
+        for (std::size_t k = 0; k < VECTOR_COMPONENTS; ++k) {
+            matrix[i][k] = (i == k ? cosine : 0.0) + sine * crossProduct[i][k] + (1.0 - cosine) * axis[i] * axis[k];
+        }
+    }
+    return matrix;
+}
+
 void rotation::transform(const Matrix& matrix, int dimension, double* item)
 {
     if (dimension == static_cast<int>(VECTOR_COMPONENTS)) {

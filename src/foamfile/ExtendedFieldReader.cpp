@@ -102,8 +102,8 @@ void orderPoints(const OFBoundary& patch, std::size_t width, std::vector<double>
 std::optional<double> timeOf(const dvn::Str& path)
 {
     const std::vector<dvn::Str> names = path.split("/");
-    constexpr std::size_t MOST_FOLDERS_UP = 3;
-    for (std::size_t i = 1; i <= MOST_FOLDERS_UP && i < names.size(); ++i) {
+    constexpr std::size_t FOLDERS_UP_TO_TIME = 3;
+    for (std::size_t i = 1; i <= FOLDERS_UP_TO_TIME && i < names.size(); ++i) {
         const dvn::Str& name = names[names.size() - 1 - i];
         if (OFUtilities::isTimeName(name)) {
             return name.toDouble();

@@ -18,7 +18,7 @@ namespace {
 using Values = std::vector<double>;
 using Groups = std::vector<Values>;
 
-constexpr double UNDEFINED = 1.7976931348623157e308;
+constexpr double UNSET = 1.7976931348623157e308;
 
 /// The patches of two cubes: the face x = 0, the faces of cell 0 at its sides, and all other faces of cell 1.
 const char* const BOUNDARY = "( // no count\n"
@@ -68,7 +68,7 @@ protected:
 
 Values undefined(std::size_t count)
 {
-    return Values(count, UNDEFINED);
+    return Values(count, UNSET);
 }
 
 } // namespace
@@ -322,7 +322,7 @@ TEST_F(ExtendedReading, MovedPointsCountUntilTheNextOnesAndMustFit)
     const LogCapture log;
     OpenCase openCase(m_folder.path(), extended());
     openCase.geometry();
-    const double firstX[] = {0, 9, 9, UNDEFINED};
+    const double firstX[] = {0, 9, 9, UNSET};
     for (int state = 1; state <= 4; ++state) {
         const Groups groups = openCase.values("POINTS", state);
         ASSERT_EQ(groups.size(), 4U);

@@ -91,6 +91,21 @@ std::vector<dvn::Str> groupsOf(const Dictionary& block, const std::string& type)
     return groups;
 }
 
+/// The three numbers of an entry such as "rotationAxis (0 0 1);", else 0.
+rotation::Vector vectorOf(const Dictionary& block, std::string_view keyword)
+{
+    rotation::Vector vector = {};
+    std::size_t count = 0;
+    if (const Entry* const entry = block.find(keyword)) {
+        for (const Token& token : entry->tokens) {
+            if (token.kind == Token::Kind::Number && count < vector.size()) {
+                vector[count++] = token.number;
+            }
+        }
+    }
+    return count == vector.size() ? vector : rotation::Vector{};
+}
+
 /// Calls `add(name, block)` for each entry of a file that is a list of blocks.
 template <typename Add>
 bool readItems(DictionaryClient& client, const dvn::Str& path, const Add& add)
@@ -139,6 +154,9 @@ bool ExtendedDescription::readBoundary(const dvn::Str& path, std::vector<OFBound
         boundary.setGroups(groupsOf(block, type));
         boundary.setFaceCount(static_cast<std::size_t>(std::max(wholeNumber(block, "nFaces"), 0)));
         boundary.setStartFaceIndex(wholeNumber(block, "startFace"));
+        boundary.setNeighbourPatch(firstWord(block, "neighbourPatch"));
+        boundary.setCyclicTransform(firstWord(block, "transform"));
+        boundary.setRotationAxis(vectorOf(block, "rotationAxis"));
         boundaries.push_back(std::move(boundary));
     });
 }

@@ -102,8 +102,8 @@ void orderPoints(const OFBoundary& patch, std::size_t width, std::vector<double>
 std::optional<double> timeOf(const dvn::Str& path)
 {
     const std::vector<dvn::Str> names = path.split("/");
-    constexpr std::size_t MOST_FOLDERS_UP = 3;
-    for (std::size_t i = 1; i <= MOST_FOLDERS_UP && i < names.size(); ++i) {
+    constexpr std::size_t FOLDERS_UP_TO_TIME = 3;
+    for (std::size_t i = 1; i <= FOLDERS_UP_TO_TIME && i < names.size(); ++i) {
         const dvn::Str& name = names[names.size() - 1 - i];
         if (OFUtilities::isTimeName(name)) {
             return name.toDouble();
@@ -454,7 +454,14 @@ void ExtendedFieldReader::readPatch(const Dictionary& block, const std::string& 
         }
         return;
     }
-    const Source source = PatchRules::sourceOfType(type);
+    Source source = PatchRules::sourceOfType(type);
+    if (source == Source::Cyclic) {
+        // OpenFOAM computes the values anew, so a `value` in the file does not matter.
+        if (interpolateCyclic(patch, values)) {
+            return;
+        }
+        source = Source::FileElseCell;
+    }
     if (source != Source::File && source != Source::FileElseCell) {
         applySource(source, block, patch, values);
         return;
@@ -488,6 +495,21 @@ void ExtendedFieldReader::copyMeshValues(const OFBoundary& patch, std::vector<do
 {
     FieldPatches::copyMeshItems(
         *m_target.values, isOnPoints() ? patch.faceNodeToNodeMapping() : patch.faceToCellMapping(), width(), values);
+}
+
+/// @return false, with the values unchanged, if it is not known what lies beyond the patch
+bool ExtendedFieldReader::interpolateCyclic(const OFBoundary& patch, std::vector<double>* values) const
+{
+    if (patch.cyclicCoupling().cells.empty()) {
+        return false;
+    }
+    std::vector<double> between(values->size(), dvn::UNDEFINED_DOUBLE);
+    copyMeshValues(patch, &between);
+    if (!PatchRules::interpolateCyclic(patch, *m_target.values, m_target.dimension, &between)) {
+        return false;
+    }
+    *values = std::move(between);
+    return true;
 }
 
 void ExtendedFieldReader::applySource(PatchRules::Source source, const Dictionary& block, const OFBoundary& patch,

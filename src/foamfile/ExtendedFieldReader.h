@@ -70,6 +70,7 @@ private:
     bool readEntry(const foamdict::Dictionary& block, std::string_view keyword, const OFBoundary& patch,
                    std::vector<double>* values);
     void copyMeshValues(const OFBoundary& patch, std::vector<double>* values) const;
+    bool interpolateCyclic(const OFBoundary& patch, std::vector<double>* values) const;
     void applySource(PatchRules::Source source, const foamdict::Dictionary& block, const OFBoundary& patch,
                      std::vector<double>* values);
 

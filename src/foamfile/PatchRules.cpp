@@ -32,7 +32,7 @@ constexpr std::array<TypeRule, 37> TYPES = {{
     {"basicSymmetry", Source::Symmetry, {}},
     {"fixedNormalSlip", Source::FixedNormal, {}},
     {"wedge", Source::Wedge, {}},
-    {"cyclic", Source::FileElseCell, {}},
+    {"cyclic", Source::Cyclic, {}},
     {"cyclicAMI", Source::FileElseCell, {}},
     {"cyclicACMI", Source::FileElseCell, {}},
     {"cyclicSlip", Source::FileElseCell, {}},
@@ -67,11 +67,8 @@ const TypeRule* ruleOfType(std::string_view type)
     return rule == TYPES.end() ? nullptr : rule;
 }
 
-using Vector = std::array<double, VECTOR_COMPONENTS>;
-using Matrix = std::array<Vector, VECTOR_COMPONENTS>;
-
-/// The places of a symmetric matrix in the six numbers of a tensor.
-constexpr std::array<std::array<std::size_t, 3>, 3> TENSOR_PLACES = {{{0, 1, 2}, {1, 3, 4}, {2, 4, 5}}};
+using rotation::Matrix;
+using rotation::Vector;
 
 Vector normalOf(const OFBoundary& patch, std::size_t face)
 {
@@ -80,51 +77,6 @@ Vector normalOf(const OFBoundary& patch, std::size_t face)
     // guard: face-normals
     return first + VECTOR_COMPONENTS <= normals.size() ? Vector{normals[first], normals[first + 1], normals[first + 2]}
                                                        : Vector{};
-}
-
-Vector times(const Matrix& matrix, const double* vector)
-{
-    Vector product = {};
-    for (std::size_t i = 0; i < VECTOR_COMPONENTS; ++i) {
-        for (std::size_t k = 0; k < VECTOR_COMPONENTS; ++k) {
-            product[i] += matrix[i][k] * vector[k];
-        }
-    }
-    return product;
-}
-
-void transformVector(const Matrix& matrix, double* vector)
-{
-    std::ranges::copy(times(matrix, vector), vector);
-}
-
-/// Replaces T by M T M^T.
-void transformTensor(const Matrix& matrix, double* tensor)
-{
-    Matrix half = {};
-    for (std::size_t column = 0; column < VECTOR_COMPONENTS; ++column) {
-        const Vector vector = {tensor[TENSOR_PLACES[0][column]], tensor[TENSOR_PLACES[1][column]],
-                               tensor[TENSOR_PLACES[2][column]]};
-        const Vector product = times(matrix, vector.data());
-        for (std::size_t row = 0; row < VECTOR_COMPONENTS; ++row) {
-            half[row][column] = product[row];
-        }
-    }
-    for (std::size_t row = 0; row < VECTOR_COMPONENTS; ++row) {
-        const Vector product = times(matrix, half[row].data());
-        for (std::size_t column = row; column < VECTOR_COMPONENTS; ++column) {
-            tensor[TENSOR_PLACES[row][column]] = product[column];
-        }
-    }
-}
-
-void transform(const Matrix& matrix, int dimension, double* item)
-{
-    if (dimension == static_cast<int>(VECTOR_COMPONENTS)) {
-        transformVector(matrix, item);
-    } else if (dimension == static_cast<int>(TENSOR_COMPONENTS)) {
-        transformTensor(matrix, item);
-    }
 }
 
 /// Calls `change(face, item)` for each item of a patch on cells that has more than one number.
@@ -151,23 +103,6 @@ Matrix mirrorOf(const Vector& normal)
         }
     }
     return mirror;
-}
-
-/// The rotation that turns one unit vector into another.
-Matrix rotationBetween(const Vector& from, const Vector& to)
-{
-    const double cosine = from[0] * to[0] + from[1] * to[1] + from[2] * to[2];
-    const Vector axis = {from[1] * to[2] - from[2] * to[1], from[2] * to[0] - from[0] * to[2],
-                         from[0] * to[1] - from[1] * to[0]};
-    const double sineSquared = axis[0] * axis[0] + axis[1] * axis[1] + axis[2] * axis[2];
-    Matrix rotation = {};
-    for (std::size_t i = 0; i < VECTOR_COMPONENTS; ++i) {
-        for (std::size_t k = 0; k < VECTOR_COMPONENTS; ++k) {
-            rotation[i][k] = (i == k ? cosine : 0.0) + to[i] * from[k] - from[i] * to[k];
-            rotation[i][k] += sineSquared > 0.0 ? (1.0 - cosine) * axis[i] * axis[k] / sineSquared : 0.0;
-        }
-    }
-    return rotation;
 }
 
 /// The axis that a normal is nearest to, in its direction: the normal of the middle plane of a wedge.
@@ -208,7 +143,7 @@ void PatchRules::makeSymmetric(const OFBoundary& patch, int dimension, std::vect
         std::array<double, TENSOR_COMPONENTS> mirrored = {};
         const auto width = static_cast<std::size_t>(dimension);
         std::copy_n(item, width, mirrored.begin());
-        transform(mirrorOf(normalOf(patch, face)), dimension, mirrored.data());
+        rotation::transform(mirrorOf(normalOf(patch, face)), dimension, mirrored.data());
         for (std::size_t k = 0; k < width; ++k) {
             item[k] = 0.5 * (item[k] + mirrored[k]);
         }
@@ -220,9 +155,37 @@ void PatchRules::turnToWedge(const OFBoundary& patch, int dimension, std::vector
     changeItems(patch, dimension, values, [&](std::size_t face, double* item) {
         const Vector normal = normalOf(patch, face);
         if (normal != Vector{}) {
-            transform(rotationBetween(nearestAxis(normal), normal), dimension, item);
+            rotation::transform(rotation::between(nearestAxis(normal), normal), dimension, item);
         }
     });
+}
+
+bool PatchRules::interpolateCyclic(const OFBoundary& patch, const std::vector<double>& meshValues, int dimension,
+                                   std::vector<double>* values)
+{
+    const CyclicCoupling& coupling = patch.cyclicCoupling();
+    const auto width = static_cast<std::size_t>(dimension);
+    const auto isCell = [cellCount = meshValues.size() / width](int cell) {
+        return static_cast<std::size_t>(cell) < cellCount;
+    };
+    // guard: coupling-size
+    if (coupling.cells.empty() || coupling.cells.size() != values->size() / width || width > TENSOR_COMPONENTS ||
+        !std::ranges::all_of(coupling.cells, isCell) || !std::ranges::all_of(patch.faceToCellMapping(), isCell)) {
+        return false;
+    }
+    const std::size_t lastRotation = coupling.rotations.size() - 1;
+    for (std::size_t face = 0; face < coupling.cells.size(); ++face) {
+        std::array<double, TENSOR_COMPONENTS> beyond = {};
+        std::copy_n(meshValues.data() + static_cast<std::size_t>(coupling.cells[face]) * width, width, beyond.begin());
+        if (!coupling.rotations.empty()) {
+            rotation::transform(coupling.rotations[std::min(face, lastRotation)], dimension, beyond.data());
+        }
+        for (std::size_t k = 0; k < width; ++k) {
+            double& value = (*values)[face * width + k];
+            value = coupling.weights[face] * value + (1.0 - coupling.weights[face]) * beyond[k];
+        }
+    }
+    return true;
 }
 
 void PatchRules::addNormalComponent(const OFBoundary& patch, const std::vector<double>& others,

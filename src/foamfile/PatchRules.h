@@ -16,6 +16,7 @@ enum class Source
 {
     File,         ///< only what the file says
     FileElseCell, ///< the value of the cell if the file says nothing
+    Cyclic,       ///< between the cells on both sides, whatever the file says; as `FileElseCell` if only one is known
     Cell,         ///< the value of the cell, whatever the file says: OpenFOAM computes it anew
     Zero,         ///< 0, whatever the file says
     Symmetry,     ///< the value of the cell, without the component along the normal of the face
@@ -35,6 +36,12 @@ std::string_view substituteOfType(std::string_view type);
 void makeSymmetric(const OFBoundary& patch, int dimension, std::vector<double>* values);
 /// Turns each vector or tensor from the middle plane of a wedge, which is along two axes, to the patch at its side.
 void turnToWedge(const OFBoundary& patch, int dimension, std::vector<double>* values);
+/// Turns the values of the cells at a cyclic patch into those on its faces, between these cells and the ones beyond it.
+///
+/// @param meshValues the values of all cells
+/// @return false, with the values unchanged, if the patch has no coupling that fits
+bool interpolateCyclic(const OFBoundary& patch, const std::vector<double>& meshValues, int dimension,
+                       std::vector<double>* values);
 /// Adds the normal component of other vectors to vectors that have none.
 void addNormalComponent(const OFBoundary& patch, const std::vector<double>& others, std::vector<double>* values);
 

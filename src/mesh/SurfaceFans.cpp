@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t TRIANGLE_NODES = 3;
+constexpr std::size_t TRIANGLE_CORNERS = 3;
 /// How many values a byte can have.
 constexpr std::size_t BYTE_VALUES = 256;
 
@@ -45,7 +45,7 @@ void appendFan(std::span<const int> labels, int face, SurfaceFans* fans)
 {
     FacesData& triangles = fans->triangles;
     for (std::size_t i = 1; i + 1 < labels.size(); ++i) {
-        triangles.nodeCounts.push_back(static_cast<std::uint8_t>(TRIANGLE_NODES));
+        triangles.nodeCounts.push_back(static_cast<std::uint8_t>(TRIANGLE_CORNERS));
         triangles.nodeOffsets.push_back(static_cast<int>(triangles.nodes.size()));
         triangles.nodes.insert(triangles.nodes.end(), {labels[0], labels[i], labels[i + 1]});
         fans->faceOfTriangle.push_back(face);
@@ -62,11 +62,11 @@ SurfaceFans fansOf(const FacesData& faces, std::size_t nodeCount)
     for (std::size_t face = 0; face < faces.faceCount(); ++face) {
         const std::span<const int> labels = labelsOf(faces, face);
         // guard: fan-labels
-        if (labels.size() < TRIANGLE_NODES || labels.data() < keptEnd || !std::ranges::all_of(labels, isGood)) {
+        if (labels.size() < TRIANGLE_CORNERS || labels.data() < keptEnd || !std::ranges::all_of(labels, isGood)) {
             continue;
         }
         // Offsets are ints, and a fan has up to three times as many labels as its face.
-        if (fans.triangles.nodes.size() + TRIANGLE_NODES * labels.size() > dvf::limits::FACE_NODES) {
+        if (fans.triangles.nodes.size() + TRIANGLE_CORNERS * labels.size() > dvf::limits::FACE_NODES) {
             break;
         }
         appendFan(labels, static_cast<int>(face), &fans);

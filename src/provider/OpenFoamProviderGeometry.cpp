@@ -4,6 +4,7 @@
 #include "DvnCore/Timer.h"
 #include "LibCore/Parallel.h"
 #include "foamfile/OFLogger.h"
+#include "mesh/CyclicCoupling.h"
 #include "mesh/OFPolymesh.h"
 #include "mesh/OFPolymeshReader.h"
 #include "mesh/OFPolymeshToDDP.h"
@@ -137,6 +138,7 @@ bool OpenFoamProvider::getGeometryForPart(const std::size_t& partIndex, OFPolyme
         for (OFBoundary& boundary : part.boundaries()) {
             boundary.computeFaceNormals(polyMesh.points());
         }
+        coupleCyclicPatches(polyMesh, &part.boundaries());
     }
     logStep(" Get Part %1. BC creation %2 seconds", partIndex, boundaryTimer.time());
     (void)generateFaceZones(part.faceZones(), pairs, part.boundaries(), converter);

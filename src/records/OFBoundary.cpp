@@ -5,12 +5,11 @@
 #include "records/GroupInfo.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
-namespace {
+using rotation::Vector;
 
-using Vector = std::array<double, VECTOR_COMPONENTS>;
+namespace {
 
 /// From one point to another.
 Vector between(const double* from, const double* to)

@@ -3,12 +3,24 @@
 
 #include "DvnCore/Str.h"
 #include "interface/DataProviderInterface.h"
+#include "records/Rotation.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
+
+/// What lies beyond the faces of a cyclic patch. Empty if that is not known, else with entries for all faces.
+struct CyclicCoupling
+{
+    /// The share of the value in the face's own cell; the cell beyond has the rest.
+    std::vector<double> weights;
+    /// The 0-based cell beyond each face, which touches the face at the same position in the neighbour patch.
+    std::vector<int> cells;
+    /// What turns vectors beyond the patch to its own side: nothing, one rotation for all faces, or one for each.
+    std::vector<rotation::Matrix> rotations;
+};
 
 /// One patch of a `boundary` file, with the mappings that a built mesh adds.
 ///
@@ -32,6 +44,16 @@ public:
     /// The groups that the patch is in, its type among them; filled in extended reading only.
     const std::vector<dvn::Str>& groups() const { return m_groups; }
     void setGroups(std::vector<dvn::Str> groups) { m_groups = std::move(groups); }
+    /// The patch that a cyclic patch continues in, its entry `neighbourPatch`; filled in extended reading only, as are
+    /// the next two.
+    dvn::Str neighbourPatch() const { return m_neighbourPatch; }
+    void setNeighbourPatch(dvn::Str name) { m_neighbourPatch = std::move(name); }
+    /// The entry `transform` of a cyclic patch, such as "rotational"; empty if there is none.
+    dvn::Str cyclicTransform() const { return m_cyclicTransform; }
+    void setCyclicTransform(dvn::Str transform) { m_cyclicTransform = std::move(transform); }
+    /// The entry `rotationAxis` of a cyclic patch, of any length; 0 if there is none.
+    const rotation::Vector& rotationAxis() const { return m_rotationAxis; }
+    void setRotationAxis(const rotation::Vector& axis) { m_rotationAxis = axis; }
     /// The patch's `nFaces`, even if the mesh has fewer: the size of `nodeCountPerFace` is the number that was built.
     std::size_t faceCount() const { return m_faceCount; }
     void setFaceCount(std::size_t count) { m_faceCount = count; }
@@ -70,6 +92,9 @@ public:
     const std::vector<double>& faceNormals() const { return m_faceNormals; }
     /// Computes the normals of the built patch from the points of its part, x, y, z of each in turn.
     void computeFaceNormals(const std::vector<double>& points);
+    /// Filled in extended reading only, for the patches of type `cyclic`.
+    const CyclicCoupling& cyclicCoupling() const { return m_cyclicCoupling; }
+    void setCyclicCoupling(CyclicCoupling coupling) { m_cyclicCoupling = std::move(coupling); }
 
     /// Declares the patch to the host under its part, with the id `offset` + `boundaryID`, which is stored.
     void addBoundaryInfo(int offset, DDPElementGroupInfo* info);
@@ -97,4 +122,8 @@ private:
     std::vector<std::uint8_t> m_nodeCountPerFace;
     std::vector<dvn::Str> m_groups;
     std::vector<double> m_faceNormals;
+    dvn::Str m_neighbourPatch;
+    dvn::Str m_cyclicTransform;
+    rotation::Vector m_rotationAxis = {};
+    CyclicCoupling m_cyclicCoupling;
 };

@@ -18,7 +18,7 @@ namespace {
 using Values = std::vector<double>;
 using Groups = std::vector<Values>;
 
-constexpr double UNDEFINED = 1.7976931348623157e308;
+constexpr double UNSET = 1.7976931348623157e308;
 
 /// The patches of two cubes: the face x = 0, the faces of cell 0 at its sides, and all other faces of cell 1.
 const char* const BOUNDARY = "( // no count\n"
@@ -68,7 +68,7 @@ protected:
 
 Values undefined(std::size_t count)
 {
-    return Values(count, UNDEFINED);
+    return Values(count, UNSET);
 }
 
 } // namespace
@@ -125,6 +125,41 @@ TEST_F(ExtendedReading, AReferenceLevelIsAddedToAllValues)
     EXPECT_EQ(groups.at(0), (Values{2, 2, 13, 2, 2, 13}));
     EXPECT_EQ(groups.at(1), (Values{1, 0, 10}));
     EXPECT_EQ(groups.at(2), undefined(12));
+}
+
+TEST_F(ExtendedReading, CyclicPatchesInterpolateToTheCellBeyond)
+{
+    // The face x = 0 of cell 0 continues in the face y = 1 of cell 1, so x beyond it is -y here, and y is x.
+    const auto patch = [](const char* name, const char* neighbour, int face) {
+        return std::string(name) + " { type cyclic; neighbourPatch " + neighbour + "; nFaces 1; startFace " +
+               std::to_string(face) + "; }\n";
+    };
+    const auto boundary = [this](const std::string& patches) {
+        m_folder.write("constant/polyMesh/boundary", header("polyBoundaryMesh", "boundary") + "(" + patches + ")");
+    };
+    const std::string first = patch("in", "back", 1);
+    boundary(first + patch("back", "in", 8));
+    const char* const fields[] = {"in { type cyclic; }", "\".*\" { type cyclic; value uniform (9 9 9); }", ""};
+    for (const char* const patches : fields) {
+        writeVelocity("1", patches);
+        EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(1), (Values{3, -1, 4.5})) << patches;
+    }
+    EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(2), (Values{1, 3, 4.5}));
+    m_folder.write("1/p", fieldFile("volScalarField", "p", "nonuniform List<scalar> 2(1 4)"));
+    EXPECT_EQ(valuesOf("PRESSURE_E", 1).at(1), (Values{2.5}));
+    m_folder.write("1/a",
+                   fieldFile("volSymmTensorField", "a", "nonuniform List<symmTensor> 2((1 2 3 4 5 6) (6 5 4 3 2 1))"));
+    EXPECT_EQ(valuesOf("A_E", 1).at(1), (Values{2, -1.5, 2.5, 5, 0.5, 3.5}));
+
+    // What continues in a patch that is not there has the value of its cell, or that of the file. Only the type
+    // `cyclic` interpolates.
+    for (const auto& [type, hasNeighbour] : {std::pair("cyclic", false), std::pair("jumpCyclic", true)}) {
+        boundary(first + (hasNeighbour ? patch("back", "in", 8) : std::string()));
+        writeVelocity("1", "in { type " + std::string(type) + "; }");
+        EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(1), (Values{1, 2, 3})) << type;
+        writeVelocity("1", "in { type " + std::string(type) + "; value uniform (9 9 9); }");
+        EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(1), (Values{9, 9, 9})) << type;
+    }
 }
 
 TEST_F(ExtendedReading, PatchesAreFoundByNameThenGroupThenExpression)
@@ -287,7 +322,7 @@ TEST_F(ExtendedReading, MovedPointsCountUntilTheNextOnesAndMustFit)
     const LogCapture log;
     OpenCase openCase(m_folder.path(), extended());
     openCase.geometry();
-    const double firstX[] = {0, 9, 9, UNDEFINED};
+    const double firstX[] = {0, 9, 9, UNSET};
     for (int state = 1; state <= 4; ++state) {
         const Groups groups = openCase.values("POINTS", state);
         ASSERT_EQ(groups.size(), 4U);

@@ -150,6 +150,7 @@ private:
     bool initExtendedGeometry(const std::vector<dvn::Str>& caseSubFolders);
     void addPieces(const dvn::Str& processor, int* nextId);
     void addPiece(const dvn::Str& processor, const dvn::Str& region, const dvn::Str& meshPath, int* nextId);
+    dvn::Str firstMesh(const dvn::Str& region, const dvn::Str& constantMesh) const;
     bool wasReconstructed(const std::vector<dvn::Str>& caseSubFolders) const;
     void addTimesOfPieces(std::vector<dvn::Str>* names) const;
     std::vector<dvn::Str> fieldFolders(const dvn::Str& timeName) const;

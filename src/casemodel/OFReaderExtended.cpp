@@ -52,6 +52,14 @@ std::vector<dvn::Str> timesIn(const dvn::Str& folder)
     return names;
 }
 
+/// A folder may hold only the points, of a mesh that moves.
+bool isWholeMesh(const dvn::Str& meshFolder)
+{
+    return OFUtilities::isRegularFileOrGz(meshFolder + "/faces") &&
+           OFUtilities::isRegularFileOrGz(meshFolder + "/points") &&
+           OFUtilities::isRegularFileOrGz(meshFolder + "/owner");
+}
+
 bool holdsFields(const dvn::Str& folder)
 {
     return std::ranges::any_of(OFUtilities::filesInFolder(folder), [](const dvn::Str& file) {
@@ -91,9 +99,10 @@ bool OFReader::initExtendedGeometry(const std::vector<dvn::Str>& caseSubFolders)
 void OFReader::addPieces(const dvn::Str& processor, int* nextId)
 {
     const dvn::Str folder = m_path + "/" + processor;
-    // The mesh is in `constant`, or in the first time if the mesher was told to write it there.
+    // The mesh is in `constant`, or in a time if a tool was told to write it there.
     std::vector<dvn::Str> candidates = timesIn(folder);
-    candidates.insert(candidates.begin(), "constant");
+    const bool isInFirstTime = !candidates.empty() && isWholeMesh(folder + "/" + candidates.front() + "/polyMesh");
+    candidates.insert(candidates.begin() + (isInFirstTime ? 1 : 0), "constant");
     const auto withMesh =
         std::ranges::find_if(candidates, [&](const dvn::Str& name) { return hasMesh(folder + "/" + name); });
     if (withMesh != candidates.end()) {
@@ -115,6 +124,18 @@ void OFReader::addPiece(const dvn::Str& processor, const dvn::Str& region, const
     (void)addFaceZones(part, meshPath + "/faceZones", nextId);
     (void)addCellZones(part, meshPath + "/cellZones", nextId);
     m_parts.push_back(std::move(part));
+}
+
+/// The mesh that a case starts with: in extended reading one in the first time folder comes before that in `constant`,
+/// as it does for solvers. Tools that change a mesh write it there.
+dvn::Str OFReader::firstMesh(const dvn::Str& region, const dvn::Str& constantMesh) const
+{
+    const std::vector<dvn::Str> times = isExtended() ? timesIn(m_path) : std::vector<dvn::Str>();
+    if (times.empty()) {
+        return constantMesh;
+    }
+    const dvn::Str mesh = m_path + "/" + times.front() + (region.isEmpty() ? region : "/" + region) + "/polyMesh";
+    return isWholeMesh(mesh) ? mesh : constantMesh;
 }
 
 /// Whether the whole mesh has results of its own, beside those of its pieces. The first time does not count: its fields

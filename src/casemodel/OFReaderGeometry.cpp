@@ -129,11 +129,11 @@ bool OFReader::addConstantMeshes(const dvn::Str& constantPath, int* nextId)
     for (const dvn::Str& name : names) {
         const dvn::Str path = constantPath + "/" + name;
         if (name == dvn::Str("polyMesh")) {
-            if (m_loadGlobalMesh && !addGlobalMesh(path, nextId)) {
+            if (m_loadGlobalMesh && !addGlobalMesh(firstMesh(dvn::Str(), path), nextId)) {
                 return false;
             }
         } else if (m_loadLocalMeshes && hasMesh(path)) {
-            if (!addRegion(name, path + "/polyMesh", nextId)) {
+            if (!addRegion(name, firstMesh(name, path + "/polyMesh"), nextId)) {
                 return false;
             }
         }

@@ -5,12 +5,21 @@
 
 #include <string>
 
+void Omissions::restart(const dvn::Str& casePath)
+{
+    m_told.clear();
+    m_prefix = casePath + "/";
+}
+
 void Omissions::tell(const dvn::Str& kind, const dvn::Str& example, const char* reason)
 {
     if (m_told.insert(kind).second) {
+        const dvn::Str place = example.startsWith(m_prefix) && example.size() > m_prefix.size()
+                                   ? dvn::Str(example.subStr(m_prefix.size(), example.size()))
+                                   : example;
         OFLogger::get().logInfo(
             "OFReader",
-            dvn::Str("Not shown: %1 (first found: %2). %3").arg(excerpt(kind.toUtf8())).arg(example).arg(reason));
+            dvn::Str("Not shown: %1 (first found: %2). %3").arg(excerpt(kind.toUtf8())).arg(place).arg(reason));
     }
 }
 

@@ -17,9 +17,11 @@ public:
     void tell(const dvn::Str& kind, const dvn::Str& example, const char* reason);
     /// The same for a field class; classes that are not field classes are passed over.
     void tellClass(const dvn::Str& className, const dvn::Str& example);
-    /// Forgets what has been said.
-    void clear() { m_told.clear(); }
+    /// Forgets what has been said, for a new case.
+    /// @param casePath the case folder, which the log leaves out of paths
+    void restart(const dvn::Str& casePath);
 
 private:
+    dvn::Str m_prefix;
     std::set<dvn::Str> m_told;
 };

@@ -6,6 +6,7 @@
 #include "foamfile/FieldPatches.h"
 #include "foamfile/ListAt.h"
 #include "foamfile/OFLogger.h"
+#include "foamfile/OFUtilities.h"
 #include "foamfile/TensorItems.h"
 #include "records/Components.h"
 
@@ -97,10 +98,24 @@ void orderPoints(const OFBoundary& patch, std::size_t width, std::vector<double>
     *values = std::move(ordered);
 }
 
+/// The time whose folder a file is in; the file may be in the folder of a region or a processor there.
+std::optional<double> timeOf(const dvn::Str& path)
+{
+    const std::vector<dvn::Str> names = path.split("/");
+    constexpr std::size_t MOST_FOLDERS_UP = 3;
+    for (std::size_t i = 1; i <= MOST_FOLDERS_UP && i < names.size(); ++i) {
+        const dvn::Str& name = names[names.size() - 1 - i];
+        if (OFUtilities::isTimeName(name)) {
+            return name.toDouble();
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 ExtendedFieldReader::ExtendedFieldReader(const dvn::Str& path, const ExtendedField::Target& target)
-    : DictionaryClient(path), m_path(path), m_target(target)
+    : DictionaryClient(path), m_path(path), m_target(target), m_time(timeOf(path))
 {}
 
 void ExtendedFieldReader::onHeader(const Dictionary& header)
@@ -124,7 +139,7 @@ std::optional<std::size_t> ExtendedFieldReader::readList(const foamdict::ListPla
     const std::string listType = "List<" + std::string(place.type) + ">";
     const bool isOfField = place.type.empty() || listItemsOfType(listType) == m_kind->items;
     if (isOfField && isInterior(place) && canReadInPlace(place.count)) {
-        m_isInteriorInTarget = ListAt::readReals(sourceOf(place), place.count, m_kind->items, m_target.values);
+        m_isInteriorInTarget = readReals(place, m_target.values);
         return IN_TARGET;
     }
     if (isOfField && (isInterior(place) || isInPatch(place))) {
@@ -141,10 +156,18 @@ bool ExtendedFieldReader::canReadInPlace(std::size_t count) const
            m_target.values->size() % width() == 0;
 }
 
+/// @return false, with the file in the log, for a list that breaks off or that the file cannot hold
+bool ExtendedFieldReader::readReals(const foamdict::ListPlace& place, std::vector<double>* values) const
+{
+    TextSource& text = sourceOf(place);
+    return ListAt::readReals(text, place.count, m_kind->items, values) ||
+           text.reportError("Cannot read a list of values in %1.");
+}
+
 std::size_t ExtendedFieldReader::keepList(const foamdict::ListPlace& place)
 {
     List list;
-    list.isGood = ListAt::readReals(sourceOf(place), place.count, m_kind->items, &list.values);
+    list.isGood = readReals(place, &list.values);
     m_lists.push_back(std::move(list));
     return m_lists.size() - 1;
 }
@@ -193,14 +216,20 @@ std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOf(const Token
     return item;
 }
 
+/// The numbers of an item as the host takes them, of which the first `width()` count.
+ExtendedFieldReader::HostItem ExtendedFieldReader::hostItem(const Item& item) const
+{
+    if (m_kind->type == OFResultTensor) {
+        return hostTensor(m_kind->items, item.data());
+    }
+    HostItem sent = {};
+    std::copy_n(item.begin(), width(), sent.begin());
+    return sent;
+}
+
 void ExtendedFieldReader::fillUniform(const Item& item, std::vector<double>* values) const
 {
-    std::array<double, TENSOR_COMPONENTS> sent = {};
-    if (m_kind->type == OFResultTensor) {
-        sent = hostTensor(m_kind->items, item.data());
-    } else {
-        std::copy_n(item.begin(), width(), sent.begin());
-    }
+    const HostItem sent = hostItem(item);
     // guard: uniform-values
     for (std::size_t i = 0; i + width() <= values->size(); i += width()) {
         std::copy_n(sent.begin(), width(), values->begin() + static_cast<std::ptrdiff_t>(i));
@@ -291,6 +320,52 @@ bool ExtendedFieldReader::fillFromItems(const Tokens& tokens, std::vector<double
     return true;
 }
 
+/// Fills an array from a function of time, at the time of the file: "constant ITEM" or "table ((TIME ITEM) ...)", which
+/// is linear between its rows.
+bool ExtendedFieldReader::fillFromFunction(const Tokens& tokens, std::vector<double>* values) const
+{
+    const std::string_view form = tokens.empty() ? std::string_view() : tokens.front().text;
+    std::optional<Item> item;
+    if (form == "constant") {
+        item = itemOf(tokens, 1, tokens.size());
+    } else if (form == "table" && m_time) {
+        item = itemOfTable(tokens, *m_time);
+    }
+    if (item) {
+        fillUniform(*item, values);
+    }
+    return item.has_value();
+}
+
+std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOfTable(const Tokens& tokens, double time) const
+{
+    const std::size_t tokensPerItem = m_kind->items.components + (m_kind->items.isBracketed ? 2 : 0);
+    const std::size_t tokensPerRow = tokensPerItem + 3;
+    // guard: table-rows
+    if (tokens.size() < 3 + tokensPerRow || (tokens.size() - 3) % tokensPerRow != 0) {
+        return std::nullopt;
+    }
+    std::optional<Item> before;
+    double timeBefore = 0.0;
+    for (std::size_t row = 2; row + 1 < tokens.size(); row += tokensPerRow) {
+        const Token& rowTime = tokens[row + 1];
+        std::optional<Item> item = itemOf(tokens, row + 2, row + 2 + tokensPerItem);
+        if (rowTime.kind != Token::Kind::Number || !item) {
+            return std::nullopt;
+        }
+        if (rowTime.number >= time) {
+            const double weight = before ? (time - timeBefore) / (rowTime.number - timeBefore) : 1.0;
+            for (std::size_t k = 0; before && k < MOST_COMPONENTS; ++k) {
+                (*item)[k] = (*before)[k] + weight * ((*item)[k] - (*before)[k]);
+            }
+            return item;
+        }
+        before = item;
+        timeBefore = rowTime.number;
+    }
+    return before;
+}
+
 bool ExtendedFieldReader::read()
 {
     if (!isOpen()) {
@@ -309,7 +384,27 @@ bool ExtendedFieldReader::read()
     if (m_kind->hasPatches && patches != nullptr) {
         readPatches(*patches);
     }
+    addReferenceLevel(content.entries);
     return true;
+}
+
+/// Adds the entry "referenceLevel", if there is one, to all values: fields of small differences have it.
+void ExtendedFieldReader::addReferenceLevel(const Dictionary& entries)
+{
+    const Entry* const entry = entries.find("referenceLevel");
+    const std::optional<Item> item = entry == nullptr ? std::nullopt : itemOf(entry->tokens, 0, entry->tokens.size());
+    if (!item) {
+        return;
+    }
+    const HostItem level = hostItem(*item);
+    const auto addTo = [&](std::vector<double>* values) {
+        for (std::size_t i = 0; i < values->size(); ++i) {
+            double& value = (*values)[i];
+            value = value == dvn::UNDEFINED_DOUBLE ? value : value + level[i % width()];
+        }
+    };
+    addTo(m_target.values);
+    std::ranges::for_each(*m_target.patchValues, [&](std::vector<double>& values) { addTo(&values); });
 }
 
 bool ExtendedFieldReader::takeInterior(const Dictionary& entries)
@@ -374,7 +469,7 @@ bool ExtendedFieldReader::readEntry(const Dictionary& block, std::string_view ke
                                     std::vector<double>* values)
 {
     const Entry* const entry = block.find(keyword);
-    if (entry == nullptr || !fill(entry->tokens, values)) {
+    if (entry == nullptr || (!fill(entry->tokens, values) && !fillFromFunction(entry->tokens, values))) {
         return false;
     }
     const bool isList = entry->tokens.front().text == "nonuniform";

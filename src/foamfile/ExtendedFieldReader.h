@@ -30,6 +30,7 @@ private:
     /// The most numbers of an item in a file, those of a tensor.
     static constexpr std::size_t MOST_COMPONENTS = 9;
     using Item = std::array<double, MOST_COMPONENTS>;
+    using HostItem = std::array<double, TENSOR_COMPONENTS>;
     using Tokens = std::vector<foamdict::Token>;
 
     /// A list that was read: items as the host takes them. Not good if it did not come in full.
@@ -47,15 +48,21 @@ private:
     std::size_t width() const { return static_cast<std::size_t>(m_target.dimension); }
 
     bool canReadInPlace(std::size_t count) const;
+    bool readReals(const foamdict::ListPlace& place, std::vector<double>* values) const;
     std::size_t keepList(const foamdict::ListPlace& place);
     void dropList(const foamdict::ListPlace& place, const std::string& listType);
 
     std::optional<Item> itemOf(const Tokens& tokens, std::size_t first, std::size_t end) const;
+    HostItem hostItem(const Item& item) const;
     void fillUniform(const Item& item, std::vector<double>* values) const;
     bool fill(const Tokens& tokens, std::vector<double>* values);
     bool fillFromList(const Tokens& tokens, std::vector<double>* values);
     bool fillFromItems(const Tokens& tokens, std::vector<double>* values);
 
+    bool fillFromFunction(const Tokens& tokens, std::vector<double>* values) const;
+    std::optional<Item> itemOfTable(const Tokens& tokens, double time) const;
+
+    void addReferenceLevel(const foamdict::Dictionary& entries);
     bool takeInterior(const foamdict::Dictionary& entries);
     void readPatches(const foamdict::Dictionary& patches);
     void readPatch(const foamdict::Dictionary& block, const std::string& type, const OFBoundary& patch,
@@ -68,6 +75,7 @@ private:
 
     dvn::Str m_path;
     ExtendedField::Target m_target;
+    std::optional<double> m_time;
     std::optional<ExtendedField::Kind> m_kind;
     std::vector<List> m_lists;
     bool m_isInteriorInTarget = false;

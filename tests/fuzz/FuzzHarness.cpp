@@ -109,7 +109,8 @@ Outcome observe(int threads, const std::function<void(Outcome*)>& call)
     std::ranges::sort(logLines);
     outcome.add(logLines);
     outcome.isDoubtful = outcome.isDoubtful || std::ranges::any_of(logLines, [](const std::string& line) {
-                             return line.find("Invalid number of items") != std::string::npos;
+                             return line.find("Invalid number of items") != std::string::npos ||
+                                    line.find("Cannot read a list") != std::string::npos;
                          });
     return outcome;
 }

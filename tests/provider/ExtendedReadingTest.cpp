@@ -89,6 +89,11 @@ TEST_F(ExtendedReading, PatchesWithoutValuesHaveThoseOfTheirType)
         {"type inletOutlet; inletValue uniform (4 5 6);", {4, 5, 6}},
         {"type uniformFixedValue; uniformValue (1 1 1); value uniform (7 8 9);", {7, 8, 9}},
         {"type uniformFixedValue; uniformValue (1 1 1);", {1, 1, 1}},
+        {"type uniformFixedValue; uniformValue constant $item; item (1 1 1);", undefined(3)},
+        {"item (1 1 1); type uniformFixedValue; uniformValue constant $item;", {1, 1, 1}},
+        {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (2 (3 4 5)) (9 (0 0 0)));", {2, 3, 4}},
+        {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8 9)));", {7, 8, 9}},
+        {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8)));", undefined(3)},
         {"type mixed; refValue uniform (0 0 0); value $vector;", {7, 8, 9}},
         {"type fixedValue; value uniform (1 $number nan);", {1, 5, std::nan("")}},
         {"type fixedValue;", undefined(3)},
@@ -115,6 +120,15 @@ TEST_F(ExtendedReading, PatchesWithoutValuesHaveThoseOfTheirType)
         // Nobody writes an entry for the patch at the front and back.
         EXPECT_EQ(Values(groups[3].begin(), groups[3].begin() + 3), (Values{4, 5, 6}));
     }
+}
+
+TEST_F(ExtendedReading, AReferenceLevelIsAddedToAllValues)
+{
+    writeVelocity("1", "in { type noSlip; }", "uniform (1 2 3); referenceLevel (1 0 10)");
+    const Groups groups = valuesOf("VELOCITY_E", 1);
+    EXPECT_EQ(groups.at(0), (Values{2, 2, 13, 2, 2, 13}));
+    EXPECT_EQ(groups.at(1), (Values{1, 0, 10}));
+    EXPECT_EQ(groups.at(2), undefined(12));
 }
 
 TEST_F(ExtendedReading, PatchesAreFoundByNameThenGroupThenExpression)
@@ -252,6 +266,16 @@ TEST_F(ExtendedReading, DescriptionsMayHaveAnyLayoutAndDamageIsLeftOut)
     EXPECT_EQ(openCase.geometry().elementGroups.at(4).types.size(), 2U);
     // The macro stands before the entry that it names, so the interval is not known.
     EXPECT_EQ(openCase.states(), "1 Time 0.00000 #0, 2 Time 1.00000 #1");
+}
+
+TEST_F(ExtendedReading, AMeshInTheFirstTimeComesBeforeThatInConstant)
+{
+    const auto groups = [this] { return OpenCase(m_folder.path(), extended()).groups(); };
+    m_folder.write("0/polyMesh/points", fileBytes(m_folder / "constant/polyMesh/points"));
+    EXPECT_NE(groups().find("side"), std::string::npos);
+    writeCubes("0/polyMesh");
+    m_folder.write("0/polyMesh/boundary", boundaryFile({{"baffle", "wall", 1, 1}}));
+    EXPECT_EQ(groups(), "1 default_region < 0 , 2 baffle < 1 wall");
 }
 
 TEST_F(ExtendedReading, MovedPointsCountUntilTheNextOnesAndMustFit)

@@ -149,9 +149,9 @@ TEST_F(SampledSurfaces, OfAllFunctionsAndTimesAreListedOnce)
     writeFile("cuts/1/noFaces/points", POINTS);
     writeFile("probes/0/p", "# Probe 0 (0 0 0)\n");
     OpenCase openCase(path(), m_extended);
-    EXPECT_EQ(openCase.groups(), "1 default_region < 0 , 2 cuts/solid/wall[Surf] < 0 SampledSurface, "
-                                 "3 plane[Surf] < 0 SampledSurface, 4 zCuts/a[Surf] < 0 SampledSurface, "
-                                 "5 zCuts/b[Surf] < 0 SampledSurface");
+    EXPECT_EQ(openCase.groups(),
+              "1 default_region < 0 , 2 z %1 < 1 CellZone, 3 cuts/solid/wall[Surf] < 0 SampledSurface, 4 plane[Surf] < "
+              "0 SampledSurface, 5 zCuts/a[Surf] < 0 SampledSurface, 6 zCuts/b[Surf] < 0 SampledSurface");
     const auto& groups = openCase.geometry().nodeGroups;
     EXPECT_EQ(groups.back().nodeCount(), 5U);
     EXPECT_EQ(groups[groups.size() - 3].nodeCount(), 5U);

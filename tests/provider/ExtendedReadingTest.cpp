@@ -94,6 +94,7 @@ TEST_F(ExtendedReading, PatchesWithoutValuesHaveThoseOfTheirType)
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (2 (3 4 5)) (9 (0 0 0)));", {2, 3, 4}},
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8 9)));", {7, 8, 9}},
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8)));", undefined(3)},
+        {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 ()));", undefined(3)},
         {"type mixed; refValue uniform (0 0 0); value $vector;", {7, 8, 9}},
         {"type fixedValue; value uniform (1 $number nan);", {1, 5, std::nan("")}},
         {"type fixedValue;", undefined(3)},

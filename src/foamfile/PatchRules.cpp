@@ -193,7 +193,7 @@ void PatchRules::addNormalComponent(const OFBoundary& patch, const std::vector<d
 {
     changeItems(patch, static_cast<int>(VECTOR_COMPONENTS), values, [&](std::size_t face, double* item) {
         const std::size_t first = face * VECTOR_COMPONENTS;
-        // guard: normal-component
+        // The reader of fields, the only caller, passes arrays of one size.
         if (first + VECTOR_COMPONENTS > others.size()) {
             return;
         }

@@ -64,13 +64,13 @@ void OFBoundary::computeFaceNormals(const std::vector<double>& points)
     std::size_t first = 0;
     for (std::size_t face = 0; face < m_nodeCountPerFace.size(); ++face) {
         const std::size_t count = m_nodeCountPerFace[face];
-        // guard: normals-connectivity
+        // A built patch has the nodes of all its faces.
         if (count > m_faceConnectivity.size() - first) {
             break;
         }
         const int* const nodes = m_faceConnectivity.data() + first;
         first += count;
-        // guard: normals-labels
+        // The faces of a built patch name only points of the mesh.
         if (std::all_of(nodes, nodes + count,
                         [pointCount](int node) { return node >= 0 && static_cast<std::size_t>(node) < pointCount; })) {
             setNormal(points.data(), nodes, count, m_faceNormals.data() + face * VECTOR_COMPONENTS);

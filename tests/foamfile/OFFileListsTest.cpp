@@ -97,6 +97,17 @@ TEST_F(OFFileLists, EachReaderReportsOnceInItsOwnWords)
     }
 }
 
+// Any file may lie where a list is expected, and a compressed one may hold a thousand times its size.
+TEST_F(OFFileLists, ExtendedReadingSeeksTheHeaderOnlyNearTheStart)
+{
+    for (const auto& [commentLength, isFound] : {std::pair(1000, true), std::pair(300000, false)}) {
+        folder.write("100%1", "/*" + std::string(static_cast<std::size_t>(commentLength), ' ') + "*/\n" +
+                                  fileOf("labelList", "ascii", "\n1\n(\n7\n)\n"));
+        OFFile file(true, Reading::Extended);
+        EXPECT_EQ(file.readLabelList(path, "thing", &labelsRead, &cells), isFound) << commentLength;
+    }
+}
+
 TEST_F(OFFileLists, RefusesBinaryFaceListsWithoutAMessage)
 {
     const LogCapture log;

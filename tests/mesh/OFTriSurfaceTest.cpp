@@ -173,7 +173,7 @@ TEST(SurfaceFans, StayInBoundsWhateverTheOffsetsAre)
 {
     // The labels of the faces are 0 1 2 and 1 3 2 0.
     const std::vector<std::pair<int, std::vector<int>>> expected = {
-        {-1, {0}}, {1, {1, 1, 1, 1}}, {4, {0, 0}}, {7, {0, 0, 0, 0, 0}}, {2147483647, {0}}};
+        {-1, {0}}, {0, {0}}, {1, {1, 1, 1, 1}}, {4, {0, 0}}, {7, {0, 0, 0, 0, 0}}, {2147483647, {0}}};
     for (const auto& [offset, faceOfTriangle] : expected) {
         FacesData faces = foamtext::packed({{0, 1, 2}, {1, 3, 2, 0}, {}});
         faces.nodeOffsets[1] = offset;

@@ -2,6 +2,7 @@
 //
 // What a host gets that asks for extended reading: cases as OpenFOAM and its users write them.
 
+#include "foamfile/ExtendedField.h"
 #include "support/LogCapture.h"
 #include "support/OpenCase.h"
 
@@ -93,10 +94,14 @@ TEST_F(ExtendedReading, PatchesWithoutValuesHaveThoseOfTheirType)
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (2 (3 4 5)) (9 (0 0 0)));", {2, 3, 4}},
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8 9)));", {7, 8, 9}},
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8)));", undefined(3)},
+        {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 ()));", undefined(3)},
         {"type mixed; refValue uniform (0 0 0); value $vector;", {7, 8, 9}},
         {"type fixedValue; value uniform (1 $number nan);", {1, 5, std::nan("")}},
         {"type fixedValue;", undefined(3)},
         {"type fixedValue; value uniform (1 2);", undefined(3)},
+        {"type fixedValue; value uniform;", undefined(3)},
+        {"type fixedValue; value nonuniform;", undefined(3)},
+        {"type fixedValue; value nonuniform List<vector>;", undefined(3)},
         {"type fixedValue; value uniform $missing;", undefined(3)},
         {"type fixedValue; value nonuniform List<vector> 2((1 2 3) (4 5 6));", undefined(3)},
         {"type cyclic; value uniform (1 2 x);", undefined(3)},
@@ -343,6 +348,36 @@ TEST_F(ExtendedReading, ValuesOnPointsGoByTheOrderOfThePatch)
     ASSERT_EQ(groups.size(), 4U);
     EXPECT_EQ(groups[1], (Values{0, 3, 6, 9}));
     EXPECT_EQ(groups[2], Values(groups[2].size(), 4));
+}
+
+// Memory that runs out while a mesh is read leaves patches whose arrays do not fit each other.
+TEST_F(ExtendedReading, PatchesThatWereBuiltInPartStayInBounds)
+{
+    std::vector<OFBoundary> patches(1);
+    patches[0].setPatchName("in");
+    patches[0].nodeCountPerFace() = {4};
+    patches[0].faceConnectivity() = {0, 6, 9, 3};
+    patches[0].createFaceToCellMapping(1);
+    patches[0].createNodeFaceToNodeMapping(4);
+    for (std::size_t i = 0; i < 4; ++i) {
+        patches[0].nodeIndex(i) = static_cast<int>(3 * i);
+    }
+    Values interior = undefined(7);
+    Groups patchValues = {undefined(3)};
+    const auto read = [&](int dimension) {
+        return ExtendedField::read(m_folder.str("1/a"), {dimension, &interior, &patches, &patchValues});
+    };
+    // Without normals a slip wall has the values of its cells. The last number of the array belongs to no item.
+    m_folder.write("1/a", header("volVectorField", "a") + "internalField uniform (1 2 3);\n"
+                                                          "boundaryField { in { type slip; } }");
+    EXPECT_TRUE(read(3));
+    EXPECT_EQ(interior, (Values{1, 2, 3, 1, 2, 3, UNDEFINED}));
+    EXPECT_EQ(patchValues, (Groups{{1, 2, 3}}));
+    // There are four points, but the array is that of three.
+    m_folder.write("1/a", header("pointScalarField", "a") + "internalField uniform 0;\nboundaryField { in { type "
+                                                            "fixedValue; value nonuniform List<scalar> 3(7 8 9); } }");
+    EXPECT_TRUE(read(1));
+    EXPECT_EQ(patchValues, (Groups{{7, 8, 9}}));
 }
 
 TEST_F(ExtendedReading, IsAskedForByTheHostElseByTheEnvironment)

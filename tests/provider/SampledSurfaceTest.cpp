@@ -164,6 +164,8 @@ TEST_F(SampledSurfaces, ThatChangeHaveNoValuesAtThatTime)
     writeSurface("cuts/2/iso", "\n3((0 0 0) (1 0 0) (0 1 0))", "\n1(3(0 1 2))");
     writeFile("cuts/1/iso/scalarField/p", "5(1 2 3 4 5)");
     writeFile("cuts/2/iso/scalarField/p", "3(1 2 3)");
+    writeFile("cuts/1/iso/scalarField/q", "2(7 9)");
+    writeFile("cuts/2/iso/scalarField/q", "1(7)");
     OpenCase openCase(path(), m_extended);
     openCase.geometry();
     const LogCapture log;
@@ -176,6 +178,8 @@ TEST_F(SampledSurfaces, ThatChangeHaveNoValuesAtThatTime)
                                             "2/iso has other points or faces than that in " + root +
                                             "1/iso, which is shown. Its values are undefined."),
               1);
+    EXPECT_EQ(valuesOfLast(openCase, "Q_E", 1), (Values{7, 7, 9}));
+    EXPECT_EQ(valuesOfLast(openCase, "Q_E", 2), Values(3, NO_VALUE));
     // The cells have p too, but their values are not those of nodes.
     EXPECT_EQ(openCase.values("PRESSURE_N*", 1).front(), Values(12, NO_VALUE));
     EXPECT_EQ(log.errors(), Texts());

@@ -19,7 +19,7 @@ std::vector<dvn::Str> OFPart::timeFolders(const dvn::Str& timeFolder) const
     if (!isPiece()) {
         return {timeFolder + "/" + m_name};
     }
-    const std::wstring path = timeFolder.toStdWString();
+    const std::wstring& path = timeFolder.toStdWString();
     const std::size_t nameStart = path.rfind(L'/') + 1;
     const dvn::Str region = m_pieceRegion.isEmpty() ? dvn::Str() : "/" + m_pieceRegion;
     return {timeFolder + "/" + m_processor + region,

@@ -189,9 +189,13 @@ int OFReader::deleteState(const dvn::Str& folderName)
     }
     const auto position = static_cast<std::size_t>(removed - m_states.begin());
     removeUnordered(m_states, position);
-    // Compatibility (docs/compatibility.md, "the folder that is forgotten"): the same position in a list of another
-    // order and length, so usually another name goes.
-    removeUnordered(m_statesFolder, position);
+    if (isExtended()) {
+        std::erase(m_statesFolder, folderName);
+    } else {
+        // Compatibility (docs/compatibility.md, "the folder that is forgotten"): the same position in a list of another
+        // order and length, so usually another name goes.
+        removeUnordered(m_statesFolder, position);
+    }
     sortAgain(m_statesFolder, std::less<>());
     setIdsToRespectReferenceValueOrder();
     if (!m_states.empty()) {

@@ -77,7 +77,6 @@ void FoamChars::setForm(bool isBinary, const RawForm& form)
 {
     m_text.setBinary(isBinary);
     m_text.setRawForm(form);
-    m_text.setReading(Reading::Extended);
     m_hasChunks = !isBinary;
 }
 

@@ -14,7 +14,11 @@ class FoamChars final : public foamdict::CharSource
 {
 public:
     /// Opens a file, or its ".gz"; only a regular file is opened.
-    explicit FoamChars(const dvn::Str& path) { m_isOpen = m_text.open(path); }
+    explicit FoamChars(const dvn::Str& path)
+    {
+        m_text.setReading(Reading::Extended);
+        m_isOpen = m_text.open(path);
+    }
 
     bool isOpen() const { return m_isOpen; }
     int peek() override;
@@ -60,7 +64,7 @@ public:
     void report(const std::string& problem) override;
 
 protected:
-    /// The file itself, for a client that has seen enough of it.
+    /// The file itself, for a client that needs no more of it.
     FoamChars& chars() { return m_chars; }
     bool isBinary() const { return m_isBinary; }
 

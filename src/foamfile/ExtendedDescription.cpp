@@ -4,6 +4,7 @@
 #include "foamfile/DictionaryFile.h"
 #include "foamfile/ListAt.h"
 #include "foamfile/OFLogger.h"
+#include "foamfile/PatchRules.h"
 
 #include <algorithm>
 #include <deque>
@@ -24,8 +25,12 @@ public:
 
     std::optional<std::size_t> readList(const foamdict::ListPlace& place) override
     {
-        const bool isFlags = place.type == "bool";
-        if (!isFlags && place.type != "label") {
+        // A list without a type is text in binary files too.
+        const bool isText = place.type.empty() && !isBinary();
+        const bool isFlags = place.type == "bool" || (isText && isOf(place, "flipMap"));
+        const bool isLabels =
+            place.type == "label" || (isText && (isOf(place, "cellLabels") || isOf(place, "faceLabels")));
+        if (!isFlags && !isLabels) {
             return std::nullopt;
         }
         TextSource& text = sourceOf(place);
@@ -39,22 +44,32 @@ public:
         return m_lists.size() - 1;
     }
 
-    /// Takes the numbers of a value, whoever read them. None if the value is not a list of whole numbers.
+    /// Takes the numbers of a list, whoever read them: "List<label> 2 (0 1)", "2 (0 1)", "(0 1)" or "2 {0}".
     std::vector<int> takeNumbers(const Entry* entry)
     {
+        static const std::vector<Token> NONE;
+        const std::vector<Token>& tokens = entry == nullptr ? NONE : entry->tokens;
+        const auto list = std::ranges::find(tokens, Token::Kind::List, &Token::kind);
+        if (list != tokens.end()) {
+            return std::move(m_lists[list->list]);
+        }
+        // What comes before the bracket is the count.
+        const auto bracket = std::ranges::find(tokens, Token::Kind::Punctuation, &Token::kind);
         std::vector<int> numbers;
-        for (const Token& token : entry == nullptr ? std::vector<Token>() : entry->tokens) {
-            if (token.kind == Token::Kind::List) {
-                return std::move(m_lists[token.list]);
-            }
-            if (token.kind == Token::Kind::Number) {
-                numbers.push_back(labelOf(token));
+        for (auto token = bracket; token != tokens.end(); ++token) {
+            if (token->kind == Token::Kind::Number) {
+                numbers.push_back(labelOf(*token));
             }
         }
         return numbers;
     }
 
 private:
+    static bool isOf(const foamdict::ListPlace& place, std::string_view keyword)
+    {
+        return !place.path.empty() && place.path.back() == keyword;
+    }
+
     /// A number that is no label gives -1, which every check of labels refuses.
     static int labelOf(const Token& token)
     {
@@ -74,7 +89,8 @@ int wholeNumber(const Dictionary& block, std::string_view keyword)
     return isNumber ? static_cast<int>(entry->tokens.front().number) : 0;
 }
 
-/// The groups of a patch: those in its entry "inGroups 1(wall);" and, as OpenFOAM has it, its type.
+/// The groups of a patch: those in its entry "inGroups 1(wall);" and those that OpenFOAM itself puts it in, by its
+/// type.
 std::vector<dvn::Str> groupsOf(const Dictionary& block, const std::string& type)
 {
     std::vector<dvn::Str> groups;
@@ -87,7 +103,15 @@ std::vector<dvn::Str> groupsOf(const Dictionary& block, const std::string& type)
             }
         }
     }
-    groups.emplace_back(type);
+    const bool isMapped = type.starts_with("mapped");
+    if (type == "wall" || PatchRules::isConstraint(type)) {
+        groups.emplace_back(type);
+    } else if (isMapped) {
+        groups.emplace_back("mappedPatch");
+    }
+    if (isMapped && type.find("Wall") != std::string::npos) {
+        groups.emplace_back("wall");
+    }
     return groups;
 }
 

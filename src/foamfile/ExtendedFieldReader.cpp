@@ -23,6 +23,8 @@ constexpr std::string_view INTERIOR = "internalField";
 /// The same in a file of the interior alone.
 constexpr std::string_view INTERNAL_VALUES = "value";
 constexpr std::string_view PATCHES = "boundaryField";
+/// The normal component of a patch that lets the rest slip.
+constexpr std::string_view FIXED_VALUE = "fixedValue";
 /// Ascii lists up to this count are read token by token, since a macro may stand in them. Solvers write lists in lines
 /// of their own from the next count on.
 constexpr std::size_t SHORT_LIST = 10;
@@ -32,10 +34,13 @@ bool isInterior(const foamdict::ListPlace& place)
     return place.path.size() == 1 && (place.path.front() == INTERIOR || place.path.front() == INTERNAL_VALUES);
 }
 
-bool isInPatch(const foamdict::ListPlace& place)
+/// Whether a list may be shown on a patch: its values, or those of an entry that stands in for them.
+bool isOfPatchValues(const foamdict::ListPlace& place)
 {
     constexpr std::size_t DEPTH = 3;
-    return place.path.size() == DEPTH && place.path.front() == PATCHES;
+    return place.path.size() == DEPTH && place.path.front() == PATCHES &&
+           (place.path.back() == "value" || place.path.back() == FIXED_VALUE ||
+            PatchRules::isSubstitute(place.path.back()));
 }
 
 /// The block for a patch: that of its name, else that of the last group it is in, else that of the last expression
@@ -139,12 +144,16 @@ std::optional<std::size_t> ExtendedFieldReader::readList(const foamdict::ListPla
         return std::nullopt;
     }
     const std::string listType = "List<" + std::string(place.type) + ">";
+    if (place.type.empty() && (isBinary() || !isInterior(place))) {
+        // A list without a type is text in binary files too, such as the rows of a table, and may hold anything.
+        return std::nullopt;
+    }
     const bool isOfField = place.type.empty() || listItemsOfType(listType) == m_kind->items;
     if (isOfField && isInterior(place) && canReadInPlace(place.count)) {
         m_isInteriorInTarget = readReals(place, m_target.values);
         return IN_TARGET;
     }
-    if (isOfField && (isInterior(place) || isInPatch(place))) {
+    if (isOfField && (isInterior(place) || isOfPatchValues(place))) {
         return keepList(place);
     }
     dropList(place, listType);
@@ -177,16 +186,14 @@ std::size_t ExtendedFieldReader::keepList(const foamdict::ListPlace& place)
 /// Goes on past a list that is not one of the field's values, such as the map of a coupling.
 void ExtendedFieldReader::dropList(const foamdict::ListPlace& place, const std::string& listType)
 {
-    if (!isBinary() || place.bracket == '{') {
+    // Items of other types, such as words, are text in binary files too.
+    const std::size_t itemSize = isBinary() ? rawBytesPerItem(listType, sourceOf(place).rawForm()) : 0;
+    if (itemSize == 0 || place.bracket == '{') {
         skipList(place);
         return;
     }
     TextSource& text = sourceOf(place);
-    const std::size_t itemSize = rawBytesPerItem(listType, text.rawForm());
-    // Nothing says how long the items of an unknown type are, so they end what can be read of the file.
-    if (itemSize == 0) {
-        chars().end();
-    } else if (place.count != 0 && text.skipPast('(')) {
+    if (place.count != 0 && text.skipPast('(')) {
         text.skipRaw(static_cast<std::uint64_t>(place.count) * itemSize);
     }
 }
@@ -343,13 +350,15 @@ std::optional<ExtendedFieldReader::Item> ExtendedFieldReader::itemOfTable(const 
 {
     const std::size_t tokensPerItem = m_kind->items.components + (m_kind->items.isBracketed ? 2 : 0);
     const std::size_t tokensPerRow = tokensPerItem + 3;
+    // The number of rows may come before them.
+    const std::size_t first = tokens.size() > 1 && tokens[1].kind == Token::Kind::Number ? 3 : 2;
     // guard: table-rows
-    if (tokens.size() < 3 + tokensPerRow || (tokens.size() - 3) % tokensPerRow != 0) {
+    if (tokens.size() < first + 1 + tokensPerRow || (tokens.size() - first - 1) % tokensPerRow != 0) {
         return std::nullopt;
     }
     std::optional<Item> before;
     double timeBefore = 0.0;
-    for (std::size_t row = 2; row + 1 < tokens.size(); row += tokensPerRow) {
+    for (std::size_t row = first; row + 1 < tokens.size(); row += tokensPerRow) {
         const Token& rowTime = tokens[row + 1];
         std::optional<Item> item = itemOf(tokens, row + 2, row + 2 + tokensPerItem);
         if (rowTime.kind != Token::Kind::Number || !item) {
@@ -528,7 +537,7 @@ void ExtendedFieldReader::applySource(PatchRules::Source source, const Dictionar
     }
     if (source == Source::FixedNormal && width() == VECTOR_COMPONENTS) {
         std::vector<double> fixed(values->size(), 0.0);
-        if (readEntry(block, "fixedValue", patch, &fixed)) {
+        if (readEntry(block, FIXED_VALUE, patch, &fixed)) {
             PatchRules::addNormalComponent(patch, fixed, values);
         }
     }

@@ -137,6 +137,11 @@ std::string_view PatchRules::substituteOfType(std::string_view type)
     return rule == nullptr ? std::string_view() : rule->substitute;
 }
 
+bool PatchRules::isSubstitute(std::string_view keyword)
+{
+    return !keyword.empty() && std::ranges::find(TYPES, keyword, &TypeRule::substitute) != TYPES.end();
+}
+
 void PatchRules::makeSymmetric(const OFBoundary& patch, int dimension, std::vector<double>* values)
 {
     changeItems(patch, dimension, values, [&](std::size_t face, double* item) {

@@ -32,6 +32,9 @@ bool isConstraint(std::string_view meshType);
 /// The entry whose values a type shows if it has no `value`, such as "inletValue"; empty if there is none.
 std::string_view substituteOfType(std::string_view type);
 
+/// True for such an entry of any type.
+bool isSubstitute(std::string_view keyword);
+
 /// Removes from each vector or tensor what a plane of symmetry along its face does not let through.
 void makeSymmetric(const OFBoundary& patch, int dimension, std::vector<double>* values);
 /// Turns each vector or tensor from the middle plane of a wedge, which is along two axes, to the patch at its side.

@@ -64,9 +64,11 @@ bool TextSource::open(const dvn::Str& path)
     if (path.isEmpty()) {
         return false;
     }
-    // A compressed sibling comes first: solvers leave the plain file of an earlier run beside it.
+    // A compressed sibling comes first: solvers leave the plain file of an earlier run beside it. OpenFOAM itself, and
+    // with it extended reading, takes the plain file.
     const dvn::Str zipped = path + ".gz";
-    m_stream = GzStream::open(OFUtilities::fileExists(zipped) ? zipped : path);
+    const bool takesPlain = m_reading == Reading::Extended && OFUtilities::isRegularFile(path);
+    m_stream = GzStream::open(!takesPlain && OFUtilities::fileExists(zipped) ? zipped : path);
     m_isBinary = false;
     m_rawForm = RawForm();
     return m_stream != nullptr;

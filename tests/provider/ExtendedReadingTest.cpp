@@ -364,19 +364,19 @@ TEST_F(ExtendedReading, PatchesThatWereBuiltInPartStayInBounds)
     }
     Values interior = undefined(7);
     Groups patchValues = {undefined(3)};
-    const auto read = [&](int dimension) {
-        return ExtendedField::read(m_folder.str("1/a"), {dimension, &interior, &patches, &patchValues});
+    const auto read = [&](OFResultMapping mapping, int dimension) {
+        return ExtendedField::read(m_folder.str("1/a"), {mapping, dimension, &interior, &patches, &patchValues});
     };
     // Without normals a slip wall has the values of its cells. The last number of the array belongs to no item.
     m_folder.write("1/a", header("volVectorField", "a") + "internalField uniform (1 2 3);\n"
                                                           "boundaryField { in { type slip; } }");
-    EXPECT_TRUE(read(3));
-    EXPECT_EQ(interior, (Values{1, 2, 3, 1, 2, 3, UNDEFINED}));
+    EXPECT_TRUE(read(OFResultOnCell, 3));
+    EXPECT_EQ(interior, (Values{1, 2, 3, 1, 2, 3, UNSET}));
     EXPECT_EQ(patchValues, (Groups{{1, 2, 3}}));
     // There are four points, but the array is that of three.
     m_folder.write("1/a", header("pointScalarField", "a") + "internalField uniform 0;\nboundaryField { in { type "
                                                             "fixedValue; value nonuniform List<scalar> 3(7 8 9); } }");
-    EXPECT_TRUE(read(1));
+    EXPECT_TRUE(read(OFResultOnNode, 1));
     EXPECT_EQ(patchValues, (Groups{{7, 8, 9}}));
 }
 

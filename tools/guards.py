@@ -275,7 +275,7 @@ GUARDS = [
           ["ExtendedReading.PatchesWithoutValues"],
           "The token after the last one is read."),
     Guard("rows of a table of a field",
-          [("table-rows", r"tokens\.size\(\) < 3 \+ tokensPerRow \|\| [^{]*\) \{", "false) {")],
+          [("table-rows", r"tokens\.size\(\) < first \+ 1 \+ tokensPerRow \|\| [^{]*\) \{", "false) {")],
           ["ExtendedReading.PatchesWithoutValues"],
           "Tokens past the last one are read for a row that is too short."),
     Guard("uniform value in extended reading",

@@ -92,7 +92,7 @@ TEST_F(ExtendedReading, PatchesWithoutValuesHaveThoseOfTheirType)
         {"type uniformFixedValue; uniformValue constant $item; item (1 1 1);", undefined(3)},
         {"item (1 1 1); type uniformFixedValue; uniformValue constant $item;", {1, 1, 1}},
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (2 (3 4 5)) (9 (0 0 0)));", {2, 3, 4}},
-        {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8 9)));", {7, 8, 9}},
+        {"type uniformFixedValue; uniformValue table 2 ((0 (1 2 3)) (0.5 (7 8 9)));", {7, 8, 9}},
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 (7 8)));", undefined(3)},
         {"type uniformFixedValue; uniformValue table ((0 (1 2 3)) (0.5 ()));", undefined(3)},
         {"type mixed; refValue uniform (0 0 0); value $vector;", {7, 8, 9}},
@@ -185,11 +185,42 @@ TEST_F(ExtendedReading, PatchesAreFoundByNameThenGroupThenExpression)
         writeVelocity("1", patches);
         EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(1).at(0), expected) << patches;
     }
+    // Its type makes a patch member of a group only where OpenFOAM has it so: a wall, but not a "patch".
+    writeVelocity("1", entry("patch", 9) + entry("wall", 8) + entry("\".*\"", 1));
+    EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(1).at(0), 1);
+    EXPECT_EQ(valuesOf("VELOCITY_E", 1).at(2).at(0), 8);
     // The patch "rest" is empty, so its field is too, and the expression is meant for others.
     writeVelocity("1", entry("\".*\"", 9));
     const Groups groups = valuesOf("VELOCITY_E", 1);
     EXPECT_EQ(groups.at(1).at(0), 9);
     EXPECT_EQ(groups.at(3).at(0), 4);
+}
+
+// Each of these once cost the patch that has it and all after it.
+TEST_F(ExtendedReading, ListsThatAreNotValuesArePassedOver)
+{
+    const std::string many = "12((0 0) (1 1) (2 2) (3 3) (4 4) (5 5) (6 6) (7 7) (8 8) (9 9) (10 10) (11 11))";
+    const std::string lists[] = {"table " + many, "names 12(a b c d e f g h i j k l)", "more 12{(1 0 0)}",
+                                 "map List<label> 12{3}", "words List<word> 12(a b c d e f g h i j k l)"};
+    for (const std::string& list : lists) {
+        for (const char* const format : {"ascii", "binary"}) {
+            m_folder.write("1/U",
+                           header("volVectorField", "U", format) +
+                               "dimensions [0 1 -1 0 0 0 0];\ninternalField uniform (1 2 3);\nboundaryField { in { "
+                               "type other; coeffs " +
+                               list + "; value uniform (7 8 9); } side { type noSlip; } }");
+            const Groups groups = valuesOf("VELOCITY_E", 1);
+            EXPECT_EQ(groups.at(1), (Values{7, 8, 9})) << list << format;
+            EXPECT_EQ(groups.at(2), Values(12, 0)) << list << format;
+        }
+    }
+}
+
+TEST_F(ExtendedReading, APlainFileWinsOverACompressedOne)
+{
+    writeScalar("1/p", "uniform 7");
+    m_folder.writeGz("1/p.gz", fieldFile("volScalarField", "p", "uniform 70"));
+    EXPECT_EQ(valuesOf("PRESSURE_E", 1).at(0), (Values{7, 7}));
 }
 
 TEST_F(ExtendedReading, AveragesLeaveOutEmptyPatchesAndWorkWithoutPatches)
@@ -275,6 +306,9 @@ TEST_F(ExtendedReading, PiecesHaveResultsInBothLayoutsAndRegions)
     std::filesystem::remove_all(m_folder / "processor10/1");
     openCase.poll();
     EXPECT_NE(openCase.poll().find("remove 3"), std::string::npos);
+    // Only the time that vanished is forgotten, so nothing is new.
+    openCase.poll();
+    EXPECT_EQ(openCase.poll(), "");
 
     // A whole mesh beside the pieces is shown where it has results of its own, as after putting the pieces together.
     writeCubes("constant/polyMesh");
@@ -293,7 +327,7 @@ TEST_F(ExtendedReading, DescriptionsMayHaveAnyLayoutAndDamageIsLeftOut)
                                                       "2 ( one { type faceZone; faceLabels List<label> 2(0 1);"
                                                       " flipMap List<bool> 2{0}; } none { faceLabels 0(); } )");
     m_folder.write("constant/polyMesh/cellZones",
-                   header("regIOobject", "cellZones") + "2 ( a { cellLabels List<label> 1(1); } b { cellLabels");
+                   header("regIOobject", "cellZones") + "2 ( a { cellLabels 1 (1); } b { cellLabels");
     writeScalar("0/p", "uniform 1");
     writeScalar("1/p", "uniform 1");
     OpenCase openCase(m_folder.path(), extended({{"LOAD_FACE_ZONES", true}}));

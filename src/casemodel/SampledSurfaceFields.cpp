@@ -37,12 +37,13 @@ struct SurfaceCounts
     bool operator==(const SurfaceCounts&) const = default;
 };
 
-/// The counts of a surface at some time; none if it was not written then.
-std::optional<SurfaceCounts> countsIn(const dvn::Str& folder)
+/// Reads the counts of a surface at some time; false if it was not written then.
+bool readCounts(const dvn::Str& folder, SurfaceCounts* counts)
 {
     const std::optional<std::size_t> points = SurfaceValues::countItems(folder + "/points");
     const std::optional<std::size_t> faces = points ? SurfaceValues::countItems(folder + "/faces") : std::nullopt;
-    return faces ? std::optional(SurfaceCounts{*points, *faces}) : std::nullopt;
+    *counts = {points.value_or(0), faces.value_or(0)};
+    return faces.has_value();
 }
 
 /// Where the values of a file are; none if it does not fit the surface. A surface that is empty has no values.
@@ -101,14 +102,15 @@ bool hasCounts(const OFSampledSurface& surface, const SurfaceCounts& counts, con
 
 std::vector<SampledField> sampledFieldsIn(const dvn::Str& folder)
 {
-    const std::optional<SurfaceCounts> counts = countsIn(folder);
+    SurfaceCounts counts;
+    const bool isThere = readCounts(folder, &counts);
     std::vector<SampledField> fields;
-    if (!counts) {
+    if (!isThere) {
         return fields;
     }
     for (const FieldKind& kind : FIELD_KINDS) {
         for (const dvn::Str& name : fieldNamesIn(folder + kind.folder)) {
-            if (const auto mapping = mappingOf(folder + kind.folder + "/" + name, *counts)) {
+            if (const auto mapping = mappingOf(folder + kind.folder + "/" + name, counts)) {
                 fields.push_back({name, kind.type, *mapping});
             }
         }
@@ -121,16 +123,17 @@ void readSampledField(const OFSampledSurface& surface, const dvn::Str& folder, c
 {
     const bool isOnNodes = result.mapping() == OFResultOnNode;
     // The geometry may not have been read, or not be readable.
-    const std::optional<SurfaceCounts> counts = values->empty() ? std::nullopt : countsIn(folder);
+    SurfaceCounts counts;
+    const bool isThere = !values->empty() && readCounts(folder, &counts);
     for (const FieldKind& kind : FIELD_KINDS) {
         const dvn::Str file = folder + kind.folder + "/" + result.nativeName();
-        if (!counts || kind.type != result.type() || mappingOf(file, *counts) != result.mapping()) {
+        if (!isThere || kind.type != result.type() || mappingOf(file, counts) != result.mapping()) {
             continue;
         }
         std::vector<double> read;
         // guard: sampled-counts
-        if (!hasCounts(surface, *counts, folder) ||
-            !SurfaceValues::read(file, kind.items, isOnNodes ? counts->points : counts->faces, &read)) {
+        if (!hasCounts(surface, counts, folder) ||
+            !SurfaceValues::read(file, kind.items, isOnNodes ? counts.points : counts.faces, &read)) {
             return;
         }
         *values = isOnNodes

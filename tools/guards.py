@@ -446,7 +446,7 @@ GUARDS = [
           ["Results.DisplaceNodes"],
           "Points past the end of the list are read."),
     Guard("values of a surface that has other faces at another time",
-          [("sampled-counts", r"!hasCounts\(surface, \*counts, folder\) \|\|", "")],
+          [("sampled-counts", r"!hasCounts\(surface, counts, folder\) \|\|", "")],
           ["SampledSurfaces.ThatChange"],
           "Values of faces that the file lacks are read."),
     Guard("results before geometry",

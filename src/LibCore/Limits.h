@@ -70,7 +70,8 @@ inline constexpr std::size_t INCLUDE_BYTES = std::size_t{64} << 20U;
 /// double with each line. In an honest file each of very many patches copies one block.
 inline constexpr std::size_t MACRO_BYTES = std::size_t{16} << 20U;
 inline constexpr std::size_t MACRO_RATIO = 256;
-/// How many characters and entries may be compared to find what macros and removals name.
+/// How many steps may be taken to find what macros and removals name: a name that is looked up or refused, each of its
+/// characters, and each state of an expression that a character is compared with.
 inline constexpr std::size_t MACRO_STEPS = 100000000;
 /// The longest name of a macro.
 inline constexpr std::size_t MACRO_NAME = 1024;

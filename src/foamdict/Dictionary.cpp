@@ -2,6 +2,7 @@
 #include "foamdict/Dictionary.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace foamdict {
@@ -20,8 +21,8 @@ const Entry* Dictionary::findEntry(std::string_view keyword, bool isPattern) con
         return place == m_entries.end() ? nullptr : &*place;
     }
     const Places& places = isPattern ? m_index->patterns : m_index->names;
-    const auto place = places.find(keyword);
-    return place == places.end() ? nullptr : &m_entries[place->second];
+    const auto place = places.lower_bound(keyword);
+    return place == places.end() || place->first != keyword ? nullptr : &m_entries[place->second];
 }
 
 Entry* Dictionary::findEntry(std::string_view keyword, bool isPattern)
@@ -91,20 +92,73 @@ void Dictionary::merge(Entry entry)
         *existing = std::move(entry);
         return;
     }
+    assert(entry.block->m_gaps.empty());
     for (Entry& inner : entry.block->m_entries) {
         existing->block->merge(std::move(inner));
     }
 }
 
-void Dictionary::remove(const std::function<bool(const Entry&)>& isWanted)
+void Dictionary::remove(std::string_view keyword)
 {
-    if (std::erase_if(m_entries, isWanted) > 0) {
-        rebuild();
+    if (m_index == nullptr) {
+        removeIf([keyword](std::string_view name) { return name == keyword; });
+        return;
     }
+    for (Places* const places : {&m_index->names, &m_index->patterns}) {
+        const auto [first, end] = places->equal_range(keyword);
+        std::for_each(first, end, [this](const Places::value_type& place) { leaveGap(place.second); });
+        places->erase(first, end);
+    }
+}
+
+void Dictionary::removeIf(const std::function<bool(std::string_view)>& isUnwanted)
+{
+    if (m_index == nullptr) {
+        std::erase_if(m_entries, [&isUnwanted](const Entry& entry) { return isUnwanted(entry.keyword); });
+        rebuild();
+        return;
+    }
+    for (Places* const places : {&m_index->names, &m_index->patterns}) {
+        std::erase_if(*places, [&](const Places::value_type& place) {
+            const bool isGap = isUnwanted(place.first);
+            if (isGap) {
+                leaveGap(place.second);
+            }
+            return isGap;
+        });
+    }
+}
+
+/// Frees a removed entry.
+void Dictionary::leaveGap(std::size_t place)
+{
+    m_entries[place] = Entry();
+    m_gaps.push_back(place);
+}
+
+void Dictionary::closeGaps()
+{
+    if (m_gaps.empty()) {
+        return;
+    }
+    std::ranges::sort(m_gaps);
+    auto gap = m_gaps.begin();
+    std::size_t end = 0;
+    for (std::size_t place = 0; place < m_entries.size(); ++place) {
+        if (gap != m_gaps.end() && *gap == place) {
+            ++gap;
+        } else if (end++ != place) {
+            m_entries[end - 1] = std::move(m_entries[place]);
+        }
+    }
+    m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(end), m_entries.end());
+    m_gaps.clear();
+    rebuild();
 }
 
 std::vector<Entry> Dictionary::takeEntries()
 {
+    assert(m_gaps.empty());
     std::vector<Entry> entries = std::exchange(m_entries, {});
     rebuild();
     return entries;

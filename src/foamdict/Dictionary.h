@@ -3,6 +3,7 @@
 
 #include "foamdict/Pattern.h"
 
+#include <cassert>
 #include <cstddef>
 #include <functional>
 #include <map>
@@ -55,11 +56,17 @@ struct Entry
 
 /// Entries in the order of the file.
 ///
-/// An entry that replaces another takes its place. Any number of threads may read a finished dictionary.
+/// An entry that replaces another takes its place. A removed entry is not found from then on, but leaves a gap that
+/// `closeGaps` must close before the entries are handed out: closing it at once would move all entries after it for
+/// each removal. Any number of threads may read a finished dictionary.
 class Dictionary
 {
 public:
-    const std::vector<Entry>& entries() const { return m_entries; }
+    const std::vector<Entry>& entries() const
+    {
+        assert(m_gaps.empty());
+        return m_entries;
+    }
 
     /// The entry of this keyword, which is not a pattern; the first one in a list that may hold equal names.
     const Entry* find(std::string_view keyword) const { return findEntry(keyword, false); }
@@ -77,13 +84,18 @@ public:
     /// Adds an entry. One of the same keyword is replaced.
     void replace(Entry entry);
     bool contains(const Entry& entry) const { return findEntry(entry.keyword, entry.isPattern) != nullptr; }
-    /// Removes all entries for which `isWanted` holds.
-    void remove(const std::function<bool(const Entry&)>& isWanted);
+    /// Removes all entries of this keyword, patterns as well.
+    void remove(std::string_view keyword);
+    /// Removes all entries for whose keywords `isUnwanted` holds, patterns as well.
+    void removeIf(const std::function<bool(std::string_view)>& isUnwanted);
+    /// To be called after the last removal.
+    void closeGaps();
     /// Hands out all entries and is empty then.
     std::vector<Entry> takeEntries();
 
 private:
-    using Places = std::map<std::string, std::size_t, std::less<>>;
+    /// Entries of equal names are in the order of the file.
+    using Places = std::multimap<std::string, std::size_t, std::less<>>;
     struct Index
     {
         Places names;
@@ -95,11 +107,13 @@ private:
     const Entry* findEntry(std::string_view keyword, bool isPattern) const;
     Entry* findEntry(std::string_view keyword, bool isPattern);
     void addToIndex(std::size_t place);
+    void leaveGap(std::size_t place);
     void rebuild();
 
     std::vector<Entry> m_entries;
     std::unique_ptr<Index> m_index;           ///< null for a short dictionary
-    std::vector<std::size_t> m_patternPlaces; ///< of the entries that are patterns
+    std::vector<std::size_t> m_patternPlaces; ///< of the entries that are patterns, and of gaps that were
+    std::vector<std::size_t> m_gaps;          ///< places of removed entries; none without an index
 };
 
 } // namespace foamdict

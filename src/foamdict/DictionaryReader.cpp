@@ -65,6 +65,7 @@ void DictionaryReader::read(CharSource& chars)
     } else {
         readEntries(file, top, Ending::Brace);
     }
+    m_content.entries.closeGaps();
 }
 
 void DictionaryReader::readHeader(File& file, const Scope& top)
@@ -99,6 +100,7 @@ bool DictionaryReader::readItems(File& file)
     }
     m_content.items.emplace();
     readEntries(file, Scope{*m_content.items, nullptr, true}, Ending::Parenthesis);
+    m_content.items->closeGaps();
     return true;
 }
 
@@ -219,6 +221,7 @@ std::unique_ptr<Dictionary> DictionaryReader::readBlock(File& file, const Scope&
     auto block = std::make_unique<Dictionary>();
     m_path.push_back(keyword);
     readEntries(file, Scope{*block, &outer, false, outer.depth + 1}, Ending::Brace);
+    block->closeGaps();
     m_path.pop_back();
     return block;
 }

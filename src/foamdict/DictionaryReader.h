@@ -111,6 +111,7 @@ private:
     void setInputMode(File& file, const std::string& name);
     void readEntryInMode(File& file, const Scope& scope, const std::string& directive);
     void readRemove(File& file, const Scope& scope);
+    void removeMatching(File& file, const Scope& scope, const std::string& expression);
     void readCondition(File& file, const Scope& scope, bool isComparison);
     Token readConditionWord(File& file, const Scope& scope);
     void skipBranch(File& file, bool stopsAtElse);

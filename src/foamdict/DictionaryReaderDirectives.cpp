@@ -135,22 +135,32 @@ void DictionaryReader::readRemove(File& file, const Scope& scope)
     const bool isList = lexeme.is('(');
     lexeme = isList ? next(file) : std::move(lexeme);
     for (; isKeyword(lexeme); lexeme = next(file)) {
-        const bool isPattern = lexeme.kind == Lexeme::Kind::String && hasPatternCharacters(lexeme.text);
-        const Pattern pattern(isPattern ? lexeme.text : std::string());
-        m_macros.addSteps((scope.entries.entries().size() + 1) * (isPattern ? pattern.stateCount() + 1 : 1));
-        if (m_macros.isExhausted()) {
-            stop(file, "too much work to remove entries");
-            return;
+        if (lexeme.kind == Lexeme::Kind::String && hasPatternCharacters(lexeme.text)) {
+            removeMatching(file, scope, lexeme.text);
+        } else {
+            scope.entries.remove(lexeme.text);
         }
-        scope.entries.remove([&](const Entry& entry) {
-            return isPattern ? pattern.matches(entry.keyword) : entry.keyword == lexeme.text;
-        });
-        if (!isList) {
+        if (!isList || m_isStopped) {
             return;
         }
     }
     if (!isList || !lexeme.is(')')) {
         stop(file, "#remove without names");
+    }
+}
+
+/// Removes the entries whose keywords match an expression.
+void DictionaryReader::removeMatching(File& file, const Scope& scope, const std::string& expression)
+{
+    const Pattern pattern(expression);
+    // One that is too long to compile takes as much time as the longest that is not.
+    m_macros.addSteps(pattern.isValid() ? pattern.stateCount() : dvf::limits::PATTERN_STATES);
+    scope.entries.removeIf([&](std::string_view name) {
+        m_macros.addSteps(pattern.steps(name));
+        return !m_macros.isExhausted() && pattern.matches(name);
+    });
+    if (m_macros.isExhausted()) {
+        stop(file, "too much work to remove entries");
     }
 }
 

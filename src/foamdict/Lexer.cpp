@@ -22,7 +22,7 @@ bool isDigit(int c)
     return c >= '0' && c <= '9';
 }
 
-/// True for what a word may hold. Brackets are among it: `div(phi,U)` is one word.
+/// True for what a word may hold. Brackets count: `div(phi,U)` is one word.
 bool isWordChar(int c)
 {
     return c != END && !isBlank(c) && c != '"' && c != '\'' && c != '/' && c != ';' && c != '{' && c != '}';

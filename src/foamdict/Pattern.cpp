@@ -6,8 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <memory_resource>
+#include <optional>
 #include <utility>
 
 namespace foamdict {
@@ -19,6 +22,10 @@ using State = Pattern::State;
 constexpr std::size_t MOST_NESTED_GROUPS = 64;
 /// POSIX asks for at least this many repetitions; more would only make states.
 constexpr std::size_t MOST_REPETITIONS = 255;
+/// Room for the two state sets of an expression of 256 states, which is more than nearly all have.
+constexpr std::size_t STACK_BYTES = std::size_t{256} * 2 * (sizeof(std::size_t) + 2 * sizeof(std::uint32_t)) + 64;
+/// How much of what names that match have in common is compared first. More would hardly refuse more names.
+constexpr std::size_t MOST_COMMON_CHARS = 32;
 constexpr std::size_t UNBOUNDED = std::numeric_limits<std::size_t>::max();
 
 bool isBetween(char c, char first, char last)
@@ -123,6 +130,19 @@ Chars only(char c)
     Chars chars;
     chars.set(indexOf(c));
     return chars;
+}
+
+/// The character of a set of one.
+std::optional<char> onlyChar(const Chars& chars)
+{
+    if (chars.count() != 1) {
+        return std::nullopt;
+    }
+    std::size_t c = 0;
+    while (!chars[c]) {
+        ++c;
+    }
+    return static_cast<char>(c);
 }
 
 /// A part of an expression.
@@ -471,7 +491,13 @@ bool StateWriter::emitRepeat(const Node& node)
 class StateSet
 {
 public:
-    explicit StateSet(std::size_t stateCount) : m_lastStep(stateCount, 0) {}
+    StateSet(std::size_t stateCount, std::pmr::memory_resource* memory)
+        : m_members(memory), m_pending(memory), m_lastStep(stateCount, 0, memory)
+    {
+        m_members.reserve(stateCount);
+        // Each state is taken up once and leaves at most one state more than it takes.
+        m_pending.reserve(stateCount + 1);
+    }
 
     /// Starts over, for the place in the name before character `place`.
     void clear(std::size_t place)
@@ -504,12 +530,12 @@ public:
         }
     }
 
-    const std::vector<std::uint32_t>& members() const { return m_members; }
+    const std::pmr::vector<std::uint32_t>& members() const { return m_members; }
 
 private:
-    std::vector<std::uint32_t> m_members;
-    std::vector<std::uint32_t> m_pending;
-    std::vector<std::size_t> m_lastStep; ///< the step in which each state was added
+    std::pmr::vector<std::uint32_t> m_members;
+    std::pmr::vector<std::uint32_t> m_pending;
+    std::pmr::vector<std::size_t> m_lastStep; ///< the step in which each state was added
     std::size_t m_step = 0;
 };
 
@@ -526,16 +552,64 @@ Pattern::Pattern(std::string_view text)
     StateWriter writer(&m_states);
     if (root == nullptr || !writer.emit(*root) || !writer.add({State::Kind::Accept, 0, 0})) {
         m_states.clear();
+        return;
     }
+    findEnds();
+}
+
+/// Finds what all names that match have in common.
+void Pattern::findEnds()
+{
+    // Any place in the name but its end will do for its first character.
+    constexpr std::size_t ANY_LENGTH = 1;
+    StateSet first(m_states.size(), std::pmr::get_default_resource());
+    first.clear(0);
+    first.add(m_states, 0, ANY_LENGTH);
+    for (const std::uint32_t state : first.members()) {
+        m_firstChars |= m_states[state].kind == State::Kind::Take ? m_sets[m_states[state].a] : Chars();
+    }
+
+    std::vector<std::optional<char>> onlyChars;
+    std::ranges::transform(m_sets, std::back_inserter(onlyChars), onlyChar);
+    const auto charOf = [&onlyChars](const State& state) {
+        return state.kind == State::Kind::Take ? onlyChars[state.a] : std::nullopt;
+    };
+    // Up to the first split, and from the last state that one goes on to, there is only one way.
+    for (std::size_t i = 0; i < MOST_COMMON_CHARS; ++i) {
+        const std::optional<char> c = charOf(m_states[i]);
+        if (!c.has_value()) {
+            break;
+        }
+        m_prefix += *c;
+    }
+    std::size_t begin = 0;
+    for (const State& state : m_states) {
+        begin = state.kind == State::Kind::Split ? std::max<std::size_t>({begin, state.a, state.b}) : begin;
+    }
+    for (std::size_t i = m_states.size() - 1; i > begin && m_suffix.size() < MOST_COMMON_CHARS; --i) {
+        const std::optional<char> c = charOf(m_states[i - 1]);
+        if (!c.has_value()) {
+            break;
+        }
+        m_suffix.insert(m_suffix.begin(), *c);
+    }
+}
+
+bool Pattern::mayMatch(std::string_view name) const
+{
+    return isValid() && (name.empty() || m_firstChars[indexOf(name.front())]) && name.starts_with(m_prefix) &&
+           name.ends_with(m_suffix);
 }
 
 bool Pattern::matches(std::string_view name) const
 {
-    if (!isValid()) {
+    if (!mayMatch(name)) {
         return false;
     }
-    StateSet current(m_states.size());
-    StateSet following(m_states.size());
+    std::array<std::byte, STACK_BYTES> stack;
+    std::pmr::monotonic_buffer_resource memory(stack.data(), stack.size());
+    StateSet current(m_states.size(), &memory);
+    StateSet following(m_states.size(), &memory);
     current.clear(0);
     current.add(m_states, 0, name.size());
     for (std::size_t i = 0; i < name.size() && !current.members().empty(); ++i) {

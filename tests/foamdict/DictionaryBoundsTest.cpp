@@ -87,9 +87,39 @@ TEST(DictionaryBounds, SearchesMayNotTakeTooLong)
         patterns += "\".*.*.*.*" + std::to_string(i) + "x\" { } ";
     }
     expectStop(patterns + repeated("$" + std::string(1000, 'y') + ";\n", 1000), "too much work to find macros");
-    expectStop(repeated("a { } ", 1) + patterns + repeated("#remove \".*z{200}\"\n", 100000),
+    expectStop(repeated("a { } ", 1) + patterns + repeated("#remove \".*z{200}.*\"\n", 100000),
                "too much work to remove");
     EXPECT_EQ(reread("x $" + std::string(limits::MACRO_NAME + 1, 'a') + ";").find("->"), std::string::npos);
+}
+
+// A mesh tool may remove patches one by one, so a removal may not take time in proportion to all entries.
+TEST(DictionaryBounds, ManyEntriesMayBeRemovedFromALargeBlock)
+{
+    constexpr int COUNT = 20000;
+    constexpr int REMOVED = 6000;
+    std::string text = "b { ";
+    for (int i = 0; i < COUNT; ++i) {
+        text += "k" + std::to_string(i) + " { } ";
+    }
+    for (int i = 0; i < REMOVED; ++i) {
+        text += "#remove k" + std::to_string(i * 3) + "\n";
+    }
+    TextClient client;
+    const Content content = parseText(text + "#remove \"k.*[05]\"\n k3 1; }", client);
+    EXPECT_EQ(content.problem, "");
+    std::vector<std::string> expected;
+    for (int i = 0; i < COUNT; ++i) {
+        if (i % 5 != 0 && (i % 3 != 0 || i >= REMOVED * 3)) {
+            expected.push_back("k" + std::to_string(i));
+        }
+    }
+    expected.emplace_back("k3");
+    std::vector<std::string> kept;
+    for (const foamdict::Entry& entry : content.entries.block("b")->entries()) {
+        kept.push_back(entry.keyword);
+        EXPECT_EQ(content.entries.block("b")->find(entry.keyword), &entry) << entry.keyword;
+    }
+    EXPECT_EQ(kept, expected);
 }
 
 TEST(DictionaryBounds, TextMayNotBeTooLong)

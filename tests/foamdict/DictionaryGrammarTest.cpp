@@ -137,6 +137,8 @@ TEST(DictionaryGrammar, AListOfEntriesKeepsOrderAndEqualNames)
     expectRead({
         {"2 ( inlet { type patch; } outlet { type wall; } )", "( inlet { type patch; } outlet { type wall; } )"},
         {"FoamFile { class x; } // c\n\n( b { x 1; } a { } b { y 2; } )", "( b { x 1; } a { } b { y 2; } )"},
+        {"( a { } b { } c { } b { } d { } e { } f { } g { } b { x 1; } h { } #remove (b \"[e-g]\") b { } )",
+         "( a { } c { } d { } h { } b { } )"},
         {"0()", "(  )"},
         {"( )", "(  )"},
         {"1 ( a { n 5; v $n; } ) rest", "( a { n 5; v 5; } )"},

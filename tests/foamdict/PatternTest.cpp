@@ -52,6 +52,14 @@ TEST(Pattern, MatchesWholeNames)
         {"\\(x\\)", {"(x)"}, {"x"}},
         {"(?i)Wall[x-z]", {"wallX", "WALLy"}, {"wal"}},
         {"(?i)[^a]", {"b"}, {"a", "A"}},
+        // The end of the longer one is not the end of all names.
+        {"walls?", {"wall", "walls"}, {"wals"}},
+        {"a(b|xyb)", {"ab", "axyb"}, {"axb"}},
+        {"(ab)*ab", {"ab", "abab"}, {"aab"}},
+        {"(ab)+", {"ab", "abab"}, {"aba"}},
+        {"(a|b|)", {"a", "b", ""}, {"ab", "c"}},
+        {"aba", {"aba"}, {"a", "ababa"}},
+        {"(x|^y|$z)w", {"xw", "yw"}, {"zw", "w"}},
         {"w\xc3\xa4.de", {"w\xc3\xa4nde"}, {"wande"}},
     };
     for (const Row& row : rows) {

@@ -130,6 +130,9 @@ private:
                                    const std::map<dvn::Str, dvn::Str>& resultNames);
     void addFieldResults(const dvn::Str& nativeName, const OFUnit& unit, const OFResultTypeAndMapping& kind,
                          const std::map<dvn::Str, dvn::Str>& resultNames);
+    void addFieldResults(const dvn::Str& nativeName, const dvn::Str& stem, const OFUnit& unit,
+                         const OFResultTypeAndMapping& kind, const std::map<dvn::Str, dvn::Str>& resultNames);
+    dvn::Str freeIdString(const dvn::Str& nativeName) const;
 
     int m_id;
     dvn::Str m_folder;

@@ -124,8 +124,13 @@ dvn::Str OFState::addResultFromOpenFile(OFFile& file, const dvn::Str& path, std:
 void OFState::addFieldResults(const dvn::Str& nativeName, const OFUnit& unit, const OFResultTypeAndMapping& kind,
                               const std::map<dvn::Str, dvn::Str>& resultNames)
 {
+    addFieldResults(nativeName, makeIdString(nativeName), unit, kind, resultNames);
+}
+
+void OFState::addFieldResults(const dvn::Str& nativeName, const dvn::Str& stem, const OFUnit& unit,
+                              const OFResultTypeAndMapping& kind, const std::map<dvn::Str, dvn::Str>& resultNames)
+{
     const dvn::Str name = makeCustomName(nativeName, resultNames);
-    const dvn::Str stem = makeIdString(nativeName);
     if (kind.mapping == OFResultOnNode) {
         addResult(OFResult(nativeName, name + NODE_NAME_SUFFIX, stem + "_N*", unit, kind.type, OFResultOnNode));
         return;

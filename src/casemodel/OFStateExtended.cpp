@@ -75,11 +75,22 @@ void OFState::addFieldsOf(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
         }
         if (const auto kind = ExtendedField::kindOfClass(header.className)) {
             seenNames.insert(name);
-            addFieldResults(name, header.unit, {kind->type, kind->mapping}, resultNames);
+            addFieldResults(name, freeIdString(name), header.unit, {kind->type, kind->mapping}, resultNames);
         } else {
             omissions->tellClass(header.className, path);
         }
     }
+}
+
+/// The stem of a field's ids. Names that differ only by case would have one id, so the second of them keeps its own:
+/// combustion models have fields b and B.
+dvn::Str OFState::freeIdString(const dvn::Str& nativeName) const
+{
+    dvn::Str stem = makeIdString(nativeName);
+    const bool isTaken = std::ranges::any_of(m_results, [&](const OFResult& result) {
+        return result.nativeName() != nativeName && makeIdString(result.nativeName()) == stem;
+    });
+    return isTaken ? nativeName : stem;
 }
 
 void OFState::addMovedPoints(const std::map<dvn::Str, dvn::Str>& resultNames)

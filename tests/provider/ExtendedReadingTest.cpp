@@ -265,7 +265,7 @@ TEST_F(ExtendedReading, TensorsAreSixNumbersAndInternalFieldsHaveNoPatches)
 
 TEST_F(ExtendedReading, TimesAndFieldsGoByTheNamesOfTheirFiles)
 {
-    for (const char* const path : {"0/p", "0/p.orig", "0.orig/p", "3abc/p", "1e-1/beta.gas", "0/q~"}) {
+    for (const char* const path : {"0/p", "0/p.orig", "0/q", "0/Q", "0.orig/p", "3abc/p", "1e-1/beta.gas", "0/q~"}) {
         writeScalar(path, "uniform 1");
     }
     m_folder.writeGz("1e-1/uniform/time.gz", "FoamFile { object other; }\nindex 12; // not the first line\n");
@@ -276,8 +276,10 @@ TEST_F(ExtendedReading, TimesAndFieldsGoByTheNamesOfTheirFiles)
     const LogCapture log;
     OpenCase openCase(m_folder.path(), extended());
     EXPECT_EQ(openCase.states(), "1 Time 0.00000 #0, 2 Time 0.10000 #12, 3 Time 2.00000 #12");
-    EXPECT_EQ(openCase.results(), "1 Pressure PRESSURE_E 010 m s-1 , 2 Pressure [node] PRESSURE_N 000 m s-1 , "
-                                  "3 beta.gas BETA.GAS_E 010 m s-1 , 4 beta.gas [node] BETA.GAS_N 000 m s-1 ");
+    EXPECT_EQ(openCase.results(), "1 Q Q_E 010 m s-1 , 2 Q [node] Q_N 000 m s-1 , "
+                                  "3 Pressure PRESSURE_E 010 m s-1 , 4 Pressure [node] PRESSURE_N 000 m s-1 , "
+                                  "5 q q_E 010 m s-1 , 6 q [node] q_N 000 m s-1 , "
+                                  "7 beta.gas BETA.GAS_E 010 m s-1 , 8 beta.gas [node] BETA.GAS_N 000 m s-1 ");
     const Texts lines = log.infos();
     EXPECT_EQ(std::ranges::count_if(
                   lines, [](const std::string& line) { return line.find("Not shown: ") != std::string::npos; }),

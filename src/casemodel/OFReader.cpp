@@ -15,7 +15,8 @@ bool OFReader::init(const dvn::Str& path)
                                         dvn::Str("Failed to open case %1 - file does not exist").arg(folder));
     }
     m_path = folder;
-    m_omissions.restart(m_path);
+    m_notes.omissions.restart(m_path);
+    m_notes.idOwners.clear();
     if (!m_files->readDictionary(m_path + "/system/controlDict", "controlDict", &m_controlDict)) {
         return OFLogger::get().logError(
             LOG_SOURCE, dvn::Str("Failed to open case %1 - could not read system/controlDict").arg(folder));

@@ -175,7 +175,7 @@ private:
     dvn::Str m_simulationDescription;
     Reading m_reading = Reading::Plain;
     const DescriptionReaders* m_files = &DescriptionReaders::of(Reading::Plain);
-    Omissions m_omissions;
+    CaseNotes m_notes;
     bool m_loadBoundaries = false;
     bool m_loadCellZones = false;
     bool m_loadFaceZones = false;

@@ -74,8 +74,8 @@ bool OFReader::initExtendedGeometry(const std::vector<dvn::Str>& caseSubFolders)
 {
     for (const dvn::Str& folder : caseSubFolders) {
         if (folder.startsWith("processors")) {
-            m_omissions.tell("collated files", m_path + "/" + folder,
-                             "Write them with the file handler 'uncollated' to see them.");
+            m_notes.omissions.tell("collated files", m_path + "/" + folder,
+                                   "Write them with the file handler 'uncollated' to see them.");
         }
     }
     m_parts.clear();

@@ -145,7 +145,7 @@ bool OFReader::appendState(int id, const dvn::Str& folderName, const std::vector
     state.setLoadGlobalResultFlag(m_loadGlobalMesh);
     state.setLoadLocalResultFlag(m_loadLocalMeshes);
     if (isExtended()) {
-        state.initExtended(folder, folderName, fieldFolders(folderName), resultNames, &m_omissions);
+        state.initExtended(folder, folderName, fieldFolders(folderName), resultNames, &m_notes);
     } else if (!state.init(folder, folderName, regions, resultNames)) {
         OFLogger::get().logInfo(LOG_SOURCE, dvn::Str("Parsed folder, non registered %1 state.").arg(folder));
         return false;

@@ -12,7 +12,7 @@
 #include <vector>
 
 class OFFile;
-class Omissions;
+struct CaseNotes;
 
 /// One time step of a case: its folder, its time and the catalogue of its results, without a single value.
 ///
@@ -71,9 +71,9 @@ public:
     /// count.
     /// @param name         the folder's bare name, a number
     /// @param fieldFolders all folders that may hold fields of this time, the one with `uniform/time` among them
-    /// @param omissions    takes what is there but cannot be shown
+    /// @param notes        takes what is there but cannot be shown
     void initExtended(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& fieldFolders,
-                      const std::map<dvn::Str, dvn::Str>& resultNames, Omissions* omissions);
+                      const std::map<dvn::Str, dvn::Str>& resultNames, CaseNotes* notes);
     /// "index" of the folder's `uniform/time`, or `UNKNOWN_INDEX`.
     std::size_t stepIndexFromTimeDict() const { return m_stepIndexFromTimeDict; }
     /// Makes the shown name consist of time and step index.
@@ -120,7 +120,7 @@ private:
                         const std::map<dvn::Str, dvn::Str>& resultNames);
     std::set<dvn::Str> nativeNames() const;
     void addFieldsOf(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
-                     const std::map<dvn::Str, dvn::Str>& resultNames, Omissions* omissions);
+                     const std::map<dvn::Str, dvn::Str>& resultNames, CaseNotes* notes);
     void addMovedPoints(const std::map<dvn::Str, dvn::Str>& resultNames);
     dvn::Str addResultFromFile(const dvn::Str& path, std::set<dvn::Str>& seenNames,
                                const std::map<dvn::Str, dvn::Str>& resultNames);
@@ -132,7 +132,6 @@ private:
                          const std::map<dvn::Str, dvn::Str>& resultNames);
     void addFieldResults(const dvn::Str& nativeName, const dvn::Str& stem, const OFUnit& unit,
                          const OFResultTypeAndMapping& kind, const std::map<dvn::Str, dvn::Str>& resultNames);
-    dvn::Str freeIdString(const dvn::Str& nativeName) const;
 
     int m_id;
     dvn::Str m_folder;

@@ -29,10 +29,18 @@ std::size_t stepIndexIn(const std::vector<dvn::Str>& folders)
     return isNumber ? index : OFState::UNKNOWN_INDEX;
 }
 
+/// The stem of a field's ids. Of names that differ only by case the first one has it, and the others keep their own:
+/// combustion models have fields b and B.
+dvn::Str idStringOf(const dvn::Str& nativeName, CaseNotes* notes)
+{
+    const dvn::Str stem = OFState::makeIdString(nativeName);
+    return notes->idOwners.emplace(stem, nativeName).first->second == nativeName ? stem : nativeName;
+}
+
 } // namespace
 
 void OFState::initExtended(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& fieldFolders,
-                           const std::map<dvn::Str, dvn::Str>& resultNames, Omissions* omissions)
+                           const std::map<dvn::Str, dvn::Str>& resultNames, CaseNotes* notes)
 {
     m_folder = folder;
     m_folderName = name;
@@ -40,7 +48,7 @@ void OFState::initExtended(const dvn::Str& folder, const dvn::Str& name, const s
     m_referenceValue = name.toDouble(dvn::UNDEFINED_DOUBLE);
     std::set<dvn::Str> seenNames = nativeNames();
     for (const dvn::Str& fieldFolder : fieldFolders) {
-        addFieldsOf(fieldFolder, seenNames, resultNames, omissions);
+        addFieldsOf(fieldFolder, seenNames, resultNames, notes);
     }
     if (std::ranges::any_of(fieldFolders, [](const dvn::Str& fieldFolder) {
             return OFUtilities::isRegularFileOrGz(fieldFolder + "/polyMesh/points");
@@ -54,7 +62,7 @@ void OFState::initExtended(const dvn::Str& folder, const dvn::Str& name, const s
 
 /// Adds the results of a folder in the order of their names. `seenNames` are those of all results so far.
 void OFState::addFieldsOf(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
-                          const std::map<dvn::Str, dvn::Str>& resultNames, Omissions* omissions)
+                          const std::map<dvn::Str, dvn::Str>& resultNames, CaseNotes* notes)
 {
     std::set<dvn::Str> names;
     for (const dvn::Str& file : OFUtilities::filesInFolder(folder)) {
@@ -66,7 +74,7 @@ void OFState::addFieldsOf(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
     for (const dvn::Str& name : names) {
         const dvn::Str path = folder + "/" + name;
         if (name == dvn::Str("lagrangian")) {
-            omissions->tell("Lagrangian clouds", path, "Particles have no place in the host's model.");
+            notes->omissions.tell("Lagrangian clouds", path, "Particles have no place in the host's model.");
         }
         ExtendedField::Header header;
         if (seenNames.contains(name) || !OFUtilities::isRegularFileOrGz(path) ||
@@ -75,22 +83,11 @@ void OFState::addFieldsOf(const dvn::Str& folder, std::set<dvn::Str>& seenNames,
         }
         if (const auto kind = ExtendedField::kindOfClass(header.className)) {
             seenNames.insert(name);
-            addFieldResults(name, freeIdString(name), header.unit, {kind->type, kind->mapping}, resultNames);
+            addFieldResults(name, idStringOf(name, notes), header.unit, {kind->type, kind->mapping}, resultNames);
         } else {
-            omissions->tellClass(header.className, path);
+            notes->omissions.tellClass(header.className, path);
         }
     }
-}
-
-/// The stem of a field's ids. Names that differ only by case would have one id, so the second of them keeps its own:
-/// combustion models have fields b and B.
-dvn::Str OFState::freeIdString(const dvn::Str& nativeName) const
-{
-    dvn::Str stem = makeIdString(nativeName);
-    const bool isTaken = std::ranges::any_of(m_results, [&](const OFResult& result) {
-        return result.nativeName() != nativeName && makeIdString(result.nativeName()) == stem;
-    });
-    return isTaken ? nativeName : stem;
 }
 
 void OFState::addMovedPoints(const std::map<dvn::Str, dvn::Str>& resultNames)

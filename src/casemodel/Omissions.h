@@ -3,6 +3,7 @@
 
 #include "DvnCore/Str.h"
 
+#include <map>
 #include <set>
 
 /// What a case holds and a host cannot be shown. Each kind is told once in the log, since a case may hold thousands.
@@ -24,4 +25,12 @@ public:
 private:
     dvn::Str m_prefix;
     std::set<dvn::Str> m_told;
+};
+
+/// What the states of a case share in extended reading.
+struct CaseNotes
+{
+    Omissions omissions;
+    /// The name of the field that has an id, by the stem of the id. Names that differ only by case would have the same.
+    std::map<dvn::Str, dvn::Str> idOwners;
 };

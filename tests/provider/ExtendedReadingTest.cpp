@@ -265,7 +265,8 @@ TEST_F(ExtendedReading, TensorsAreSixNumbersAndInternalFieldsHaveNoPatches)
 
 TEST_F(ExtendedReading, TimesAndFieldsGoByTheNamesOfTheirFiles)
 {
-    for (const char* const path : {"0/p", "0/p.orig", "0/q", "0/Q", "0.orig/p", "3abc/p", "1e-1/beta.gas", "1e-1/q", "0/q~"}) {
+    for (const char* const path :
+         {"0/p", "0/p.orig", "0/q", "0/Q", "0.orig/p", "3abc/p", "1e-1/beta.gas", "1e-1/q", "0/q~"}) {
         writeScalar(path, "uniform 1");
     }
     m_folder.writeGz("1e-1/uniform/time.gz", "FoamFile { object other; }\nindex 12; // not the first line\n");

@@ -151,13 +151,18 @@ void DictionaryReader::setKeyword(File& file, const Lexeme& keyword, Entry* entr
     if (!entry->isPattern) {
         return;
     }
+    // One that is too large counts too, so that nobody compiles a million of them.
+    if (m_patternStates > dvf::limits::DICTIONARY_PATTERN_STATES) {
+        report(file, "too many regular expressions: \"" + keyword.text + "\" is not used");
+        return;
+    }
     auto pattern = std::make_shared<const Pattern>(keyword.text);
+    m_patternStates += pattern->isValid() ? pattern->stateCount() : dvf::limits::PATTERN_STATES;
     if (!pattern->isValid()) {
         report(file, "not a regular expression: \"" + keyword.text + "\"");
-    } else if (m_patternStates + pattern->stateCount() > dvf::limits::DICTIONARY_PATTERN_STATES) {
+    } else if (m_patternStates > dvf::limits::DICTIONARY_PATTERN_STATES) {
         report(file, "too many regular expressions: \"" + keyword.text + "\" is not used");
     } else {
-        m_patternStates += pattern->stateCount();
         entry->pattern = std::move(pattern);
     }
 }

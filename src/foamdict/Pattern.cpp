@@ -303,7 +303,10 @@ NodePtr PatternReader::readEscape()
         }
     }
     // Other letters and digits stand for what is not supported: word borders and references to groups.
-    return isAlnum(c) || c == '<' || c == '>' ? nullptr : makeSet(only(c));
+    if (isAlnum(c) || c == '<' || c == '>') {
+        return NodePtr();
+    }
+    return makeSet(only(c));
 }
 
 NodePtr PatternReader::readClass()

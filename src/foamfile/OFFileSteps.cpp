@@ -446,7 +446,7 @@ bool OFFile::markChunkThenReadChunkStrategy(std::vector<double>* values, int com
     while (itemsRead < items) {
         char* chunk = nullptr;
         std::size_t lastIndex = 0;
-        if (!getNextChunkOfLines(&chunk, &lastIndex)) {
+        if (!getNextChunkOfLines(&chunk, &lastIndex) || chunk == nullptr) {
             return false;
         }
         if (*chunk == '\0') {

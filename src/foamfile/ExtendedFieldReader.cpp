@@ -34,7 +34,7 @@ bool isInterior(const foamdict::ListPlace& place)
     return place.path.size() == 1 && (place.path.front() == INTERIOR || place.path.front() == INTERNAL_VALUES);
 }
 
-/// Whether a list may be shown on a patch: its values, or those of an entry that stands in for them.
+/// Whether a list may be shown on a patch: its values, or those of an entry that is used if it has none.
 bool isOfPatchValues(const foamdict::ListPlace& place)
 {
     constexpr std::size_t DEPTH = 3;

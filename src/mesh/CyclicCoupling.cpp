@@ -184,7 +184,7 @@ Vector faceNormal(const OFBoundary& patch, std::size_t face)
     return {normal[0], normal[1], normal[2]};
 }
 
-/// For each face how far the centre of its cell lies behind it, along the normal.
+/// The distance from each face to the centre of its cell, along the normal.
 std::vector<double> depthsOf(const OFBoundary& patch, const std::vector<double>& points, const CellCentres& centres)
 {
     std::vector<double> depths;

@@ -296,8 +296,7 @@ bool FieldInterior::readMultipleLines(TextSource& text, const Request& request, 
         return false;
     }
     std::size_t found = 0;
-    const bool isRead =
-        FieldList::read(text, type == OFResultScalar ? ListItems::scalars() : ListItems::vectors(), values, &found);
+    const bool isRead = FieldList::read(text, type != OFResultScalar, values, &found);
     if (found < values->size()) {
         const std::size_t width = values->size() / static_cast<std::size_t>(count);
         text.reportShortList(static_cast<std::size_t>(count), found / width);

@@ -2,7 +2,6 @@
 #include "foamfile/FieldList.h"
 
 #include "foamfile/ListAhead.h"
-#include "foamfile/ListAt.h"
 #include "foamfile/OFLogger.h"
 #include "foamfile/TokenScanner.h"
 #include "records/Components.h"
@@ -82,24 +81,20 @@ bool reportMissing(std::size_t found, std::size_t wanted)
 
 } // namespace
 
-bool FieldList::readNext(TextSource& text, const ListItems& items, std::vector<double>* values)
+bool FieldList::readNext(TextSource& text, bool isVector, std::vector<double>* values)
 {
     std::size_t found = 0;
-    return text.skipToList(values->size() * text.rawForm().realSize) && read(text, items, values, &found);
+    return text.skipToList(values->size() * text.rawForm().realSize) && read(text, isVector, values, &found);
 }
 
-bool FieldList::read(TextSource& text, const ListItems& items, std::vector<double>* values, std::size_t* found)
+bool FieldList::read(TextSource& text, bool isVector, std::vector<double>* values, std::size_t* found)
 {
     if (text.isBinary()) {
         // guard: values-binary
         *found = text.readRawReals(values->data(), values->size());
         return *found == values->size();
     }
-    if (items == ListItems::scalars()) {
-        return walkScalars(text, values, found);
-    }
-    return items == ListItems::vectors() ? walkVectors(text, values, found)
-                                         : ListAt::walkItems(text, items, values, found);
+    return isVector ? walkVectors(text, values, found) : walkScalars(text, values, found);
 }
 
 bool FieldList::walkScalars(TextSource& text, std::vector<double>* values, std::size_t* found)

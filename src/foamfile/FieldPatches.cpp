@@ -342,9 +342,9 @@ void FieldPatches::readNonUniform(TextSource& text, const std::vector<dvn::Str>&
     if (text.isBinary()) {
         readRawPatchList(text, type.toUtf8(), isListOnKeyLine, values);
     } else if (type == "List<scalar>") {
-        static_cast<void>(FieldList::readNext(text, ListItems::scalars(), values));
+        static_cast<void>(FieldList::readNext(text, false, values));
     } else if (type == "List<vector>") {
-        static_cast<void>(FieldList::readNext(text, ListItems::vectors(), values));
+        static_cast<void>(FieldList::readNext(text, true, values));
     } else if (type == "List<tensor>") {
         static_cast<void>(text.skipToList());
     }

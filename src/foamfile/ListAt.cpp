@@ -281,11 +281,3 @@ bool ListAt::readReals(TextSource& text, std::size_t count, const ListItems& ite
 {
     return readList(text, count, Reals{items}, values);
 }
-
-bool ListAt::walkItems(TextSource& text, const ListItems& items, std::vector<double>* values, std::size_t* found)
-{
-    ListTokens tokens(text);
-    const bool isRead = walk(text, items, tokens, values, found);
-    tokens.leave();
-    return isRead;
-}

@@ -31,9 +31,4 @@ bool readFlags(TextSource& text, std::size_t count, std::vector<int>* flags);
 /// Reads reals, the components of an item next to each other.
 bool readReals(TextSource& text, std::size_t count, const ListItems& items, std::vector<double>* values);
 
-/// Reads ascii items after the "(" to the end of the target, and leaves the text after the last one pending.
-/// @param[out] found numbers of whole items read
-/// @return false if there are fewer items than the target holds
-bool walkItems(TextSource& text, const ListItems& items, std::vector<double>* values, std::size_t* found);
-
 } // namespace ListAt

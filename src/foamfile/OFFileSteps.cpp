@@ -350,12 +350,12 @@ void OFFile::readNonUniformValues(std::vector<dvn::Str>& tokens, std::vector<dou
 
 bool OFFile::readNextVolScalarField(std::vector<double>* values)
 {
-    return FieldList::readNext(text(), ListItems::scalars(), values);
+    return FieldList::readNext(text(), false, values);
 }
 
 bool OFFile::readNextVolVectorField(std::vector<double>* values)
 {
-    return FieldList::readNext(text(), ListItems::vectors(), values);
+    return FieldList::readNext(text(), true, values);
 }
 
 bool OFFile::readNextVolScalarFieldAscii(std::vector<double>* values)

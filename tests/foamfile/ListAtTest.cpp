@@ -294,21 +294,3 @@ TEST_F(ListsAt, NothingIsLostAtAChunkBorder)
         EXPECT_EQ(read.rest.substr(0, 1), ";") << i;
     }
 }
-
-TEST_F(ListsAt, FieldListsReadTensorsAfterTheirBracket)
-{
-    open("((1 2 3 4 5 6)\n(7 8 9 10 11 12)\n)\n;\nlast\n", "ascii");
-    std::vector<double> values(12);
-    EXPECT_TRUE(FieldList::readNext(text(), ListItems::symmTensors(), &values));
-    EXPECT_EQ(values, counted(12));
-    EXPECT_EQ(rest(), ");last");
-    open("((1 2 3 4 5 6)(7 8 9 10 11))\n", "ascii");
-    std::size_t found = 0;
-    EXPECT_TRUE(text().skipToList());
-    EXPECT_FALSE(FieldList::read(text(), ListItems::symmTensors(), &values, &found));
-    EXPECT_EQ(found, 6U);
-    open("2\n(" + foamtext::raw(counted(18)) + ")\n", "binary");
-    values.resize(18);
-    EXPECT_TRUE(FieldList::readNext(text(), ListItems::tensors(), &values));
-    EXPECT_EQ(values, counted(18));
-}

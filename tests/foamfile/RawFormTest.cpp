@@ -100,7 +100,7 @@ TEST_F(RawLists, ALineFeedAfterTheBracketIsDataIfTheListThenEnds)
     EXPECT_EQ(labels(Reading::Extended), ten);
 }
 
-TEST_F(RawLists, LineFeedsAsDataDoNotShiftPointsFacesAndFields)
+TEST_F(RawLists, LineFeedsAsDataDoNotShiftPointsAndFaces)
 {
     // Reals and labels whose first byte is a line feed.
     const std::vector<double> values = {std::bit_cast<double>(0x3FF000000000000AULL), 2.0, 3.0};
@@ -114,38 +114,4 @@ TEST_F(RawLists, LineFeedsAsDataDoNotShiftPointsFacesAndFields)
     FacesData read;
     EXPECT_TRUE(OFFile(true, Reading::Extended).readFaceList(folder.str("thing"), "thing", &read));
     EXPECT_EQ(unpacked(read), faceSet);
-
-    write("volScalarField", "", "internalField nonuniform List<scalar> \n" + rawList(values) + ";\n");
-    std::vector<double> field(3);
-    EXPECT_TRUE(OFFile(true, Reading::Extended).readResult(folder.str("thing"), "thing", "volScalarField", &field));
-    EXPECT_EQ(field, values);
-}
-
-TEST_F(RawLists, FieldsOfOtherWidthsHaveThePatchesOfTheirWidth)
-{
-    const std::vector<double> values = {1.5, -2.5, 1e30};
-    for (const RawWidths& widths : {RawWidths{.scalarBits = 32}, RawWidths{.scalarBits = 32, .isBigEndian = true},
-                                    RawWidths{.scalarBits = 64, .isBigEndian = true}}) {
-        const auto rawOf = [&](std::size_t count) {
-            return std::to_string(count) + "\n(" +
-                   rawReals(std::vector<double>(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(count)),
-                            widths) +
-                   ")";
-        };
-        // The second list of the patch is skipped by the width of its items.
-        write("volScalarField", '"' + archOf(widths) + '"',
-              "internalField nonuniform List<scalar> \n" + rawOf(3) + ";\nboundaryField\n{\nwall\n{\ntype x;\n" +
-                  "other nonuniform List<scalar> \n" + rawOf(3) + ";\nvalue nonuniform List<scalar> \n" + rawOf(2) +
-                  ";\n}\n}\n");
-        std::vector<OFBoundary> patches(1);
-        patches[0].setPatchName("wall");
-        std::vector<double> interior(3);
-        std::vector<std::vector<double>> patchValues = {{0.0, 0.0}};
-        EXPECT_TRUE(OFFile(true, Reading::Extended)
-                        .readValuesOfCellAndBoundaries(folder.str("thing"), "thing", "volScalarField", &interior,
-                                                       patches, patchValues));
-        const double last = widths.scalarBits == 32 ? static_cast<double>(1e30F) : 1e30;
-        EXPECT_EQ(interior, (std::vector<double>{1.5, -2.5, last})) << archOf(widths);
-        EXPECT_EQ(patchValues[0], (std::vector<double>{1.5, -2.5})) << archOf(widths);
-    }
 }

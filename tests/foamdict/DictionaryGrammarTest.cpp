@@ -251,32 +251,3 @@ TEST(DictionaryGrammar, StopsAtDamageAndKeepsWhatIsWhole)
         {"a 1; b ${c", "a 1; -> case/system/dict, line 1: a macro does not end"},
     });
 }
-
-TEST(DictionaryGrammar, EveryPrefixKeepsTheEntriesThatAreWhole)
-{
-    // One piece of the text after the other, and what it adds.
-    const std::vector<TextCase> pieces = {
-        {"FoamFile { class a; object \"b\"; } ", ""},
-        {"a 1; ", "a 1; "},
-        {"b { c (2 3); d { \"e.*\" [4]; } } ", "b { c ( 2 3 ); d { \"e.*\" [ 4 ]; } } "},
-        {"#include \"x\"\n", "y { z 1; } "},
-        {"$b; ", "c ( 2 3 ); d { \"e.*\" [ 4 ]; } "},
-        {"#if on\nf ${a}; ", "f 1; "},
-        {"#else\nf 2; #endif\n", ""},
-        {"/* i */ j \"k\\\"l\"; ", "j \"k\\\"l\"; "},
-    };
-    std::string before;
-    std::string whole;
-    for (const TextCase& piece : pieces) {
-        for (std::size_t length = 0; length <= std::string_view(piece.text).size(); ++length) {
-            TextClient client;
-            client.files["case/system/x"] = "y { z 1; }";
-            const Content content = parseText(before + std::string(piece.text, length), client);
-            EXPECT_TRUE((textOf(content.entries) + " ").starts_with(whole))
-                << before << std::string(piece.text, length);
-            EXPECT_EQ(content.isComplete, content.problem.empty());
-        }
-        before += piece.text;
-        whole += piece.expected;
-    }
-}

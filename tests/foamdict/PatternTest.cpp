@@ -26,18 +26,10 @@ TEST(Pattern, MatchesWholeNames)
     const std::vector<Row> rows = {
         {"wall", {"wall"}, {"walls", "awall", "wal", ""}},
         {".*", {"", "a", "inlet_1"}, {}},
-        {"a\\.c", {"a.c"}, {"abc"}},
-        {"ab?c", {"ac", "abc"}, {"abbc"}},
         {"(inlet|outlet).*", {"inlet", "outlet2"}, {"let", "in"}},
-        {"(a|b)*c", {"c", "abbac"}, {"abd"}},
         {"((a|)(b|))+x", {"x", "abx", "aabbx"}, {"ac"}},
         {"(a*)*b", {"b", "aaab"}, {"aaa"}},
-        {"(ab){1,2}", {"ab", "abab"}, {"", "ababab"}},
-        {"a{2,}", {"aa", "aaaaa"}, {"a"}},
-        {"a{0}b", {"b"}, {"ab"}},
-        {"[^a-c]1", {"d1", "^1"}, {"a1"}},
         {"[]a]", {"]", "a"}, {"b"}},
-        {"[a\\.]", {"a", "\\", "."}, {"b"}},
         {"[[:alpha:]_]+[[:digit:]]", {"in_1", "x2"}, {"1", "a-1"}},
         {"\\w+\\W\\w", {"a_b-c"}, {"abc"}},
         {"^a$|^b", {"a", "b"}, {"ab", "^a$"}},
@@ -47,8 +39,6 @@ TEST(Pattern, MatchesWholeNames)
         // The end of the longer one is not the end of all names.
         {"walls?", {"wall", "walls"}, {"wals"}},
         {"a(b|xyb)", {"ab", "axyb"}, {"axb"}},
-        {"(ab)*ab", {"ab", "abab"}, {"aab"}},
-        {"(a|b|)", {"a", "b", ""}, {"ab", "c"}},
         {"(x|^y|$z)w", {"xw", "yw"}, {"zw", "w"}},
         {"w\xc3\xa4.de", {"w\xc3\xa4nde"}, {"wande"}},
     };

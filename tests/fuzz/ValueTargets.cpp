@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Targets without files: texts, cells and meshes of random faces.
-#include "DvnCore/Str.h"
+// Targets without files: cells and meshes of random faces.
 #include "border/DeliveryCheck.h"
 #include "fuzz/FuzzHarness.h"
 #include "mesh/OFPolymeshToDDP.h"
@@ -11,73 +10,9 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <locale>
 #include <set>
-#include <sstream>
-#include <type_traits>
 
 namespace {
-
-/// Compares a conversion with extraction from a stream in the classic locale, which defines it.
-template <typename Number, typename Wide>
-void checkConversion(const dvn::Str& text, Number (dvn::Str::*convert)(bool*) const)
-{
-    std::wistringstream stream(text.toStdWString());
-    stream.imbue(std::locale::classic());
-    Wide expected = 0;
-    stream >> expected;
-    // The unsigned conversion is compared with a wider one and refuses what only the wider one accepts.
-    const bool isOutside = !std::is_same_v<Number, Wide> && (expected < Wide(0) || expected > Wide(4294967295LL));
-    bool isNumber = false;
-    const Number number = (text.*convert)(&isNumber);
-    expect(isNumber == (!stream.fail() && !isOutside), "a text is wrongly accepted or refused as a number");
-    const bool isKept = isNumber || std::is_same_v<Number, Wide>;
-    expect(static_cast<Wide>(number) == (isKept ? expected : Wide(0)), "a number differs from that of a stream");
-}
-
-std::string replaced(std::string text, const std::string& from, const std::string& to)
-{
-    for (std::size_t hit = from.empty() ? std::string::npos : text.find(from); hit != std::string::npos;
-         hit = text.find(from, hit + to.size())) {
-        text.replace(hit, from.size(), to);
-    }
-    return text;
-}
-
-void runStrings(FuzzInput input)
-{
-    const std::string a(input.text(input.byte()));
-    const std::string b(input.text(static_cast<std::size_t>(input.below(8))));
-    const std::string c(input.text(static_cast<std::size_t>(input.below(32))));
-    const int width = static_cast<std::int8_t>(input.byte());
-    const int precision = static_cast<std::int8_t>(input.byte());
-    const std::size_t start = input.byte();
-    const dvn::Str text(a);
-    expect(text.toUtf8() == a, "bytes do not come back");
-    expect(text.find(b, start) == a.find(b, start) && text.startsWith(b) == a.starts_with(b), "find");
-    expect(start >= a.size() || text.subStr(start, b.size()).toUtf8() == a.substr(start, b.size()), "subStr");
-    dvn::Str changed = text;
-    changed.replace(b, c);
-    expect(changed.toUtf8() == replaced(a, b, c), "replace");
-    std::string kept = a;
-    std::erase_if(kept, [&b](char unit) { return b.find(unit) != std::string::npos; });
-    for (const dvn::Str& piece : text.split(b)) {
-        expect(!piece.isEmpty() && kept.starts_with(piece.toUtf8()), "split");
-        kept.erase(0, piece.size());
-    }
-    expect(kept.empty(), "split");
-    checkConversion<double, double>(text, &dvn::Str::toDouble);
-    checkConversion<float, float>(text, &dvn::Str::toFloat);
-    checkConversion<int, int>(text, &dvn::Str::toInt);
-    checkConversion<unsigned, long long>(text, &dvn::Str::toUInt);
-    const dvn::Str simple = text.simplified();
-    expect(simple.simplified() == simple && simple.trimmed() == simple && simple.find("  ") > a.size(), "simplified");
-    expect(a.find('%') != std::string::npos || text.arg(c, width) == text, "arg without placeholder");
-    const dvn::Str filled = dvn::Str("<%2%1>").arg(text, width, '.');
-    const std::size_t length = std::max(a.size(), static_cast<std::size_t>(std::abs(width)));
-    expect(filled.size() == 4 + length && filled.find(text) < filled.size(), "arg");
-    static_cast<void>(text.arg(c, width).arg(precision).arg(text.toDouble(), width, 'e', precision).toStdString());
-}
 
 /// A label, which may be a bad one.
 int labelFrom(std::uint8_t byte)
@@ -231,5 +166,5 @@ void runMeshes(FuzzInput input)
 
 std::vector<FuzzTarget> valueTargets()
 {
-    return {{"strings", runStrings}, {"cells", runCells}, {"meshes", runMeshes}};
+    return {{"cells", runCells}, {"meshes", runMeshes}};
 }

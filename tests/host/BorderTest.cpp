@@ -59,25 +59,6 @@ TEST(HostOptions, AcceptBooleanFormsAndTheLastOfSeveralValues)
     }
 }
 
-TEST(PluginLibrary, RunsTheFullStartSequence)
-{
-    HostLog::get().clear();
-    const Fault lines("log lines");
-    const PluginLibrary library(FAULTY_PLUGIN);
-    EXPECT_EQ(library.providerName(), "OpenFoamProvider");
-    EXPECT_EQ(library.pluginInfo().front(), (std::pair<std::string, std::string>("name", "OpenFoamPlugin")));
-    EXPECT_EQ(library.providerInfo().fileMask, "case.foam");
-    EXPECT_EQ(library.providerInfo().settings.size(), 8U);
-    EXPECT_EQ(HostLog::get().lines().size(), 3U);
-
-    const PluginLibrary refused(FAULTY_PLUGIN, PluginLibrary::Registration::Refuse);
-    EXPECT_FALSE(refused.hasExitFunction());
-    const Fault version("another version of the interface");
-    EXPECT_EQ(outcomeOf([] { const PluginLibrary other(FAULTY_PLUGIN); }),
-              std::pair(ExitCode::LibraryRefused,
-                        std::string("the library uses version 8 of the interface, this host version 7")));
-}
-
 TEST(OpenedCase, ReportsTheFaultOfABadLibrary)
 {
     const TempFolder folder;

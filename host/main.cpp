@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "border/CrashHandler.h"
+#include "border/HostLog.h"
 #include "commands/Commands.h"
+#include "commands/UsageError.h"
+#include "output/FailureReport.h"
+#include "output/Interrupt.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <map>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -18,7 +25,7 @@ constexpr const char* DESCRIPTION =
 
 constexpr const char* FOOTER =
     "Exit codes: 0 success, 1 findings, 2 usage, 3 case refused, 4 library not loadable,\n"
-    "5 library misbehaved, 6 cannot write output.\n"
+    "5 library misbehaved, 6 cannot write output, 130 interrupted (143 by SIGTERM).\n"
     "The library is the one named by --plugin, else by the variable DDP_PLUGIN, else the one next to the\n"
     "program or in the library folder of the same installation.";
 
@@ -46,8 +53,9 @@ void addGlobalOptions(CLI::App* app, GlobalOptions* options)
 }
 
 /// Parses the command line into the context.
-/// @return false with `code` set if the run ends here, after help or a usage error
-bool parse(int argc, char** argv, HostContext* context, ExitCode* code)
+/// @return false if the run ends here, after help
+/// @throws HostError of `Usage` for a mistake
+bool parse(int argc, char** argv, HostContext* context)
 {
     CLI::App app(DESCRIPTION, "ddphost");
     app.footer(FOOTER);
@@ -64,31 +72,43 @@ bool parse(int argc, char** argv, HostContext* context, ExitCode* code)
     addCheckCommand(&app, context);
     try {
         app.parse(argc, argv);
+        context->commandName = app.get_subcommands().front()->get_name();
         return true;
+    } catch (const CLI::Success& success) {
+        app.exit(success);
     } catch (const CLI::ParseError& error) {
-        // The parser has a code for each kind of mistake; we use one for all.
-        *code = app.exit(error) == 0 ? ExitCode::Good : ExitCode::Usage;
-        return false;
+        // The flag itself may not have been read before the mistake.
+        const std::span arguments(argv, static_cast<std::size_t>(argc));
+        if (std::ranges::any_of(arguments, [](const char* text) { return std::string_view(text) == "--json"; })) {
+            const std::vector<CLI::App*> commands = app.get_subcommands();
+            FailureReport::get().owesDocument(commands.empty() ? "" : commands.front()->get_name());
+        }
+        throw HostError(ExitCode::Usage, usageMessage(app, error));
     }
+    return false;
 }
 
 /// The context, and the library with it, is destroyed before `main` returns, so that the crash handler covers that too.
 ExitCode run(int argc, char** argv)
 {
     HostContext context;
-    ExitCode code = ExitCode::Good;
-    if (!parse(argc, argv, &context, &code)) {
-        return code;
+    if (!parse(argc, argv, &context)) {
+        return ExitCode::Good;
+    }
+    if (context.options.json) {
+        FailureReport::get().owesDocument(context.commandName);
+    }
+    if (context.endsOnInterrupts) {
+        endOnInterrupts([](int signal) { FailureReport::get().tell(128 + signal, "interrupted"); });
     }
     context.applyOptions();
     return context.command();
 }
 
-/// Reports in one line why the run ended.
-int fail(ExitCode code, const char* message) noexcept
+/// Tells in one line why the run ended.
+int fail(ExitCode code, const char* message)
 {
-    // Not with the formatting library, which throws if stderr is closed.
-    static_cast<void>(std::fprintf(stderr, "ddphost: %s\n", message));
+    FailureReport::get().tell(static_cast<int>(code), message);
     return static_cast<int>(code);
 }
 
@@ -98,7 +118,9 @@ int main(int argc, char** argv)
 {
     installCrashHandler();
     try {
-        return static_cast<int>(run(argc, argv));
+        const ExitCode code = run(argc, argv);
+        HostLog::get().showErrors();
+        return static_cast<int>(code);
     } catch (const HostError& error) {
         return fail(error.code(), error.what());
     } catch (const std::filesystem::filesystem_error& error) {

@@ -2,8 +2,11 @@
 #include "border/CrashHandler.h"
 
 #include "border/HostError.h"
+#include "border/HostLog.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <exception>
@@ -16,11 +19,24 @@ namespace {
 // After a stack overflow there is no room for the handler, so it runs on this stack.
 alignas(std::max_align_t) std::array<char, 65536> signalStack;
 
+// A signal handler must not allocate, so the document waits here in full.
+std::array<char, 4096> crashDocument;
+std::atomic<std::size_t> crashDocumentSize = 0;
+
+void writeAll(int descriptor, const char* bytes, std::size_t count)
+{
+    // Nothing can be done about a failure here.
+    [[maybe_unused]] const ssize_t written = write(descriptor, bytes, count);
+}
+
 /// Ends the process from inside a signal handler, where neither allocation nor formatting is allowed.
 [[noreturn]] void endCrashed(const char* message)
 {
-    // Only what is safe in a signal handler: one write, then exit without running destructors.
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, std::strlen(message));
+    // Only what is safe in a signal handler: writes, then exit without running destructors.
+    const std::string_view pending = HostLog::pendingText();
+    writeAll(STDERR_FILENO, pending.data(), pending.size());
+    writeAll(STDERR_FILENO, message, std::strlen(message));
+    writeAll(STDOUT_FILENO, crashDocument.data(), crashDocumentSize);
     _exit(static_cast<int>(ExitCode::Misbehaved));
 }
 
@@ -60,4 +76,14 @@ void installCrashHandler()
         handleUnlessHandled(signalNumber);
     }
     std::set_terminate(onTerminate);
+}
+
+void setCrashDocument(const std::string& text)
+{
+    crashDocumentSize = 0;
+    // Half a document would be worse than none.
+    if (text.size() <= crashDocument.size()) {
+        std::ranges::copy(text, crashDocument.begin());
+        crashDocumentSize = text.size();
+    }
 }

@@ -13,8 +13,32 @@ enum class ExitCode : int
     CaseRefused = 3,    ///< the library does not open the case or the item asked for
     LibraryRefused = 4, ///< no library, no entry in it, or another version of the interface
     Misbehaved = 5,     ///< the library crashed, threw across the interface or delivered broken arrays
-    CannotWrite = 6     ///< an output file or stream cannot be written
+    CannotWrite = 6,    ///< an output file or stream cannot be written
+    Interrupted = 130   ///< by SIGINT; after SIGTERM the code is 143, each 128 plus the signal
 };
+
+/// The meaning of a code in a few words, for JSON output.
+inline const char* exitCodeName(ExitCode code)
+{
+    switch (code) {
+    case ExitCode::Good:
+        return "success";
+    case ExitCode::Findings:
+        return "findings";
+    case ExitCode::Usage:
+        return "usage";
+    case ExitCode::CaseRefused:
+        return "case refused";
+    case ExitCode::LibraryRefused:
+        return "library refused";
+    case ExitCode::Misbehaved:
+        return "library misbehaved";
+    case ExitCode::CannotWrite:
+        return "cannot write";
+    default:
+        return "interrupted";
+    }
+}
 
 /// Ends a run of the host with an exit code and one line for the user.
 ///

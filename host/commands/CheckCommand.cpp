@@ -4,13 +4,14 @@
 #include "check/CheckRunner.h"
 #include "check/SampleSet.h"
 #include "commands/Commands.h"
-#include "commands/InterruptWait.h"
+#include "output/Interrupt.h"
 #include "output/ProgressBar.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -248,7 +249,7 @@ ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
         ProgressBar progress(context.showsProgress(), "check", "checks", jobs.size());
         if (!runChecks(
                 &jobs, options, [&] { progress.advance(); }, [&] { return !interrupt.waitFor(0); })) {
-            throw HostError(ExitCode::Findings, "interrupted");
+            interrupt.throwInterrupted();
         }
     }
     const std::string userOptions = repeatedOptions(context, arguments);
@@ -275,6 +276,7 @@ void addCheckChild(CLI::App* app, HostContext* context)
     command->add_option("--work", arguments->task.workFolder)->required();
     command->add_option("--prefer", arguments->task.preferred)->allow_extra_args(false);
     command->callback([=] {
+        context->endsOnInterrupts = false;
         context->command = [=] {
             // Its parent may be killed without a chance to stop it.
             prctl(PR_SET_PDEATHSIG, SIGKILL);

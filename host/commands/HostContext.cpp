@@ -2,6 +2,7 @@
 #include "commands/HostContext.h"
 
 #include "border/HostLog.h"
+#include "output/FailureReport.h"
 
 #include <CLI/CLI.hpp>
 #include <tbb/global_control.h>
@@ -73,7 +74,7 @@ std::unique_ptr<OpenedCase> HostContext::open(const std::string& casePath)
 
 bool HostContext::showsProgress() const
 {
-    return !options.noProgress && !options.quiet && isatty(STDERR_FILENO) != 0;
+    return !options.noProgress && !options.quiet && isatty(STDERR_FILENO) != 0 && !isDumbTerminal();
 }
 
 nlohmann::ordered_json newDocument(const std::string& command)
@@ -86,5 +87,7 @@ nlohmann::ordered_json newDocument(const std::string& command)
 
 void writeDocument(const nlohmann::ordered_json& document)
 {
-    writeToStdout(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
+    const std::string text = document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    FailureReport::get().documentStarts();
+    writeToStdout(text);
 }

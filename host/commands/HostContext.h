@@ -56,6 +56,12 @@ public:
     /// The selected command; set while the command line is parsed, run afterwards.
     std::function<ExitCode()> command;
 
+    /// The name of that command.
+    std::string commandName;
+
+    /// False for a process that another one ends.
+    bool endsOnInterrupts = true;
+
     /// Applies the options for the log level and the number of threads.
     void applyOptions();
 
@@ -80,5 +86,5 @@ private:
 /// A document of the host's JSON output, with its schema and the command's name set.
 nlohmann::ordered_json newDocument(const std::string& command);
 
-/// Writes a document to stdout. Bytes that are not UTF-8 are replaced, since JSON cannot hold them.
+/// Writes the one document of a run to stdout. Bytes that are not UTF-8 are replaced, since JSON cannot hold them.
 void writeDocument(const nlohmann::ordered_json& document);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "commands/Commands.h"
-#include "commands/InterruptWait.h"
+#include "output/Interrupt.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -58,7 +58,7 @@ ExitCode runWatch(HostContext& context, const WatchOptions& options)
     opened->metaData();
     for (int polls = 0; options.count == 0 || polls < options.count; ++polls) {
         if (interrupt.waitFor(options.interval)) {
-            break;
+            interrupt.throwInterrupted();
         }
         HostNotifications notifications;
         opened->poll(&notifications);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "output/Terminal.h"
 
+#include "border/EscapedText.h"
 #include "border/HostError.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -18,7 +21,7 @@ bool wantsColor(ColorMode mode)
     }
     // By convention NO_COLOR counts only if it is not empty.
     const char* const noColor = std::getenv("NO_COLOR");
-    return (noColor == nullptr || *noColor == '\0') && isatty(STDOUT_FILENO) != 0;
+    return (noColor == nullptr || *noColor == '\0') && isatty(STDOUT_FILENO) != 0 && !isDumbTerminal();
 }
 
 } // namespace
@@ -27,7 +30,20 @@ TextStyle::TextStyle(ColorMode mode) : m_enabled(wantsColor(mode)) {}
 
 std::string TextStyle::wrapped(const char* code, const std::string& text) const
 {
-    return m_enabled ? "\033[" + std::string(code) + "m" + text + "\033[0m" : text;
+    const std::string shown = escapedLines(text);
+    return m_enabled ? "\033[" + std::string(code) + "m" + shown + "\033[0m" : shown;
+}
+
+bool isDumbTerminal()
+{
+    const char* const terminal = std::getenv("TERM");
+    return terminal != nullptr && std::string_view(terminal) == "dumb";
+}
+
+std::size_t terminalWidth()
+{
+    winsize size = {};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 void writeToStdout(const std::string& text)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 /// When output is coloured.
@@ -11,7 +12,7 @@ enum class ColorMode
     Never
 };
 
-/// Emphasises text for stdout, or leaves it as it is if colour is not wanted.
+/// Emphasises text for stdout, or leaves it as it is if colour is not wanted. Control characters in it are escaped.
 class TextStyle
 {
 public:
@@ -28,6 +29,12 @@ private:
 
     bool m_enabled;
 };
+
+/// True for a terminal that knows neither colours nor a cursor, as editors say that show a shell.
+bool isDumbTerminal();
+
+/// The columns of the terminal that stdout is connected to; 0 if it is not a terminal.
+std::size_t terminalWidth();
 
 /// Writes data to stdout and makes sure that it arrives.
 /// @throws HostError of `CannotWrite`, as for a full disk or a closed pipe

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "output/TextTable.h"
 
+#include "border/EscapedText.h"
+
 #include <algorithm>
 
 namespace {
@@ -22,6 +24,15 @@ std::string padded(const std::string& text, std::size_t width, TextTable::Align 
 }
 
 } // namespace
+
+void TextTable::add(const std::vector<std::string>& cells)
+{
+    std::vector<std::string>& row = m_rows.emplace_back();
+    row.reserve(cells.size());
+    for (const std::string& cell : cells) {
+        row.push_back(escapedControls(cell));
+    }
+}
 
 std::string TextTable::text(std::size_t indent) const
 {

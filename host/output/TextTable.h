@@ -21,8 +21,8 @@ public:
     /// A table with one alignment per column and no rows.
     explicit TextTable(std::vector<Align> columns) : m_columns(std::move(columns)) {}
 
-    /// Adds a row, which may have fewer cells than there are columns.
-    void add(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
+    /// Adds a row, which may have fewer cells than there are columns. Control characters in them are escaped.
+    void add(const std::vector<std::string>& cells);
 
     /// True if there are no rows yet.
     bool empty() const { return m_rows.empty(); }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "border/EscapedText.h"
 #include "border/HostLog.h"
 #include "border/OpenedCase.h"
 #include "support/CaseFiles.h"
@@ -85,4 +86,35 @@ TEST(OpenedCase, ReportsTheFaultOfABadLibrary)
         });
         EXPECT_EQ(outcome.second, message);
     }
+}
+
+// A patch may be named so that it clears the screen or hides the lines before it.
+TEST(EscapedText, LeavesNoCommandToTheTerminal)
+{
+    EXPECT_EQ(escapedControls("\033[2Jwall\r\n\t\x7f"), "\\x1b[2Jwall\\r\\n\\t\\x7f");
+    EXPECT_EQ(escapedControls("\xC2\x9B"
+                              "2J \x9B"
+                              "2J"),
+              "\\xc2\\x9b2J \\x9b2J")
+        << "the forms of 8 bits";
+    EXPECT_EQ(escapedControls("d\xC3\xA9"
+                              "bit \xE2\x82\xAC \xC3"),
+              "d\xC3\xA9"
+              "bit \xE2\x82\xAC \\xc3");
+    EXPECT_EQ(escapedLines("a\n\033b"), "a\n\\x1bb");
+}
+
+// The library tells a cause at each use of a file.
+TEST(HostLog, TellsEachErrorOnceWithItsCount)
+{
+    HostLog::get().setShownLevel(LOG_ERROR);
+    for (const char* const text : {"first", "second", "first"}) {
+        HostLog::receive(LOG_ERROR, text);
+    }
+    EXPECT_EQ(HostLog::pendingText(), "error: first\nerror: second\n");
+    testing::internal::CaptureStderr();
+    HostLog::get().showErrors();
+    HostLog::get().showErrors();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: first (2 times)\nerror: second\n");
+    EXPECT_EQ(HostLog::pendingText(), "");
 }

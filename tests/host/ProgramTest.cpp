@@ -174,5 +174,41 @@ TEST_F(Program, WatchPrintsOneLinePerNoticeAndStopsOnInterrupt)
               "update state 7 time 0 \"Time 0.00000 #0\"\n"
               "add state 9 time 1 \"Time 1.00000 #20\"\n"
               "remove position 2\n");
-    EXPECT_EQ(run("watch --interval 60" + m_case, "timeout --preserve-status -s INT 1 env").code, 0);
+    EXPECT_EQ(run("watch --interval 60" + m_case, "timeout --preserve-status -s INT 1 env").code, 130);
+}
+
+// Whoever reads the documents of a script's runs must find one in each, or it stops with an error of its own.
+TEST_F(Program, WritesOneDocumentAlsoWhenItFails)
+{
+    struct Failure
+    {
+        ProgramRun result;
+        int code;
+        const char* command;
+    };
+    const Failure failures[] = {
+        {run("stats --json --bad" + m_case), 2, "stats"},
+        {run("info --json" + inQuotes(m_folder / "system")), 3, "info"},
+        {runFaulty("info --json", "another version of the interface"), 4, "info"},
+        {runFaulty("info --json --counts", "crash"), 5, "info"},
+        {runFaulty("info --json --counts", "throws"), 5, "info"},
+        {run("export --json -o /dev/null/x" + m_case), 6, "export"},
+        {run("watch --json" + m_case, "timeout --preserve-status -s INT 1 env"), 130, "watch"},
+        {run("watch --json" + m_case, "timeout --preserve-status -s TERM 1 env"), 143, "watch"},
+    };
+    for (const Failure& failure : failures) {
+        SCOPED_TRACE(failure.result.err);
+        EXPECT_EQ(failure.result.code, failure.code);
+        const json document = json::parse(failure.result.out);
+        EXPECT_EQ(document["command"], failure.command);
+        EXPECT_EQ(document["error"]["code"], failure.code);
+    }
+    EXPECT_TRUE(json::parse(run("--json nonsense").out)["command"].is_null());
+}
+
+TEST_F(Program, SuggestsWhatAMistypedWordMeant)
+{
+    EXPECT_NE(run("sats x").err.find("'stats'"), std::string::npos);
+    EXPECT_NE(run("info x --plian").err.find("'--plain'"), std::string::npos);
+    EXPECT_EQ(run("qqqqqqqq").err.find("did you mean"), std::string::npos);
 }

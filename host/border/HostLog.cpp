@@ -106,6 +106,12 @@ void HostLog::setShownLevel(std::int32_t level)
     m_shownLevel = level;
 }
 
+void HostLog::markTold(const std::string& text)
+{
+    const std::lock_guard lock(m_mutex);
+    std::erase(m_errors, text);
+}
+
 std::vector<HostLogLine> HostLog::lines() const
 {
     const std::lock_guard lock(m_mutex);

@@ -45,6 +45,9 @@ public:
     /// Shows the errors that were collected since the last call, each once, in order of first arrival.
     void showErrors();
 
+    /// Drops a collected error that the caller tells in its own words.
+    void markTold(const std::string& text);
+
     /// All lines since the last `clear`, in order of arrival.
     std::vector<HostLogLine> lines() const;
 

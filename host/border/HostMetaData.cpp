@@ -78,17 +78,17 @@ DDPResultInfo* HostMetaData::addResult(std::int32_t kind, std::int32_t resultId,
 
 HostGroup* HostMetaData::declaredGroup(std::int32_t id)
 {
-    const auto found = std::ranges::find(groups, id, &HostGroup::id);
-    if (found == groups.end()) {
+    const auto found = m_positions.find(id);
+    if (found == m_positions.end()) {
         BorderFaults::get().add(fmt::format("group {} is described before it is declared", id));
         return nullptr;
     }
-    return &*found;
+    return &groups[found->second];
 }
 
 void HostMetaData::declareGroup(std::int32_t id, const char* name, bool asPart)
 {
-    if (findGroup(id) != nullptr) {
+    if (!m_positions.emplace(id, groups.size()).second) {
         BorderFaults::get().add(fmt::format("group id {} is declared twice", id));
     }
     HostGroup group;

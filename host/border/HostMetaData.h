@@ -5,11 +5,13 @@
 
 #include "DataProviderInterface.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -160,4 +162,5 @@ private:
 
     GeometryInfo m_geometryInfo;
     GroupInfo m_groupInfo;
+    std::unordered_map<std::int32_t, std::size_t> m_positions; ///< of the first group with an id among `groups`
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "border/HostOptions.h"
 
+#include "border/TextCase.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -9,10 +11,9 @@
 namespace {
 
 /// Empty for a text that means neither, so that a typing mistake does not count as "off".
-std::optional<bool> boolFromText(std::string text)
+std::optional<bool> boolFromText(const std::string& given)
 {
-    // Not std::tolower, which depends on the locale.
-    std::ranges::for_each(text, [](char& c) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
+    const std::string text = lowerCase(given);
     if (text == "on" || text == "true" || text == "yes" || text == "1") {
         return true;
     }

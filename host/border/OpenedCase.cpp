@@ -2,16 +2,59 @@
 #include "border/OpenedCase.h"
 
 #include "border/DeliveryCheck.h"
+#include "border/HostLog.h"
 
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
 #include <system_error>
 
-std::filesystem::path OpenedCase::tokenFile(const std::filesystem::path& casePath)
+namespace {
+
+namespace fs = std::filesystem;
+
+// What the library expects; users may give the file another name to tell their cases apart.
+constexpr const char* TOKEN_NAME = "case.foam";
+constexpr const char* TOKEN_EXTENSION = ".foam";
+
+/// Why a file cannot be read; empty if it can.
+std::string readingFault(const fs::path& file)
 {
-    const std::filesystem::path absolute = std::filesystem::absolute(casePath).lexically_normal();
+    errno = 0;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.c_str(), "r"), std::fclose);
+    // A folder can be opened, but not read.
+    const bool isReadable = stream != nullptr && (std::fgetc(stream.get()) != EOF || std::ferror(stream.get()) == 0);
+    return isReadable ? std::string() : std::strerror(errno);
+}
+
+/// Says why the library did not open a case. The usual mistake, a folder that is not a case, has a line of its own, in
+/// place of those of the library.
+std::string refusalOf(const fs::path& folder)
+{
+    const fs::path description = folder / "system" / "controlDict";
+    const std::string fault = readingFault(description);
+    if (fault.empty() || readingFault(description.string() + ".gz").empty()) {
+        return fmt::format("the library does not open {}", folder.string());
+    }
+    for (const HostLogLine& line : HostLog::get().lines()) {
+        HostLog::get().markTold(line.text);
+    }
+    return fmt::format("not an OpenFOAM case: {} cannot be read ({})", description.string(), fault);
+}
+
+} // namespace
+
+fs::path OpenedCase::tokenFile(const fs::path& casePath)
+{
+    const fs::path absolute = fs::absolute(casePath).lexically_normal();
     std::error_code error;
-    return std::filesystem::is_directory(absolute, error) ? absolute / "case.foam" : absolute;
+    if (fs::is_directory(absolute, error)) {
+        return absolute / TOKEN_NAME;
+    }
+    return absolute.extension() == TOKEN_EXTENSION ? absolute.parent_path() / TOKEN_NAME : absolute;
 }
 
 OpenedCase::OpenedCase(PluginLibrary& library, const std::filesystem::path& casePath, const HostOptions& options)
@@ -35,8 +78,10 @@ void OpenedCase::open()
     const DDPString path(m_token.c_str());
     DDPDataProviderFactory& factory = m_library.factory();
     if (!callLibrary("isSupportedByProvider", [&] { return factory.isSupportedByProvider(path); })) {
-        throw HostError(ExitCode::CaseRefused, fmt::format("{} is neither a folder nor named {}", m_token.string(),
-                                                           m_library.providerInfo().fileMask));
+        std::error_code error;
+        const char* const form =
+            fs::exists(m_token, error) ? "{} is neither a folder nor a .foam file" : "{}: no such file or folder";
+        throw HostError(ExitCode::CaseRefused, fmt::format(fmt::runtime(form), m_token.string()));
     }
     m_provider = callLibrary("createProviderInstance", [&] { return factory.createProviderInstance(); });
     if (m_provider == nullptr) {
@@ -44,7 +89,7 @@ void OpenedCase::open()
     }
     m_open = callLibrary("init", [&] { return m_provider->init(path, m_options, nullptr); }) != 0;
     if (!m_open) {
-        throw HostError(ExitCode::CaseRefused, fmt::format("the provider does not open {}", m_token.string()));
+        throw HostError(ExitCode::CaseRefused, refusalOf(m_token.parent_path()));
     }
 }
 
@@ -76,6 +121,14 @@ const HostMetaData& OpenedCase::metaData()
         m_metaData = std::move(fresh);
     }
     return *m_metaData;
+}
+
+const FoamNames& OpenedCase::names()
+{
+    if (!m_names) {
+        m_names = std::make_unique<FoamNames>(m_token.parent_path(), metaData());
+    }
+    return *m_names;
 }
 
 const HostGeometry& OpenedCase::geometry()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "border/FoamNames.h"
 #include "border/HostGeometry.h"
 #include "border/HostMetaData.h"
 #include "border/HostNotifications.h"
@@ -20,8 +21,8 @@
 class OpenedCase
 {
 public:
-    /// The path that a provider opens. The name of the token file is appended to a folder, and the result is absolute,
-    /// because providers take the folder from the path.
+    /// The path that a provider opens: the token file of the folder given, or of the folder of the .foam file given.
+    /// The file need not exist. The result is absolute, because providers take the folder from the path.
     static std::filesystem::path tokenFile(const std::filesystem::path& casePath);
 
     /// Makes a provider and opens the case; `options` must live as long as the object.
@@ -36,6 +37,9 @@ public:
 
     /// The description of the case, requested once.
     const HostMetaData& metaData();
+
+    /// The names of the case's fields and time folders, looked up once.
+    const FoamNames& names();
 
     /// Nodes and elements of all groups, requested once.
     const HostGeometry& geometry();
@@ -60,5 +64,6 @@ private:
     DDPDataProvider* m_provider = nullptr;
     bool m_open = false;
     std::unique_ptr<HostMetaData> m_metaData;
+    std::unique_ptr<FoamNames> m_names;
     std::unique_ptr<HostGeometry> m_geometry;
 };

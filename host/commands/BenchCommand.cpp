@@ -57,7 +57,7 @@ public:
         });
         record("geometry", [&] { return opened->geometry().byteCount(); });
         // The last state, because the fields of the first one are usually uniform.
-        for (const HostState* const state : selectStates(*metaData, "last")) {
+        for (const HostState* const state : selectStates(*opened, "latest")) {
             for (const HostResultInfo& info : metaData->results) {
                 // Outlives the measurement: releasing a result is not part of getting it.
                 std::unique_ptr<HostResult> result;
@@ -195,7 +195,9 @@ void addBenchCommand(CLI::App* app, HostContext* context)
     const auto options = std::make_shared<BenchOptions>();
     CLI::App* const command =
         app->add_subcommand("bench", "Measure time, read rate and memory for opening, geometry and each result");
-    command->add_option("CASE", options->casePaths, "Case folders or paths to their case.foam")->required();
+    command->add_option("CASE", options->casePaths, "Case folders or .foam files in them")
+        ->required()
+        ->check(notEmpty());
     command->add_option("--repeat", options->repeats, "Report the medians of N runs, 3 by default")
         ->type_name("N")
         ->check(CLI::Range(1, 1000).description(""));

@@ -93,7 +93,7 @@ private:
     {
         const std::vector<const HostGroup*> declared = m_metaData.geometryGroups();
         FileNames names;
-        for (const std::size_t index : selectGroups(m_metaData, m_options.partPattern)) {
+        for (const std::size_t index : selectGroups(*m_opened, m_options.partPattern)) {
             const HostGroup* const group = declared[index];
             const bool surface = group->kind() != HostGroupKind::Part;
             m_groups.push_back({group, index, surface, names.unique(qualifiedName(*group), surface ? ".vtp" : ".vtu")});
@@ -102,8 +102,8 @@ private:
             m_states.push_back({"case", nullptr});
             return;
         }
-        m_results = selectResults(m_metaData, m_options.resultPattern.value_or(""));
-        for (const HostState* const state : selectStates(m_metaData, m_options.state.value_or("last"))) {
+        m_results = selectResults(*m_opened, m_options.resultPattern.value_or(""));
+        for (const HostState* const state : selectStates(*m_opened, m_options.state.value_or("last"))) {
             m_states.push_back({fmt::format("case_{:04}", m_states.size()), state});
         }
         if (m_states.empty()) {

@@ -57,3 +57,18 @@ GroupCounts countGroup(const HostNodeGroup& nodes, const HostElementGroup& eleme
     measure(nodes.coordinates, &counts);
     return counts;
 }
+
+void addCounts(const GroupCounts& group, GroupCounts* total)
+{
+    if (group.nodes != 0) {
+        for (std::size_t k = 0; k < group.lower.size(); ++k) {
+            total->lower[k] = total->nodes == 0 ? group.lower[k] : std::min(total->lower[k], group.lower[k]);
+            total->upper[k] = total->nodes == 0 ? group.upper[k] : std::max(total->upper[k], group.upper[k]);
+        }
+    }
+    total->nodes += group.nodes;
+    total->elements += group.elements;
+    for (const auto& [type, count] : group.elementsByType) {
+        total->elementsByType[type] += count;
+    }
+}

@@ -20,3 +20,6 @@ struct GroupCounts
 
 /// Counts a group; `surface` decides whether a general element is called a polygon or a polyhedron.
 GroupCounts countGroup(const HostNodeGroup& nodes, const HostElementGroup& elements, bool surface);
+
+/// Adds the counts of one group to those of several, and extends their box.
+void addCounts(const GroupCounts& group, GroupCounts* total);

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "border/EscapedText.h"
 #include "border/HostLog.h"
+#include "border/TextCase.h"
+#include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/GroupCounts.h"
 #include "output/TextTable.h"
@@ -39,12 +42,6 @@ const char* kindName(std::int32_t kind)
 const char* mappingName(std::int32_t mapping)
 {
     return mapping == MAPPING_NODE ? "node" : "element";
-}
-
-/// Descriptions may or may not end in a line feed.
-std::string trimmed(const std::string& text)
-{
-    return text.substr(0, text.find_last_not_of(" \n") + 1);
 }
 
 /// The counts of each group that has an element group, by group id; empty unless requested.
@@ -89,7 +86,9 @@ Json groupDocument(const HostGroup& group, const CountsById& counts)
         document["nodes"] = figures.nodes;
         document["elements"] = figures.elements;
         document["elementTypes"] = figures.elementsByType;
-        document["boundingBox"] = {figures.lower, figures.upper};
+        if (figures.nodes != 0) {
+            document["boundingBox"] = {figures.lower, figures.upper};
+        }
     }
     return document;
 }
@@ -114,11 +113,13 @@ Json partDocument(const HostMetaData& metaData, const HostGroup& part, const Cou
 }
 
 /// Names instead of the interface's numbers, which mean nothing outside it.
-Json resultDocument(const HostMetaData& metaData, const HostResultInfo& result)
+Json resultDocument(OpenedCase& opened, const HostResultInfo& result)
 {
+    const HostMetaData& metaData = opened.metaData();
     const HostResultInfo* const source = metaData.sourceOfAverage(result);
     return {{"id", result.id},
             {"name", result.name},
+            {"field", opened.names().fieldOf(result)},
             {"kind", kindName(result.kind)},
             {"mapping", mappingName(result.mapping)},
             {"unit", result.unit},
@@ -139,14 +140,16 @@ std::vector<std::string> omissions()
     return texts;
 }
 
-Json infoDocument(HostContext& context, const HostMetaData& metaData, const CountsById& counts)
+Json infoDocument(HostContext& context, OpenedCase& opened, const CountsById& counts,
+                  const std::vector<UnreadMesh>& unread)
 {
+    const HostMetaData& metaData = opened.metaData();
     Json document = newDocument("info");
     for (const auto& [key, value] : context.library().pluginInfo()) {
         document["plugin"][key] = value;
     }
     document["title"] = metaData.title;
-    document["description"] = trimmed(metaData.description);
+    document["description"] = withoutTrailingBlanks(metaData.description);
     document["parts"] = Json::array();
     for (const HostGroup* const part : groupsOf(metaData, HostGroupKind::Part, nullptr)) {
         document["parts"].push_back(partDocument(metaData, *part, counts));
@@ -154,13 +157,20 @@ Json infoDocument(HostContext& context, const HostMetaData& metaData, const Coun
     document["surfaces"] = groupList(groupsOf(metaData, HostGroupKind::Surface, nullptr), counts);
     document["states"] = Json::array();
     for (const HostState& state : metaData.states) {
-        document["states"].push_back({{"id", state.id}, {"value", state.referenceValue}, {"name", state.name}});
+        document["states"].push_back({{"id", state.id},
+                                      {"value", state.referenceValue},
+                                      {"name", state.name},
+                                      {"folder", opened.names().folderOf(state)}});
     }
     document["results"] = Json::array();
     for (const HostResultInfo& result : metaData.results) {
-        document["results"].push_back(resultDocument(metaData, result));
+        document["results"].push_back(resultDocument(opened, result));
     }
     document["notShown"] = omissions();
+    document["meshesNotRead"] = Json::array();
+    for (const UnreadMesh& mesh : unread) {
+        document["meshesNotRead"].push_back({{"file", mesh.file}, {"reason", mesh.reason}});
+    }
     return document;
 }
 
@@ -169,6 +179,10 @@ Json infoDocument(HostContext& context, const HostMetaData& metaData, const Coun
 /// All counts on one line; types that do not occur are left out.
 std::string countsText(const GroupCounts& counts)
 {
+    if (counts.nodes == 0) {
+        // Elements without nodes are what is left of a mesh that cannot be read.
+        return counts.elements == 0 ? "empty" : "no nodes";
+    }
     std::string text = fmt::format("{} nodes", counts.nodes);
     for (const auto& [type, count] : counts.elementsByType) {
         text += fmt::format(", {} {}", count, type);
@@ -178,8 +192,10 @@ std::string countsText(const GroupCounts& counts)
 
 std::string boxText(const GroupCounts& counts)
 {
-    return fmt::format("box ({:g} {:g} {:g}) ({:g} {:g} {:g})", counts.lower[0], counts.lower[1], counts.lower[2],
-                       counts.upper[0], counts.upper[1], counts.upper[2]);
+    // A box of no nodes would be one of zeros, which is a place.
+    return counts.nodes == 0 ? std::string()
+                             : fmt::format("box ({:g} {:g} {:g}) ({:g} {:g} {:g})", counts.lower[0], counts.lower[1],
+                                           counts.lower[2], counts.upper[0], counts.upper[1], counts.upper[2]);
 }
 
 /// A titled table of groups, or nothing at all when there are none.
@@ -195,7 +211,7 @@ std::string groupSection(const std::string& title, const std::vector<const HostG
         table.add({std::to_string(group->id), group->name, group->type(),
                    found == counts.end() ? std::string() : countsText(found->second)});
     }
-    return std::string(indent, ' ') + title + "\n" + table.text(indent + 2);
+    return std::string(indent, ' ') + title + "\n" + table.text(indent + 2, terminalWidth());
 }
 
 /// One part and its groups, indented as a tree.
@@ -204,7 +220,9 @@ std::string partSection(const HostMetaData& metaData, const HostGroup& part, con
 {
     std::string text = fmt::format("  {} {}\n", style.strong(part.name), style.faint(fmt::format("id {}", part.id)));
     if (const auto found = counts.find(part.id); found != counts.end()) {
-        text += fmt::format("    {}\n    {}\n", countsText(found->second), boxText(found->second));
+        text += fmt::format("    {}\n", countsText(found->second));
+        const std::string box = boxText(found->second);
+        text += box.empty() ? box : "    " + box + "\n";
     }
     text += groupSection("patches", groupsOf(metaData, HostGroupKind::Boundary, &part), counts, 4);
     text += groupSection("cell zones", groupsOf(metaData, HostGroupKind::CellZone, &part), counts, 4);
@@ -212,43 +230,83 @@ std::string partSection(const HostMetaData& metaData, const HostGroup& part, con
     return text;
 }
 
-/// States in the order of the provider, which need not be that of their ids.
-std::string stateSection(const HostMetaData& metaData)
+/// The sum of the parts, or nothing if there are not several.
+std::string totalSection(const std::vector<const HostGroup*>& parts, const CountsById& counts, const TextStyle& style)
 {
-    TextTable table({TextTable::Align::Right, TextTable::Align::Left, TextTable::Align::Left});
-    for (const HostState& state : metaData.states) {
-        table.add({std::to_string(state.id), fmt::format("{}", state.referenceValue), state.name});
+    if (parts.size() < 2 || counts.empty()) {
+        return {};
     }
-    return table.text(2);
+    GroupCounts total;
+    for (const HostGroup* const part : parts) {
+        const auto found = counts.find(part->id);
+        if (found != counts.end()) {
+            addCounts(found->second, &total);
+        }
+    }
+    const std::string box = boxText(total);
+    return fmt::format("  {}\n    {}\n", style.strong(fmt::format("all {} parts", parts.size())), countsText(total)) +
+           (box.empty() ? box : "    " + box + "\n");
+}
+
+/// A table whose first row is its heading, below a title with a count; one line that there are none if it is empty.
+std::string titledTable(const char* title, std::size_t count, const TextTable& table, const TextStyle& style)
+{
+    if (count == 0) {
+        return style.faint(fmt::format("{}: none", title)) + "\n";
+    }
+    const std::string text = table.text(2, terminalWidth());
+    const std::size_t headEnd = text.find('\n');
+    return style.faint(title) + "\n" + style.faint(text.substr(0, headEnd)) + text.substr(headEnd);
+}
+
+/// States in the order of the provider, which need not be that of their ids.
+std::string stateSection(OpenedCase& opened, const TextStyle& style)
+{
+    using Align = TextTable::Align;
+    const std::vector<HostState>& states = opened.metaData().states;
+    TextTable table({Align::Right, Align::Right, Align::Left, Align::Left});
+    table.add({"id", "time", "folder", "shown as"});
+    for (const HostState& state : states) {
+        const std::string folder = opened.names().folderOf(state);
+        table.add({std::to_string(state.id), fmt::format("{}", state.referenceValue), folder.empty() ? "-" : folder,
+                   state.name});
+    }
+    return titledTable("states", states.size(), table, style);
 }
 
 /// One line per result; a missing unit is shown as a dash to keep the columns readable.
-std::string resultSection(const HostMetaData& metaData)
+std::string resultSection(OpenedCase& opened, const TextStyle& style)
 {
-    TextTable table(std::vector(7, TextTable::Align::Left));
+    const HostMetaData& metaData = opened.metaData();
+    TextTable table(std::vector(8, TextTable::Align::Left));
+    table.add({"id", "field", "shown as", "kind", "on", "unit", "key", ""});
     for (const HostResultInfo& result : metaData.results) {
         const HostResultInfo* const source = metaData.sourceOfAverage(result);
-        table.add({std::to_string(result.id), result.name, kindName(result.kind), mappingName(result.mapping),
-                   result.unit.empty() ? "-" : result.unit, result.key,
+        table.add({std::to_string(result.id), opened.names().fieldOf(result), result.name, kindName(result.kind),
+                   mappingName(result.mapping), result.unit.empty() ? "-" : result.unit, result.key,
                    source == nullptr ? std::string() : fmt::format("average of {}", source->id)});
     }
-    return table.text(2);
+    return titledTable("results", metaData.results.size(), table, style);
 }
 
-std::string infoTree(const HostMetaData& metaData, const CountsById& counts, const TextStyle& style)
+std::string infoTree(OpenedCase& opened, const CountsById& counts, const TextStyle& style)
 {
-    std::string text = style.strong(metaData.title) + "\n" + trimmed(metaData.description) + "\n";
-    text += style.faint("parts") + "\n";
-    for (const HostGroup* const part : groupsOf(metaData, HostGroupKind::Part, nullptr)) {
+    const HostMetaData& metaData = opened.metaData();
+    const std::vector<const HostGroup*> parts = groupsOf(metaData, HostGroupKind::Part, nullptr);
+    std::string text =
+        style.strong(metaData.title) + "\n" + escapedLines(withoutTrailingBlanks(metaData.description)) + "\n";
+    text += style.faint(parts.empty() ? "parts: none" : "parts") + "\n";
+    for (const HostGroup* const part : parts) {
         text += partSection(metaData, *part, counts, style);
     }
+    text += totalSection(parts, counts, style);
     text += groupSection(style.faint("surfaces"), groupsOf(metaData, HostGroupKind::Surface, nullptr), counts, 0);
-    text += style.faint("states") + "\n" + stateSection(metaData);
-    text += style.faint("results") + "\n" + resultSection(metaData);
+    text += stateSection(opened, style);
+    text += resultSection(opened, style);
     const std::vector<std::string> left = omissions();
     text += left.empty() ? "" : style.faint("not shown") + "\n";
     for (const std::string& omission : left) {
-        text += "  " + omission + "\n";
+        text += "  " + escapedControls(omission) + "\n";
     }
     return text;
 }
@@ -257,13 +315,18 @@ ExitCode runInfo(HostContext& context, const InfoOptions& options)
 {
     const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
     const HostMetaData& metaData = opened->metaData();
+    const std::vector<UnreadMesh> unread = options.counts ? unreadMeshes(*opened) : std::vector<UnreadMesh>();
     const CountsById counts = options.counts ? countAll(metaData, opened->geometry()) : CountsById();
     if (context.options.json) {
-        writeDocument(infoDocument(context, metaData, counts));
+        writeDocument(infoDocument(context, *opened, counts, unread));
     } else {
-        writeToStdout(infoTree(metaData, counts, context.style()));
+        writeToStdout(infoTree(*opened, counts, context.style()));
     }
-    return ExitCode::Good;
+    tellUnreadMeshes(unread);
+    if (!omissions().empty() || !unread.empty() || metaData.results.empty()) {
+        pointToDoctor("not all of the case shows", options.casePath);
+    }
+    return unread.empty() ? ExitCode::Good : ExitCode::Findings;
 }
 
 } // namespace
@@ -272,7 +335,7 @@ void addInfoCommand(CLI::App* app, HostContext* context)
 {
     const auto options = std::make_shared<InfoOptions>();
     CLI::App* const command = app->add_subcommand("info", "Show what a case contains: parts, groups, states, results");
-    command->add_option("CASE", options->casePath, "A case folder or the path to its case.foam")->required();
+    addCaseArgument(command, &options->casePath);
     command->add_flag("--counts", options->counts, "Read the meshes too and show node and element counts");
     addPlainFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runInfo(*context, *options); }; });

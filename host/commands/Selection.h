@@ -1,23 +1,37 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "border/HostMetaData.h"
+#include "border/OpenedCase.h"
 
 #include <string>
 #include <vector>
 
-/// The states that a text selects: "last", "all", a time, or "#" and a state id.
+// What users type to select states, results and groups. All functions throw `HostError` of `Usage`, with a list of what
+// there is, if a text selects nothing.
+
+/// The help text for a selection of states.
+inline constexpr const char* STATE_HELP =
+    "a time or the name of its folder, first, latest, all, noZero, FROM:TO, #ID, or several of these with commas";
+
+/// The help texts for selections of results and groups.
+inline constexpr const char* RESULT_HELP =
+    "Only results with this field, name, id, part of a name, or regular expression; case does not matter";
+inline constexpr const char* GROUP_HELP =
+    "Only parts, patches, zones and surfaces with this name, part of a name, or regular expression";
+
+/// The states that a text selects, in the order of the case.
 ///
-/// A time selects the nearest state within a millionth of the longest time: times are read from folder names, and what
-/// users type is seldom the same number to the last bit.
-/// @throws HostError of `Usage` when no state matches; "last" selects none in a case without states
-std::vector<const HostState*> selectStates(const HostMetaData& metaData, const std::string& text);
+/// The text is one of the forms of `STATE_HELP`. A time is the name of a folder, or else a number within a millionth of
+/// itself: times come from folder names, and what users type is seldom the same number to the last bit. It never stands
+/// for one of several states that are as near. "last" is the same as "latest"; both select nothing in a case without
+/// states. A range includes both ends, and either may be left out.
+std::vector<const HostState*> selectStates(OpenedCase& opened, const std::string& text);
 
-/// The results whose name or key contains a match of the pattern; an empty pattern selects all.
-/// @throws HostError of `Usage` for a pattern that is not a regular expression or that no result matches
-std::vector<const HostResultInfo*> selectResults(const HostMetaData& metaData, const std::string& pattern);
+/// The results that a text selects: those whose field, shown name, key or id it is; if there are none, those with a
+/// name that contains it; if there are none, those with a name that it matches as a regular expression, best in full.
+/// Case does not matter. An empty text selects all.
+std::vector<const HostResultInfo*> selectResults(OpenedCase& opened, const std::string& text);
 
-/// Positions in `HostMetaData::geometryGroups` of the groups whose name contains a match of the pattern; an empty
-/// pattern selects all.
-/// @throws HostError of `Usage` for a pattern that is not a regular expression or that no group matches
-std::vector<std::size_t> selectGroups(const HostMetaData& metaData, const std::string& pattern);
+/// Positions in `HostMetaData::geometryGroups` of the groups that a text selects, by their names and by PART/NAME, in
+/// the same way as results.
+std::vector<std::size_t> selectGroups(OpenedCase& opened, const std::string& text);

@@ -4,6 +4,7 @@
 #include "border/HostResult.h"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 /// Statistics of one component of the values of one group.
@@ -21,5 +22,10 @@ struct ComponentStatistics
     double mean = 0;
 };
 
-/// The statistics of each component of a group of values.
+/// The statistics of each component of a group of values, and of the magnitude after those of vectors.
+///
+/// A magnitude is undefined, NaN or infinite if one of its components is, in this order.
 std::vector<ComponentStatistics> statisticsOf(const HostValueGroup& group);
+
+/// The names that go with `statisticsOf`: empty for scalars, x y z magnitude, xx xy xz yy yz zz, or numbers from 0.
+std::vector<std::string> componentNames(int dimension);

@@ -28,10 +28,12 @@ public:
     bool empty() const { return m_rows.empty(); }
 
     /// All rows, each indented by `indent` spaces and without trailing spaces.
-    std::string text(std::size_t indent) const;
+    /// @param width columns of the terminal, or 0; text that aligns left is shortened in the middle to make rows fit
+    std::string text(std::size_t indent, std::size_t width = 0) const;
 
 private:
     std::vector<std::size_t> widths() const;
+    std::vector<std::size_t> fittingWidths(std::size_t width) const;
 
     std::vector<Align> m_columns;
     std::vector<std::vector<std::string>> m_rows;

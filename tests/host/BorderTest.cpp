@@ -2,6 +2,7 @@
 #include "border/EscapedText.h"
 #include "border/HostLog.h"
 #include "border/OpenedCase.h"
+#include "commands/KnownTimes.h"
 #include "support/CaseFiles.h"
 
 #include <gtest/gtest.h>
@@ -117,4 +118,26 @@ TEST(HostLog, TellsEachErrorOnceWithItsCount)
     HostLog::get().showErrors();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: first (2 times)\nerror: second\n");
     EXPECT_EQ(HostLog::pendingText(), "");
+}
+
+// Notices name the states that moved in the list, not the change: these are those of a real run.
+TEST(KnownTimes, TellsEachChangeOnce)
+{
+    using Kind = HostNotice::Kind;
+    KnownTimes times({{1, "", 0}, {2, "", 0.5}, {3, "", 1}});
+    EXPECT_EQ(times.apply({{Kind::Add, 1004, "", 1.5}}), "+ 1.5\n");
+    const std::vector<HostNotice> all = {{Kind::Update, 1001, "", 0},
+                                         {Kind::Update, 1002, "", 0.5},
+                                         {Kind::Update, 1003, "", 1},
+                                         {Kind::Update, 1004, "", 1.5}};
+    EXPECT_EQ(times.apply(all), "") << "the poll after a change announces every state";
+    EXPECT_EQ(times.apply({{Kind::Update, 1002, "", 0.25}, {Kind::Add, 1005, "", 1.5}}), "+ 0.25\n") << "in the middle";
+    EXPECT_EQ(times.apply({{Kind::Update, 1001, "", 0},
+                           {Kind::Update, 1002, "", 0.25},
+                           {Kind::Update, 1003, "", 1},
+                           {Kind::Update, 1004, "", 1.5},
+                           {Kind::Remove, 4, "", 0},
+                           {Kind::Remove, 5, "", 0},
+                           {Kind::Add, 1005, "", 2}}),
+              "+ 2\n- 0.5\n");
 }

@@ -135,9 +135,9 @@ TEST_F(Program, StatsCountsEveryValueOnceAndReportsNonNumbers)
 {
     const std::string options = " --result PRESSURE_E --part 'default|left'";
     EXPECT_EQ(run("stats --csv --state 1" + m_case + options).out,
-              "result,time,group,component,items,least,mean,greatest,undefined,nan,infinite\n"
-              "Pressure,1,default_region,0,2,1,2,3,0,0,0\n"
-              "Pressure,1,left side,0,1,7,7,7,0,0,0\n");
+              "result,field,unit,time,folder,group,part,component,items,least,mean,greatest,undefined,nan,infinite\n"
+              "Pressure,p,m s-1,1,1,default_region,,,2,1,2,3,0,0,0\n"
+              "Pressure,p,m s-1,1,1,left side,default_region,,1,7,7,7,0,0,0\n");
     const std::pair<const char*, const char*> values[] = {{"nan", "nan"}, {"-inf", "infinite"}};
     for (const auto& [value, column] : values) {
         writePressure(m_folder, "1", std::string("nonuniform List<scalar> \n2\n(\n5\n") + value + "\n)\n");
@@ -168,13 +168,86 @@ TEST_F(Program, AcceptsMovedPointsOfSeveralParts)
     EXPECT_EQ(run("check --include '^(result|equal|calls)'" + regions).code, 0);
 }
 
-TEST_F(Program, WatchPrintsOneLinePerNoticeAndStopsOnInterrupt)
+TEST_F(Program, WatchShowsNoticesAndEndsOnInterrupt)
 {
-    EXPECT_EQ(runFaulty("watch --interval 0 --count 1", "needless notice").out,
+    EXPECT_EQ(runFaulty("watch --raw --interval 0 --count 1", "needless notice").out,
               "update state 7 time 0 \"Time 0.00000 #0\"\n"
               "add state 9 time 1 \"Time 1.00000 #20\"\n"
               "remove position 2\n");
     EXPECT_EQ(run("watch --interval 60" + m_case, "timeout --preserve-status -s INT 1 env").code, 130);
+}
+
+TEST_F(Program, SelectsStatesByFolderThenTime)
+{
+    for (const char* const time : {"1000", "1000.5", "0.orig"}) {
+        writePressure(m_folder, time);
+    }
+    struct Selection
+    {
+        const char* text;
+        std::vector<std::string> folders; ///< empty if the text is refused
+    };
+    const Selection selections[] = {
+        {"latest", {"1000.5"}},
+        {"last", {"1000.5"}},
+        {"first", {"0.orig"}},
+        {"0.orig", {"0.orig"}},
+        {"noZero", {"0.5", "1", "1000", "1000.5"}},
+        {"0.6:1000", {"1", "1000"}},
+        {":0.5", {"0.orig", "0.5"}},
+        {"1000.5,0.5", {"0.5", "1000.5"}},
+        {"5e-1", {"0.5"}},
+        {"0.50000001", {"0.5"}},
+        {"1000.0001", {"1000"}},
+        {"0.0001", {}},
+        {"2:3", {}},
+        {"1000.25", {}},
+        {"''", {}},
+    };
+    for (const Selection& selection : selections) {
+        SCOPED_TRACE(selection.text);
+        const ProgramRun result =
+            run(std::string("stats --plain --json --result p --part region --state ") + selection.text + m_case);
+        EXPECT_EQ(result.code, selection.folders.empty() ? 2 : 0) << result.err;
+        std::vector<std::string> folders;
+        const json document = json::parse(result.out);
+        for (const json& row : document.value("rows", json::array())) {
+            if (row["result"] == "Pressure" && row["group"] == "default_region") {
+                folders.push_back(row["folder"]);
+            }
+        }
+        EXPECT_EQ(folders, selection.folders);
+    }
+    EXPECT_NE(run("stats --state 3" + m_case).err.find("the nearest are 0.5, 1, 1000"), std::string::npos);
+}
+
+TEST_F(Program, SelectsResultsByTheNamesThatUsersKnow)
+{
+    const std::pair<const char*, std::size_t> selections[] = {{"p", 2},        {"PRESSURE", 1}, {"pressure_n", 1},
+                                                              {"'#1'", 1},     {"ressu", 2},    {"'p|T'", 2},
+                                                              {"'^P.*e$'", 1}, {"'p('", 0}};
+    for (const auto& [text, count] : selections) {
+        const json document = json::parse(run(std::string("stats --json --part left --result ") + text + m_case).out);
+        EXPECT_EQ(document.value("rows", json::array()).size(), count) << text;
+    }
+    EXPECT_NE(run("stats --result q" + m_case).err.find("the case has p (Pressure)"), std::string::npos);
+}
+
+TEST_F(Program, SaysWhichMeshIsNotReadAndWhy)
+{
+    m_folder.write("constant/polyMesh/points", "nothing");
+    const ProgramRun info = run("info --counts --json" + m_case);
+    EXPECT_EQ(info.code, 1);
+    const json document = json::parse(info.out);
+    EXPECT_EQ(document["meshesNotRead"][0]["file"], (m_folder / "constant/polyMesh/points").string());
+    EXPECT_FALSE(document["parts"][0].contains("boundingBox"));
+    const ProgramRun stats = run("stats --result p" + m_case);
+    EXPECT_EQ(stats.code, 1);
+    EXPECT_NE(stats.err.find("mesh not read: " + (m_folder / "constant/polyMesh/points").string() + ": "),
+              std::string::npos);
+    const ProgramRun noCase = run("info" + inQuotes(m_folder / "system"));
+    EXPECT_EQ(noCase.err, "ddphost: not an OpenFOAM case: " + (m_folder / "system/system/controlDict").string() +
+                              " cannot be read (No such file or directory)\n");
 }
 
 // Whoever reads the documents of a script's runs must find one in each, or it stops with an error of its own.

@@ -32,9 +32,6 @@ TOLERANCE = 1e-5
 # Smaller values have no float, or one with few digits.
 TINY = 1e-36
 
-# The library's shown names of fields that have a fixed id.
-SHOWN_NAMES = {"Velocity": "U", "Pressure": "p", "Density": "rho", "Temperature": "T"}
-
 # VTK orders a symmetric tensor XX YY ZZ XY YZ XZ, OpenFOAM XX XY XZ YY YZ ZZ.
 FOAM_ORDER = [0, 3, 5, 1, 4, 2]
 
@@ -144,21 +141,23 @@ class Ours:
     def run(self, front, command, flags, case):
         result = subprocess.run(front + command + shlex.split(flags) + [case], capture_output=True, timeout=600)
         try:
-            return json.loads(result.stdout)
+            document = json.loads(result.stdout)
         except ValueError:
-            errors = result.stderr.decode(errors="replace")
-            self.problem = f"{command[0]}: exit code {result.returncode}: {errors[-300:]}"
-            return None
+            document = {"error": None}
+        if "error" not in document:
+            return document
+        errors = result.stderr.decode(errors="replace")
+        self.problem = f"{command[0]}: exit code {result.returncode}: {errors[-300:]}"
+        return None
 
     def collect(self, rows):
         """(time, group id) -> (name, is a point field) -> Array."""
         found = collections.defaultdict(lambda: collections.defaultdict(list))
         for row in rows:
             result = self.results[row["resultId"]]
-            if result["averageOf"] is None and row["stateId"] == self.first_states[row["time"]]:
-                name = result["name"].removesuffix(" [N]")
-                name = SHOWN_NAMES.get(name, name)
-                found[row["time"], row["groupId"]][name, result["mapping"] == "node"].append(row)
+            is_own = result["averageOf"] is None and row["componentName"] != "magnitude"
+            if is_own and row["stateId"] == self.first_states[row["time"]]:
+                found[row["time"], row["groupId"]][row["field"], result["mapping"] == "node"].append(row)
         return {
             place: {key: self.array(components) for key, components in arrays.items()}
             for place, arrays in found.items()

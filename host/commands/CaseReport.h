@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "border/OpenedCase.h"
+
+#include <string>
+#include <vector>
+
+/// Why a mesh has no cells: a file that could not be read, and what is wrong with it.
+struct UnreadMesh
+{
+    std::string file; ///< empty if the library did not name one
+    std::string reason;
+};
+
+/// Requests the geometry and finds out whether a part is empty because its mesh could not be read.
+/// @return one entry per cause; none if all parts have cells or those without are empty in their files too
+std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened);
+
+/// Tells each unread mesh in a line on stderr, in place of the library's own lines on it.
+void tellUnreadMeshes(const std::vector<UnreadMesh>& unread);
+
+/// Writes one line to stderr for the user.
+void tellUser(const std::string& line);
+
+/// Points to the command that says why something does not show, in a line on stderr.
+void pointToDoctor(const std::string& what, const std::string& casePath);

@@ -15,6 +15,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -29,11 +30,15 @@ constexpr const char* FOOTER =
     "The library is the one named by --plugin, else by the variable DDP_PLUGIN, else the one next to the\n"
     "program or in the library folder of the same installation.";
 
+constexpr const char* GLOBAL_GROUP = "Options of every command";
+
 /// Accepted before and after the command, because few users remember which side is which.
 void addGlobalOptions(CLI::App* app, GlobalOptions* options)
 {
-    static const std::map<std::string, ColorMode> colorModes = {
-        {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
+    const std::map<std::string, int> colorModes = {{"auto", static_cast<int>(ColorMode::Auto)},
+                                                   {"always", static_cast<int>(ColorMode::Always)},
+                                                   {"never", static_cast<int>(ColorMode::Never)}};
+    app->option_defaults()->group(GLOBAL_GROUP);
     app->add_option("--plugin", options->plugin, "The library to load")->type_name("PATH");
     app->add_option("--set", options->settings,
                     "A setting for the case, such as LOAD_FACE_ZONES=on; an unknown key lists them all")
@@ -43,13 +48,26 @@ void addGlobalOptions(CLI::App* app, GlobalOptions* options)
     app->add_flag("-q,--quiet", options->quiet, "Show only errors and data");
     app->add_flag("-v,--verbose", options->verbosity,
                   "Show the library's info messages; given twice, debug messages too");
-    app->add_option("--threads", options->threads, "Run the library on at most this many threads")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024));
-    app->add_option("--color", options->color, "When to colour the text: auto, always or never")
-        ->type_name("WHEN")
-        ->transform(CLI::CheckedTransformer(colorModes).description(""));
+    limitCount(
+        app->add_option("--threads", options->threads, "Run the library on at most this many threads")->type_name("N"),
+        1, 1024);
+    limitWords(
+        app->add_option("--color", options->color, "When to colour the text: auto, always or never")->type_name("WHEN"),
+        colorModes);
     app->add_flag("--no-progress", options->noProgress, "Do not show a progress bar");
+    // Commands that are added from now on inherit the defaults.
+    app->option_defaults()->group("Options");
+}
+
+/// Lists the options of every command also in the help of each.
+void showGlobalOptions(CLI::App* app)
+{
+    const auto isGlobal = [](const CLI::Option* option) { return option->get_group() == GLOBAL_GROUP; };
+    const std::string options =
+        CLI::Formatter().make_group(GLOBAL_GROUP, false, std::as_const(*app).get_options(isGlobal));
+    for (CLI::App* const command : app->get_subcommands(nullptr)) {
+        command->footer(options + "\n" + FOOTER);
+    }
 }
 
 /// Parses the command line into the context.
@@ -60,6 +78,8 @@ bool parse(int argc, char** argv, HostContext* context)
     CLI::App app(DESCRIPTION, "ddphost");
     app.footer(FOOTER);
     app.set_version_flag("--version", "ddphost " DDPHOST_VERSION);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.get_formatter()->label("Subcommands", "Commands");
     app.require_subcommand(1);
     app.fallthrough();
     addGlobalOptions(&app, &context->options);
@@ -70,6 +90,7 @@ bool parse(int argc, char** argv, HostContext* context)
     addBenchCommand(&app, context);
     addSampleCommand(&app, context);
     addCheckCommand(&app, context);
+    showGlobalOptions(&app);
     try {
         app.parse(argc, argv);
         context->commandName = app.get_subcommands().front()->get_name();

@@ -198,9 +198,9 @@ void addBenchCommand(CLI::App* app, HostContext* context)
     command->add_option("CASE", options->casePaths, "Case folders or .foam files in them")
         ->required()
         ->check(notEmpty());
-    command->add_option("--repeat", options->repeats, "Report the medians of N runs, 3 by default")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1000).description(""));
+    limitCount(
+        command->add_option("--repeat", options->repeats, "Report the medians of N runs, 3 by default")->type_name("N"),
+        1, 1000);
     addExtendedFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runBench(*context, *options); }; });
 }

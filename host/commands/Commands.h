@@ -2,6 +2,7 @@
 #pragma once
 
 #include "commands/HostContext.h"
+#include "commands/OptionForms.h"
 
 // Each function declares one command: its options, its help, and the function that goes into `HostContext::command`.
 

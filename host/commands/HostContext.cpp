@@ -20,12 +20,6 @@ constexpr std::array<std::int32_t, 3> SHOWN_LEVELS = {LOG_ERROR, LOG_INFO, LOG_D
 
 } // namespace
 
-CLI::Validator notEmpty()
-{
-    return CLI::Validator([](const std::string& text) { return text.empty() ? "must not be empty" : std::string(); },
-                          "");
-}
-
 std::vector<std::string> GlobalOptions::allSettings() const
 {
     std::vector<std::string> all;
@@ -48,16 +42,6 @@ void addExtendedFlag(CLI::App* command, GlobalOptions* options)
     const auto isExtended = std::make_shared<bool>(false);
     command->add_flag("--extended", *isExtended, "Ask the library for extended reading");
     command->parse_complete_callback([=] { options->extendedReading = *isExtended ? "on" : ""; });
-}
-
-void addCaseArgument(CLI::App* command, std::string* casePath)
-{
-    command->add_option("CASE", *casePath, "A case folder or a .foam file in it")->required()->check(notEmpty());
-}
-
-void addSelection(CLI::App* command, const std::string& name, std::string* text, const std::string& help)
-{
-    command->add_option(name, *text, help)->type_name("TEXT")->check(notEmpty());
 }
 
 void HostContext::applyOptions()

@@ -15,7 +15,6 @@
 
 namespace CLI {
 class App;
-class Validator;
 } // namespace CLI
 
 /// Options common to all commands.
@@ -41,15 +40,6 @@ void addPlainFlag(CLI::App* command, GlobalOptions* options);
 
 /// Lets a command open cases as a host does that sets nothing, unless the user gives --extended.
 void addExtendedFlag(CLI::App* command, GlobalOptions* options);
-
-/// Refuses an empty text, which scripts pass when a variable of theirs is not set.
-CLI::Validator notEmpty();
-
-/// Declares the argument for the case that a command opens.
-void addCaseArgument(CLI::App* command, std::string* casePath);
-
-/// Declares an option that selects something by a text, which must not be empty.
-void addSelection(CLI::App* command, const std::string& name, std::string* text, const std::string& help);
 
 /// What the commands share: the options, the library and a function to open a case.
 class HostContext

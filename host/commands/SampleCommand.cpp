@@ -16,6 +16,7 @@ std::map<std::string, SampleKind> sampleKinds()
 
 // The format ends at 2 billion labels; the numbers of faces and face nodes reach that first.
 constexpr int MOST_CELLS = 50'000'000;
+constexpr int MOST_STATES = 100'000;
 
 struct SampleArguments
 {
@@ -47,18 +48,22 @@ void addSampleCommand(CLI::App* app, HostContext* context)
 {
     const auto arguments = std::make_shared<SampleArguments>();
     CLI::App* const command = app->add_subcommand("sample", "Write a sample OpenFOAM case of any size");
-    command->add_option("DIR", arguments->folder, "The folder for the new case")->required();
-    command
-        ->add_option("--kind", arguments->options.kind,
-                     "hex (the default), poly, mixed, zones, regions, decomposed, moving or surface")
-        ->type_name("KIND")
-        ->transform(CLI::CheckedTransformer(sampleKinds()).description(""));
-    command->add_option("--cells", arguments->options.cells, "Write about N cells, 1000 by default")
-        ->type_name("N")
-        ->check(CLI::Range(1, MOST_CELLS).description(""));
-    command->add_option("--states", arguments->options.states, "Write N time folders, 2 by default")
-        ->type_name("N")
-        ->check(CLI::Range(1, 100'000).description(""));
+    command->add_option("DIR", arguments->folder, "The folder for the new case")->required()->check(notEmpty());
+    std::map<std::string, int> kinds;
+    for (const auto& [word, kind] : sampleKinds()) {
+        kinds[word] = static_cast<int>(kind);
+    }
+    limitWords(command
+                   ->add_option("--kind", arguments->options.kind,
+                                "hex (the default), poly, mixed, zones, regions, decomposed, moving or surface")
+                   ->type_name("KIND"),
+               kinds);
+    limitCount(command->add_option("--cells", arguments->options.cells, "Write about N cells, 1000 by default")
+                   ->type_name("N"),
+               1, MOST_CELLS);
+    limitCount(command->add_option("--states", arguments->options.states, "Write N time folders, 2 by default")
+                   ->type_name("N"),
+               1, MOST_STATES);
     command->add_flag("--binary", arguments->options.format.binary, "Write mesh lists and fields in binary");
     command->add_flag("--gzip", arguments->options.format.gzip, "Compress mesh lists and fields");
     command->add_flag("--overwrite", arguments->options.overwrite, "Write into a folder that is not empty");

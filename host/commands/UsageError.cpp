@@ -1,47 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "commands/UsageError.h"
 
+#include "commands/OptionForms.h"
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <numeric>
-#include <string_view>
 #include <vector>
 
 namespace {
-
-/// How many characters have to be changed, added or removed to make one word of the other.
-std::size_t editDistance(std::string_view from, std::string_view to)
-{
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t k = 0; k < to.size(); ++k) {
-            const std::size_t replaced = diagonal + (from[i] == to[k] ? 0 : 1);
-            diagonal = row[k + 1];
-            row[k + 1] = std::min({replaced, row[k] + 1, row[k + 1] + 1});
-        }
-    }
-    return row.back();
-}
-
-/// The known word that a mistyped one is closest to, or an empty text if none is close.
-std::string nearest(const std::string& word, const std::vector<std::string>& known)
-{
-    std::string best;
-    std::size_t least = std::max<std::size_t>(word.size() / 2, 1) + 1;
-    for (const std::string& candidate : known) {
-        if (const std::size_t distance = editDistance(word, candidate); distance < least) {
-            least = distance;
-            best = candidate;
-        }
-    }
-    return best;
-}
 
 /// The commands that help shows.
 std::vector<std::string> commandNames(const CLI::App& app)
@@ -92,7 +60,7 @@ std::string usageMessage(const CLI::App& app, const CLI::ParseError& error)
     } else if (!word.empty()) {
         message = fmt::format("'{}' is one argument too many", word);
     }
-    if (const std::string meant = word.empty() ? "" : nearest(word, known); !meant.empty()) {
+    if (const std::string meant = word.empty() ? "" : nearestWord(word, known); !meant.empty()) {
         message += fmt::format("; did you mean '{}'?", meant);
     }
     return fmt::format("{}\nddphost {}--help tells more", message, command == nullptr ? "" : command->get_name() + " ");

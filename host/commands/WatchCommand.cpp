@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -111,10 +112,10 @@ void addWatchCommand(CLI::App* app, HostContext* context)
     addCaseArgument(command, &options->casePath);
     command->add_option("--interval", options->interval, "Seconds between polls, 1 by default")
         ->type_name("S")
-        ->check(CLI::Range(0.0, 86400.0).description(""));
-    command->add_option("--count", options->count, "Stop after N polls instead of polling until interrupted")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber.description(""));
+        ->check(CLI::Range(0.0, 86400.0, ""));
+    limitCount(command->add_option("--count", options->count, "Stop after N polls instead of polling until interrupted")
+                   ->type_name("N"),
+               1, std::numeric_limits<int>::max());
     command->add_flag("--raw", options->raw, "Show the library's notices instead of what has changed");
     addExtendedFlag(command, &context->options);
     command->callback([=] { context->command = [=] { return runWatch(*context, *options); }; });

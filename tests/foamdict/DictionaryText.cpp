@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using foamdict::Content;
 using foamdict::Dictionary;
 using foamdict::Entry;
@@ -19,10 +21,17 @@ std::string inQuotes(std::string_view text)
     return result + "\"";
 }
 
+/// True for a text such as "-1\x1bO", of which only the number is read unless it is in quotes.
+bool isCutAfterNumber(std::string_view text)
+{
+    return std::string_view("0123456789.+-").find(text.front()) != std::string_view::npos &&
+           std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) < ' '; });
+}
+
 std::string keywordText(const Entry& entry)
 {
     // Quoted names that are no words stay in quotes.
-    const bool isWord = !entry.keyword.empty() &&
+    const bool isWord = !entry.keyword.empty() && !isCutAfterNumber(entry.keyword) &&
                         entry.keyword.find_first_of(" \t\n\v\f\r;{}\"'/") == std::string::npos &&
                         std::string_view("#$()[]:,=*").find(entry.keyword.front()) == std::string_view::npos;
     return entry.isPattern || !isWord ? inQuotes(entry.keyword) : entry.keyword;

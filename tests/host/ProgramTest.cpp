@@ -52,7 +52,8 @@ TEST_F(Program, ReportsFailuresByExitCode)
     EXPECT_EQ(runFaulty("stats", "lost value").code, 5);
     EXPECT_EQ(runFaulty("info", "another version of the interface").code, 4);
     for (const char* const mistake : {"", "nonsense", "info", "info x --set NODE_AVG_RES=maybe", "info x --set NONE=1",
-                                      "info x --set FLAG", "info x --color pink", "sample x --kind round"}) {
+                                      "info x --set FLAG", "info x --color pink", "sample x --kind round",
+                                      "sample x --kind 5", "sample x --cells 1.5", "sample ''", "info ''"}) {
         EXPECT_EQ(run(mistake).code, 2) << mistake;
     }
     EXPECT_EQ(run("info x --plugin no/such/library.so").code, 4);
@@ -283,5 +284,7 @@ TEST_F(Program, SuggestsWhatAMistypedWordMeant)
 {
     EXPECT_NE(run("sats x").err.find("'stats'"), std::string::npos);
     EXPECT_NE(run("info x --plian").err.find("'--plain'"), std::string::npos);
+    EXPECT_NE(run("sample x --kind pol").err.find("'poly'"), std::string::npos);
     EXPECT_EQ(run("qqqqqqqq").err.find("did you mean"), std::string::npos);
+    EXPECT_NE(run("stats --help").out.find("--threads"), std::string::npos) << "where users look for it";
 }

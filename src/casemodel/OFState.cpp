@@ -98,9 +98,15 @@ dvn::Str OFState::folderOf(const OFPart& part, const dvn::Str& fieldName) const
     if (folders.size() == 1) {
         return folders.front();
     }
-    const auto found = std::ranges::find_if(
-        folders, [&fieldName](const dvn::Str& folder) { return OFUtilities::hasFieldFile(folder, fieldName); });
+    const auto found =
+        std::ranges::find_if(folders, [&](const dvn::Str& folder) { return hasField(folder, fieldName); });
     return found == folders.end() ? folders.front() : *found;
+}
+
+bool OFState::hasField(const dvn::Str& folder, const dvn::Str& fieldName) const
+{
+    return m_wholeNamesOnly ? OFUtilities::isRegularFileOrGz(folder + "/" + fieldName)
+                            : OFUtilities::hasFieldFile(folder, fieldName);
 }
 
 const OFResult* OFState::resultById(int id) const

@@ -36,6 +36,8 @@ public:
     std::vector<dvn::Str> foldersOf(const OFPart& part) const;
     /// The first of them that has a file for this field; if none has, the preferred one.
     dvn::Str folderOf(const OFPart& part, const dvn::Str& fieldName) const;
+    /// True if a folder has a file of the field.
+    bool hasField(const dvn::Str& folder, const dvn::Str& fieldName) const;
     /// The bare folder name while the list is built, after that the shown name, such as "Time 0.10000 #20". The shown
     /// name is built on demand, since each change of the list renames all states.
     dvn::Str name() const;
@@ -144,6 +146,7 @@ private:
     std::map<int, int> m_mappingSourceToAverageNode;
     bool m_hasDefaultName = false;
     bool m_generateNodeAverageResult = false;
+    bool m_wholeNamesOnly = false; ///< a file stands for the field of its own name only, never T.gas for T
     bool m_loadGlobalResult = true;
     bool m_loadLocalResult = true;
 };

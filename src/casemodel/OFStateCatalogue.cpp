@@ -179,7 +179,7 @@ bool OFState::hasResultForPart(const OFResult* result, const OFPart* part) const
         return false;
     }
     // Compatibility (docs/compatibility.md, "field named otherwise"): the name is the one in the file's header.
-    return OFUtilities::hasFieldFile(folderOf(*part, read->nativeName()), read->nativeName());
+    return hasField(folderOf(*part, read->nativeName()), read->nativeName());
 }
 
 dvn::Str OFState::makeCustomName(const dvn::Str& nativeName, const std::map<dvn::Str, dvn::Str>& resultNames)

@@ -42,6 +42,7 @@ dvn::Str idStringOf(const dvn::Str& nativeName, CaseNotes* notes)
 void OFState::initExtended(const dvn::Str& folder, const dvn::Str& name, const std::vector<dvn::Str>& fieldFolders,
                            const std::map<dvn::Str, dvn::Str>& resultNames, CaseNotes* notes)
 {
+    m_wholeNamesOnly = true;
     m_folder = folder;
     m_folderName = name;
     setName(name);

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 using foamdict::Content;
 using foamdict::Dictionary;
 using foamdict::Entry;
@@ -21,11 +19,16 @@ std::string inQuotes(std::string_view text)
     return result + "\"";
 }
 
-/// True for a text such as "-1\x1bO", of which only the number is read unless it is in quotes.
-bool isCutAfterNumber(std::string_view text)
+/// True for a text such as "-1!a", of which only the number is read unless it is in quotes: no name goes on like that.
+bool isCutAfterNumber(const std::string& text)
 {
-    return std::string_view("0123456789.+-").find(text.front()) != std::string_view::npos &&
-           std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) < ' '; });
+    const std::size_t end = text.find_first_not_of("0123456789.+-eE");
+    if (end == 0 || end == std::string::npos || std::string_view("eE").find(text.front()) != std::string_view::npos) {
+        return false;
+    }
+    const auto c = static_cast<unsigned char>(text[end]);
+    const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    return !isLetter && c <= 127 && std::string_view("_<%@").find(text[end]) == std::string_view::npos;
 }
 
 std::string keywordText(const Entry& entry)

@@ -298,12 +298,15 @@ TEST_F(ExtendedReading, PiecesHaveResultsInBothLayoutsAndRegions)
     writeScalar("processor10/0/p", "uniform 3");
     writeScalar("processor10/0.5/p", "uniform 4");
     writeScalar("processor2/0.5/air/p", "uniform 5");
+    writeScalar("processor2/0.5/p.gas", "uniform 9");
+    const LogCapture log;
     OpenCase openCase(m_folder.path(), extended({{"LOAD_BC_PARTS", false}}));
     EXPECT_EQ(openCase.groups(), "1 processor2 < 0 , 2 processor2/air < 0 , 3 processor10 < 0 ");
     EXPECT_EQ(openCase.states(), "1 Time 0.00000 #0, 2 Time 0.50000 #1");
     openCase.geometry();
     EXPECT_EQ(openCase.values("PRESSURE_E", 1), (Groups{{1, 1}, undefined(2), {3, 3}}));
     EXPECT_EQ(openCase.values("PRESSURE_E", 2), (Groups{undefined(2), {5, 5}, {4, 4}}));
+    EXPECT_EQ(log.errors(), std::vector<std::string>()) << "the file of another field is no file that fails";
     writeScalar("processor10/1/p", "uniform 6");
     EXPECT_EQ(openCase.poll(), "add 1003 Time 1.00000 #2");
     std::filesystem::remove_all(m_folder / "processor10/1");

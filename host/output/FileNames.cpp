@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "output/FileNames.h"
 
+#include "border/TextCase.h"
+
 #include <fmt/format.h>
 
 namespace {
@@ -25,14 +27,6 @@ std::string sanitised(const std::string& name)
         stem.insert(stem.begin(), '_');
     }
     return stem;
-}
-
-std::string lowerCase(std::string text)
-{
-    for (char& c : text) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return text;
 }
 
 } // namespace

@@ -29,6 +29,7 @@ void OutputFile::write(const void* bytes, std::size_t count)
     if (count != 0 && std::fwrite(bytes, 1, count, m_file) != count) {
         fail();
     }
+    m_byteCount += count;
 }
 
 void OutputFile::close()

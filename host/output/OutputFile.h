@@ -30,11 +30,15 @@ public:
     /// Closes the file and throws unless all of it was written.
     void close();
 
+    /// Bytes appended so far.
+    std::uint64_t byteCount() const { return m_byteCount; }
+
 private:
     [[noreturn]] void fail() const;
 
     std::filesystem::path m_path;
     std::FILE* m_file;
+    std::uint64_t m_byteCount = 0;
 };
 
 /// Creates a folder and its parents.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "output/ProgressBar.h"
 
+#include "output/ByteText.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -49,8 +51,8 @@ void ProgressBar::draw(Clock::time_point now)
     const double rate = seconds > 0 ? static_cast<double>(m_done) / seconds : 0;
     const auto filled = static_cast<std::size_t>(share * static_cast<double>(BAR_WIDTH));
     const std::string left = rate > 0 ? timeText(static_cast<double>(m_total - m_done) / rate) : "-:--";
-    const std::string line =
-        fmt::format("\r{} [{}{}] {:3.0f} % {:.1f} {}/s, {} left\033[K", m_label, std::string(filled, '#'),
-                    std::string(BAR_WIDTH - filled, '.'), share * 100, rate, m_unit, left);
+    const std::string speed = m_unit.empty() ? byteText(rate) : fmt::format("{:.1f} {}", rate, m_unit);
+    const std::string line = fmt::format("\r{} [{}{}] {:3.0f} % {}/s, {} left\033[K", m_label, std::string(filled, '#'),
+                                         std::string(BAR_WIDTH - filled, '.'), share * 100, speed, left);
     static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
 }

@@ -12,7 +12,7 @@
 class ProgressBar
 {
 public:
-    /// @param unit what is counted, such as "groups"
+    /// @param unit what is counted, such as "groups"; an empty one stands for bytes
     ProgressBar(bool shown, std::string label, std::string unit, std::uint64_t total);
     ~ProgressBar();
 

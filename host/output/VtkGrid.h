@@ -4,6 +4,7 @@
 #include "border/HostGeometry.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,14 @@ struct VtkArray
     std::string name;
     int components;             ///< values of one item
     std::vector<double> values; ///< `components` values per item; unknown values are quiet NaNs
+    std::string unit;           ///< as text; empty if unknown
+};
+
+/// One named list of texts that belongs to a whole grid.
+struct VtkTexts
+{
+    std::string name;
+    std::vector<std::string> values;
 };
 
 /// The elements of one group in the layout of the VTK file formats.
@@ -30,6 +39,9 @@ struct VtkGrid
     std::vector<std::int32_t> partIds;     ///< one per cell
     std::vector<VtkArray> cellData;        ///< besides the part ids
     std::vector<VtkArray> pointData;       ///< besides the points
+    std::optional<double> time;            ///< of the state; viewers show it with the grid
+    std::vector<std::int32_t> groupIds;    ///< the part ids that have a name in `texts`
+    std::vector<VtkTexts> texts;
 
     /// True if the file needs the face arrays.
     bool hasPolyhedra() const { return !faces.empty(); }

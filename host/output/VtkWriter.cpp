@@ -6,8 +6,10 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <bit>
-#include <cstddef>
+#include <cmath>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -15,11 +17,21 @@ namespace {
 // The arrays are written as they are in memory, so the files declare this byte order.
 constexpr const char* BYTE_ORDER_NAME = std::endian::native == std::endian::little ? "LittleEndian" : "BigEndian";
 
+// Between two calls for progress; a fraction of a second on any disk.
+constexpr std::size_t STRETCH_BYTES = std::size_t{4} << 20;
+
+/// Keeps a text as it is if it is UTF-8, and replaces the bytes that are not: readers refuse the whole file for one.
+std::string asUtf8(std::string_view text)
+{
+    using nlohmann::json;
+    return json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace)).get<std::string>();
+}
+
 /// Makes a name safe for an attribute: names of groups and results come from files and may contain anything.
 std::string escaped(std::string_view text)
 {
     std::string result;
-    for (const char c : text) {
+    for (const char c : asUtf8(text)) {
         switch (c) {
         case '&':
             result += "&amp;";
@@ -49,79 +61,204 @@ std::string fileOpening(const char* type)
                        type, BYTE_ORDER_NAME);
 }
 
-/// Builds the XML of a data file and collects the arrays for its appended section.
+/// Appends the shortest text that reads back as the same number.
+void appendNumber(double value, std::string* text)
+{
+    if (std::isnan(value)) {
+        *text += "nan"; // without a sign, which some readers stumble over
+        return;
+    }
+    fmt::format_to(std::back_inserter(*text), "{}", value);
+}
+
+template <typename Integer>
+void appendNumber(Integer value, std::string* text)
+{
+    fmt::format_to(std::back_inserter(*text), "{}", static_cast<std::int64_t>(value));
+}
+
+/// The texts as readers expect them, also in files that are otherwise raw: character codes, each text closed by a 0.
+std::string characterCodes(const std::vector<std::string>& texts)
+{
+    std::string codes;
+    for (const std::string& text : texts) {
+        for (const char c : asUtf8(text)) {
+            fmt::format_to(std::back_inserter(codes), "{} ", static_cast<unsigned char>(c));
+        }
+        codes += "0\n";
+    }
+    return codes;
+}
+
+/// What the file says of an array.
+struct ArrayHead
+{
+    std::string_view name;
+    const char* vtkType;
+    int components = 1;
+    std::string_view unit = {};
+};
+
+/// A data file that is being written, from its first element to its last.
 ///
-/// The arrays are borrowed until `writeTo` has run.
-class AppendedDocument
+/// Raw arrays are declared where they belong and follow in the appended section, so they are borrowed until `finish`.
+class DataFile
 {
 public:
-    explicit AppendedDocument(const char* type) : m_type(type), m_xml(fileOpening(type))
+    DataFile(const std::filesystem::path& path, const char* type, const VtkFormat& format)
+        : m_file(path, false), m_type(type), m_format(format)
     {
-        m_xml += fmt::format("<{}>\n", type);
+        m_file.write(fileOpening(type));
+        m_file.write(fmt::format("<{}>\n", type));
     }
 
     /// Markup between the arrays.
-    void text(std::string_view xml) { m_xml += xml; }
+    void text(std::string_view xml) { m_file.write(xml); }
 
-    /// Declares an array here and queues its bytes for the appended section.
+    /// Writes or declares an array.
     template <typename Value>
-    void array(std::string_view name, const char* vtkType, int components, const std::vector<Value>& values)
+    void array(const ArrayHead& head, const std::vector<Value>& values)
     {
-        m_xml += fmt::format(
-            "<DataArray type=\"{}\" Name=\"{}\" NumberOfComponents=\"{}\" format=\"appended\" offset=\"{}\"/>\n",
-            vtkType, escaped(name), components, m_offset);
-        m_blocks.push_back({values.data(), values.size() * sizeof(Value)});
-        m_offset += sizeof(std::uint64_t) + m_blocks.back().byteCount;
+        m_file.write(fmt::format("<DataArray type=\"{}\" Name=\"{}\" NumberOfComponents=\"{}\" ", head.vtkType,
+                                 escaped(head.name), head.components));
+        if (m_format.ascii) {
+            m_file.write("format=\"ascii\">\n");
+            writeNumbers(values, static_cast<std::size_t>(head.components));
+        } else {
+            m_file.write(fmt::format("format=\"appended\" offset=\"{}\">\n", m_offset));
+            m_blocks.push_back({reinterpret_cast<const std::byte*>(values.data()), values.size() * sizeof(Value)});
+            m_offset += sizeof(std::uint64_t) + m_blocks.back().byteCount;
+        }
+        // After the numbers, since readers take what follows the start of an array for its first one.
+        if (!head.unit.empty()) {
+            m_file.write(fmt::format("<InformationKey name=\"UNITS_LABEL\" location=\"vtkDataArray\">{}"
+                                     "</InformationKey>\n",
+                                     escaped(head.unit)));
+        }
+        m_file.write("</DataArray>\n");
     }
 
-    /// Writes the markup, then the arrays, without copying them.
-    void writeTo(OutputFile* file)
+    /// Writes the appended section.
+    /// @return the size of the file
+    std::uint64_t finish()
     {
-        m_xml += fmt::format("</{}>\n<AppendedData encoding=\"raw\">\n_", m_type);
-        file->write(m_xml);
-        for (const Block& block : m_blocks) {
-            file->write(&block.byteCount, sizeof(block.byteCount));
-            file->write(block.bytes, block.byteCount);
+        m_file.write(fmt::format("</{}>\n", m_type));
+        if (!m_format.ascii) {
+            m_file.write("<AppendedData encoding=\"raw\">\n_");
+            for (const Block& block : m_blocks) {
+                m_file.write(&block.byteCount, sizeof(block.byteCount));
+                writeBytes(block);
+            }
+            m_file.write("\n</AppendedData>\n");
         }
-        file->write("\n</AppendedData>\n</VTKFile>\n");
-        file->close();
+        m_file.write("</VTKFile>\n");
+        m_file.close();
+        return m_file.byteCount();
     }
 
 private:
     struct Block
     {
-        const void* bytes;
+        const std::byte* bytes;
         std::uint64_t byteCount;
     };
 
+    void report(std::size_t byteCount) const
+    {
+        if (m_format.progress) {
+            m_format.progress(byteCount);
+        }
+    }
+
+    void writeBytes(const Block& block)
+    {
+        for (std::size_t done = 0; done < block.byteCount;) {
+            const std::size_t count = std::min<std::size_t>(STRETCH_BYTES, block.byteCount - done);
+            m_file.write(block.bytes + done, count);
+            report(count);
+            done += count;
+        }
+    }
+
+    /// One line for each item of several components, ten numbers in any other line.
+    template <typename Value>
+    void writeNumbers(const std::vector<Value>& values, std::size_t components)
+    {
+        const std::size_t lineLength = components == 1 ? 10 : components;
+        constexpr std::size_t STRETCH = STRETCH_BYTES / sizeof(Value);
+        std::string text;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            appendNumber(values[i], &text);
+            const bool isLast = i + 1 == values.size();
+            text += isLast || (i + 1) % lineLength == 0 ? '\n' : ' ';
+            if (isLast || (i + 1) % STRETCH == 0) {
+                m_file.write(text);
+                text.clear();
+                report((i % STRETCH + 1) * sizeof(Value));
+            }
+        }
+    }
+
+    OutputFile m_file;
     std::string m_type;
-    std::string m_xml;
+    const VtkFormat& m_format;
     std::vector<Block> m_blocks;
     std::uint64_t m_offset = 0;
 };
 
-/// The start of a piece, the same for solids and surfaces. Readers expect this order.
-void addDataArrays(AppendedDocument* document, const VtkGrid& grid)
+/// What belongs to the whole grid; short enough to be text in any file.
+void addFieldData(DataFile* file, const VtkGrid& grid)
 {
-    document->text("<PointData>\n");
+    file->text("<FieldData>\n");
+    if (grid.time) {
+        file->text(fmt::format("<DataArray type=\"Float64\" Name=\"TimeValue\" NumberOfTuples=\"1\" "
+                               "format=\"ascii\">{}</DataArray>\n",
+                               *grid.time));
+    }
+    if (!grid.groupIds.empty()) {
+        file->text(fmt::format("<DataArray type=\"Int32\" Name=\"GroupId\" NumberOfTuples=\"{}\" "
+                               "format=\"ascii\">{}</DataArray>\n",
+                               grid.groupIds.size(), fmt::join(grid.groupIds, " ")));
+    }
+    for (const VtkTexts& texts : grid.texts) {
+        file->text(fmt::format("<Array type=\"String\" Name=\"{}\" NumberOfTuples=\"{}\" format=\"ascii\">\n{}"
+                               "</Array>\n",
+                               escaped(texts.name), texts.values.size(), characterCodes(texts.values)));
+    }
+    file->text("</FieldData>\n");
+}
+
+/// The start of a piece, the same for solids and surfaces. Readers expect this order.
+void addDataArrays(DataFile* file, const VtkGrid& grid)
+{
+    file->text("<PointData>\n");
     for (const VtkArray& array : grid.pointData) {
-        document->array(array.name, "Float64", array.components, array.values);
+        file->array({array.name, "Float64", array.components, array.unit}, array.values);
     }
-    document->text("</PointData>\n<CellData>\n");
-    document->array("PartId", "Int32", 1, grid.partIds);
+    file->text("</PointData>\n<CellData>\n");
+    file->array({"PartId", "Int32"}, grid.partIds);
     for (const VtkArray& array : grid.cellData) {
-        document->array(array.name, "Float64", array.components, array.values);
+        file->array({array.name, "Float64", array.components, array.unit}, array.values);
     }
-    document->text("</CellData>\n<Points>\n");
-    document->array("Points", "Float64", 3, *grid.points);
-    document->text("</Points>\n");
+    file->text("</CellData>\n<Points>\n");
+    file->array({"Points", "Float64", 3}, *grid.points);
+    file->text("</Points>\n");
 }
 
 /// The nodes of all cells, and the end of each cell among them.
-void addConnectivity(AppendedDocument* document, const VtkGrid& grid)
+void addConnectivity(DataFile* file, const VtkGrid& grid)
 {
-    document->array("connectivity", "Int64", 1, grid.connectivity);
-    document->array("offsets", "Int64", 1, grid.offsets);
+    file->array({"connectivity", "Int64"}, grid.connectivity);
+    file->array({"offsets", "Int64"}, grid.offsets);
+}
+
+/// Writes a whole index.
+std::uint64_t writeText(const std::filesystem::path& path, const std::string& text)
+{
+    OutputFile file(path, false);
+    file.write(text);
+    file.close();
+    return file.byteCount();
 }
 
 /// Numbering restarts in each block, as readers expect.
@@ -142,49 +279,46 @@ void appendIndexEntries(const std::vector<VtkIndexEntry>& entries, std::string* 
 
 } // namespace
 
-void writeVtu(const std::filesystem::path& path, const VtkGrid& grid, bool overwrite)
+std::uint64_t writeVtu(const std::filesystem::path& path, const VtkGrid& grid, const VtkFormat& format)
 {
-    AppendedDocument document("UnstructuredGrid");
-    document.text(fmt::format("<Piece NumberOfPoints=\"{}\" NumberOfCells=\"{}\">\n", grid.points->size() / 3,
-                              grid.types.size()));
-    addDataArrays(&document, grid);
-    document.text("<Cells>\n");
-    addConnectivity(&document, grid);
-    document.array("types", "UInt8", 1, grid.types);
+    DataFile file(path, "UnstructuredGrid", format);
+    addFieldData(&file, grid);
+    file.text(fmt::format("<Piece NumberOfPoints=\"{}\" NumberOfCells=\"{}\">\n", grid.points->size() / 3,
+                          grid.types.size()));
+    addDataArrays(&file, grid);
+    file.text("<Cells>\n");
+    addConnectivity(&file, grid);
+    file.array({"types", "UInt8"}, grid.types);
     if (grid.hasPolyhedra()) {
-        document.array("faces", "Int64", 1, grid.faces);
-        document.array("faceoffsets", "Int64", 1, grid.faceOffsets);
+        file.array({"faces", "Int64"}, grid.faces);
+        file.array({"faceoffsets", "Int64"}, grid.faceOffsets);
     }
-    document.text("</Cells>\n</Piece>\n");
-    OutputFile file(path, overwrite);
-    document.writeTo(&file);
+    file.text("</Cells>\n</Piece>\n");
+    return file.finish();
 }
 
-void writeVtp(const std::filesystem::path& path, const VtkGrid& grid, bool overwrite)
+std::uint64_t writeVtp(const std::filesystem::path& path, const VtkGrid& grid, const VtkFormat& format)
 {
-    AppendedDocument document("PolyData");
-    document.text(fmt::format("<Piece NumberOfPoints=\"{}\" NumberOfVerts=\"0\" NumberOfLines=\"0\" "
-                              "NumberOfStrips=\"0\" NumberOfPolys=\"{}\">\n",
-                              grid.points->size() / 3, grid.types.size()));
-    addDataArrays(&document, grid);
-    document.text("<Polys>\n");
-    addConnectivity(&document, grid);
-    document.text("</Polys>\n</Piece>\n");
-    OutputFile file(path, overwrite);
-    document.writeTo(&file);
+    DataFile file(path, "PolyData", format);
+    addFieldData(&file, grid);
+    file.text(fmt::format("<Piece NumberOfPoints=\"{}\" NumberOfVerts=\"0\" NumberOfLines=\"0\" "
+                          "NumberOfStrips=\"0\" NumberOfPolys=\"{}\">\n",
+                          grid.points->size() / 3, grid.types.size()));
+    addDataArrays(&file, grid);
+    file.text("<Polys>\n");
+    addConnectivity(&file, grid);
+    file.text("</Polys>\n</Piece>\n");
+    return file.finish();
 }
 
-void writeVtm(const std::filesystem::path& path, const std::vector<VtkIndexEntry>& entries, bool overwrite)
+std::uint64_t writeVtm(const std::filesystem::path& path, const std::vector<VtkIndexEntry>& entries)
 {
     std::string xml = fileOpening("vtkMultiBlockDataSet") + "<vtkMultiBlockDataSet>\n";
     appendIndexEntries(entries, &xml);
-    xml += "</vtkMultiBlockDataSet>\n</VTKFile>\n";
-    OutputFile file(path, overwrite);
-    file.write(xml);
-    file.close();
+    return writeText(path, xml + "</vtkMultiBlockDataSet>\n</VTKFile>\n");
 }
 
-void writeSeries(const std::filesystem::path& path, const std::vector<VtkSeriesEntry>& entries, bool overwrite)
+std::uint64_t writeSeries(const std::filesystem::path& path, const std::vector<VtkSeriesEntry>& entries)
 {
     nlohmann::ordered_json document;
     document["file-series-version"] = "1.0";
@@ -192,7 +326,5 @@ void writeSeries(const std::filesystem::path& path, const std::vector<VtkSeriesE
     for (const VtkSeriesEntry& entry : entries) {
         document["files"].push_back({{"name", entry.file}, {"time", entry.time}});
     }
-    OutputFile file(path, overwrite);
-    file.write(document.dump(2) + "\n");
-    file.close();
+    return writeText(path, document.dump(2) + "\n");
 }

@@ -125,7 +125,7 @@ TEST_F(Program, ExportWritesTheSelectionAndOverwritesOnlyOnRequest)
     EXPECT_EQ(fileBytes(bodyFile), "precious");
     EXPECT_FALSE(std::filesystem::exists(m_folder / "vtk/case_0001.vtm")) << "nothing is written after a refusal";
     EXPECT_EQ(run(selected + " --overwrite").code, 0);
-    EXPECT_EQ(fileBytes(bodyFile), body);
+    EXPECT_EQ(fileBytes(m_folder / "vtk/case_0001-2/default_region.vtu"), body);
     for (const char* const nothing :
          {"--state 0.3", "--state '#2x'", "--state nan", "--part '('", "--part outlet", "--result none"}) {
         EXPECT_EQ(run(command + " " + nothing).code, 2) << nothing;

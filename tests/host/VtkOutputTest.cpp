@@ -8,8 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
+#include <limits>
 #include <map>
+#include <utility>
 
 namespace {
 
@@ -31,6 +34,19 @@ std::vector<Value> appendedArray(const std::string& content, const std::string& 
     std::memcpy(&byteCount, content.data() + block, sizeof(byteCount));
     std::vector<Value> values(byteCount / sizeof(Value));
     std::memcpy(values.data(), content.data() + block + sizeof(byteCount), byteCount);
+    return values;
+}
+
+/// The array of this name in an ascii file.
+std::vector<double> asciiArray(const std::string& content, const std::string& name)
+{
+    const std::size_t start = content.find('\n', content.find("Name=\"" + name + "\""));
+    const char* next = content.data() + start;
+    std::vector<double> values;
+    while (*(next += std::strspn(next, " \n")) != '<') {
+        values.emplace_back();
+        next = std::from_chars(next, content.data() + content.size(), values.back()).ptr;
+    }
     return values;
 }
 
@@ -69,15 +85,33 @@ TEST(VtkFiles, HoldTheArraysToTheLastBit)
     DeliveredCells().deliverTo(&groups.nodes, &groups.elements);
     groups.nodes.coordinates[0] = 0.1 + 0.2;
     VtkGrid grid = makeVtkGrid(groups.nodes, groups.elements, false, 17);
-    grid.cellData.push_back({"a <\"&> b", 1, {1, 2, 3, 4, 1.0 / 3}});
+    grid.cellData.push_back({"a <\"&> b\xff", 1, {1, 2, 3, 4, 1.0 / 3}, "m s-1"});
+    constexpr double LARGEST = std::numeric_limits<double>::max();
+    constexpr double LEAST = std::numeric_limits<double>::denorm_min();
+    constexpr double INFINITE = std::numeric_limits<double>::infinity();
+    grid.cellData.push_back({"far", 1, {LARGEST, LEAST, -0.0, -INFINITE, 1e100}, ""});
     const TempFolder folder;
-    writeVtu(folder / "grid.vtu", grid, false);
+    std::size_t progress = 0;
+    const auto count = [&](std::size_t bytes) { progress += bytes; };
+    const std::uint64_t size = writeVtu(folder / "grid.vtu", grid, {false, count});
+    const std::size_t rawBytes = std::exchange(progress, 0);
+    writeVtu(folder / "ascii.vtu", grid, {true, count});
 
     const std::string content = fileBytes(folder / "grid.vtu");
+    const std::string ascii = fileBytes(folder / "ascii.vtu");
+    EXPECT_EQ(size, content.size());
+    EXPECT_EQ(progress, rawBytes) << "the same arrays";
     EXPECT_EQ(appendedArray<double>(content, "Points"), groups.nodes.coordinates);
-    EXPECT_EQ(appendedArray<double>(content, "a &lt;&quot;&amp;&gt; b"), grid.cellData[0].values);
+    EXPECT_EQ(asciiArray(ascii, "Points"), groups.nodes.coordinates);
+    for (const auto& [name, values] : {std::pair("a &lt;&quot;&amp;&gt; b\xef\xbf\xbd", grid.cellData[0].values),
+                                       std::pair("far", grid.cellData[1].values)}) {
+        EXPECT_EQ(appendedArray<double>(content, name), values);
+        EXPECT_EQ(asciiArray(ascii, name), values);
+    }
     EXPECT_EQ(appendedArray<std::int32_t>(content, "PartId"), std::vector<std::int32_t>(5, 17));
     EXPECT_EQ(appendedArray<std::int64_t>(content, "faceoffsets"), (std::vector<std::int64_t>{-1, -1, -1, -1, 31}));
+    EXPECT_EQ(asciiArray(ascii, "faceoffsets"), (std::vector<double>{-1, -1, -1, -1, 31}));
+    EXPECT_EQ(asciiArray(ascii, "types"), (std::vector<double>(grid.types.begin(), grid.types.end())));
 }
 
 TEST(FileNames, StayDistinctAndInTheirFolder)

@@ -78,7 +78,7 @@ void tellUnreadMeshes(const std::vector<UnreadMesh>& unread)
     }
 }
 
-void pointToDoctor(const std::string& what, const std::string& casePath)
+std::string doctorHint(const std::string& casePath, const char* what)
 {
-    tellUser(fmt::format("{}; 'ddphost doctor {}' says why", what, shellWord(casePath)));
+    return fmt::format("'ddphost doctor {}' {}", shellWord(casePath), what);
 }

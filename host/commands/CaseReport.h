@@ -23,5 +23,5 @@ void tellUnreadMeshes(const std::vector<UnreadMesh>& unread);
 /// Writes one line to stderr for the user.
 void tellUser(const std::string& line);
 
-/// Points to the command that says why something does not show, in a line on stderr.
-void pointToDoctor(const std::string& what, const std::string& casePath);
+/// The command that says why something of a case does not show, and what it does: "'ddphost doctor CASE' says why".
+std::string doctorHint(const std::string& casePath, const char* what);

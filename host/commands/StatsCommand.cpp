@@ -280,7 +280,7 @@ ExitCode runStats(HostContext& context, const StatsOptions& options)
     }
     tellUnreadMeshes(unread);
     if (std::ranges::any_of(rows, [](const StatsRow& row) { return row.figures.undefined != 0; })) {
-        pointToDoctor("some values are undefined", options.casePath);
+        tellUser("some values are undefined; " + doctorHint(options.casePath, "says why"));
     }
     const bool sound = std::ranges::all_of(
         rows, [](const StatsRow& row) { return row.figures.notANumber == 0 && row.figures.infinite == 0; });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "check/CheckReport.h"
 
+#include "border/EscapedText.h"
 #include "output/TextTable.h"
 
 #include <fmt/format.h>
@@ -73,11 +74,10 @@ std::string noteLine(const CheckJob& job, const std::string& userOptions)
     if (!job.outcome.reason.empty()) {
         sentences.push_back(job.outcome.reason);
     }
-    std::string line = fmt::format("{} {} ({}): {}; repeat: {}", verdictName(job.outcome.verdict), job.check->name,
-                                   subjectName(job), fmt::join(sentences, "; "), repeatCommand(job, userOptions));
-    // Names and texts of the library may contain line feeds, but each job gets one line.
-    std::ranges::replace(line, '\n', ' ');
-    return line + "\n";
+    const std::string line =
+        fmt::format("{} {} ({}): {}; repeat: {}", verdictName(job.outcome.verdict), job.check->name, subjectName(job),
+                    fmt::join(sentences, "; "), repeatCommand(job, userOptions));
+    return escapedControls(line) + "\n";
 }
 
 /// Checks skipped for the same reason share a line, since most samples lack the same things.
@@ -91,7 +91,8 @@ std::string skippedLines(const std::vector<CheckJob>& jobs)
     }
     std::string text;
     for (const auto& [what, where] : subjects) {
-        text += fmt::format("skipped {} ({}): {}\n", what.first, fmt::join(where, ", "), what.second);
+        text +=
+            escapedControls(fmt::format("skipped {} ({}): {}", what.first, fmt::join(where, ", "), what.second)) + "\n";
     }
     return text;
 }
@@ -115,6 +116,14 @@ std::string shellWord(const std::string& word)
     };
     if (!word.empty() && std::ranges::all_of(word, plain)) {
         return word;
+    }
+    if (escapedControls(word) != word) {
+        // The shell turns the escapes back, so the word can be shown and copied all the same.
+        std::string text;
+        for (const char c : word) {
+            text += c == '\'' || c == '\\' ? std::string("\\") + c : std::string(1, c);
+        }
+        return "$'" + escapedControls(text) + "'";
     }
     std::string quoted = "'";
     for (const char c : word) {

@@ -37,7 +37,7 @@ constexpr auto TABLE = std::to_array<Check>({
     {"geometry.volumes", "Every cell has a positive volume.", true, false, checkCellVolumes},
     {"geometry.closed", "Cells and parts are closed, and the patches consist of the outer faces.", true, false,
      checkClosedSurfaces},
-    {"geometry.cells", "Every mesh has cells.", true, false, checkCellsPresent},
+    {"geometry.cells", "Every mesh can be read and has cells.", true, false, checkCellsPresent},
     {"geometry.surfaces", "The triangles of sampled surfaces have an area.", true, false, checkSurfaceTriangles},
     {"geometry.sets", "A set holds the cells that have the id of its zone.", true, false, checkSets},
     {"result.groups", "Values come in the order of the groups, with none for face zones.", true, false,

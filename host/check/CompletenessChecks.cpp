@@ -2,6 +2,7 @@
 //
 // Checks that a case arrives with what it should hold. A case that holds nothing is not the library's fault, but its
 // user should know of it, so most of what these find are warnings.
+#include "border/DeliveryCheck.h"
 #include "border/HostLog.h"
 #include "check/CellFaces.h"
 #include "check/Check.h"
@@ -10,7 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,31 +22,24 @@ constexpr std::size_t TRIANGLE_NODES = 3;
 // What the library logs for an owner file whose header gives no number of cells.
 constexpr const char* NO_CELL_COUNT = "Failed to read number of cells";
 
-std::vector<std::string> loggedErrors()
+/// The library's error lines since the log was cleared, each once.
+std::set<std::string> loggedErrors()
 {
-    std::vector<std::string> errors;
+    std::set<std::string> errors;
     for (const HostLogLine& line : HostLog::get().lines()) {
         if (line.level == LOG_ERROR) {
-            errors.push_back(line.text);
+            errors.insert(line.text);
         }
     }
     return errors;
 }
 
-/// Tells why a part has no cells, as far as the library logged it.
-void noteEmptyPart(CheckRun& run, const std::string& part, const std::vector<std::string>& errors)
+bool isOfSurface(const std::string& error)
 {
-    const auto isOther = [](const std::string& text) { return text.find(NO_CELL_COUNT) == std::string::npos; };
-    if (errors.empty()) {
-        run.warn(part + " has no cells");
-    } else if (const auto other = std::ranges::find_if(errors, isOther); other != errors.end()) {
-        run.fail(fmt::format("{} has no cells, and the library logged '{}'", part, *other));
-    } else {
-        run.limit("decision 4", fmt::format("{} has no cells: its owner file does not give their number", part));
-    }
+    return error.find("postProcessing/") != std::string::npos;
 }
 
-/// Counts the triangles that have no area, and among them those whose corners are not three nodes.
+/// Warns of triangles that have no area, some of them because their corners are not three nodes.
 void checkTriangles(CheckRun& run, const std::string& surface, const HostElementGroup& elements,
                     const std::vector<double>& coordinates)
 {
@@ -62,23 +56,31 @@ void checkTriangles(CheckRun& run, const std::string& surface, const HostElement
         }
     });
     if (flat != 0) {
-        run.warn(fmt::format("{}: {} of {} triangles have no area, {} of them name a node twice; the first is {}",
+        run.warn(fmt::format("{}: triangles without area: {} of {}, {} with a node named twice; the first is {}",
                              surface, flat, elements.elementCount(), repeated, first));
     }
 }
 
-bool hasValue(const HostResult& result)
+/// True if some part or surface has a value. Patches do not count: the value of an inlet stays in the file when nobody
+/// can read those of the cells.
+bool hasValue(const HostMetaData& metaData, const HostResult& result)
 {
-    return std::ranges::any_of(result.groups, [](const HostValueGroup& group) {
-        return std::ranges::any_of(group.values, [](double value) { return value != UNDEFINED_VALUE; });
-    });
+    const std::vector<const HostGroup*> groups = metaData.geometryGroups();
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const HostValueGroup* const values = valuesOfGroup(metaData, result, i);
+        if (values != nullptr && groups[i]->kind() != HostGroupKind::Boundary &&
+            std::ranges::any_of(values->values, [](double value) { return value != UNDEFINED_VALUE; })) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool hasValueAtSomeState(CheckedCase& open, const HostMetaData& metaData, const HostResultInfo& info)
 {
     return std::ranges::any_of(metaData.states, [&](const HostState& state) {
         const std::unique_ptr<HostResult> result = open.result(info.id, state.id);
-        return result != nullptr && hasValue(*result);
+        return result != nullptr && hasValue(metaData, *result);
     });
 }
 
@@ -90,18 +92,31 @@ void checkCellsPresent(CheckRun& run)
     const std::unique_ptr<HostMetaData> metaData = open->metaData();
     HostLog::get().clear();
     const std::unique_ptr<HostGeometry> geometry = open->geometry();
-    const std::vector<std::string> errors = loggedErrors();
-    const std::vector<const HostGroup*> groups = metaData->geometryGroups();
-    std::size_t parts = 0;
-    for (std::size_t i = 0; i < std::min(groups.size(), geometry->elementGroups.size()); ++i) {
-        if (groups[i]->kind() == HostGroupKind::Part) {
-            ++parts;
-            if (geometry->elementGroups[i].elementCount() == 0) {
-                noteEmptyPart(run, groups[i]->name, errors);
-            }
+    bool lacksCellCount = false;
+    for (const std::string& error : loggedErrors()) {
+        if (error.find(NO_CELL_COUNT) != std::string::npos) {
+            lacksCellCount = true;
+        } else if (!isOfSurface(error)) {
+            run.fail(fmt::format("the library logged '{}'", error));
         }
     }
-    if (parts == 0) {
+    const std::vector<const HostGroup*> groups = metaData->geometryGroups();
+    bool hasParts = false;
+    for (std::size_t i = 0; i < std::min(groups.size(), geometry->elementGroups.size()); ++i) {
+        if (groups[i]->kind() != HostGroupKind::Part) {
+            continue;
+        }
+        hasParts = true;
+        if (geometry->elementGroups[i].elementCount() != 0) {
+            continue;
+        }
+        if (lacksCellCount) {
+            run.limit("decision 4", groups[i]->name + " has no cells: its owner file does not give their number");
+        } else {
+            run.warn(groups[i]->name + " has no cells");
+        }
+    }
+    if (!hasParts) {
         run.warn("the case has no mesh");
     }
 }
@@ -109,6 +124,7 @@ void checkCellsPresent(CheckRun& run)
 void checkSurfaceTriangles(CheckRun& run)
 {
     const SoundGeometry sound = run.openGeometry();
+    const std::set<std::string> errors = loggedErrors();
     std::size_t surfaces = 0;
     for (std::size_t i = 0; i < sound.groups.size(); ++i) {
         if (sound.groups[i]->kind() != HostGroupKind::Surface) {
@@ -118,7 +134,9 @@ void checkSurfaceTriangles(CheckRun& run)
         const std::string& name = sound.groups[i]->name;
         const HostElementGroup& elements = sound.geometry->elementGroups[i];
         if (elements.elementCount() == 0) {
-            run.warn(name + " has no triangles");
+            const auto why = std::ranges::find_if(errors, isOfSurface);
+            run.warn(name + " has no triangles" +
+                     (why == errors.end() ? "" : fmt::format("; the library logged '{}'", *why)));
         } else if (elements.uniform && elements.connectivity.size() > TRIANGLE_NODES * elements.elementCount() &&
                    !sound.open->readsExtended()) {
             run.limit(R"(compatibility, "surface elements are triangles")",

@@ -125,16 +125,19 @@ void emptyTables(const std::vector<Share>& shares, HostPolyhedra* tables)
     tables->faceConnectivity = std::move(kept.faceConnectivity);
 }
 
-/// The faces of a part and its patches that have no other side, as if cells were missing.
+/// The number of faces of a part and its patches that have no other side, as if cells were missing. Without patches the
+/// outer faces would count too, so it is 0 then.
 std::size_t facesWithoutOtherSide(const std::vector<const HostGroup*>& declared, const HostGeometry& geometry,
                                   std::size_t part)
 {
     std::vector<std::uint64_t> places;
+    bool hasPatches = false;
     for (std::size_t i = 0; i < declared.size(); ++i) {
         const bool isPatch =
             declared[i]->kind() == HostGroupKind::Boundary && declared[i]->parentId == declared[part]->id;
         const HostElementGroup& elements = geometry.elementGroups[i];
         const HostNodeGroup* const nodes = geometry.nodesOf(elements);
+        hasPatches = hasPatches || (isPatch && elements.elementCount() != 0);
         if ((i == part || isPatch) && nodes != nullptr && findGroupFault(*nodes, elements).empty()) {
             forEachFace(elements, [&](std::size_t, std::span<const std::int32_t> face) {
                 places.push_back(placeKey(nodes->coordinates, face));
@@ -142,7 +145,7 @@ std::size_t facesWithoutOtherSide(const std::vector<const HostGroup*>& declared,
         }
     }
     keepUnpaired(&places);
-    return places.size();
+    return hasPatches ? places.size() : 0;
 }
 
 /// The same as `emptyCutTables` for one part.

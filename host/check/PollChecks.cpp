@@ -109,7 +109,14 @@ public:
         m_times.erase(m_times.begin() + static_cast<std::ptrdiff_t>(position));
     }
 
-    void addForeignFolder() { fs::create_directory(m_folder / "foreignFolder"); }
+    /// Creates a folder that the case does not have and whose name is no time.
+    void addForeignFolder()
+    {
+        std::string name = "foreignFolder";
+        while (!fs::create_directory(m_folder / name)) {
+            name += "s";
+        }
+    }
 
     /// Polls and compares the notices; `when` describes what happened since the last poll.
     void expectPoll(const std::string& when, const std::vector<std::string>& wanted)

@@ -11,6 +11,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -84,11 +86,61 @@ bool hasValueAtSomeState(CheckedCase& open, const HostMetaData& metaData, const 
     });
 }
 
+/// The results of a case by their keys.
+struct ResultsByValues
+{
+    std::map<std::string, std::string> without; ///< names of those that have no value at any state
+    std::set<std::string> with;                 ///< all others
+};
+
+ResultsByValues sortResults(CheckedCase& open)
+{
+    const std::unique_ptr<HostMetaData> metaData = open.metaData();
+    // Arrays have their sizes from the geometry.
+    (void)open.geometry();
+    ResultsByValues sorted;
+    for (const HostResultInfo& info : metaData->results) {
+        if (hasValueAtSomeState(open, *metaData, info)) {
+            sorted.with.insert(info.key);
+        } else {
+            sorted.without[info.key] = info.name;
+        }
+    }
+    // An average has no values where its source has none, so it tells nothing more.
+    for (const HostResultInfo& info : metaData->results) {
+        const HostResultInfo* const source = metaData->sourceOfAverage(info);
+        if (source != nullptr && !sorted.with.contains(source->key)) {
+            sorted.without.erase(info.key);
+        }
+    }
+    return sorted;
+}
+
+std::size_t partCount(const HostMetaData& metaData)
+{
+    return static_cast<std::size_t>(std::ranges::count(metaData.groups, HostGroupKind::Part, &HostGroup::kind));
+}
+
+/// What `look` finds in the same case in extended reading, so that a warning can tell what helps. The case must not be
+/// open at the same time. Nothing if it does not open.
+template <typename Look>
+auto inExtendedReading(const CheckRun& run, Look look)
+{
+    CheckTask task = run.task();
+    task.settings.push_back(std::string(HostOptions::EXTENDED_READING) + "=on");
+    const CheckRun extended(task, [](NoteKind, const std::string&) {});
+    try {
+        return look(*extended.open());
+    } catch (const HostError&) {
+        return decltype(look(*extended.open()))();
+    }
+}
+
 } // namespace
 
 void checkCellsPresent(CheckRun& run)
 {
-    const std::unique_ptr<CheckedCase> open = run.open();
+    std::unique_ptr<CheckedCase> open = run.open();
     const std::unique_ptr<HostMetaData> metaData = open->metaData();
     HostLog::get().clear();
     const std::unique_ptr<HostGeometry> geometry = open->geometry();
@@ -101,13 +153,8 @@ void checkCellsPresent(CheckRun& run)
         }
     }
     const std::vector<const HostGroup*> groups = metaData->geometryGroups();
-    bool hasParts = false;
     for (std::size_t i = 0; i < std::min(groups.size(), geometry->elementGroups.size()); ++i) {
-        if (groups[i]->kind() != HostGroupKind::Part) {
-            continue;
-        }
-        hasParts = true;
-        if (geometry->elementGroups[i].elementCount() != 0) {
+        if (groups[i]->kind() != HostGroupKind::Part || geometry->elementGroups[i].elementCount() != 0) {
             continue;
         }
         if (lacksCellCount) {
@@ -116,8 +163,11 @@ void checkCellsPresent(CheckRun& run)
             run.warn(groups[i]->name + " has no cells");
         }
     }
-    if (!hasParts) {
-        run.warn("the case has no mesh");
+    if (partCount(*metaData) == 0) {
+        open.reset();
+        const std::size_t others =
+            inExtendedReading(run, [](CheckedCase& extended) { return partCount(*extended.metaData()); });
+        run.warn(fmt::format("the case has no mesh{}", others == 0 ? "" : ", but in extended reading it has"));
     }
 }
 
@@ -152,27 +202,27 @@ void checkSurfaceTriangles(CheckRun& run)
 
 void checkValuesPresent(CheckRun& run)
 {
-    const std::unique_ptr<CheckedCase> open = run.open();
-    const std::unique_ptr<HostMetaData> metaData = open->metaData();
-    if (metaData->results.empty()) {
+    ResultsByValues results;
+    bool isExtended = false;
+    {
+        const std::unique_ptr<CheckedCase> open = run.open();
+        results = sortResults(*open);
+        isExtended = open->readsExtended();
+    }
+    if (results.with.empty() && results.without.empty()) {
         throw CheckSkipped{"the case has no results"};
     }
-    // Arrays have their sizes from the geometry.
-    (void)open->geometry();
-    std::vector<const HostResultInfo*> without;
-    for (const HostResultInfo& info : metaData->results) {
-        if (!hasValueAtSomeState(*open, *metaData, info)) {
-            without.push_back(&info);
-        }
+    ResultsByValues others;
+    if (!isExtended && !results.without.empty()) {
+        others = inExtendedReading(run, sortResults);
     }
-    if (without.size() == metaData->results.size()) {
-        run.warn(fmt::format("none of the {} results has a value at any state", without.size()));
+    if (results.with.empty()) {
+        run.warn(fmt::format("no result has a value at any state{}",
+                             others.with.empty() ? "" : ", but in extended reading some have"));
         return;
     }
-    for (const HostResultInfo* const info : without) {
-        // An average has no values where its source has none.
-        if (std::ranges::find(without, metaData->sourceOfAverage(*info)) == without.end()) {
-            run.warn(fmt::format("{} has no value at any state", info->name));
-        }
+    for (const auto& [key, name] : results.without) {
+        run.warn(fmt::format("{} has no value at any state{}", name,
+                             others.with.contains(key) ? ", but in extended reading it has" : ""));
     }
 }

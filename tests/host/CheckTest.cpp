@@ -226,6 +226,7 @@ TEST(Check, TellsWhatACaseLacks)
     const char* const triangles = "postProcessing/sampleSurface/0/middle/faces";
     const Damage damages[] = {
         {"constant/polyMesh/owner", "nCells:", "cells:", "known limit (decision 4): default_region", 0, ""},
+        {"constant/polyMesh/owner", "nCells:", "cells:", "Pressure has no value at any state, but in extended", 0, ""},
         {"constant/polyMesh/owner", "nCells:8", "nCells:0", "default_region has no cells", 0, "has no cells"},
         {"constant/polyMesh/faces", "faceList", "faces", "the library logged 'OFFile : Unexp", 1, "the library logged"},
         {triangles, "3(0 1 4)", "3(0 0 4)", "middle[Surf]: triangles without area: 1 of 8, 1 with", 0,

@@ -45,6 +45,7 @@ const std::vector<Seed> SEEDS = {{"another version when loaded again", "load.twi
                                  {"wrong element id", "geometry.ids@hex"},
                                  {"part id of another group", "geometry.parts@hex"},
                                  {"lost polyhedron face", "geometry.polyhedra@poly"},
+                                 {"lost node of a face", "geometry.arrays@poly"},
                                  {"foreign polyhedron node", "geometry.polyhedra@poly"},
                                  {"turned cell", "geometry.volumes@hex"},
                                  {"torn cell", "geometry.closed@hex"},
@@ -155,7 +156,7 @@ TEST(Check, PassesTheRealLibraryOnAllSamples)
 TEST(Check, PollsWithTimesThatTheCaseDoesNotHave)
 {
     const TempFolder folder;
-    writeSampleCase(folder / "case", {.cells = 8, .states = 1});
+    writeSampleCase(folder / "case", {.cells = 8, .states = 1, .format = {}});
     std::filesystem::copy(folder / "case/0", folder / "case/2", std::filesystem::copy_options::recursive);
     const std::string polls = " --include '^poll'" + inQuotes(folder / "case");
     EXPECT_NE(check(folder, "", polls).out.find("\n6 checks: 6 passed, 0 failed\npassed\n"), std::string::npos);
@@ -202,7 +203,7 @@ TEST(Check, TakesOnlyPlainDisplacementsOfAnotherCountForALimit)
 {
     const TempFolder folder;
     const std::string moving = "--include result.groups" + inQuotes(folder / "moving");
-    writeSampleCase(folder / "moving", {.kind = SampleKind::Moving, .cells = 8});
+    writeSampleCase(folder / "moving", {.kind = SampleKind::Moving, .cells = 8, .format = {}});
     writePoints({folder / "moving", "0.5/polyMesh"}, {0, 0, 0, 1, 0, 0, 1, 1, 0}, {});
     const ProgramRun plain = check(folder, "", moving);
     EXPECT_NE(plain.out.find(": known limit (decision 11): "), std::string::npos) << plain.out << plain.err;
@@ -238,7 +239,7 @@ TEST(Check, TellsWhatACaseLacks)
     for (const Damage& damage : damages) {
         SCOPED_TRACE(damage.told);
         const TempFolder folder;
-        writeSampleCase(folder / "case", {.kind = SampleKind::Surface, .cells = 8, .states = 1});
+        writeSampleCase(folder / "case", {.kind = SampleKind::Surface, .cells = 8, .states = 1, .format = {}});
         std::string text = fileBytes(folder / "case" / damage.file);
         ASSERT_NE(text.find(damage.text), std::string::npos) << text;
         text.replace(text.find(damage.text), std::strlen(damage.text), damage.replacement);

@@ -51,6 +51,11 @@ void checkDeclaredGroups(CheckRun& run);
 void checkDeclaredStates(CheckRun& run);
 void checkDeclaredResults(CheckRun& run);
 
+// CompletenessChecks.cpp
+void checkCellsPresent(CheckRun& run);
+void checkSurfaceTriangles(CheckRun& run);
+void checkValuesPresent(CheckRun& run);
+
 // GeometryChecks.cpp
 void checkGeometryOrder(CheckRun& run);
 void checkGeometryThreads(CheckRun& run);

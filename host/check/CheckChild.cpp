@@ -4,6 +4,7 @@
 #include "border/HostLog.h"
 #include "check/Check.h"
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -30,9 +31,9 @@ void writeLine(const Line& line)
     }
 }
 
-void reportFinding(const std::string& finding)
+void reportNote(NoteKind kind, const std::string& text)
 {
-    writeLine({{"finding", finding}});
+    writeLine({{noteKey(kind), text}});
 }
 
 /// Runs the check; anything that the library throws is a finding as well.
@@ -41,8 +42,8 @@ Line endOf(const Check& check, CheckRun& run)
     try {
         check.run(run);
     } catch (const CheckSkipped& skipped) {
-        // Earlier findings take precedence.
-        if (run.findingCount() == 0) {
+        // What was found before takes precedence.
+        if (std::ranges::all_of(NOTE_KINDS, [&](NoteKind kind) { return run.noteCount(kind) == 0; })) {
             return {{"end", "skipped"}, {"reason", skipped.reason}};
         }
     } catch (const HostError& error) {
@@ -61,7 +62,11 @@ Line endOf(const Check& check, CheckRun& run)
     } catch (const std::exception& error) {
         run.fail(error.what());
     }
-    return {{"end", "made"}, {"findings", run.findingCount()}};
+    Line end = {{"end", "made"}};
+    for (const NoteKind kind : NOTE_KINDS) {
+        end[noteKey(kind)] = run.noteCount(kind);
+    }
+    return end;
 }
 
 CheckVerdict verdictOf(const Line& end)
@@ -69,7 +74,32 @@ CheckVerdict verdictOf(const Line& end)
     if (end["end"] == "skipped") {
         return CheckVerdict::Skipped;
     }
-    return end["findings"] == 0 ? CheckVerdict::Passed : CheckVerdict::Failed;
+    const auto has = [&](NoteKind kind) { return end.value(noteKey(kind), 0) != 0; };
+    return has(NoteKind::Finding)      ? CheckVerdict::Failed
+           : has(NoteKind::KnownLimit) ? CheckVerdict::KnownLimit
+           : has(NoteKind::Warning)    ? CheckVerdict::Warned
+                                       : CheckVerdict::Passed;
+}
+
+/// Adds the sentences of one line, or after the last one how many of each kind were not kept.
+void addNotes(const Line& line, CheckOutcome* outcome)
+{
+    for (const NoteKind kind : NOTE_KINDS) {
+        const auto found = line.find(noteKey(kind));
+        if (found == line.end()) {
+            continue;
+        }
+        if (found->is_string()) {
+            outcome->notes[kind].push_back(*found);
+            continue;
+        }
+        if (const auto count = found->get<std::size_t>(); count > 0) {
+            std::vector<std::string>& kept = outcome->notes[kind];
+            if (count > kept.size()) {
+                kept.push_back(fmt::format("{} more", count - kept.size()));
+            }
+        }
+    }
 }
 
 } // namespace
@@ -79,6 +109,10 @@ const char* verdictName(CheckVerdict verdict)
     switch (verdict) {
     case CheckVerdict::Passed:
         return "passed";
+    case CheckVerdict::Warned:
+        return "warning";
+    case CheckVerdict::KnownLimit:
+        return "known limit";
     case CheckVerdict::Skipped:
         return "skipped";
     case CheckVerdict::Failed:
@@ -91,6 +125,19 @@ const char* verdictName(CheckVerdict verdict)
     return "";
 }
 
+const char* noteKey(NoteKind kind)
+{
+    switch (kind) {
+    case NoteKind::Finding:
+        return "findings";
+    case NoteKind::KnownLimit:
+        return "knownLimits";
+    case NoteKind::Warning:
+        return "warnings";
+    }
+    return "";
+}
+
 void runCheckChild(std::string_view checkName, const CheckTask& task)
 {
     const Check* const check = findCheck(checkName);
@@ -98,7 +145,7 @@ void runCheckChild(std::string_view checkName, const CheckTask& task)
         throw HostError(ExitCode::Usage, "there is no check named " + std::string(checkName));
     }
     HostLog::get().setShownLevel(0);
-    CheckRun run(task, reportFinding);
+    CheckRun run(task, reportNote);
     writeLine(endOf(*check, run));
 }
 
@@ -110,18 +157,14 @@ bool readCheckResult(const std::string& text, CheckOutcome* outcome)
         if (line.is_discarded()) {
             return false;
         }
+        addNotes(line, outcome);
         if (!line.contains("end")) {
-            outcome->findings.push_back(line["finding"]);
             continue;
         }
         outcome->verdict = verdictOf(line);
         outcome->reason = line.value("reason", "");
         outcome->refused = line.value("refused", false);
         outcome->stopCode = line.value("stop", 0);
-        const std::size_t count = line.value("findings", std::size_t{0});
-        if (count > outcome->findings.size()) {
-            outcome->findings.push_back(std::to_string(count - outcome->findings.size()) + " more findings");
-        }
         return true;
     }
     return false;

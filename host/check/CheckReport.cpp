@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "check/CheckReport.h"
 
+#include "border/EscapedText.h"
 #include "output/TextTable.h"
 
 #include <fmt/format.h>
@@ -11,8 +12,15 @@
 
 namespace {
 
-constexpr std::array<CheckVerdict, 5> VERDICTS = {CheckVerdict::Passed, CheckVerdict::Skipped, CheckVerdict::Failed,
-                                                  CheckVerdict::TimedOut, CheckVerdict::Crashed};
+constexpr auto VERDICTS = std::to_array<CheckVerdict>(
+    {CheckVerdict::Passed, CheckVerdict::Warned, CheckVerdict::KnownLimit, CheckVerdict::Skipped, CheckVerdict::Failed,
+     CheckVerdict::TimedOut, CheckVerdict::Crashed});
+
+/// True for the verdicts whose word has a plural.
+bool isNoun(CheckVerdict verdict)
+{
+    return verdict == CheckVerdict::Warned || verdict == CheckVerdict::KnownLimit;
+}
 
 /// The tally in words; passed and failed are listed even if there are none.
 std::string tallyText(const CheckTally& tally)
@@ -22,7 +30,8 @@ std::string tallyText(const CheckTally& tally)
         const auto found = tally.find(verdict);
         const std::size_t count = found == tally.end() ? 0 : found->second;
         if (count != 0 || verdict == CheckVerdict::Passed || verdict == CheckVerdict::Failed) {
-            text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, verdictName(verdict));
+            text += fmt::format("{}{} {}{}", text.empty() ? "" : ", ", count, verdictName(verdict),
+                                count > 1 && isNoun(verdict) ? "s" : "");
         }
     }
     return text;
@@ -55,18 +64,20 @@ std::string subjectLines(const std::vector<CheckJob>& jobs)
     return table.text(0);
 }
 
-/// One line per job: all its findings, and how it ended if it did not end normally.
-std::string failureLine(const CheckJob& job, const std::string& userOptions)
+/// One line per job: all its sentences, and how it ended if it did not end normally.
+std::string noteLine(const CheckJob& job, const std::string& userOptions)
 {
-    std::vector<std::string> sentences = job.outcome.findings;
+    std::vector<std::string> sentences;
+    for (const auto& [kind, its] : job.outcome.notes) {
+        sentences.insert(sentences.end(), its.begin(), its.end());
+    }
     if (!job.outcome.reason.empty()) {
         sentences.push_back(job.outcome.reason);
     }
-    std::string line = fmt::format("{} {} ({}): {}; repeat: {}", verdictName(job.outcome.verdict), job.check->name,
-                                   subjectName(job), fmt::join(sentences, "; "), repeatCommand(job, userOptions));
-    // Names and texts of the library may contain line feeds, but each job gets one line.
-    std::ranges::replace(line, '\n', ' ');
-    return line + "\n";
+    const std::string line =
+        fmt::format("{} {} ({}): {}; repeat: {}", verdictName(job.outcome.verdict), job.check->name, subjectName(job),
+                    fmt::join(sentences, "; "), repeatCommand(job, userOptions));
+    return escapedControls(line) + "\n";
 }
 
 /// Checks skipped for the same reason share a line, since most samples lack the same things.
@@ -80,7 +91,8 @@ std::string skippedLines(const std::vector<CheckJob>& jobs)
     }
     std::string text;
     for (const auto& [what, where] : subjects) {
-        text += fmt::format("skipped {} ({}): {}\n", what.first, fmt::join(where, ", "), what.second);
+        text +=
+            escapedControls(fmt::format("skipped {} ({}): {}", what.first, fmt::join(where, ", "), what.second)) + "\n";
     }
     return text;
 }
@@ -104,6 +116,14 @@ std::string shellWord(const std::string& word)
     };
     if (!word.empty() && std::ranges::all_of(word, plain)) {
         return word;
+    }
+    if (escapedControls(word) != word) {
+        // The shell turns the escapes back, so the word can be shown and copied all the same.
+        std::string text;
+        for (const char c : word) {
+            text += c == '\'' || c == '\\' ? std::string("\\") + c : std::string(1, c);
+        }
+        return "$'" + escapedControls(text) + "'";
     }
     std::string quoted = "'";
     for (const char c : word) {
@@ -135,8 +155,9 @@ std::string checkText(const std::vector<CheckJob>& jobs, const std::string& user
 {
     std::string text = onlyFailed ? "" : subjectLines(jobs);
     for (const CheckJob& job : jobs) {
-        if (job.outcome.bad()) {
-            text += failureLine(job, userOptions);
+        const bool noted = !onlyFailed && isNoun(job.outcome.verdict);
+        if (job.outcome.bad() || noted) {
+            text += noteLine(job, userOptions);
         }
     }
     if (!onlyFailed) {
@@ -146,14 +167,25 @@ std::string checkText(const std::vector<CheckJob>& jobs, const std::string& user
                               tallyText(tallyOf(jobs)), style.strong(overallVerdict(jobs)));
 }
 
-const char* overallVerdict(const std::vector<CheckJob>& jobs)
+std::string overallVerdict(const std::vector<CheckJob>& jobs)
 {
-    const CheckTally tally = tallyOf(jobs);
+    CheckTally tally = tallyOf(jobs);
     if (tally.contains(CheckVerdict::Crashed)) {
         return "crashed";
     }
     if (tally.contains(CheckVerdict::Failed) || tally.contains(CheckVerdict::TimedOut)) {
         return "failed";
+    }
+    if (const std::size_t warned = tally[CheckVerdict::Warned], limits = tally[CheckVerdict::KnownLimit];
+        warned + limits != 0) {
+        std::vector<std::string> remarks;
+        if (warned != 0) {
+            remarks.push_back(fmt::format("{} warning{}", warned, warned == 1 ? "" : "s"));
+        }
+        if (limits != 0) {
+            remarks.push_back(fmt::format("{} known limit{}", limits, limits == 1 ? "" : "s"));
+        }
+        return fmt::format("passed with {}", fmt::join(remarks, " and "));
     }
     return tally.contains(CheckVerdict::Passed) ? "passed" : "nothing was checked";
 }

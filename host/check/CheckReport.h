@@ -23,10 +23,12 @@ std::string shellWord(const std::string& word);
 /// A regular expression that matches exactly this text.
 std::string exactPattern(const std::string& text);
 
-/// One line per subject, one per failed job, one for each check and reason to skip it, the tally and the verdict.
-/// @param onlyFailed leaves out passed and skipped checks
+/// One line per subject, one per job with something to tell, one for each check and reason to skip it, the tally and
+/// the verdict.
+/// @param onlyFailed leaves out all jobs but those that count against the library
 std::string checkText(const std::vector<CheckJob>& jobs, const std::string& userOptions, bool onlyFailed,
                       const TextStyle& style);
 
-/// "passed", "failed" or "crashed", whichever is worst among the jobs, or "nothing was checked".
-const char* overallVerdict(const std::vector<CheckJob>& jobs);
+/// "passed", "failed" or "crashed", whichever is worst among the jobs, or "nothing was checked". Warnings and known
+/// limits are counted: "passed with 2 warnings and 1 known limit".
+std::string overallVerdict(const std::vector<CheckJob>& jobs);

@@ -3,12 +3,16 @@
 
 #include "border/DeliveryCheck.h"
 
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <string_view>
 #include <utility>
 
 namespace {
 
 // A broken array of a million entries gives a million findings, and nobody reads more than the first few.
-constexpr std::size_t MOST_FINDINGS = 5;
+constexpr std::size_t MOST_NOTES = 5;
 
 constexpr std::size_t FEW_STATES = 3;
 
@@ -18,6 +22,16 @@ CheckedCase::CheckedCase(std::shared_ptr<PluginLibrary> library, const std::file
                          HostOptions options)
     : m_library(std::move(library)), m_options(std::move(options)), m_opened(*m_library, casePath, m_options)
 {}
+
+bool CheckedCase::readsExtended() const
+{
+    const DDPString key(HostOptions::EXTENDED_READING);
+    if (m_options.hasOption(key)) {
+        return m_options.boolOption(key);
+    }
+    const char* const variable = std::getenv("OPENFOAM_PLUGIN_EXTENDED_READING");
+    return variable != nullptr && (std::string_view(variable) == "1" || std::string_view(variable) == "true");
+}
 
 std::unique_ptr<HostMetaData> CheckedCase::metaData()
 {
@@ -63,16 +77,17 @@ void SoundGeometry::needCells() const
     throw CheckSkipped{"the case has no cells"};
 }
 
-CheckRun::CheckRun(CheckTask task, std::function<void(const std::string&)> report)
+CheckRun::CheckRun(CheckTask task, std::function<void(NoteKind, const std::string&)> report)
     : m_task(std::move(task)), m_report(std::move(report))
 {}
 
-void CheckRun::fail(const std::string& finding)
+void CheckRun::note(NoteKind kind, const std::string& text)
 {
-    if (m_findings < MOST_FINDINGS) {
-        m_report(finding);
+    std::size_t& count = m_counts[static_cast<std::size_t>(kind)];
+    if (count < MOST_NOTES) {
+        m_report(kind, text);
     }
-    ++m_findings;
+    ++count;
 }
 
 std::unique_ptr<PluginLibrary> CheckRun::load(PluginLibrary::Registration answer) const
@@ -112,12 +127,23 @@ SoundGeometry CheckRun::openGeometry() const
     if (sound.geometry->elementGroups.empty() && sound.groups.empty()) {
         throw CheckSkipped{"the case has no groups"};
     }
+    (void)padShortSurfaces(*sound.metaData, sound.geometry.get());
+    sound.cutCells = emptyCutTables(*sound.metaData, sound.geometry.get());
     try {
         checkGeometry(*sound.metaData, *sound.geometry);
     } catch (const HostError& error) {
         throw CheckSkipped{error.what()};
     }
     return sound;
+}
+
+void noteCutCells(CheckRun& run, const std::string& group, const std::vector<std::size_t>& cutCells)
+{
+    if (!cutCells.empty()) {
+        run.limit(CUT_TABLES,
+                  fmt::format("{}: {} cell{} more faces or nodes than a byte can count, the first is {}", group,
+                              cutCells.size(), cutCells.size() == 1 ? " has" : "s have", cutCells.front()));
+    }
 }
 
 std::vector<const HostState*> sampleOfStates(const HostMetaData& metaData)

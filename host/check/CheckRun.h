@@ -3,6 +3,8 @@
 
 #include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
+#include "check/CheckOutcome.h"
+#include "check/CutTables.h"
 
 #include <filesystem>
 #include <functional>
@@ -38,6 +40,9 @@ public:
     const HostOptions& options() const { return m_options; }
     DDPDataProvider& provider() { return m_opened.provider(); }
 
+    /// True if the library was asked for extended reading, by a setting or by the environment.
+    bool readsExtended() const;
+
     /// Makes a new request on each call, as do all of the following.
     std::unique_ptr<HostMetaData> metaData();
     std::unique_ptr<HostGeometry> geometry();
@@ -58,6 +63,7 @@ struct SoundGeometry
     std::unique_ptr<HostMetaData> metaData;
     std::unique_ptr<HostGeometry> geometry;
     std::vector<const HostGroup*> groups; ///< the declaration of each element group
+    ElementsByGroup cutCells;             ///< general elements whose faces are unknown; their tables are empty
 
     /// Skips the check if no part has a cell.
     void needCells() const;
@@ -67,13 +73,23 @@ struct SoundGeometry
 class CheckRun
 {
 public:
-    /// @param report receives each finding immediately, so that a later crash does not lose it
-    CheckRun(CheckTask task, std::function<void(const std::string&)> report);
+    /// @param report receives each sentence immediately, so that a later crash does not lose it
+    CheckRun(CheckTask task, std::function<void(NoteKind, const std::string&)> report);
 
     const CheckTask& task() const { return m_task; }
 
-    /// Notes in one sentence that something is wrong. Only the first few findings are kept.
-    void fail(const std::string& finding);
+    /// Notes in one sentence that the library is wrong. Only the first few sentences of each kind are kept.
+    void fail(const std::string& finding) { note(NoteKind::Finding, finding); }
+
+    /// Notes that the case lacks something that a correct library cannot make up for.
+    void warn(const std::string& warning) { note(NoteKind::Warning, warning); }
+
+    /// Notes a fault that is documented.
+    /// @param where what documents it, such as "decision 12"
+    void limit(const std::string& where, const std::string& what)
+    {
+        note(NoteKind::KnownLimit, "known limit (" + where + "): " + what);
+    }
 
     /// Notes a finding unless the condition holds.
     void expect(bool condition, const std::string& finding)
@@ -83,7 +99,10 @@ public:
         }
     }
 
-    std::size_t findingCount() const { return m_findings; }
+    std::size_t findingCount() const { return noteCount(NoteKind::Finding); }
+
+    /// All sentences of this kind, those that were not kept included.
+    std::size_t noteCount(NoteKind kind) const { return m_counts[static_cast<std::size_t>(kind)]; }
 
     /// Loads the library.
     std::unique_ptr<PluginLibrary> load(PluginLibrary::Registration answer = PluginLibrary::Registration::Accept) const;
@@ -106,11 +125,16 @@ public:
     SoundGeometry openGeometry() const;
 
 private:
+    void note(NoteKind kind, const std::string& text);
+
     CheckTask m_task;
-    std::function<void(const std::string&)> m_report;
-    std::size_t m_findings = 0;
+    std::function<void(NoteKind, const std::string&)> m_report;
+    std::array<std::size_t, NOTE_KINDS.size()> m_counts = {};
     mutable bool m_loaded = false;
 };
+
+/// Notes the known limit that makes some cells of a group unknown, if there are any.
+void noteCutCells(CheckRun& run, const std::string& group, const std::vector<std::size_t>& cutCells);
 
 /// The states that checks of values look at: all if there are few, else the first, the middle and the last.
 std::vector<const HostState*> sampleOfStates(const HostMetaData& metaData);

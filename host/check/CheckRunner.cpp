@@ -102,8 +102,8 @@ private:
         if (!running.job->check->silent || output.empty() || outcome.verdict == CheckVerdict::Crashed) {
             return;
         }
-        outcome.findings.push_back(fmt::format("{} bytes on stdout or stderr, the first line '{}'", output.size(),
-                                               output.substr(0, output.find('\n'))));
+        outcome.notes[NoteKind::Finding].push_back(fmt::format("{} bytes on stdout or stderr, the first line '{}'",
+                                                               output.size(), output.substr(0, output.find('\n'))));
         outcome.verdict = CheckVerdict::Failed;
     }
 

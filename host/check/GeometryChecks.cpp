@@ -32,6 +32,16 @@ struct RawGeometry
         return group < m_groups.size() ? m_groups[group]->name : fmt::format("group {}", group);
     }
 
+    /// Empties the tables of general elements whose counts are cut, and notes that limit.
+    ElementsByGroup emptyCutTables(CheckRun& run)
+    {
+        ElementsByGroup cut = ::emptyCutTables(*metaData, geometry.get());
+        for (std::size_t i = 0; i < cut.size(); ++i) {
+            noteCutCells(run, nameOf(i), cut[i]);
+        }
+        return cut;
+    }
+
 private:
     std::vector<const HostGroup*> m_groups;
 };
@@ -95,8 +105,9 @@ const char* typeName(std::int32_t type)
     }
 }
 
-/// Compares the nodes of each general element: those of its faces, their count and the connectivity.
-void checkNodesOfPolyhedra(CheckRun& run, const std::string& name, const HostElementGroup& elements)
+/// Compares the nodes of each general element that is not cut: those of its faces, their count and the connectivity.
+void checkNodesOfPolyhedra(CheckRun& run, const std::string& name, const HostElementGroup& elements,
+                           const std::vector<std::size_t>& cutCells)
 {
     std::vector<std::set<std::int32_t>> fromFaces(elements.elementCount());
     forEachFace(elements, [&](std::size_t element, std::span<const std::int32_t> nodes) {
@@ -112,8 +123,9 @@ void checkNodesOfPolyhedra(CheckRun& run, const std::string& name, const HostEle
                                          : static_cast<std::size_t>(nodeCountOfType(elements.types[element]));
         if (general) {
             const auto listed = std::span(elements.connectivity).subspan(node, size);
-            if (fromFaces[element] != std::set<std::int32_t>(listed.begin(), listed.end()) ||
-                fromFaces[element].size() != size) {
+            if (!std::ranges::binary_search(cutCells, element) &&
+                (fromFaces[element] != std::set<std::int32_t>(listed.begin(), listed.end()) ||
+                 fromFaces[element].size() != size)) {
                 run.fail(fmt::format("{}: element {} lists {} nodes, its faces have {} or different ones", name,
                                      element, size, fromFaces[element].size()));
             }
@@ -161,7 +173,15 @@ void checkGeometryThreads(CheckRun& run)
 
 void checkGeometryArrays(CheckRun& run)
 {
-    const RawGeometry raw(run);
+    RawGeometry raw(run);
+    (void)raw.emptyCutTables(run);
+    // Extended reading makes whole triangles of any face.
+    if (!raw.open->readsExtended()) {
+        for (const std::string& surface : padShortSurfaces(*raw.metaData, raw.geometry.get())) {
+            run.limit("decision 20",
+                      surface + " has faces of fewer than three nodes, and the list of nodes ends early");
+        }
+    }
     try {
         checkGeometry(*raw.metaData, *raw.geometry);
     } catch (const HostError& error) {
@@ -207,7 +227,8 @@ void checkPartIds(CheckRun& run)
 
 void checkPolyhedronTables(CheckRun& run)
 {
-    const RawGeometry raw(run);
+    RawGeometry raw(run);
+    const ElementsByGroup cut = raw.emptyCutTables(run);
     std::size_t general = 0;
     for (std::size_t i = 0; i < raw.geometry->elementGroups.size(); ++i) {
         const HostElementGroup& elements = raw.geometry->elementGroups[i];
@@ -219,7 +240,7 @@ void checkPolyhedronTables(CheckRun& run)
         if (const std::string fault = findPolyhedraFault(*nodes, elements); !fault.empty()) {
             run.fail(fmt::format("{}: {}", raw.nameOf(i), fault));
         } else if (findGroupFault(*nodes, elements).empty()) {
-            checkNodesOfPolyhedra(run, raw.nameOf(i), elements);
+            checkNodesOfPolyhedra(run, raw.nameOf(i), elements, cut[i]);
         }
     }
     if (general == 0 && run.findingCount() == 0) {
@@ -247,9 +268,21 @@ void checkCellVolumes(CheckRun& run)
             }
             volumes[element] += volumeUnder(coordinates, nodes, apexes[element]);
         });
+        noteCutCells(run, sound.groups[i]->name, sound.cutCells[i]);
+        std::vector<bool> maybeCut;
         for (std::size_t element = 0; element < volumes.size(); ++element) {
             // Not "<= 0": that would let NaN pass.
-            if (!(volumes[element] > 0)) {
+            if (volumes[element] > 0 || std::ranges::binary_search(sound.cutCells[i], element)) {
+                continue;
+            }
+            if (maybeCut.empty()) {
+                maybeCut = cellsWithCutFaces(*sound.geometry->nodesOf(elements), elements);
+            }
+            if (maybeCut[element]) {
+                run.limit(CUT_TABLES,
+                          fmt::format("{}: cell {} has the volume {}, as it has a face of more than 255 nodes",
+                                      sound.groups[i]->name, element, volumes[element]));
+            } else {
                 run.fail(fmt::format("{}: cell {}, a {}, has the volume {}", sound.groups[i]->name, element,
                                      typeName(elements.types[element]), volumes[element]));
             }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <optional>
 
 namespace {
@@ -21,13 +22,14 @@ constexpr std::uintmax_t MOST_COPIED_BYTES = 200'000'000;
 // time.
 constexpr std::int32_t FIRST_ID = 1001;
 
-/// The time of a folder: the number that its name starts with.
-std::optional<double> timeOf(const fs::path& folder)
+/// The time of a folder: the number that its name starts with, or that it is in extended reading.
+std::optional<double> timeOf(const fs::path& folder, bool wholeName)
 {
     const std::string name = folder.filename().string();
     double value = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), value);
-    return error == std::errc() ? std::optional(value) : std::nullopt;
+    const bool complete = !wholeName || end == name.data() + name.size();
+    return error == std::errc() && complete ? std::optional(value) : std::nullopt;
 }
 
 std::uintmax_t bytesIn(const fs::path& folder)
@@ -90,17 +92,31 @@ public:
     /// Creates a time folder like the last one.
     void addTime(double time)
     {
-        copyFolder(folderOf(m_times.back()), m_folder / fmt::format("{}", time));
+        const fs::path source = foldersOf(m_times.back()).front();
+        const fs::path target = source.parent_path() / fmt::format("{}", time);
+        if (fs::exists(target)) {
+            throw CheckSkipped{fmt::format("the case has a folder {} already", target.filename().string())};
+        }
+        copyFolder(source, target);
         m_times.insert(std::ranges::upper_bound(m_times, time), time);
     }
 
     void removeTime(std::size_t position)
     {
-        fs::remove_all(folderOf(m_times[position]));
+        for (const fs::path& folder : foldersOf(m_times[position])) {
+            fs::remove_all(folder);
+        }
         m_times.erase(m_times.begin() + static_cast<std::ptrdiff_t>(position));
     }
 
-    void addForeignFolder() { fs::create_directory(m_folder / "foreignFolder"); }
+    /// Creates a folder that the case does not have and whose name is no time.
+    void addForeignFolder()
+    {
+        std::string name = "foreignFolder";
+        while (!fs::create_directory(m_folder / name)) {
+            name += "s";
+        }
+    }
 
     /// Polls and compares the notices; `when` describes what happened since the last poll.
     void expectPoll(const std::string& when, const std::vector<std::string>& wanted)
@@ -146,18 +162,37 @@ private:
                            named ? "" : fmt::format(" '{}'", notice.name));
     }
 
-    fs::path folderOf(double time) const
+    /// The folders that may hold time folders: that of the case and, in a decomposed case, those of its pieces.
+    std::vector<fs::path> places() const
     {
-        std::vector<fs::path> found;
+        std::vector<fs::path> folders = {m_folder};
         for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
-            if (entry.is_directory() && timeOf(entry.path()) == time) {
-                found.push_back(entry.path());
+            if (entry.is_directory() && entry.path().filename().string().starts_with("processor")) {
+                folders.push_back(entry.path());
             }
         }
-        if (found.size() != 1) {
-            throw CheckSkipped{fmt::format("{} folders are named after the time {}", found.size(), time)};
+        return folders;
+    }
+
+    /// All folders of a time; at least one, and no two in the same place, since the library takes each for a state.
+    std::vector<fs::path> foldersOf(double time) const
+    {
+        std::vector<fs::path> found;
+        for (const fs::path& place : places()) {
+            const std::size_t before = found.size();
+            for (const fs::directory_entry& entry : fs::directory_iterator(place)) {
+                if (entry.is_directory() && timeOf(entry.path(), m_open->readsExtended()) == time) {
+                    found.push_back(entry.path());
+                }
+            }
+            if (found.size() > before + 1) {
+                throw CheckSkipped{fmt::format("{} folders are named after the time {}", found.size() - before, time)};
+            }
         }
-        return found.front();
+        if (found.empty()) {
+            throw CheckSkipped{fmt::format("no folder is named after the time {}", time)};
+        }
+        return found;
     }
 
     CheckRun& m_run;
@@ -167,9 +202,17 @@ private:
     std::vector<double> m_times;
 };
 
+/// A time greater than all of these, which are in ascending order.
 double timeAfter(const std::vector<double>& times)
 {
-    return times.size() < 2 ? times.back() + 1 : times.back() + (times.back() - times.front());
+    const double last = times.back();
+    const double span = last - times.front();
+    // At least as large as the last time itself: 1 would vanish beside a very large one.
+    const double time = last + (span > 0 ? span : std::max(1.0, std::abs(last)));
+    if (!std::isfinite(time) || !(time > last)) {
+        throw CheckSkipped{fmt::format("there is no time after {}", last)};
+    }
+    return time;
 }
 
 /// The notices of a removal: the remaining states, then the positions from their count up to and including the old
@@ -215,10 +258,11 @@ void checkPollAddInMiddle(CheckRun& run)
     polled.needStates(2);
     const double before = polled.times()[polled.times().size() - 2];
     const double after = polled.times().back();
-    if (!(before < after)) {
-        throw CheckSkipped{"the last two states have the same time"};
+    const double between = before + (after - before) / 2;
+    if (!(before < between && between < after)) {
+        throw CheckSkipped{"there is no time between those of the last two states"};
     }
-    polled.addTime(before + (after - before) / 2);
+    polled.addTime(between);
     const std::size_t last = polled.times().size() - 1;
     polled.expectPoll("a folder was added in the middle", {polled.update(last - 1), polled.add(last)});
     polled.expectPoll("the poll after that", polled.updateAll());
@@ -240,9 +284,11 @@ void checkPollRemoveAndAdd(CheckRun& run)
     PolledCase polled(run);
     polled.needStates(2);
     const std::size_t oldCount = polled.times().size();
+    // Computed before the removal: a time that comes back in the same poll is no change.
+    const double added = timeAfter(polled.times());
     polled.removeTime(oldCount / 2);
     std::vector<std::string> wanted = removalNotices(polled, oldCount);
-    polled.addTime(timeAfter(polled.times()) + 1);
+    polled.addTime(added);
     wanted.push_back(polled.add(polled.times().size() - 1));
     polled.expectPoll("a folder was removed and one added", wanted);
     polled.expectPoll("the poll after that", polled.updateAll());

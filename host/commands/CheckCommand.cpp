@@ -6,6 +6,7 @@
 #include "commands/Commands.h"
 #include "output/Interrupt.h"
 #include "output/ProgressBar.h"
+#include "output/TextTable.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -28,6 +29,7 @@ struct CheckArguments
     std::string include;
     std::string exclude;
     bool onlyFailed = false;
+    bool list = false;
     std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
     double timeLimit = 60;
 };
@@ -64,8 +66,9 @@ std::regex patternOf(const std::string& option, const std::string& text)
 {
     try {
         return std::regex(text);
-    } catch (const std::regex_error&) {
-        throw HostError(ExitCode::Usage, fmt::format("{}: '{}' is not a regular expression", option, text));
+    } catch (const std::regex_error& error) {
+        throw HostError(ExitCode::Usage,
+                        fmt::format("{}: '{}' is not a regular expression ({})", option, text, error.what()));
     }
 }
 
@@ -81,10 +84,11 @@ public:
           m_excludes(!arguments.exclude.empty())
     {}
 
+    bool includes(const CheckJob& job) const { return std::regex_search(job.id(), m_include); }
+
     bool takes(const CheckJob& job) const
     {
-        const std::string id = job.id();
-        return std::regex_search(id, m_include) && !(m_excludes && std::regex_search(id, m_exclude));
+        return includes(job) && !(m_excludes && std::regex_search(job.id(), m_exclude));
     }
 
 private:
@@ -93,15 +97,32 @@ private:
     bool m_excludes; ///< needed because an empty pattern matches every text
 };
 
+/// Why no job is left, in words that help to find a pattern that leaves some.
+HostError nothingMatches(const CheckArguments& arguments, bool someIncluded)
+{
+    std::string why = fmt::format("no check matches --include '{}'", arguments.include);
+    if (someIncluded) {
+        why = fmt::format("--exclude '{}' leaves no check", arguments.exclude);
+    } else if (!arguments.casePaths.empty() && arguments.include.find('@') != std::string::npos) {
+        why += "; only checks of samples have a name with '@', and with a CASE no samples are checked";
+    }
+    return HostError(ExitCode::Usage, why + "; 'ddphost check --list' shows all checks");
+}
+
 /// All jobs that match the patterns. Samples have no path yet, as they are not written yet.
 std::vector<CheckJob> planJobs(const CheckArguments& arguments)
 {
     const JobFilter filter(arguments);
     std::vector<CheckJob> jobs;
+    bool someIncluded = false;
     const auto addAll = [&](bool needsCase, const std::string& subject, bool sample) {
         for (const Check& check : allChecks()) {
             CheckJob job = {&check, subject, sample ? "" : subject, sample, {}, {}};
-            if (check.needsCase == needsCase && filter.takes(job)) {
+            if (check.needsCase != needsCase) {
+                continue;
+            }
+            someIncluded = someIncluded || filter.includes(job);
+            if (filter.takes(job)) {
                 jobs.push_back(std::move(job));
             }
         }
@@ -119,7 +140,7 @@ std::vector<CheckJob> planJobs(const CheckArguments& arguments)
         }
     }
     if (jobs.empty()) {
-        throw HostError(ExitCode::Usage, "no check matches --include and --exclude");
+        throw nothingMatches(arguments, someIncluded);
     }
     return jobs;
 }
@@ -198,14 +219,17 @@ nlohmann::ordered_json checkDocument(const std::vector<CheckJob>& jobs, const st
         nlohmann::ordered_json entry = {{"name", job.check->name},
                                         {"claim", job.check->claim},
                                         {"case", nullptr},
-                                        {"verdict", verdictName(job.outcome.verdict)},
-                                        {"findings", job.outcome.findings},
-                                        {"reason", job.outcome.reason},
-                                        {"seconds", job.outcome.seconds},
-                                        {"repeat", repeatCommand(job, userOptions)}};
+                                        {"verdict", verdictName(job.outcome.verdict)}};
         if (!job.subject.empty()) {
             entry["case"] = job.subject;
         }
+        for (const NoteKind kind : NOTE_KINDS) {
+            const auto found = job.outcome.notes.find(kind);
+            entry[noteKey(kind)] = found == job.outcome.notes.end() ? std::vector<std::string>() : found->second;
+        }
+        entry["reason"] = job.outcome.reason;
+        entry["seconds"] = job.outcome.seconds;
+        entry["repeat"] = repeatCommand(job, userOptions);
         document["checks"].push_back(entry);
     }
     for (const auto& [verdict, count] : tallyOf(jobs)) {
@@ -215,7 +239,8 @@ nlohmann::ordered_json checkDocument(const std::vector<CheckJob>& jobs, const st
     return document;
 }
 
-/// A run that checks nothing must not count as a success.
+/// A run that checks nothing must not count as a success. Warnings are about the case and known limits no news, so
+/// neither fails a run.
 ExitCode exitCodeOf(const std::vector<CheckJob>& jobs)
 {
     const CheckTally tally = tallyOf(jobs);
@@ -225,13 +250,37 @@ ExitCode exitCodeOf(const std::vector<CheckJob>& jobs)
     if (tally.contains(CheckVerdict::Failed) || tally.contains(CheckVerdict::TimedOut)) {
         return ExitCode::Findings;
     }
-    return tally.contains(CheckVerdict::Passed) ? ExitCode::Good : ExitCode::Usage;
+    const bool checked = tally.contains(CheckVerdict::Passed) || tally.contains(CheckVerdict::Warned) ||
+                         tally.contains(CheckVerdict::KnownLimit);
+    return checked ? ExitCode::Good : ExitCode::Usage;
+}
+
+/// Shows name and claim of every check that has a job.
+void listChecks(const HostContext& context, const std::vector<CheckJob>& jobs)
+{
+    nlohmann::ordered_json document = newDocument("check");
+    TextTable table({TextTable::Align::Left, TextTable::Align::Left});
+    for (const Check& check : allChecks()) {
+        if (std::ranges::find(jobs, &check, &CheckJob::check) != jobs.end()) {
+            document["checks"].push_back({{"name", check.name}, {"claim", check.claim}});
+            table.add({std::string(check.name), std::string(check.claim)});
+        }
+    }
+    if (context.options.json) {
+        writeDocument(document);
+    } else {
+        writeToStdout(table.text(0));
+    }
 }
 
 ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
 {
     const InterruptWait interrupt;
     std::vector<CheckJob> jobs = planJobs(arguments);
+    if (arguments.list) {
+        listChecks(context, jobs);
+        return ExitCode::Good;
+    }
     CheckRunOptions options;
     options.library = std::filesystem::absolute(PluginLibrary::locate(context.options.plugin));
     if (!std::filesystem::exists(options.library)) {
@@ -300,9 +349,16 @@ void addCheckCommand(CLI::App* app, HostContext* context)
     CLI::App* const command = app->add_subcommand("check", "Check the library itself, each check in its own process");
     command->add_option("CASE", arguments->casePaths,
                         "Case folders or paths to their case.foam; if none is given, built-in samples are checked");
-    command->add_option("--include", arguments->include, "Run only checks whose name matches RE")->type_name("RE");
-    command->add_option("--exclude", arguments->exclude, "Skip checks whose name matches RE")->type_name("RE");
-    command->add_flag("--only-failed", arguments->onlyFailed, "Show only failed checks, the tally and the verdict");
+    command->add_flag("--list", arguments->list, "Show name and claim of each check and run none");
+    command
+        ->add_option("--include", arguments->include,
+                     "Run only checks whose name contains a match of RE, such as ^poll; those of a sample are named "
+                     "like geometry.sets@zones")
+        ->type_name("RE");
+    command->add_option("--exclude", arguments->exclude, "Skip checks whose name contains a match of RE")
+        ->type_name("RE");
+    command->add_flag("--only-failed", arguments->onlyFailed,
+                      "Show only checks that failed, timed out or crashed, the tally and the verdict");
     command->add_option("-j,--jobs", arguments->jobs, "Run at most N checks in parallel; by default one per processor")
         ->type_name("N")
         ->check(CLI::Range(1, 1024).description(""));
@@ -310,6 +366,9 @@ void addCheckCommand(CLI::App* app, HostContext* context)
         ->type_name("S")
         ->check(CLI::Range(0.01, 86400.0).description(""));
     addExtendedFlag(command, &context->options);
+    command->footer(
+        "Warnings are about the case, known limits are faults that the library's documents declare. Both are "
+        "shown\nand counted, and neither changes the exit code.");
     command->callback([=] { context->command = [=] { return runCheck(*context, *arguments); }; });
     addCheckChild(app, context);
 }

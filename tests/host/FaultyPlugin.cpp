@@ -8,6 +8,7 @@
 
 #include <tbb/task_arena.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -61,6 +62,13 @@ void damage(HostGeometry* geometry)
         patch.connectivity.resize(patch.connectivity.size() - 4);
     } else if (fault("lost polyhedron face")) {
         --cells.polyhedra.facesPerPolyhedron[0];
+    } else if (fault("lost node of a face")) {
+        cells.polyhedra.faceConnectivity.pop_back();
+    } else if (fault("no cells")) {
+        cells = HostElementGroup(cells.nodeGroupId);
+    } else if (fault("flat triangle")) {
+        HostElementGroup& surface = geometry->elementGroups.back();
+        surface.connectivity[1] = surface.connectivity[0];
     } else if (fault("foreign polyhedron node")) {
         cells.polyhedra.faceConnectivity[0] = cells.polyhedra.faceConnectivity.back();
     }
@@ -90,6 +98,7 @@ void passOn(const HostElementGroup& elements, DDPElementGroup* target)
 void passOn(const HostValueGroup& group, double first, DDPResultValueGroup* target)
 {
     std::vector<double> values = group.values;
+    fault("no values") ? void(std::ranges::fill(values, UNDEFINED_VALUE)) : void();
     values[0] = first != 0 ? first : values[0];
     const auto setFirst = [&](std::size_t items) { target->setValues(values.data(), group.dimension, items); };
     fault("values in pieces") ? setFirst(group.itemCount() / 2) : void();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/OpenedCase.h"
 
+#include "border/CutTables.h"
 #include "border/DeliveryCheck.h"
 #include "border/HostLog.h"
 
@@ -43,6 +44,27 @@ std::string refusalOf(const fs::path& folder)
         HostLog::get().markTold(line.text);
     }
     return fmt::format("not an OpenFOAM case: {} cannot be read ({})", description.string(), fault);
+}
+
+/// Takes out what the interface cannot hold, so that the rest can be walked.
+/// @return a line for each group concerned
+std::vector<std::string> emptyWhatIsCut(const HostMetaData& metaData, HostGeometry* geometry)
+{
+    std::vector<std::string> limits;
+    const ElementsByGroup cut = emptyCutTables(metaData, geometry);
+    const std::vector<const HostGroup*> declared = metaData.geometryGroups();
+    for (std::size_t i = 0; i < cut.size() && i < declared.size(); ++i) {
+        if (!cut[i].empty()) {
+            limits.push_back(fmt::format("{}: {} cells have more faces or nodes than the interface counts and are left "
+                                         "without faces (known limit, {})",
+                                         declared[i]->name, cut[i].size(), CUT_TABLES));
+        }
+    }
+    for (const std::string& name : padShortSurfaces(metaData, geometry)) {
+        limits.push_back(
+            fmt::format("{}: faces of fewer than three points show as points and lines (known limit)", name));
+    }
+    return limits;
 }
 
 } // namespace
@@ -140,6 +162,7 @@ const HostGeometry& OpenedCase::geometry()
         if (!callLibrary("getGeometry", [&] { return m_provider->getGeometry(spec, fresh.get()); })) {
             throw HostError(ExitCode::CaseRefused, "the provider has no geometry of the case");
         }
+        m_limits = emptyWhatIsCut(declared, fresh.get());
         checkGeometry(declared, *fresh);
         m_geometry = std::move(fresh);
     }

@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 /// One open case: a provider and what it has delivered so far.
 ///
@@ -44,6 +46,9 @@ public:
     /// Nodes and elements of all groups, requested once.
     const HostGeometry& geometry();
 
+    /// What of the geometry is left out because the interface cannot hold it, one line per group.
+    const std::vector<std::string>& limits() const { return m_limits; }
+
     /// One result of one state; null if the provider has none.
     std::unique_ptr<HostResult> result(const HostResultInfo& info, std::int32_t stateId);
 
@@ -66,4 +71,5 @@ private:
     std::unique_ptr<HostMetaData> m_metaData;
     std::unique_ptr<FoamNames> m_names;
     std::unique_ptr<HostGeometry> m_geometry;
+    std::vector<std::string> m_limits;
 };

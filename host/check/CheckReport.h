@@ -17,9 +17,6 @@ CheckTally tallyOf(const std::vector<CheckJob>& jobs);
 /// The command line that reproduces one job, including the given options of the user.
 std::string repeatCommand(const CheckJob& job, const std::string& userOptions);
 
-/// A word quoted for a shell where necessary.
-std::string shellWord(const std::string& word);
-
 /// A regular expression that matches exactly this text.
 std::string exactPattern(const std::string& text);
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "border/CutTables.h"
 #include "border/OpenedCase.h"
 #include "border/PluginLibrary.h"
 #include "check/CheckOutcome.h"
-#include "check/CutTables.h"
 
 #include <filesystem>
 #include <functional>

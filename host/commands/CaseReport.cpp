@@ -3,7 +3,7 @@
 
 #include "border/EscapedText.h"
 #include "border/HostLog.h"
-#include "check/CheckReport.h"
+#include "border/ShellWord.h"
 
 #include <fmt/format.h>
 
@@ -48,6 +48,9 @@ std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
 {
     const std::size_t before = HostLog::get().lines().size();
     const HostGeometry& geometry = opened.geometry();
+    for (const std::string& limit : opened.limits()) {
+        tellUser(limit);
+    }
     if (!hasEmptyPart(opened.metaData(), geometry)) {
         return {};
     }

@@ -13,7 +13,8 @@ struct UnreadMesh
     std::string reason;
 };
 
-/// Requests the geometry and finds out whether a part is empty because its mesh could not be read.
+/// Requests the geometry and finds out whether a part is empty because its mesh could not be read. What the interface
+/// cannot hold is told on stderr.
 /// @return one entry per cause; none if all parts have cells or those without are empty in their files too
 std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened);
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "border/ShellWord.h"
 #include "check/CheckChild.h"
 #include "check/CheckReport.h"
 #include "check/CheckRunner.h"

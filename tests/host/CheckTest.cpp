@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "check/Check.h"
+#include "border/ShellWord.h"
 #include "check/CheckReport.h"
 #include "host/ProgramRun.h"
 #include "sample/FoamMeshFiles.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "check/CutTables.h"
+#include "border/CutTables.h"
 
 #include "border/DeliveryCheck.h"
 #include "check/CellFaces.h"

@@ -79,10 +79,11 @@ def check_document(command, text, validator):
             fault(f"{command}: the schema allows any key at {path}")
 
 
-def run(schema, arguments, code=0, lines=None, library=plugin, **environment):
-    """Runs the program once. It writes one document of the schema, or this number of lines of one each."""
+def run(schema, arguments, code=0, lines=None, library=plugin, under=(), **environment):
+    """Runs the program once, under another one if given. It writes one document of the schema, or this number of lines
+    of one each."""
     command = " ".join(arguments)
-    ended = subprocess.run([program, *arguments, "--json"], capture_output=True, text=True, check=False,
+    ended = subprocess.run([*under, program, *arguments, "--json"], capture_output=True, text=True, check=False,
                            env={**os.environ, "DDP_PLUGIN": library, **environment})
     if ended.returncode != code:
         fault(f"{command}: ended with {ended.returncode} instead of {code}: {ended.stderr}")
@@ -118,7 +119,23 @@ def try_commands(folder):
     run("check", ["check", cavity, "--include", "geometry.order"], code=5, library=faulty_plugin, FAULT="crash")
 
 
+def try_failures(folder):
+    """One failure for each exit code and, where that differs, for each place that writes the document."""
+    cavity = f"{source}/examples/cavity"
+    run("error", ["stats", f"{folder}/absent"], code=3)
+    run("error", ["stats", cavity, "--state", "all", "--no-such-option"], code=2)
+    run("error", ["no-such-command"], code=2)
+    run("error", ["check", cavity, "--include", "no such check"], code=2)
+    run("error", ["info", cavity], code=4, library=f"{folder}/absent.so")
+    run("error", ["info", cavity, "--counts"], code=5, library=faulty_plugin, FAULT="crash")
+    run("error", ["bench", cavity], code=5, library=faulty_plugin, FAULT="throws")
+    run("error", ["export", cavity, "-o", "/dev/null/x"], code=6)
+    run("error", ["sample", "/dev/null/x"], code=6)
+    run("error", ["watch", cavity], code=130, under=["timeout", "--preserve-status", "-s", "INT", "1"])
+
+
 with tempfile.TemporaryDirectory() as work:
     SCHEMAS = load_schemas()
     try_commands(work)
+    try_failures(work)
 sys.exit(1 if faults else 0)

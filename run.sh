@@ -40,5 +40,5 @@ code=0
 say "The program is $(for_caller "$ddphost"). What to try next:"
 next() { printf '   %s %s %s   # %s\n' "$(for_caller "$ddphost")" "$1" "$(for_caller "$case_path")" "$2" >&2; }
 [ $code -ne 0 ] || next stats "ranges of the results"
-next doctor "if something of the case does not show"
+next doctor "what of the case does not show, and why"
 exit $code

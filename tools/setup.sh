@@ -28,7 +28,7 @@ install_packages() {
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     command -v apt-get >/dev/null 2>&1 ||
-        fail "this script installs packages of Debian 12 and finds no apt-get; missing: ${missing[*]}"
+        fail "there is no apt-get to install these packages of Debian 12: ${missing[*]}"
     local by_hand="as root, run: apt-get update && apt-get install --no-install-recommends ${missing[*]}"
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null 2>&1 || fail "packages are missing, and you are not root and have no sudo; $by_hand"

@@ -116,6 +116,8 @@ def try_commands(folder):
         FAULT="needless notice")
     write_not_a_number(f"{folder}/hex")
     run("stats", ["stats", f"{folder}/hex"], code=1)
+    pathlib.Path(folder, "poly/constant/polyMesh/points").write_text("(")
+    run("info", ["info", f"{folder}/poly", "--counts"], code=1)
     run("check", ["check", cavity, "--include", "geometry.order"], code=5, library=faulty_plugin, FAULT="crash")
 
 

@@ -17,8 +17,9 @@ quietly() {
     rm -f "$log"
 }
 
-# True if the package is installed, for whichever architecture.
-has_package() { dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed; }
+# True if the package is installed, for whichever architecture. Not with grep -q, which stops reading at the first match
+# and so may break the pipe.
+has_package() { dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -x installed >/dev/null; }
 
 # Installs those of the given Debian packages that are missing. Needs root or sudo only if there are any.
 install_packages() {

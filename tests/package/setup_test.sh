@@ -49,8 +49,8 @@ but got
 $2"
 }
 
-missing="absent-one absent-two"
-by_hand="as root, run: apt-get update && apt-get install --no-install-recommends $missing"
+absent="absent-one absent-two"
+by_hand="as root, run: apt-get update && apt-get install --no-install-recommends $absent"
 
 install_as 1000 present both
 expect "nothing is missing" "$code|$messages|$calls" "0||"
@@ -60,8 +60,8 @@ expect "neither root nor sudo" "$code|$messages|$calls" \
     "1|error: packages are missing, and you are not root and have no sudo; $by_hand|"
 
 install_as 0 absent-one present absent-two
-expect "root" "$code|$messages|$calls" "0|== Installing $missing|apt-get update
-apt-get install -y --no-install-recommends $missing"
+expect "root" "$code|$messages|$calls" "0|== Installing $absent|apt-get update
+apt-get install -y --no-install-recommends $absent"
 
 write_tool sudo <<TXT
 #!/bin/bash
@@ -70,6 +70,6 @@ echo "a password is required"
 exit 1
 TXT
 install_as 1000 absent-one present absent-two
-expect "refused by sudo" "$code|$messages|$calls" "1|== Installing $missing
+expect "refused by sudo" "$code|$messages|$calls" "1|== Installing $absent
 a password is required
 error: apt-get update failed; $by_hand|sudo apt-get update"

@@ -109,7 +109,9 @@ def try_commands(folder):
         run("sample", ["sample", case, "--kind", kind, "--cells", "60"])
         run("info", ["info", case, "--counts", "--set", "LOAD_FACE_ZONES=on"])
         run("stats", ["stats", case, "--state", "all"])
+        run("export", ["export", case, "-o", f"{folder}/vtk/{kind}", "--state", "all"])
     run("info", ["info", cavity])
+    run("export", ["export", cavity, "-o", f"{folder}/vtk/geometry"])
     run("bench", ["bench", cavity, f"{folder}/hex", "--repeat", "2"])
     run("check", ["check", cavity, "--include", "load.symbols|^geometry"])
     run("watch", ["watch", cavity, "--interval", "0", "--count", "1"], lines=3, library=faulty_plugin,

@@ -114,6 +114,7 @@ def try_commands(folder):
     run("export", ["export", cavity, "-o", f"{folder}/vtk/geometry"])
     run("bench", ["bench", cavity, f"{folder}/hex", "--repeat", "2"])
     run("check", ["check", cavity, "--include", "load.symbols|^geometry"])
+    run("check", ["check", "--list"])
     run("watch", ["watch", cavity, "--interval", "0", "--count", "1"], lines=3, library=faulty_plugin,
         FAULT="needless notice")
     write_not_a_number(f"{folder}/hex")

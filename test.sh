@@ -7,8 +7,8 @@ if [ "${1:-}" = "-h" ] || [ "${1:-}" = "--help" ]; then
     cat <<'TXT'
 usage: ./test.sh [ctest options]
 
-Installs missing Debian packages (as root or through sudo), builds library, host, tests and benchmarks, and runs the
-suite. Options go to ctest: ./test.sh -R Hexahedron runs the tests whose name matches.
+Installs missing Debian packages (as root or through sudo; neither is needed if none is missing), builds library, host,
+tests and benchmarks, and runs the suite. Options go to ctest: ./test.sh -R Hexahedra runs the tests whose name matches.
 TXT
     exit 0
 fi

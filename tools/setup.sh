@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 # Shared by the scripts: messages, the Debian packages that a step needs, and building a preset.
 
-say() { printf '== %s\n' "$*"; }
+# Messages go to stderr, so that stdout is what the program at the end writes.
+say() { printf '== %s\n' "$*" >&2; }
 fail() { printf 'error: %s\n' "$*" >&2; exit 1; }
 
 # Runs a command and shows its output only if it fails.
@@ -16,50 +17,49 @@ quietly() {
     rm -f "$log"
 }
 
-as_root() {
-    if [ "$(id -u)" -eq 0 ]; then
-        "$@"
-    elif command -v sudo >/dev/null 2>&1; then
-        sudo "$@"
-    else
-        fail "packages are missing, and this is neither root nor is sudo installed: install$MISSING_PACKAGES"
-    fi
-}
+# True if the package is installed, for whichever architecture. Not with grep -q, which stops reading at the first match
+# and so may break the pipe.
+has_package() { dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -x installed >/dev/null; }
 
-# Installs those of the given Debian packages that are missing; prints nothing if there are none.
+# Installs those of the given Debian packages that are missing. Needs root or sudo only if there are any.
 install_packages() {
-    local package
-    MISSING_PACKAGES=""
+    local package missing=() root=()
     for package in "$@"; do
-        if [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
-            MISSING_PACKAGES="$MISSING_PACKAGES $package"
-        fi
+        has_package "$package" || missing+=("$package")
     done
-    [ -n "$MISSING_PACKAGES" ] || return 0
-    command -v apt-get >/dev/null 2>&1 || fail "this script installs Debian packages; install by hand:$MISSING_PACKAGES"
-    say "Installing$MISSING_PACKAGES"
-    quietly as_root apt-get update || fail "apt-get update failed"
-    # shellcheck disable=SC2086
-    quietly as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $MISSING_PACKAGES ||
-        fail "could not install$MISSING_PACKAGES"
+    [ ${#missing[@]} -gt 0 ] || return 0
+    command -v apt-get >/dev/null 2>&1 ||
+        fail "there is no apt-get to install these packages of Debian 12: ${missing[*]}"
+    local by_hand="as root, run: apt-get update && apt-get install --no-install-recommends ${missing[*]}"
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null 2>&1 || fail "packages are missing, and you are not root and have no sudo; $by_hand"
+        root=(sudo)
+    fi
+    say "Installing ${missing[*]}"
+    quietly "${root[@]}" apt-get update || fail "apt-get update failed; $by_hand"
+    quietly "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" ||
+        fail "could not install all packages; $by_hand"
 }
 
 BUILD_PACKAGES="clang-14 cmake ninja-build libstdc++-12-dev libtbb-dev zlib1g-dev libcli11-dev nlohmann-json3-dev libfmt-dev"
-TEST_PACKAGES="libgtest-dev libbenchmark-dev binutils locales"
+TEST_PACKAGES="libgtest-dev libbenchmark-dev binutils locales python3-jsonschema"
+PACKAGING_PACKAGES="file dpkg-dev"
 CHECK_PACKAGES="g++ clang-format-14 clang-tidy-14 libclang-rt-14-dev"
 
-# Configures a preset once and builds it; more arguments go to the configuration.
+# Builds a preset, configured before if it never was, or only for a copy of this tree; more arguments go to the
+# configuration.
 build_preset() {
     local preset=$1
     shift
-    if [ ! -f "build/$preset/build.ninja" ]; then
+    if [ ! -f "build/$preset/build.ninja" ] ||
+        ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "build/$preset/CMakeCache.txt"; then
         say "Configuring the build '$preset'"
-        quietly cmake --preset "$preset" "$@" || fail "configuring '$preset' failed"
+        quietly cmake --fresh --preset "$preset" "$@" || fail "configuring '$preset' failed"
     fi
     say "Building '$preset'"
     # On a terminal, show ninja's progress; otherwise only a failure.
-    if [ -t 1 ]; then
-        cmake --build --preset "$preset" || fail "building '$preset' failed"
+    if [ -t 2 ]; then
+        cmake --build --preset "$preset" >&2 || fail "building '$preset' failed"
     else
         quietly cmake --build --preset "$preset" || fail "building '$preset' failed"
     fi

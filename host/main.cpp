@@ -62,6 +62,7 @@ bool parse(int argc, char** argv, HostContext* context, ExitCode* code)
     addBenchCommand(&app, context);
     addSampleCommand(&app, context);
     addCheckCommand(&app, context);
+    addDoctorCommand(&app, context);
     try {
         app.parse(argc, argv);
         return true;

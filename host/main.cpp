@@ -90,6 +90,7 @@ bool parse(int argc, char** argv, HostContext* context)
     addBenchCommand(&app, context);
     addSampleCommand(&app, context);
     addCheckCommand(&app, context);
+    addDoctorCommand(&app, context);
     showGlobalOptions(&app);
     try {
         app.parse(argc, argv);

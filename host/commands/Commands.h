@@ -26,3 +26,6 @@ void addBenchCommand(CLI::App* app, HostContext* context);
 
 /// Checks the library, both without a case and with cases or samples.
 void addCheckCommand(CLI::App* app, HostContext* context);
+
+/// Says what of a case a host will not show, and why; without a case, whether a host could load the library.
+void addDoctorCommand(CLI::App* app, HostContext* context);

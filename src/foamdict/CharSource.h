@@ -22,6 +22,8 @@ public:
     virtual int peek() = 0;
     /// The same, and goes on past it.
     virtual int take() = 0;
+    /// The line of the next character, 1-based; 0 from a source that does not count lines.
+    virtual std::size_t line() const { return 0; }
 };
 
 /// The characters of a text, which must outlive the source.

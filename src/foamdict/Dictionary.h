@@ -52,6 +52,8 @@ struct Entry
     std::shared_ptr<const Pattern> pattern;
     std::vector<Token> tokens;
     std::unique_ptr<Dictionary> block; ///< null for an entry of tokens
+    /// The line of the keyword as the source counts it; 0 for an entry of an included file or copied by a macro.
+    std::size_t line = 0;
 };
 
 /// Entries in the order of the file.

@@ -15,11 +15,18 @@ std::string excerpt(const std::string& text)
     return text.substr(0, dvf::limits::LOG_EXCERPT);
 }
 
+/// The line of the next character; the source knows it also after a list that the client took.
+std::size_t lineOf(const Lexer& lexer)
+{
+    const std::size_t line = lexer.chars().line();
+    return line == 0 ? lexer.line() : line;
+}
+
 } // namespace
 
 void DictionaryReader::report(const File& file, const std::string& problem)
 {
-    const std::string text = file.path + ", line " + std::to_string(file.lexer.line()) + ": " + excerpt(problem);
+    const std::string text = file.path + ", line " + std::to_string(lineOf(file.lexer)) + ": " + excerpt(problem);
     if (m_reports.size() < dvf::limits::DICTIONARY_REPORTS && m_reports.insert(text).second) {
         m_client.report(text);
     }
@@ -30,7 +37,7 @@ void DictionaryReader::stop(const File& file, const std::string& problem)
     if (!m_isStopped) {
         m_isStopped = true;
         m_content.isComplete = false;
-        m_content.problem = file.path + ", line " + std::to_string(file.lexer.line()) + ": " + excerpt(problem);
+        m_content.problem = file.path + ", line " + std::to_string(lineOf(file.lexer)) + ": " + excerpt(problem);
     }
 }
 
@@ -181,6 +188,7 @@ void DictionaryReader::readEntry(File& file, const Scope& scope, const Lexeme& k
         return;
     }
     Entry entry;
+    entry.line = file.isIncluded ? 0 : file.lexer.chars().line();
     setKeyword(file, keyword, &entry);
     Lexeme first = next(file);
     // A name with blanks, which mesh tools write although OpenFOAM itself would not read it.

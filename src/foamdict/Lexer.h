@@ -57,7 +57,7 @@ public:
     /// Skips the rest of the line, also what was put back.
     void skipLine();
 
-    CharSource& chars() { return m_chars; }
+    CharSource& chars() const { return m_chars; }
     /// The line of the next character, 1-based.
     std::size_t line() const { return m_line; }
     /// How many characters were taken.

@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: MIT
+// Each fault is seeded into a case in which everything shows, and must give its one finding and no other.
+#include "host/ProgramRun.h"
+#include "support/CaseFiles.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <sstream>
+
+namespace {
+
+using nlohmann::json;
+
+constexpr const char* CELLS = "nonuniform List<scalar> \n2\n(\n1\n3\n)\n";
+const FieldPatch LEFT = {"left side", "type fixedValue;\n        value uniform 7;"};
+const FieldPatch REST = {"rest", "type zeroGradient;"};
+
+/// A case of two cubes at the times 0.5 and 1, of which a host shows everything.
+class Doctor : public testing::Test
+{
+protected:
+    void SetUp() override { writeSound(m_folder); }
+
+    static void writeSound(const TempFolder& folder)
+    {
+        std::filesystem::remove_all(folder / "constant");
+        writeControlDict(folder);
+        writeTwoCubes(folder);
+        std::filesystem::remove(folder / "constant/polyMesh/faceZones");
+        writePressure(folder, "0.5");
+        writePressure(folder, "1");
+    }
+
+    json examine(const TempFolder& folder, int code, const std::string& more = "")
+    {
+        const ProgramRun run = runProgram(m_output, "doctor --json " + more + inQuotes(folder.path()));
+        EXPECT_EQ(run.code, code) << run.err;
+        EXPECT_EQ(run.err, "");
+        const json document = json::parse(run.out, nullptr, false);
+        EXPECT_FALSE(document.is_discarded()) << run.out;
+        return document.is_discarded() ? json() : document["case"];
+    }
+
+    TempFolder m_folder;
+    TempFolder m_output;
+};
+
+/// "KIND CAUSE PLACE" of each finding.
+Texts findingsIn(const json& found)
+{
+    Texts texts;
+    for (const json& finding : found["findings"]) {
+        const json& line = finding["line"];
+        texts.push_back(finding["kind"].get<std::string>() + " " + finding["cause"].get<std::string>() + " " +
+                        finding["file"].get<std::string>() +
+                        (line.is_null() ? "" : ":" + std::to_string(line.get<int>())));
+    }
+    return texts;
+}
+
+struct Fault
+{
+    const char* name;
+    std::function<void(const TempFolder&)> seed;
+    const char* finding;        ///< its kind, cause and file
+    const char* text = nullptr; ///< with which the line that it names begins, blanks aside; null if it names none
+};
+
+/// The line of a file that begins with a text.
+int lineOf(const TempFolder& folder, const std::string& file, const std::string& text)
+{
+    std::istringstream lines(fileBytes(folder / file));
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        const std::size_t first = line.find_first_not_of(' ');
+        if (first != std::string::npos && line.compare(first, text.size(), text) == 0) {
+            return number;
+        }
+    }
+    return 0;
+}
+
+std::function<void(const TempFolder&)> field(const std::string& className, const std::string& interior,
+                                             const std::vector<FieldPatch>& patches = {LEFT, REST})
+{
+    return [=](const TempFolder& folder) { folder.write("1/T", fieldFile(className, "T", interior, patches)); };
+}
+
+/// Replaces a text of a file.
+std::function<void(const TempFolder&)> replaced(const std::string& file, const std::string& from, const std::string& to)
+{
+    return [=](const TempFolder& folder) {
+        std::string text = fileBytes(folder / file);
+        const std::size_t place = text.find(from);
+        ASSERT_NE(place, std::string::npos) << file << ": " << from;
+        folder.write(file, text.replace(place, from.size(), to));
+    };
+}
+
+const std::vector<Fault> FAULTS = {
+    {"list of another length", field("volScalarField", "nonuniform List<scalar> \n3\n(\n1\n3\n5\n)\n"),
+     "hidden list-length 1/T", "internalField"},
+    {"no interior", replaced("1/p", "internalField", "other"), "hidden no-interior 1/p"},
+    {"macro of nothing", field("volScalarField", "uniform $nothing"), "hidden macro-names-nothing 1/T",
+     "internalField"},
+    {"code", field("volScalarField", "#calc \"1 + 1\""), "hidden runs-code 1/T", "internalField"},
+    {"text that ends early",
+     [](const TempFolder& folder) {
+         const std::string text = fileBytes(folder / "1/p");
+         folder.write("1/p", text.substr(0, text.find("3\n)") + 1));
+     },
+     "hidden unreadable-text 1/p", "3"},
+    {"type without a value", field("volScalarField", CELLS, {{"left side", "type flowRateInletVelocity;"}, REST}),
+     "hidden patch-without-value 1/T", "left side"},
+    {"patch of no entry", field("volScalarField", CELLS, {LEFT}), "hidden patch-not-named 1/T", "boundaryField"},
+    {"values of faces", field("surfaceScalarField", "uniform 1"), "hidden no-place 1/T"},
+    {"clouds", [](const TempFolder& folder) { folder.write("1/lagrangian/cloud/positions", ""); },
+     "hidden clouds 1/lagrangian"},
+    {"collated files", [](const TempFolder& folder) { folder.write("processors2/1/p", ""); },
+     "extended whole-mesh constant/polyMesh, hidden collated processors2"},
+    {"class of tensors", field("volSymmTensorField", "uniform (1 0 0 1 0 1)", {{"\".*\"", "type zeroGradient;"}}),
+     "extended class 1/T"},
+    {"interior by a macro", replaced("1/p", "internalField", "level 3;\ninternalField uniform $level;\nold"),
+     "extended composed-interior 1/p", "internalField"},
+    {"value by a macro",
+     field("volScalarField", "uniform 3", {{"left side", "type fixedValue;\n        value $internalField;"}, REST}),
+     "extended composed-patch 1/T", "value"},
+    {"group of patches", field("volScalarField", CELLS, {LEFT, {"\"r.*\"", "type zeroGradient;"}}),
+     "extended patch-by-pattern 1/T", "\"r.*\""},
+    {"order of patches", field("volScalarField", CELLS, {REST, LEFT}), "extended patch-order 1/T", "rest"},
+    {"patch type", field("volScalarField", CELLS, {{"left side", "type fixedFluxPressure;"}, REST}),
+     "extended patch-without-value 1/T", "left side"},
+    {"object of another name", replaced("1/p", "object      p", "object      q"), "extended object-name 1/p", "object"},
+    {"unit", replaced("0.5/p", "[0 1 -1 0 0 0 0]", "[ 0 1 -1 0 0 0 0 ]"), "extended unit 0.5/p", "dimensions"},
+    {"folder like a time", [](const TempFolder& folder) { folder.write("0.orig/readme", "text"); },
+     "extended no-time 0.orig"},
+    {"boundary without a count", replaced("constant/polyMesh/boundary", "3\n(", "("),
+     "extended no-count constant/polyMesh/boundary"},
+    {"both compressed",
+     [](const TempFolder& folder) {
+         folder.writeGz("1/p.gz", fieldFile("volScalarField", "p", "uniform 5", {LEFT, REST}));
+     },
+     "extended both-compressed 1/p"},
+};
+
+} // namespace
+
+TEST_F(Doctor, HasNothingToSayOfASoundCase)
+{
+    const json found = examine(m_folder, 0);
+    EXPECT_EQ(joined(findingsIn(found)), "");
+    // Two times of a field on the cells and two patches.
+    EXPECT_EQ(found["arrays"]["all"], 6);
+    EXPECT_EQ(found["arrays"]["plain"], 6);
+    EXPECT_EQ(found["forms"]["cells"], 2);
+}
+
+TEST_F(Doctor, FindsEachFaultOnce)
+{
+    for (const Fault& fault : FAULTS) {
+        SCOPED_TRACE(fault.name);
+        const TempFolder folder;
+        writeSound(folder);
+        fault.seed(folder);
+        std::string expected = fault.finding;
+        if (fault.text != nullptr) {
+            const std::string file = expected.substr(expected.rfind(' ') + 1);
+            expected += ":" + std::to_string(lineOf(folder, file, fault.text));
+        }
+        EXPECT_EQ(joined(findingsIn(examine(folder, 1))), expected);
+    }
+}
+
+TEST_F(Doctor, SaysWhereExtendedReadingHelps)
+{
+    writePressure(m_folder, "2", "uniform $none");
+    m_folder.write("2/T", fieldFile("volScalarField", "T", CELLS, {{"left side", "type fixedFluxPressure;"}, REST}));
+    const ProgramRun run = runProgram(m_output, "doctor" + inQuotes(m_folder.path()));
+    EXPECT_EQ(run.code, 1);
+    const std::size_t hidden = run.out.find("does not show at all\n  2/p:16: the macro $none");
+    const std::size_t extended = run.out.find("only with extended reading");
+    EXPECT_NE(hidden, std::string::npos) << run.out;
+    EXPECT_LT(hidden, extended);
+    EXPECT_LT(extended, run.out.find("  2/T:26: patches of type fixedFluxPressure have no value in the file"))
+        << run.out;
+    // The two cells and patches of p, and one patch of T.
+    EXPECT_NE(run.out.find("8 of 12 arrays of values show, 9 with extended reading"), std::string::npos) << run.out;
+}
+
+TEST_F(Doctor, LooksAtTheTimesAskedFor)
+{
+    for (const char* const time : {"2", "3", "4"}) {
+        writePressure(m_folder, time);
+    }
+    EXPECT_EQ(examine(m_folder, 0)["timesLookedAt"], json({"0.5", "2", "4"}));
+    EXPECT_EQ(examine(m_folder, 0, "--state all")["timesLookedAt"].size(), 5U);
+    EXPECT_EQ(examine(m_folder, 0, "--state 3")["timesLookedAt"], json({"3"}));
+    EXPECT_EQ(runProgram(m_output, "doctor --state 7" + inQuotes(m_folder.path())).code, 2);
+    EXPECT_EQ(runProgram(m_output, "doctor" + inQuotes(m_folder / "nothing")).code, 3);
+}
+
+TEST_F(Doctor, EscapesWhatCouldSteerATerminal)
+{
+    m_folder.write("1/\x1b[31m", fieldFile("surfaceScalarField", "x", "uniform 1"));
+    const ProgramRun run = runProgram(m_output, "doctor" + inQuotes(m_folder.path()));
+    EXPECT_EQ(run.out.find('\x1b'), std::string::npos);
+    EXPECT_NE(run.out.find("1/\\x1b[31m"), std::string::npos) << run.out;
+}
+
+TEST_F(Doctor, ShowsTheLibraryWithoutACase)
+{
+    const ProgramRun run = runProgram(m_output, "doctor --json", "OPENFOAM_PLUGIN_EXTENDED_READING=1");
+    EXPECT_EQ(run.code, 0);
+    const json library = json::parse(run.out)["library"];
+    EXPECT_EQ(library["settings"].back()["key"], "EXTENDED_READING");
+    EXPECT_EQ(library["variable"]["value"], "1");
+    Texts linked;
+    for (const json& one : library["linked"]) {
+        linked.push_back(one["name"]);
+        EXPECT_TRUE(std::filesystem::exists(one["file"].get<std::string>())) << one;
+    }
+    EXPECT_NE(joined(linked).find("libz.so"), std::string::npos) << joined(linked);
+    EXPECT_EQ(runProgram(m_output, "doctor --plugin '" DDPHOST_PROGRAM "'").code, 4);
+}

@@ -8,6 +8,7 @@ import copy
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -37,6 +38,17 @@ def load_schemas():
     return schemas
 
 
+def check_commands():
+    """A command without a schema would go unnoticed below."""
+    shown = subprocess.run([program, "--help"], capture_output=True, text=True, check=True).stdout
+    names = re.findall(r"^  ([a-z]+) ", shown.partition("Subcommands:")[2], re.MULTILINE)
+    if "info" not in names:
+        fault(f"the help lists no commands:\n{shown}")
+    for name in names:
+        if name not in SCHEMAS:
+            fault(f"docs/schema has no {name}.json")
+
+
 def refuse_constant(text):
     raise ValueError(f"{text} is not JSON")
 
@@ -55,6 +67,7 @@ def with_surplus(document):
     kinds = {tuple(key for key in path if isinstance(key, str)): path for path in objects_in(document)}
     # What a library says about itself is up to the library.
     kinds.pop(("plugin",), None)
+    kinds.pop(("library", "about"), None)
     for path in kinds.values():
         changed = copy.deepcopy(document)
         place = changed
@@ -112,6 +125,8 @@ def try_commands(folder):
         run("export", ["export", case, "-o", f"{folder}/vtk/{kind}", "--state", "all"])
     run("info", ["info", cavity])
     run("export", ["export", cavity, "-o", f"{folder}/vtk/geometry"])
+    run("doctor", ["doctor"])
+    run("doctor", ["doctor", cavity], code=1)
     run("bench", ["bench", cavity, f"{folder}/hex", "--repeat", "2"])
     run("check", ["check", cavity, "--include", "load.symbols|^geometry"])
     run("check", ["check", "--list"])
@@ -141,6 +156,7 @@ def try_failures(folder):
 
 with tempfile.TemporaryDirectory() as work:
     SCHEMAS = load_schemas()
+    check_commands()
     try_commands(work)
     try_failures(work)
 sys.exit(1 if faults else 0)

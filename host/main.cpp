@@ -86,6 +86,7 @@ bool parse(int argc, char** argv, HostContext* context)
     addInfoCommand(&app, context);
     addExportCommand(&app, context);
     addStatsCommand(&app, context);
+    addViewCommand(&app, context);
     addWatchCommand(&app, context);
     addBenchCommand(&app, context);
     addSampleCommand(&app, context);

@@ -18,6 +18,9 @@ void addSampleCommand(CLI::App* app, HostContext* context);
 /// Shows the range of each result.
 void addStatsCommand(CLI::App* app, HostContext* context);
 
+/// Writes a case as a page to look at in a browser.
+void addViewCommand(CLI::App* app, HostContext* context);
+
 /// Shows the changes of the list of states as they happen.
 void addWatchCommand(CLI::App* app, HostContext* context);
 

@@ -25,7 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* FACE_ZONES_SETTING = "LOAD_FACE_ZONES";
 constexpr const char* PART_ID_ARRAY = "PartId";
 
 struct ExportOptions
@@ -420,17 +419,6 @@ private:
     std::vector<WrittenFile> m_written; ///< in the order in which they become visible
 };
 
-/// An export holds all that the case has, so face zones are switched on unless the user says otherwise or wants to see
-/// what other hosts get. Only a setting that the library knows can be set.
-void loadFaceZones(HostContext* context)
-{
-    const bool isPlain = context->options.extendedReading == "off";
-    if (!isPlain && context->library().providerInfo().find(FACE_ZONES_SETTING) != nullptr) {
-        std::vector<std::string>& settings = context->options.settings;
-        settings.insert(settings.begin(), std::string(FACE_ZONES_SETTING) + "=on");
-    }
-}
-
 } // namespace
 
 void addExportCommand(CLI::App* app, HostContext* context)
@@ -452,7 +440,7 @@ void addExportCommand(CLI::App* app, HostContext* context)
     addPlainFlag(command, &context->options);
     command->callback([=] {
         context->command = [=] {
-            loadFaceZones(context);
+            context->loadFaceZones();
             return Exporter(*context, *options).run();
         };
     });

@@ -63,6 +63,14 @@ PluginLibrary& HostContext::library()
     return *m_library;
 }
 
+void HostContext::loadFaceZones()
+{
+    constexpr const char* SETTING = "LOAD_FACE_ZONES";
+    if (options.extendedReading != "off" && library().providerInfo().find(SETTING) != nullptr) {
+        options.settings.insert(options.settings.begin(), std::string(SETTING) + "=on");
+    }
+}
+
 std::unique_ptr<OpenedCase> HostContext::open(const std::string& casePath)
 {
     PluginLibrary& loaded = library();

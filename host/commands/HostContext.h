@@ -68,6 +68,10 @@ public:
     /// The library, loaded on the first call.
     PluginLibrary& library();
 
+    /// Switches face zones on, for commands that show all that the case has, unless the user says otherwise or wants to
+    /// see what other hosts get. Only a setting that the library knows can be set.
+    void loadFaceZones();
+
     /// Opens the case with the user's settings; the context must outlive it.
     std::unique_ptr<OpenedCase> open(const std::string& casePath);
 

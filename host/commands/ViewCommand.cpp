@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: MIT
+#include "border/EscapedText.h"
+#include "commands/CaseReport.h"
+#include "commands/Commands.h"
+#include "commands/Selection.h"
+#include "output/ByteText.h"
+#include "output/OutputFile.h"
+#include "output/ProgressBar.h"
+#include "view/Browser.h"
+#include "view/CasePage.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+#include <signal.h>
+#include <stdlib.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+constexpr std::uint64_t MEGABYTE = 1000000;
+
+struct ViewOptions
+{
+    std::string casePath;
+    std::string page;
+    std::string picture;
+    std::string state = "all";
+    std::string result;
+    std::string part;
+    int precision = static_cast<int>(PagePrecision::Floats32);
+    std::int64_t limit = 64; ///< in megabytes
+    bool opens = false;
+    bool overwrite = false;
+};
+
+/// A folder that is removed with all its files at the end, also after an interrupt.
+class ScratchFolder
+{
+public:
+    ScratchFolder() : m_path(make()), m_onInterrupt([path = m_path] { remove(path); }) {}
+    ~ScratchFolder() { remove(m_path); }
+
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    const fs::path& path() const { return m_path; }
+
+private:
+    static fs::path make()
+    {
+        std::string name = (fs::temp_directory_path() / "ddphost-view-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw HostError(ExitCode::CannotWrite, "cannot create a folder in " + fs::temp_directory_path().string());
+        }
+        return name;
+    }
+
+    static void remove(const fs::path& path)
+    {
+        std::error_code error;
+        fs::remove_all(path, error);
+    }
+
+    fs::path m_path;
+    OnInterrupt m_onInterrupt;
+};
+
+/// "1 state", "2 states".
+std::string counted(std::size_t count, const char* noun)
+{
+    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+}
+
+/// One run of the command.
+class Viewer
+{
+public:
+    Viewer(HostContext& context, const ViewOptions& options)
+        : m_context(context), m_options(options), m_opened(context.open(options.casePath))
+    {}
+
+    ExitCode run()
+    {
+        // Without a handler a file that grows past the limit of the process ends it before anything can be told.
+        static_cast<void>(signal(SIGXFSZ, SIG_IGN));
+        PageContent content = select();
+        const std::vector<UnreadMesh> unread = unreadMeshes(*m_opened);
+        noteWhatIsMissing(unread, &content);
+        std::unique_ptr<ScratchFolder> scratch;
+        // With --png alone the page is only a means.
+        if (m_options.page.empty() && !m_options.picture.empty() && !m_options.opens) {
+            scratch = std::make_unique<ScratchFolder>();
+            m_page = scratch->path() / "page.html";
+        } else {
+            m_page = m_options.page.empty() ? fs::path(caseName() + ".html") : fs::path(m_options.page);
+        }
+        writePage(content);
+        if (!m_options.picture.empty()) {
+            savePicture(m_page, m_options.picture);
+        }
+        report(content, scratch == nullptr);
+        tellUnreadMeshes(unread);
+        if (m_report.hasUndefined) {
+            tellUser("some values are undefined and show grey; " + doctorHint(m_options.casePath, "says why"));
+        }
+        if (m_options.opens && !openPage(m_page)) {
+            throw HostError(ExitCode::CannotWrite,
+                            fmt::format("nothing opens pages here; open {} in a browser", m_page.string()));
+        }
+        return unread.empty() ? ExitCode::Good : ExitCode::Findings;
+    }
+
+private:
+    /// The name of the case's folder.
+    std::string caseName() const
+    {
+        const std::string name = OpenedCase::tokenFile(m_options.casePath).parent_path().filename().string();
+        return name.empty() ? "case" : name;
+    }
+
+    PageContent select()
+    {
+        PageContent content;
+        content.name = caseName();
+        content.precision = static_cast<PagePrecision>(m_options.precision);
+        content.mostBytes = static_cast<std::uint64_t>(m_options.limit) * MEGABYTE;
+        content.groups = selectGroups(*m_opened, m_options.part);
+        content.states = selectStates(*m_opened, m_options.state);
+        std::ranges::stable_sort(content.states, {}, &HostState::referenceValue);
+        for (const HostResultInfo* const info : selectResults(*m_opened, m_options.result)) {
+            // Moved points are the shape of a state, not a result to colour it with.
+            if (info->kind != KIND_DISPLACEMENT) {
+                content.results.push_back(info);
+            }
+        }
+        return content;
+    }
+
+    /// Notes for the page what the case has beyond its content.
+    void noteWhatIsMissing(const std::vector<UnreadMesh>& unread, PageContent* content) const
+    {
+        const HostMetaData& metaData = m_opened->metaData();
+        const auto note = [&](std::size_t had, std::size_t shown, const char* noun) {
+            if (shown < had) {
+                content->leftOut.push_back(fmt::format("{} of {} were not selected", had - shown, counted(had, noun)));
+            }
+        };
+        const auto colours = static_cast<std::size_t>(std::ranges::count_if(
+            metaData.results, [](const HostResultInfo& info) { return info.kind != KIND_DISPLACEMENT; }));
+        note(metaData.geometryGroups().size(), content->groups.size(), "group");
+        note(metaData.states.size(), content->states.size(), "state");
+        note(colours, content->results.size(), "result");
+        content->leftOut.insert(content->leftOut.end(), m_opened->limits().begin(), m_opened->limits().end());
+        for (const UnreadMesh& mesh : unread) {
+            content->leftOut.push_back(fmt::format("mesh not read: {} {}", mesh.file, mesh.reason));
+        }
+    }
+
+    void writePage(const PageContent& content)
+    {
+        PageFile file(m_page, m_options.overwrite);
+        ProgressBar progress(m_context.showsProgress(), "view", "results",
+                             content.states.size() * content.results.size());
+        m_report = writeCasePage(*m_opened, content, &file, [&] { progress.advance(); });
+    }
+
+    /// Tells what was written, once it is in place.
+    void report(const PageContent& content, bool keepsPage) const
+    {
+        if (m_context.options.json) {
+            writeDocument(makeDocument(content, keepsPage));
+        }
+        if (m_context.options.quiet) {
+            return;
+        }
+        for (const std::string& line : m_report.leftOut) {
+            tellUser("left out: " + line);
+        }
+        if (keepsPage) {
+            tellWritten(fmt::format("wrote {}: {}, {}, {}, {}", m_page.string(),
+                                    counted(content.states.size(), "state"), counted(content.results.size(), "result"),
+                                    counted(m_report.groups.size(), "group"),
+                                    byteText(static_cast<double>(m_report.byteCount))));
+        }
+        if (!m_options.picture.empty()) {
+            tellWritten("wrote " + m_options.picture);
+        }
+    }
+
+    static void tellWritten(const std::string& line)
+    {
+        static_cast<void>(std::fputs((escapedControls(line) + "\n").c_str(), stderr));
+    }
+
+    Json makeDocument(const PageContent& content, bool keepsPage) const
+    {
+        Json document = newDocument("view");
+        document["page"] = keepsPage ? Json(m_page.string()) : Json(nullptr);
+        document["picture"] = m_options.picture.empty() ? Json(nullptr) : Json(m_options.picture);
+        document["bytes"] = m_report.byteCount;
+        document["states"] = Json::array();
+        for (const HostState* const state : content.states) {
+            document["states"].push_back({{"id", state->id}, {"name", state->name}, {"value", state->referenceValue}});
+        }
+        document["results"] = Json::array();
+        for (const HostResultInfo* const info : content.results) {
+            document["results"].push_back({{"id", info->id}, {"name", info->name}});
+        }
+        document["groups"] = Json::array();
+        for (const Json& group : m_report.groups) {
+            Json entry;
+            for (const char* const key : {"id", "name", "kind", "elements", "faces", "points"}) {
+                entry[key] = group[key];
+            }
+            document["groups"].push_back(entry);
+        }
+        document["leftOut"] = m_report.leftOut;
+        return document;
+    }
+
+    HostContext& m_context;
+    const ViewOptions& m_options;
+    std::unique_ptr<OpenedCase> m_opened;
+    fs::path m_page;
+    PageReport m_report;
+};
+
+} // namespace
+
+void addViewCommand(CLI::App* app, HostContext* context)
+{
+    const auto options = std::make_shared<ViewOptions>();
+    CLI::App* const command = app->add_subcommand("view", "Write the case as one page to look at in a browser");
+    addCaseArgument(command, &options->casePath);
+    command->add_option("-o,--output", options->page, "The page to write; the case's name with .html by default")
+        ->type_name("FILE")
+        ->check(notEmpty());
+    command->add_option("--png", options->picture, "Draw the page with an installed Chromium and save the picture")
+        ->type_name("FILE")
+        ->check(notEmpty());
+    command->add_flag("--open", options->opens, "Open the page in the browser of the desktop");
+    addSelection(command, "--state,--states", &options->state,
+                 std::string("Which states, all by default: ") + STATE_HELP);
+    addSelection(command, "--result", &options->result, RESULT_HELP);
+    addSelection(command, "--part", &options->part, GROUP_HELP);
+    limitWords(command
+                   ->add_option("--precision", options->precision,
+                                "Keep coordinates and values in 32 bits, or in 16 bits as equal steps of their range")
+                   ->type_name("BITS"),
+               {{"16", static_cast<int>(PagePrecision::Steps16)}, {"32", static_cast<int>(PagePrecision::Floats32)}});
+    CLI::Option* const limit =
+        command->add_option("--limit", options->limit, "The greatest size of the page in MB")->type_name("MB");
+    limit->capture_default_str();
+    limitCount(limit, 1, 100000);
+    command->add_flag("--overwrite", options->overwrite, "Replace a file that is not a page of ddphost, too");
+    addPlainFlag(command, &context->options);
+    command->callback([=] {
+        context->command = [=] {
+            context->loadFaceZones();
+            return Viewer(*context, *options).run();
+        };
+    });
+}

@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: MIT
+# Makes a source file of the sources of the page: cmake -DPAGE_FOLDER=... -DSCRIPTS=a.js,b.js -DOUTPUT=... -P EmbedPage.cmake
+set(script "\"use strict\";\n")
+string(REPLACE "," ";" names "${SCRIPTS}")
+foreach(name IN LISTS names)
+    file(READ "${PAGE_FOLDER}/${name}" text)
+    string(APPEND script "${text}")
+endforeach()
+file(READ "${PAGE_FOLDER}/page.html" markup)
+file(READ "${PAGE_FOLDER}/page.css" style)
+# Licence lines are for the sources.
+string(REGEX REPLACE "// SPDX[^\n]*\n" "" script "${script}")
+string(REGEX REPLACE "/\\* SPDX[^\n]*\n" "" style "${style}")
+string(REGEX REPLACE "<!-- SPDX[^\n]*\n" "" markup "${markup}")
+string(REPLACE "/* page.css */" "${style}" markup "${markup}")
+string(FIND "${markup}" "<!-- scripts -->" place)
+string(SUBSTRING "${markup}" 0 ${place} head)
+string(SUBSTRING "${markup}" ${place} -1 tail)
+string(REPLACE "<!-- scripts -->" "" tail "${tail}")
+
+# A compiler need not take literals of more than 65536 bytes.
+function(literal name text result)
+    string(LENGTH "${text}" length)
+    if(length GREATER 65000)
+        message(FATAL_ERROR "${name} has ${length} bytes, more than a string literal may have")
+    endif()
+    set(${result} "const std::string_view ${name} = R\"ddphost(${text})ddphost\";\n" PARENT_SCOPE)
+endfunction()
+literal(PAGE_MARKUP "${head}" first)
+literal(PAGE_SCRIPT "${script}" second)
+literal(PAGE_END "${tail}" third)
+file(WRITE "${OUTPUT}" "// Made by EmbedPage.cmake.\n#include \"view/PageSource.h\"\n\n${first}\n${second}\n${third}")

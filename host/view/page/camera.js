@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// Where the view is seen from. z stays up; angles are in degrees.
+
+const dot = (a, b) => a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+const minus = (a, b) => [a[0] - b[0], a[1] - b[1], a[2] - b[2]];
+const plusScaled = (a, b, factor) => [a[0] + b[0] * factor, a[1] + b[1] * factor, a[2] + b[2] * factor];
+const cross = (a, b) => [a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]];
+
+const HALF_ANGLE = 15; // of the height in perspective
+
+const STANDARD_VIEWS = [
+  ["Front", -90, 0], ["Back", 90, 0], ["Left", 180, 0], ["Right", 0, 0], ["Top", -90, 90], ["Bottom", -90, -90],
+];
+
+const camera = {
+  azimuth: -60, elevation: 28, center: [0, 0, 0], height: 1, size: 1, perspective: true,
+
+  // Shows a whole box, by default from above and the side.
+  reset(box, azimuth = -60, elevation = 28) {
+    this.azimuth = azimuth;
+    this.elevation = elevation;
+    this.center = box[0].map((low, k) => (low + box[1][k]) / 2);
+    this.size = Math.hypot(...minus(box[1], box[0])) || 1;
+    const { right, up, toward } = this.axes();
+    const extent = (axis) => box[0].reduce((sum, low, k) => sum + Math.abs(axis[k]) * (box[1][k] - low), 0);
+    const aspect = Math.max(this.aspect || 1, 0.3);
+    // The near end looks larger in perspective.
+    const near = this.perspective ? extent(toward) * Math.tan((HALF_ANGLE * Math.PI) / 180) : 0;
+    this.height = 1.18 * Math.max(extent(up), extent(right) / aspect, this.size * 1e-3) + near;
+  },
+
+  axes() {
+    const [a, e] = [(this.azimuth * Math.PI) / 180, (this.elevation * Math.PI) / 180];
+    const toward = [Math.cos(e) * Math.cos(a), Math.cos(e) * Math.sin(a), Math.sin(e)];
+    const right = [-Math.sin(a), Math.cos(a), 0];
+    return { right, up: cross(toward, right), toward };
+  },
+
+  distance() {
+    return this.height / 2 / Math.tan((HALF_ANGLE * Math.PI) / 180);
+  },
+
+  // The matrix from space to the picture, column after column.
+  matrix(aspect) {
+    this.aspect = aspect;
+    const { right, up, toward } = this.axes();
+    const distance = this.distance();
+    const depth = 2 * this.size + this.height;
+    const [x, y, z] = [right, up, toward].map((axis) => [...axis, -dot(axis, this.center)]);
+    const flat = this.height / 2;
+    let rows;
+    if (this.perspective) {
+      const far = distance + depth;
+      const near = Math.max(distance - depth, far * 2e-4);
+      const scale = distance / flat;
+      // Depth before the eye is distance - z.
+      const a = (far + near) / (far - near);
+      const b = (-2 * far * near) / (far - near);
+      rows = [x.map((v) => (v * scale) / aspect), y.map((v) => v * scale), z.map((v, k) => -a * v + (k === 3 ? a * distance + b : 0)),
+        z.map((v, k) => -v + (k === 3 ? distance : 0))];
+    } else {
+      rows = [x.map((v) => v / flat / aspect), y.map((v) => v / flat), z.map((v) => -v / depth), [0, 0, 0, 1]];
+    }
+    return new Float32Array([0, 1, 2, 3].flatMap((column) => rows.map((row) => row[column])));
+  },
+
+  // The ray through a place of the picture, given from -1 to 1 to the right and up.
+  ray(px, py, aspect) {
+    const { right, up, toward } = this.axes();
+    const onPlane = plusScaled(plusScaled(this.center, right, (px * aspect * this.height) / 2), up, (py * this.height) / 2);
+    if (!this.perspective) return { from: plusScaled(onPlane, toward, 4 * this.size + this.height), along: toward.map((v) => -v) };
+    const from = plusScaled(this.center, toward, this.distance());
+    return { from, along: minus(onPlane, from) };
+  },
+
+  turn(dx, dy) {
+    this.azimuth = (this.azimuth - dx) % 360;
+    this.elevation = Math.max(-90, Math.min(90, this.elevation + dy));
+  },
+
+  // Moves by parts of the picture's height.
+  move(dx, dy) {
+    const { right, up } = this.axes();
+    this.center = plusScaled(plusScaled(this.center, right, -dx * this.height), up, dy * this.height);
+  },
+
+  // Zooms by a factor and keeps a place of the picture where it is.
+  zoom(factor, px = 0, py = 0, aspect = 1) {
+    const height = Math.max(this.size * 1e-4, Math.min(this.size * 50, this.height * factor));
+    const change = (this.height - height) / 2;
+    const { right, up } = this.axes();
+    this.center = plusScaled(plusScaled(this.center, right, px * aspect * change), up, py * change);
+    this.height = height;
+  },
+};
+
+// Where a line meets the plane of a triangle: the weights of the corners and the point. Null if they are parallel.
+function meet(ray, a, b, c) {
+  const [ab, ac] = [minus(b, a), minus(c, a)];
+  const normal = cross(ab, ac);
+  const slope = dot(normal, ray.along);
+  if (slope === 0) return null;
+  const point = plusScaled(ray.from, ray.along, dot(normal, minus(a, ray.from)) / slope);
+  const whole = dot(normal, normal);
+  const toPoint = minus(point, a);
+  const beta = dot(normal, cross(toPoint, ac)) / whole;
+  const gamma = dot(normal, cross(ab, toPoint)) / whole;
+  return { point, weights: [1 - beta - gamma, beta, gamma] };
+}

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+// What is shown, and how a change of it reaches the picture.
+
+const shown = {
+  visible: new Set(), result: -1, component: 0, state: -1, rangeMode: "state", typed: [0, 1], range: [NaN, NaN],
+  map: "Viridis", edges: false, clipAxis: -1, clipPlace: 0.5, clipFlip: false, figures: null, picked: null, timer: 0,
+};
+const surfaces = new Map();
+let renderer;
+let overlay;
+let chart;
+let box = [[0, 0, 0], [1, 1, 1]]; // of what is visible
+let running = null; // the refresh under way
+let isStale = false; // something changed since it started
+let drawRequest = 0;
+
+const visibleSurfaces = () => [...shown.visible].sort((a, b) => a - b).map((number) => surfaces.get(number)).filter(Boolean);
+
+// Brings the picture in line with `shown`. Changes that come while it runs are taken up by one more turn.
+function refresh() {
+  isStale = true;
+  running ??= (async () => {
+    try {
+      while (isStale) {
+        isStale = false;
+        await update();
+      }
+    } catch (error) {
+      tellFailure(error);
+    } finally {
+      running = null;
+    }
+  })();
+  return running;
+}
+
+function tellFailure(error) {
+  element("message").textContent = `The page cannot be shown: ${error.message}`;
+  console.error(error);
+}
+
+async function update() {
+  const key = `${shown.result} ${shown.component} ${shown.state}`;
+  for (const number of shown.visible) {
+    const isNew = !surfaces.has(number);
+    const surface = surfaces.get(number) || new Surface(number);
+    if (isNew) await surface.load();
+    const points = await surface.movePoints(shown.state);
+    const values = surface.key !== key;
+    if (values) await surface.loadValues(shown.result, shown.component, shown.state);
+    renderer.upload(surface, { points, values });
+    surface.key = key;
+    surfaces.set(number, surface);
+  }
+  box = boxOf(visibleSurfaces());
+  await updateFigures();
+  renderer.setColors(colorTable(shown.map));
+  updateControls();
+  draw();
+  updatePicked();
+}
+
+// Figures of the groups that are on; of all groups if none of them has values.
+async function updateFigures() {
+  const rows = [];
+  for (let state = 0; shown.result >= 0 && state < page.states.length; ++state) {
+    rows.push({ time: page.states[state].time, figures: await figuresOfGroups(shown.result, shown.component, state, shown.visible) });
+  }
+  shown.figures = rows.length ? rows[shown.state].figures : null;
+  const all = rows.map((row) => row.figures).filter((figures) => Number.isFinite(figures.least));
+  if (shown.rangeMode === "typed") shown.range = shown.typed;
+  else if (shown.rangeMode === "all") shown.range = all.length ? [Math.min(...all.map((f) => f.least)), Math.max(...all.map((f) => f.greatest))] : [NaN, NaN];
+  else shown.range = shown.figures ? [shown.figures.least, shown.figures.greatest] : [NaN, NaN];
+  element("chart").hidden = rows.length < 2;
+  element("chart").style.display = rows.length < 2 ? "none" : "";
+  if (rows.length > 1) chart.show(rows, shown.state, legendTitle());
+}
+
+function legendTitle() {
+  const result = page.results[shown.result];
+  const component = result.components[shown.component];
+  return resultTitle(result) + (component ? `, ${component}` : "");
+}
+
+const clipPosition = () => box[0][shown.clipAxis] + (box[1][shown.clipAxis] - box[0][shown.clipAxis]) * shown.clipPlace;
+
+// How surfaces look, for the renderer.
+function look() {
+  const clip = [0, 0, 0, 1];
+  if (shown.clipAxis >= 0) {
+    clip[shown.clipAxis] = shown.clipFlip ? -1 : 1;
+    clip[3] = (shown.clipFlip ? -1 : 1) * clipPosition();
+  }
+  const isDark = document.documentElement.dataset.theme === "dark";
+  const range = Number.isFinite(shown.range[0]) ? shown.range : [0, 0];
+  return { clip, range, edges: shown.edges, edgeColor: isDark ? [0.04, 0.05, 0.06] : [0.13, 0.15, 0.18], missing: MISSING_COLOR, plain: PLAIN_COLOR };
+}
+
+function legend() {
+  if (shown.result < 0) return null;
+  const others = [];
+  const missing = missingText(shown.figures);
+  if (missing) others.push([MISSING_COLOR, missing]);
+  if (visibleSurfaces().some((surface) => !surface.shown)) others.push([PLAIN_COLOR, "without values"]);
+  return { title: legendTitle(), unit: page.results[shown.result].unit, range: shown.range, table: colorTable(shown.map), others };
+}
+
+function draw() {
+  const { canvas } = renderer;
+  const ratio = window.devicePixelRatio || 1;
+  const [width, height] = [canvas.clientWidth, canvas.clientHeight];
+  for (const target of [canvas, overlay.canvas]) {
+    const size = [Math.round(width * ratio), Math.round(height * ratio)];
+    if (target.width !== size[0] || target.height !== size[1]) [target.width, target.height] = size;
+  }
+  renderer.draw(visibleSurfaces(), look());
+  overlay.draw(width, height, ratio, legend(), markPlace(width, height));
+}
+
+// Draws with the next picture of the screen, for changes that come faster than it.
+function requestDraw() {
+  drawRequest ||= requestAnimationFrame(() => {
+    drawRequest = 0;
+    draw();
+  });
+}
+
+// Picks what is at a place of the canvas.
+function pickAt(x, y) {
+  const { canvas } = renderer;
+  const ratio = canvas.width / canvas.clientWidth;
+  const found = renderer.pick(visibleSurfaces(), look(), Math.floor(x * ratio), canvas.height - 1 - Math.floor(y * ratio));
+  if (!found) return showPicked(null);
+  const ray = camera.ray((2 * x) / canvas.clientWidth - 1, 1 - (2 * y) / canvas.clientHeight, renderer.aspect());
+  const corners = [0, 1, 2].map((k) => found.surface.corner(found.triangle, k));
+  const place = meet(ray, ...corners);
+  showPicked(place && { ...found, weights: place.weights });
+}
+
+function showPicked(picked) {
+  shown.picked = picked;
+  updatePicked();
+  requestDraw();
+}
+
+// The picked place in the present state: it stays at its face when points move.
+function pickedPoint() {
+  const { surface, triangle, weights } = shown.picked;
+  return weights.reduce((sum, weight, k) => plusScaled(sum, surface.corner(triangle, k), weight), [0, 0, 0]);
+}
+
+function markPlace(width, height) {
+  if (!shown.picked || !shown.visible.has(shown.picked.surface.number)) return null;
+  const point = [...pickedPoint(), 1];
+  const m = camera.matrix(renderer.aspect());
+  const [x, y, , w] = [0, 1, 2, 3].map((row) => point.reduce((sum, value, k) => sum + m[4 * k + row] * value, 0));
+  return w > 0 ? [((x / w + 1) / 2) * width, ((1 - y / w) / 2) * height] : null;
+}
+
+function valueText(value) {
+  if (value === null) return "no values here";
+  return value === UNDEFINED ? "undefined" : Number.isNaN(value) ? "NaN" : numberText(value, 6);
+}
+
+// Part, cell, coordinates and value of the picked place.
+function pickedRows() {
+  const { surface, triangle, weights } = shown.picked;
+  const { group } = surface;
+  const point = pickedPoint().map((value, k) => numberText(value + page.origin[k], 6));
+  const isSolid = group.kind === "part" || group.kind === "cell zone";
+  const rows = [[group.kind[0].toUpperCase() + group.kind.slice(1), group.name]];
+  if (group.part !== null) rows.push(["Part", page.groups[group.part].name]);
+  rows.push([isSolid ? "Cell" : "Face", String(surface.cells[surface.faceOf[triangle]])], ["Place", point.join("  ")]);
+  if (shown.result >= 0) rows.push([legendTitle(), `${valueText(surface.valueAt(triangle, weights))} ${page.results[shown.result].unit}`]);
+  return rows;
+}
+
+function updatePicked() {
+  const isOn = shown.picked !== null && shown.visible.has(shown.picked.surface.number);
+  element("picked").hidden = !isOn;
+  if (!isOn) return;
+  const list = make("dl");
+  for (const [name, text] of pickedRows()) list.append(make("dt", name), make("dd", text));
+  element("picked").replaceChildren(list);
+}
+
+// The first result on cells that is not the same everywhere in the latest state: a scalar, or else a vector.
+async function defaultResult(state) {
+  const all = page.groups.map((_, i) => i);
+  for (const isWanted of [(components) => components.length === 1, (components) => components.includes("magnitude")]) {
+    for (const [i, result] of page.results.entries()) {
+      if (!isWanted(result.components) || state < 0) continue;
+      const figures = await figuresOfGroups(i, result.components.length - 1, state, all);
+      if (figures.least < figures.greatest) return i;
+    }
+  }
+  return page.results.length - 1 < 0 || state < 0 ? -1 : 0;
+}
+
+// Parts if there are any, since patches and zones lie on them.
+function defaultGroups() {
+  const drawn = page.groups.map((group, i) => [group, i]).filter(([group]) => group.faces > 0);
+  const parts = drawn.filter(([group]) => group.kind === "part");
+  return (parts.length ? parts : drawn).map(([, i]) => i);
+}
+
+async function start() {
+  document.documentElement.dataset.theme = matchMedia("(prefers-color-scheme: dark)").matches ? "dark" : "light";
+  document.body.classList.toggle("picture", location.hash === "#picture");
+  document.title = page.name;
+  element("name").textContent = page.name;
+  renderer = new Renderer(element("view"));
+  overlay = new Overlay(element("overlay"));
+  chart = new Chart(element("chart"), chooseState);
+  shown.visible = new Set(defaultGroups());
+  shown.state = page.states.length - 1;
+  connectControls();
+  buildTree();
+  chooseResult(await defaultResult(shown.state));
+  await refresh();
+  const hasFaces = visibleSurfaces().length > 0;
+  if (element("message").textContent === "Loading") element("message").textContent = hasFaces ? "" : "The case has nothing to draw.";
+  resetView();
+  await running;
+  connectInput(element("view"));
+  new ResizeObserver(() => refresh()).observe(element("stage"));
+}
+
+// Resolves when the first picture is complete.
+const started = start().catch(tellFailure);

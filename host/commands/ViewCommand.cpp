@@ -4,10 +4,10 @@
 #include "commands/Commands.h"
 #include "commands/Selection.h"
 #include "output/ByteText.h"
-#include "output/OutputFile.h"
 #include "output/ProgressBar.h"
 #include "view/Browser.h"
 #include "view/CasePage.h"
+#include "view/ScratchFolder.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -17,7 +17,6 @@
 #include <filesystem>
 
 #include <signal.h>
-#include <stdlib.h>
 
 namespace {
 
@@ -40,38 +39,6 @@ struct ViewOptions
     bool overwrite = false;
 };
 
-/// A folder that is removed with all its files at the end, also after an interrupt.
-class ScratchFolder
-{
-public:
-    ScratchFolder() : m_path(make()), m_onInterrupt([path = m_path] { remove(path); }) {}
-    ~ScratchFolder() { remove(m_path); }
-
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    const fs::path& path() const { return m_path; }
-
-private:
-    static fs::path make()
-    {
-        std::string name = (fs::temp_directory_path() / "ddphost-view-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) {
-            throw HostError(ExitCode::CannotWrite, "cannot create a folder in " + fs::temp_directory_path().string());
-        }
-        return name;
-    }
-
-    static void remove(const fs::path& path)
-    {
-        std::error_code error;
-        fs::remove_all(path, error);
-    }
-
-    fs::path m_path;
-    OnInterrupt m_onInterrupt;
-};
-
 /// "1 state", "2 states".
 std::string counted(std::size_t count, const char* noun)
 {
@@ -90,6 +57,9 @@ public:
     {
         // Without a handler a file that grows past the limit of the process ends it before anything can be told.
         static_cast<void>(signal(SIGXFSZ, SIG_IGN));
+        if (!m_options.picture.empty() && !hasChromium()) {
+            throw HostError(ExitCode::CannotWrite, NO_CHROMIUM);
+        }
         PageContent content = select();
         const std::vector<UnreadMesh> unread = unreadMeshes(*m_opened);
         noteWhatIsMissing(unread, &content);

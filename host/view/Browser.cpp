@@ -2,13 +2,21 @@
 #include "view/Browser.h"
 
 #include "border/HostError.h"
+#include "output/Interrupt.h"
+#include "view/ScratchFolder.h"
 
 #include <fmt/format.h>
 
-#include <array>
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -17,11 +25,23 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern char** environ;
-
 namespace {
 
 namespace fs = std::filesystem;
+
+// What the page logs at its end if its address ends in "#picture" (page/main.js).
+constexpr const char* PICTURE_MODE = "#picture";
+constexpr std::string_view DRAWN_MARK = "\"picture: drawn\"";
+constexpr std::string_view FAILED_MARK = "\"picture: ";
+
+// Far more than any page needs, so only a browser that hangs is ended.
+constexpr std::chrono::seconds LONGEST_RUN(180);
+constexpr std::chrono::milliseconds LOOK_INTERVAL(20);
+
+[[noreturn]] void fail(const std::string& message)
+{
+    throw HostError(ExitCode::CannotWrite, message);
+}
 
 /// The program of this name in the folders of PATH; empty if there is none.
 fs::path programInPath(const std::string& name)
@@ -40,24 +60,23 @@ fs::path programInPath(const std::string& name)
     return {};
 }
 
-fs::path chromium()
+fs::path chromiumProgram()
 {
     for (const char* const name : {"chromium", "chromium-browser", "google-chrome", "google-chrome-stable"}) {
         if (fs::path found = programInPath(name); !found.empty()) {
             return found;
         }
     }
-    throw HostError(ExitCode::CannotWrite, "a picture needs Chromium, which is not installed: as root, run: apt-get "
-                                           "install chromium (or write the page only, with -o)");
+    return {};
 }
 
 /// The address of a file, with everything but plain characters as codes.
 std::string addressOf(const fs::path& file)
 {
-    static constexpr const char* PLAIN = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
+    constexpr std::string_view PLAIN = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
     std::string address = "file://";
     for (const char c : fs::absolute(file).string()) {
-        if (std::string_view(PLAIN).find(c) != std::string_view::npos) {
+        if (PLAIN.find(c) != std::string_view::npos) {
             address += c;
         } else {
             address += fmt::format("%{:02X}", static_cast<unsigned char>(c));
@@ -66,11 +85,11 @@ std::string addressOf(const fs::path& file)
     return address;
 }
 
-/// Starts a program without input and output of ours.
-/// @return its process, or -1
-pid_t start(const std::vector<std::string>& arguments)
+/// Starts a program that writes to a file and reads nothing.
+pid_t start(const std::vector<std::string>& arguments, const fs::path& output)
 {
     std::vector<char*> list;
+    list.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         list.push_back(const_cast<char*>(argument.c_str()));
     }
@@ -78,8 +97,8 @@ pid_t start(const std::vector<std::string>& arguments)
     posix_spawn_file_actions_t actions = {};
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
     // Our signals are blocked in all threads, and the program must not inherit that.
     posix_spawnattr_t attributes = {};
     posix_spawnattr_init(&attributes);
@@ -91,20 +110,105 @@ pid_t start(const std::vector<std::string>& arguments)
     const int error = posix_spawn(&process, list[0], &actions, &attributes, list.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
-    return error == 0 ? process : -1;
+    if (error != 0) {
+        fail(fmt::format("cannot start {}: {}", arguments.front(), std::strerror(error)));
+    }
+    return process;
+}
+
+/// Waits for a program, and ends it if it takes too long.
+/// @return false if it had to be ended
+bool waitFor(pid_t process)
+{
+    const OnInterrupt onInterrupt([process] { static_cast<void>(kill(process, SIGTERM)); });
+    const auto end = std::chrono::steady_clock::now() + LONGEST_RUN;
+    int status = 0;
+    while (waitpid(process, &status, WNOHANG) == 0) {
+        if (std::chrono::steady_clock::now() > end) {
+            static_cast<void>(kill(process, SIGKILL));
+            static_cast<void>(waitpid(process, &status, 0));
+            return false;
+        }
+        std::this_thread::sleep_for(LOOK_INTERVAL);
+    }
+    return true;
+}
+
+std::string textOf(const fs::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// Why there is no picture, from what the browser wrote.
+std::string failureOf(const std::string& log)
+{
+    const std::size_t mark = log.find(FAILED_MARK);
+    if (mark == std::string::npos) {
+        return "the browser does not draw the page";
+    }
+    const std::size_t first = mark + FAILED_MARK.size();
+    return log.substr(first, log.find_first_of("\"\n", first) - first);
+}
+
+void move(const fs::path& from, const fs::path& to)
+{
+    std::error_code error;
+    fs::rename(from, to, error);
+    // The temporary files may be on another file system.
+    if (error) {
+        fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+    }
+    if (error) {
+        fail(fmt::format("cannot write {}: {}", to.string(), error.message()));
+    }
 }
 
 } // namespace
 
+bool hasChromium()
+{
+    return !chromiumProgram().empty();
+}
+
 void savePicture(const fs::path& page, const fs::path& picture)
 {
-    static_cast<void>(chromium());
-    static_cast<void>(addressOf(page));
-    static_cast<void>(picture);
+    const fs::path program = chromiumProgram();
+    if (program.empty()) {
+        fail(NO_CHROMIUM);
+    }
+    const ScratchFolder scratch;
+    const fs::path drawn = scratch.path() / "picture.png";
+    const fs::path log = scratch.path() / "log";
+    std::vector<std::string> arguments = {
+        program.string(), "--headless=new", "--hide-scrollbars", "--no-first-run", "--disable-background-networking",
+        // No machine without a screen has a graphics card that it could count on.
+        "--use-angle=swiftshader", "--enable-unsafe-swiftshader", "--enable-logging=stderr",
+        "--user-data-dir=" + (scratch.path() / "profile").string(), "--window-size=1600,1000",
+        // The browser's clock stops while the page works, so this is not how long it takes.
+        "--virtual-time-budget=20000", "--screenshot=" + drawn.string()};
+    if (geteuid() == 0) {
+        arguments.emplace_back("--no-sandbox");
+    }
+    arguments.push_back(addressOf(page) + PICTURE_MODE);
+    if (!waitFor(start(arguments, log))) {
+        fail(fmt::format("{} did not draw the page in {} seconds", program.string(), LONGEST_RUN.count()));
+    }
+    const std::string told = textOf(log);
+    if (told.find(DRAWN_MARK) == std::string::npos || !fs::exists(drawn)) {
+        fail(fmt::format("no picture of the page: {}", failureOf(told)));
+    }
+    move(drawn, picture);
 }
 
 bool openPage(const fs::path& page)
 {
     const fs::path opener = programInPath("xdg-open");
-    return !opener.empty() && start({opener.string(), fs::absolute(page).string()}) >= 0;
+    if (opener.empty()) {
+        return false;
+    }
+    // It hands the page to the browser and ends, with a code that says whether there is one.
+    const pid_t process = start({opener.string(), fs::absolute(page).string()}, "/dev/null");
+    int status = 0;
+    return waitpid(process, &status, 0) == process && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }

@@ -22,7 +22,7 @@ class Chromium:
     """One browser with one page. Keeps all that the page logs as an error, and each request that leaves the file."""
 
     def __init__(self, width=1200, height=800):
-        self.profile = tempfile.TemporaryDirectory()
+        self.profile = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
         self.errors = []
         self.requests = []
         self.count = 0
@@ -46,10 +46,11 @@ class Chromium:
         os.close(theirs_in)
         os.close(theirs_out)
         self.session = None
-        target = self.call("Target.createTarget", url="about:blank", width=width, height=height)["targetId"]
+        target = self.call("Target.createTarget", url="about:blank")["targetId"]
         self.session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
         for domain in ("Page", "Runtime", "Log", "Network"):
             self.call(f"{domain}.enable")
+        self.call("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=1, mobile=False)
 
     def __enter__(self):
         return self

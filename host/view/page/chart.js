@@ -60,7 +60,7 @@ class Chart {
 
   drawFrame(context, low, high, yOf, bottom) {
     context.textAlign = "right";
-    for (const tick of ticksOf(low, high, 3)) {
+    for (const tick of ticksOf(low, high, 4.5)) {
       context.fillStyle = themeColor("--line");
       context.fillRect(this.left, yOf(tick) - 0.5, this.width - this.left - this.rightSpace, 1);
       context.fillStyle = themeColor("--faint");

@@ -191,7 +191,7 @@ function updateControls() {
   const state = page.states[shown.state];
   element("state").value = shown.state;
   element("state-name").textContent = state ? `time ${state.folder || numberText(state.time, 8)}` : "";
-  element("title").textContent = [page.title, state && page.states.length < 2 ? `time ${state.folder || numberText(state.time, 8)}` : ""].filter(Boolean).join(", ");
+  element("title").textContent = [page.title === page.name ? "" : page.title, state && page.states.length < 2 ? `time ${state.folder || numberText(state.time, 8)}` : ""].filter(Boolean).join(", ");
   element("range").value = shown.rangeMode;
   const isTyping = ["least", "greatest"].includes(document.activeElement.id);
   ["least", "greatest"].forEach((id, i) => {

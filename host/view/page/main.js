@@ -72,7 +72,6 @@ async function updateFigures() {
   else if (shown.rangeMode === "all") shown.range = all.length ? [Math.min(...all.map((f) => f.least)), Math.max(...all.map((f) => f.greatest))] : [NaN, NaN];
   else shown.range = shown.figures ? [shown.figures.least, shown.figures.greatest] : [NaN, NaN];
   element("chart").hidden = rows.length < 2;
-  element("chart").style.display = rows.length < 2 ? "none" : "";
   if (rows.length > 1) chart.show(rows, shown.state, legendTitle());
 }
 
@@ -226,5 +225,8 @@ async function start() {
   new ResizeObserver(() => refresh()).observe(element("stage"));
 }
 
-// Resolves when the first picture is complete.
-const started = start().catch(tellFailure);
+// Resolves when the first picture is complete. A program that takes the picture finds out from the log.
+const started = start().catch(tellFailure).then(() => {
+  const message = element("message").textContent;
+  if (location.hash === "#picture") console.info(`picture: ${message.replaceAll('"', "'") || "drawn"}`);
+});

@@ -54,6 +54,10 @@ PageFile::PageFile(fs::path path, bool replace)
     if (fs::is_directory(m_path, error)) {
         throw HostError(ExitCode::Usage, fmt::format("{} is a folder; name a file for the page", m_path.string()));
     }
+    if (const fs::path folder = fs::absolute(m_path).parent_path(); !fs::is_directory(folder, error)) {
+        throw HostError(ExitCode::CannotWrite,
+                        fmt::format("cannot write {}: there is no folder {}", m_path.string(), folder.string()));
+    }
     if (!replace && !isFree(m_path)) {
         throw HostError(ExitCode::Usage,
                         fmt::format("{} is not a page of ddphost; --overwrite replaces it", m_path.string()));

@@ -15,8 +15,15 @@ const STANDARD_VIEWS = [
 const camera = {
   azimuth: -60, elevation: 28, center: [0, 0, 0], height: 1, size: 1, perspective: true,
 
-  // Shows a whole box, by default from above and the side.
-  reset(box, azimuth = -60, elevation = 28) {
+  // Shows a whole box: a flat one from its front, any other from above and the side.
+  home(box) {
+    const size = minus(box[1], box[0]);
+    const thin = size.indexOf(Math.min(...size));
+    const isFlat = size[thin] < 0.15 * Math.min(...size.filter((_, k) => k !== thin));
+    this.reset(box, ...(isFlat ? [[0, 0], [-90, 0], [-90, 90]][thin] : [-60, 28]));
+  },
+
+  reset(box, azimuth, elevation) {
     this.azimuth = azimuth;
     this.elevation = elevation;
     this.center = box[0].map((low, k) => (low + box[1][k]) / 2);

@@ -122,13 +122,16 @@ function standardView(number) {
 }
 
 function resetView() {
-  camera.reset(boxOf(visibleSurfaces()));
+  camera.home(boxOf(visibleSurfaces()));
   refresh();
 }
 
-// The picture with its background, as a file.
+const stateText = (state) => `time ${state.folder || numberText(state.time, 8)}`;
+
+// The picture with its background and a caption, as a file.
 function savePicture() {
   const { canvas } = renderer;
+  draw(true);
   const picture = make("canvas", "", { width: canvas.width, height: canvas.height });
   const context = picture.getContext("2d");
   const background = context.createLinearGradient(0, 0, 0, canvas.height);
@@ -138,6 +141,7 @@ function savePicture() {
   context.fillRect(0, 0, canvas.width, canvas.height);
   context.drawImage(canvas, 0, 0);
   context.drawImage(overlay.canvas, 0, 0);
+  draw();
   return new Promise((resolve) => picture.toBlob(resolve, "image/png"));
 }
 
@@ -190,8 +194,8 @@ function connectControls() {
 function updateControls() {
   const state = page.states[shown.state];
   element("state").value = shown.state;
-  element("state-name").textContent = state ? `time ${state.folder || numberText(state.time, 8)}` : "";
-  element("title").textContent = [page.title === page.name ? "" : page.title, state && page.states.length < 2 ? `time ${state.folder || numberText(state.time, 8)}` : ""].filter(Boolean).join(", ");
+  element("state-name").textContent = state ? stateText(state) : "";
+  element("title").textContent = [page.title === page.name ? "" : page.title, state && page.states.length < 2 ? stateText(state) : ""].filter(Boolean).join(", ");
   element("range").value = shown.rangeMode;
   const isTyping = ["least", "greatest"].includes(document.activeElement.id);
   ["least", "greatest"].forEach((id, i) => {

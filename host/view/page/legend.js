@@ -21,8 +21,8 @@ class Overlay {
     this.context = canvas.getContext("2d");
   }
 
-  // `legend` has title, unit, range, figures, table of colours and the names of groups without values; null for none.
-  draw(width, height, ratio, legend, mark) {
+  // The caption is a line in the upper left corner. `legend` has title, unit, range, figures, table of colours and the names of groups without values; null for none.
+  draw(width, height, ratio, { legend, mark, caption }) {
     const { context } = this;
     context.setTransform(ratio, 0, 0, ratio, 0, 0);
     context.clearRect(0, 0, width, height);
@@ -32,6 +32,7 @@ class Overlay {
     this.drawAxes(height);
     if (legend) this.drawLegend(width, height, legend);
     if (mark) this.drawMark(mark);
+    if (caption) this.text(caption, 18, 20, "left", "600");
   }
 
   // Text with a rim of the background's colour, to be read on any colour.

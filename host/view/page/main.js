@@ -104,7 +104,8 @@ function legend() {
   return { title: legendTitle(), unit: page.results[shown.result].unit, range: shown.range, table: colorTable(shown.map), others };
 }
 
-function draw() {
+// A picture that goes elsewhere has a caption, for lack of the rest of the page.
+function draw(hasCaption = document.body.classList.contains("picture")) {
   const { canvas } = renderer;
   const ratio = window.devicePixelRatio || 1;
   const [width, height] = [canvas.clientWidth, canvas.clientHeight];
@@ -113,7 +114,9 @@ function draw() {
     if (target.width !== size[0] || target.height !== size[1]) [target.width, target.height] = size;
   }
   renderer.draw(visibleSurfaces(), look());
-  overlay.draw(width, height, ratio, legend(), markPlace(width, height));
+  const state = page.states[shown.state];
+  const caption = hasCaption ? page.name + (state ? `, ${stateText(state)}` : "") : "";
+  overlay.draw(width, height, ratio, { legend: legend(), mark: markPlace(width, height), caption });
 }
 
 // Draws with the next picture of the screen, for changes that come faster than it.

@@ -33,7 +33,7 @@ void main() {
     base = shown > 1e38 ? missing : texture(colors, vec2((clamp(t, 0.0, 1.0) * 255.0 + 0.5) / 256.0, 0.5)).rgb;
   }
   float facing = abs(dot(across, toward)) / max(length(across), 1e-30);
-  vec3 lit = base * (0.68 + 0.32 * facing) * (gl_FrontFacing ? 1.0 : 0.78);
+  vec3 lit = base * (0.76 + 0.24 * facing) * (gl_FrontFacing ? 1.0 : 0.8);
   vec3 sideDistance = corner / max(w, vec3(1e-9));
   float nearest = 1e9;
   if ((sideBits & 1) != 0) nearest = min(nearest, sideDistance.x);

@@ -123,6 +123,7 @@ def try_commands(folder):
         run("info", ["info", case, "--counts", "--set", "LOAD_FACE_ZONES=on"])
         run("stats", ["stats", case, "--state", "all"])
         run("export", ["export", case, "-o", f"{folder}/vtk/{kind}", "--state", "all"])
+        run("view", ["view", case, "-o", f"{folder}/{kind}.html", "--state", "latest"])
     run("info", ["info", cavity])
     run("export", ["export", cavity, "-o", f"{folder}/vtk/geometry"])
     run("doctor", ["doctor"])

@@ -8,7 +8,7 @@ function connectInput(canvas) {
   let travelled = 0;
 
   canvas.addEventListener("pointerdown", (event) => {
-    canvas.focus({ preventScroll: true });
+    canvas.focus({ preventScroll: true, focusVisible: false });
     canvas.setPointerCapture(event.pointerId);
     if (pointers.size === 0) travelled = 0;
     pointers.set(event.pointerId, [event.offsetX, event.offsetY]);

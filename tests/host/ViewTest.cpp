@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: MIT
+// What goes into a page, and what its file is like whichever way the command ends. tests/view looks at pages in a
+// browser.
+#include "border/HostResult.h"
+#include "check/CellFaces.h"
+#include "host/ProgramRun.h"
+#include "view/OuterFaces.h"
+#include "view/PackedArray.h"
+#include "view/PageFile.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <numeric>
+#include <set>
+
+#include <zlib.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+constexpr double INF = std::numeric_limits<double>::infinity();
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+/// Unit cubes side by side along x; the nodes of each end stand in the order of a hexahedron's base and top.
+struct CubeRow
+{
+    HostNodeGroup nodes{100};
+    HostElementGroup elements{100};
+
+    explicit CubeRow(std::int32_t count)
+    {
+        std::vector<double> coordinates;
+        for (std::int32_t x = 0; x <= count; ++x) {
+            for (const auto& [y, z] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
+                coordinates.insert(coordinates.end(), {double(x), double(y), double(z)});
+            }
+        }
+        nodes.setNodes(coordinates.data(), coordinates.size() / 3);
+        std::vector<std::int32_t> connectivity(8 * static_cast<std::size_t>(count));
+        for (std::size_t k = 0; k < connectivity.size(); ++k) {
+            connectivity[k] = static_cast<std::int32_t>(4 * (k / 8) + k % 8);
+        }
+        std::vector<std::int32_t> ids(static_cast<std::size_t>(count));
+        std::iota(ids.begin(), ids.end(), 0);
+        elements.setUniformElements(DDP_HEXAHEDRON, ids.size(), connectivity.data(), connectivity.size(), ids.data());
+    }
+};
+
+/// The volume that the triangles of all fans enclose; only closed surfaces that look outward give the right one.
+double volumeInside(const HostNodeGroup& nodes, const DrawnFaces& faces)
+{
+    double volume = 0;
+    std::size_t first = 0;
+    for (const std::uint8_t size : faces.sizes) {
+        const auto node = [&](std::size_t k) {
+            return faces.nodes[static_cast<std::size_t>(faces.corners[first + k])];
+        };
+        for (std::size_t k = 1; k + 1 < size; ++k) {
+            const std::array<std::int32_t, 3> triangle = {node(0), node(k), node(k + 1)};
+            volume += volumeUnder(nodes.coordinates, triangle, {});
+        }
+        first += size;
+    }
+    return volume;
+}
+
+TEST(OuterFaces, LeavesOutWhatTwoCellsShare)
+{
+    const CubeRow row(3);
+    const DrawnFaces faces = outerFaces(row.nodes, row.elements);
+    EXPECT_EQ(faces.sizes, std::vector<std::uint8_t>(14, 4));
+    EXPECT_EQ(std::set<std::int32_t>(faces.corners.begin(), faces.corners.end()).size(), faces.nodes.size());
+    EXPECT_EQ(std::ranges::count(faces.elements, 0), 5);
+    EXPECT_EQ(std::ranges::count(faces.elements, 1), 4);
+    EXPECT_NEAR(volumeInside(row.nodes, faces), 3, 1e-12);
+}
+
+TEST(OuterFaces, OfAZoneIncludeThoseToOtherCells)
+{
+    CubeRow row(4);
+    const std::array<std::int32_t, 4> partIds = {1, 7, 7, 1};
+    row.elements.setElementPartIds(partIds.data(), partIds.size());
+    const DrawnFaces faces = outerFaces(row.nodes, row.elements, 7);
+    EXPECT_EQ(faces.sizes.size(), 10U);
+    EXPECT_EQ(std::set<std::int32_t>(faces.elements.begin(), faces.elements.end()), (std::set<std::int32_t>{1, 2}));
+    EXPECT_NEAR(volumeInside(row.nodes, faces), 2, 1e-12);
+    EXPECT_TRUE(outerFaces(row.nodes, row.elements, 8).sizes.empty());
+}
+
+TEST(FlatFaces, KeepBothOfTwoOnTopOfEachOther)
+{
+    CubeRow row(1);
+    const std::array<std::int32_t, 8> connectivity = {0, 1, 2, 3, 3, 2, 1, 0};
+    const std::array<std::int32_t, 2> ids = {0, 1};
+    row.elements.setUniformElements(DDP_QUADRILATERAL, 2, connectivity.data(), connectivity.size(), ids.data());
+    EXPECT_EQ(flatFaces(row.nodes, row.elements).elements, (std::vector<std::int32_t>{0, 1}));
+}
+
+// A fan from the wrong corner of an arrowhead covers what is outside of it.
+TEST(FlatFaces, StartWhereAFanDoesNotFold)
+{
+    for (std::size_t turn = 0; turn < 4; ++turn) {
+        SCOPED_TRACE(turn);
+        HostNodeGroup nodes(100);
+        const std::array<double, 12> arrow = {0, 0, 0, 2, 2, 0, 0, 1, 0, -2, 2, 0}; // dented at (0 1)
+        nodes.setNodes(arrow.data(), 4);
+        HostElementGroup elements(100);
+        std::array<std::int32_t, 4> corners = {0, 1, 2, 3};
+        std::rotate(corners.begin(), corners.begin() + static_cast<std::ptrdiff_t>(turn), corners.end());
+        const std::int32_t id = 0;
+        elements.setUniformElements(DDP_QUADRILATERAL, 1, corners.data(), 4, &id);
+        const DrawnFaces faces = flatFaces(nodes, elements);
+        const std::int32_t start = faces.nodes[static_cast<std::size_t>(faces.corners[0])];
+        EXPECT_TRUE(start == 0 || start == 2) << start;
+    }
+}
+
+/// Undoes what is done to an array for a page: base64, deflate, planes of bytes, differences.
+template <typename Number>
+std::vector<Number> unpacked(const PackedArray& array)
+{
+    std::string packed;
+    std::uint32_t bits = 0;
+    int held = 0;
+    for (const char c : array.text.substr(0, array.text.find('='))) {
+        const std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+        bits = bits << 6U | static_cast<std::uint32_t>(digits.find(c));
+        held += 6;
+        if (held >= 8) {
+            held -= 8;
+            packed += static_cast<char>(bits >> static_cast<unsigned>(held) & 255U);
+        }
+    }
+    const auto count = array.form["count"].get<std::size_t>();
+    uLongf size = count * sizeof(Number);
+    std::vector<std::uint8_t> bytes(size);
+    EXPECT_EQ(uncompress(bytes.data(), &size, reinterpret_cast<const Bytef*>(packed.data()), packed.size()), Z_OK);
+    EXPECT_EQ(size, bytes.size());
+    std::vector<Number> numbers(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t plane = 0; plane < sizeof(Number); ++plane) {
+            numbers[i] = static_cast<Number>(numbers[i] | Number{bytes[plane * count + i]} << (8 * plane));
+        }
+        numbers[i] = static_cast<Number>(numbers[i] + (i == 0 || sizeof(Number) == 8 ? 0 : numbers[i - 1]));
+    }
+    return numbers;
+}
+
+TEST(PackedArray, ReturnsNumbersThatWrap)
+{
+    const std::vector<std::int32_t> integers = {5, -7, 2147483647, -2147483647 - 1, 0};
+    EXPECT_EQ(unpacked<std::uint32_t>(packIntegers(integers)),
+              std::vector<std::uint32_t>(integers.begin(), integers.end()));
+    EXPECT_EQ(unpacked<std::uint8_t>(packBytes({3, 255, 0, 4})), (std::vector<std::uint8_t>{3, 255, 0, 4}));
+    EXPECT_EQ(unpacked<std::uint64_t>(packDoubles({0.1, -INF})),
+              (std::vector<std::uint64_t>{std::bit_cast<std::uint64_t>(0.1), std::bit_cast<std::uint64_t>(-INF)}));
+    EXPECT_TRUE(unpacked<std::uint32_t>(packIntegers({})).empty());
+}
+
+// Pressures differ in their last digits; a float of the whole value would keep two of these.
+TEST(PackedArray, KeepsDigitsOfValuesThatAreLargeAndAlike)
+{
+    const std::vector<double> values = {101325.001, 101325.002, 101325.0035, 101324.9};
+    const PackedArray packed = packValues(values, 1, PagePrecision::Floats32);
+    const std::vector<std::uint32_t> bits = unpacked<std::uint32_t>(packed);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double value = packed.form["base"][0].get<double>() + std::bit_cast<float>(bits[i]);
+        EXPECT_NEAR(value, values[i], 1e-8);
+    }
+}
+
+// Small values next to large ones would lose their digits to a base.
+TEST(PackedArray, KeepsSmallValuesAmongLargeOnes)
+{
+    const PackedArray packed = packValues(std::vector<double>{-1e6, 1e-9, 1e6}, 1, PagePrecision::Floats32);
+    EXPECT_EQ(packed.form["base"][0], 0);
+    EXPECT_EQ(std::bit_cast<float>(unpacked<std::uint32_t>(packed)[1]), 1e-9F);
+}
+
+TEST(PackedArray, TellsMissingValuesFromOthers)
+{
+    // Two components; the second one has a single ordinary value.
+    const std::vector<double> values = {1, UNDEFINED_VALUE, NOT_A_NUMBER, 5, 3, INF, UNDEFINED_VALUE, -INF};
+    const std::vector<std::uint16_t> codes = unpacked<std::uint16_t>(packValues(values, 2, PagePrecision::Steps16));
+    EXPECT_EQ(codes, (std::vector<std::uint16_t>{0, 65534, 65531, 65535, 65535, 0, 65533, 65532}));
+    const std::vector<std::uint32_t> bits = unpacked<std::uint32_t>(packValues(values, 2, PagePrecision::Floats32));
+    const auto value = [&](std::size_t i) { return std::bit_cast<float>(bits[i]); };
+    EXPECT_EQ(value(3), std::numeric_limits<float>::max());
+    EXPECT_TRUE(std::isnan(value(1)));
+    EXPECT_EQ(value(6), INF);
+    EXPECT_EQ(value(7), -INF);
+    // Beyond the floats, but neither missing nor infinite.
+    const PackedArray large = packValues(std::vector<double>{1e300, 0}, 1, PagePrecision::Floats32);
+    EXPECT_LT(std::bit_cast<float>(unpacked<std::uint32_t>(large)[0]), std::numeric_limits<float>::max());
+}
+
+TEST(PageFile, HasNoMarkupFromNames)
+{
+    const std::string name = "</script><script>alert(1)</script><!--";
+    const std::string text = embeddedJson({{"name", name}, {"bytes", "\xff"}});
+    EXPECT_EQ(text.find('<'), std::string::npos);
+    EXPECT_EQ(json::parse(text)["name"], name);
+}
+
+/// A folder with a sample case in `case`.
+struct ViewCommand : testing::Test
+{
+    TempFolder folder;
+
+    void SetUp() override { ASSERT_EQ(runProgram(folder, "sample" + inQuotes(folder / "case")).code, 0); }
+
+    ProgramRun view(const std::string& arguments, const std::string& environment = "")
+    {
+        return runProgram(folder,
+                          "view" + inQuotes(folder / "case") + " -o" + inQuotes(folder / "out.html") + arguments,
+                          environment);
+    }
+
+    /// All files next to the case, without those that hold the program's output.
+    std::set<std::string> files() const
+    {
+        std::set<std::string> names;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder / "")) {
+            names.insert(entry.path().filename());
+        }
+        for (const char* const own : {"case", "out", "err"}) {
+            names.erase(own);
+        }
+        return names;
+    }
+};
+
+TEST_F(ViewCommand, ReplacesPagesButNoOtherFiles)
+{
+    EXPECT_EQ(view(" --state first").code, 0);
+    const std::string first = fileBytes(folder / "out.html");
+    EXPECT_EQ(view("").code, 0);
+    EXPECT_GT(fileBytes(folder / "out.html").size(), first.size());
+    std::ofstream(folder / "out.html") << "mine";
+    const ProgramRun refused = view("");
+    EXPECT_EQ(refused.code, 2);
+    EXPECT_NE(refused.err.find("--overwrite"), std::string::npos);
+    EXPECT_EQ(fileBytes(folder / "out.html"), "mine");
+    EXPECT_EQ(view(" --overwrite").code, 0);
+    EXPECT_EQ(files(), std::set<std::string>{"out.html"});
+}
+
+TEST_F(ViewCommand, LeavesTheOldPageAloneIfItFails)
+{
+    EXPECT_EQ(view(" --state first").code, 0);
+    const std::string before = fileBytes(folder / "out.html");
+    ASSERT_EQ(runProgram(folder, "sample" + inQuotes(folder / "large") + " --cells 60000 --states 4").code, 0);
+    fs::remove_all(folder / "case");
+    fs::rename(folder / "large", folder / "case");
+    const ProgramRun tooLarge = view(" --limit 1");
+    EXPECT_EQ(tooLarge.code, 6);
+    EXPECT_NE(tooLarge.err.find("larger than 1.0 MB"), std::string::npos) << tooLarge.err;
+    EXPECT_NE(tooLarge.err.find("--precision 16"), std::string::npos) << tooLarge.err;
+    EXPECT_EQ(view("", "ulimit -f 100;").code, 6);
+    EXPECT_EQ(fileBytes(folder / "out.html"), before);
+    EXPECT_EQ(files(), std::set<std::string>{"out.html"});
+}
+
+TEST_F(ViewCommand, TellsWhatToInstallForAPicture)
+{
+    const ProgramRun run = view(" --png" + inQuotes(folder / "x.png"), "PATH=/nowhere");
+    EXPECT_EQ(run.code, 6);
+    EXPECT_NE(run.err.find("apt-get install --no-install-recommends chromium"), std::string::npos) << run.err;
+    EXPECT_TRUE(files().empty());
+}
+
+// A page opened years later must not ask anyone for anything.
+TEST_F(ViewCommand, WritesAPageWithoutForeignAddresses)
+{
+    EXPECT_EQ(view("").code, 0);
+    const std::string page = fileBytes(folder / "out.html");
+    EXPECT_NE(page.find("default-src 'none'"), std::string::npos);
+    for (const char* const word : {"http:", "https:", "@import", "url(", "fetch(", "XMLHttpRequest", "innerHTML"}) {
+        EXPECT_EQ(page.find(word), std::string::npos) << word;
+    }
+}
+
+TEST_F(ViewCommand, TellsWhatIsInThePage)
+{
+    const ProgramRun run = view(" --state first --result T --json");
+    EXPECT_EQ(run.code, 0);
+    const json document = json::parse(run.out);
+    EXPECT_EQ(document["bytes"], fs::file_size(folder / "out.html"));
+    EXPECT_EQ(document["states"].size(), 1U);
+    EXPECT_EQ(document["leftOut"].size(), 2U) << document["leftOut"];
+    for (const json& result : document["results"]) {
+        EXPECT_NE(result["name"].get<std::string>().find("Temperature"), std::string::npos);
+    }
+}
+
+} // namespace

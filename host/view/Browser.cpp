@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include <cerrno>
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -102,7 +102,8 @@ pid_t start(const std::vector<std::string>& arguments, const fs::path& output)
     // Our signals are blocked in all threads, and the program must not inherit that.
     posix_spawnattr_t attributes = {};
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    // A group of its own, so that its processes can be ended together.
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
     sigset_t none = {};
     sigemptyset(&none);
     posix_spawnattr_setsigmask(&attributes, &none);
@@ -116,23 +117,43 @@ pid_t start(const std::vector<std::string>& arguments, const fs::path& output)
     return process;
 }
 
-/// Waits for a program, and ends it if it takes too long.
-/// @return false if it had to be ended
-bool waitFor(pid_t process)
+/// A program that is ended with all its processes if it takes too long, or after an interrupt.
+///
+/// Make one before the folder that the program writes to: clean-ups run in the order of their making, and the folder
+/// can be removed only when nobody writes to it.
+class Program
 {
-    const OnInterrupt onInterrupt([process] { static_cast<void>(kill(process, SIGTERM)); });
-    const auto end = std::chrono::steady_clock::now() + LONGEST_RUN;
-    int status = 0;
-    while (waitpid(process, &status, WNOHANG) == 0) {
-        if (std::chrono::steady_clock::now() > end) {
-            static_cast<void>(kill(process, SIGKILL));
-            static_cast<void>(waitpid(process, &status, 0));
-            return false;
+public:
+    Program() : m_onInterrupt([this] { end(); }) {}
+
+    /// @return false if it had to be ended
+    bool run(const std::vector<std::string>& arguments, const fs::path& output)
+    {
+        m_process = start(arguments, output);
+        const auto latest = std::chrono::steady_clock::now() + LONGEST_RUN;
+        while (waitpid(m_process, nullptr, WNOHANG) == 0) {
+            if (std::chrono::steady_clock::now() > latest) {
+                end();
+                return false;
+            }
+            std::this_thread::sleep_for(LOOK_INTERVAL);
         }
-        std::this_thread::sleep_for(LOOK_INTERVAL);
+        m_process = 0;
+        return true;
     }
-    return true;
-}
+
+private:
+    void end()
+    {
+        if (const pid_t process = m_process.exchange(0); process > 0) {
+            static_cast<void>(kill(-process, SIGKILL));
+            static_cast<void>(waitpid(process, nullptr, 0));
+        }
+    }
+
+    std::atomic<pid_t> m_process = 0;
+    OnInterrupt m_onInterrupt;
+};
 
 std::string textOf(const fs::path& file)
 {
@@ -177,6 +198,7 @@ void savePicture(const fs::path& page, const fs::path& picture)
     if (program.empty()) {
         fail(NO_CHROMIUM);
     }
+    Program browser;
     const ScratchFolder scratch;
     const fs::path drawn = scratch.path() / "picture.png";
     const fs::path log = scratch.path() / "log";
@@ -191,7 +213,7 @@ void savePicture(const fs::path& page, const fs::path& picture)
         arguments.emplace_back("--no-sandbox");
     }
     arguments.push_back(addressOf(page) + PICTURE_MODE);
-    if (!waitFor(start(arguments, log))) {
+    if (!browser.run(arguments, log)) {
         fail(fmt::format("{} did not draw the page in {} seconds", program.string(), LONGEST_RUN.count()));
     }
     const std::string told = textOf(log);

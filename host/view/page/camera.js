@@ -30,7 +30,7 @@ const camera = {
     this.size = Math.hypot(...minus(box[1], box[0])) || 1;
     const { right, up, toward } = this.axes();
     const extent = (axis) => box[0].reduce((sum, low, k) => sum + Math.abs(axis[k]) * (box[1][k] - low), 0);
-    const aspect = Math.max(this.aspect || 1, 0.3);
+    const aspect = Math.max((this.aspect || 1) * 0.86, 0.3); // beside the legend
     // The near end looks larger in perspective.
     const near = this.perspective ? extent(toward) * Math.tan((HALF_ANGLE * Math.PI) / 180) : 0;
     this.height = 1.18 * Math.max(extent(up), extent(right) / aspect, this.size * 1e-3) + near;

@@ -186,17 +186,17 @@ function updatePicked() {
   element("picked").replaceChildren(list);
 }
 
-// The first result on cells that is not the same everywhere in the latest state: a scalar, or else a vector.
+// The velocity, or the first scalar, or any result, that is not the same everywhere.
 async function defaultResult(state) {
-  const all = page.groups.map((_, i) => i);
-  for (const isWanted of [(components) => components.length === 1, (components) => components.includes("magnitude")]) {
+  const isWanted = [(result) => result.field === "U", (result) => result.components.length === 1, () => true];
+  for (const wanted of state < 0 ? [] : isWanted) {
     for (const [i, result] of page.results.entries()) {
-      if (!isWanted(result.components) || state < 0) continue;
-      const figures = await figuresOfGroups(i, result.components.length - 1, state, all);
+      if (!wanted(result)) continue;
+      const figures = await figuresOfGroups(i, result.components.length - 1, state, shown.visible);
       if (figures.least < figures.greatest) return i;
     }
   }
-  return page.results.length - 1 < 0 || state < 0 ? -1 : 0;
+  return page.results.length > 0 && state >= 0 ? 0 : -1;
 }
 
 // Parts if there are any, since patches and zones lie on them.

@@ -184,12 +184,13 @@ private:
             document["results"].push_back({{"id", info->id}, {"name", info->name}});
         }
         document["groups"] = Json::array();
-        for (const Json& group : m_report.groups) {
-            Json entry;
-            for (const char* const key : {"id", "name", "kind", "elements", "faces", "points"}) {
-                entry[key] = group[key];
-            }
-            document["groups"].push_back(entry);
+        for (const ReportedGroup& group : m_report.groups) {
+            document["groups"].push_back({{"id", group.id},
+                                          {"name", group.name},
+                                          {"kind", group.kind},
+                                          {"elements", group.elementCount},
+                                          {"faces", group.faceCount},
+                                          {"points", group.pointCount}});
         }
         document["leftOut"] = m_report.leftOut;
         return document;

@@ -50,7 +50,7 @@ fs::path programInPath(const std::string& name)
     std::string folders = variable == nullptr ? "" : variable;
     while (!folders.empty()) {
         const std::size_t colon = folders.find(':');
-        const fs::path candidate = fs::path(folders.substr(0, colon)) / name;
+        fs::path candidate = fs::path(folders.substr(0, colon)) / name;
         std::error_code error;
         if (fs::is_regular_file(candidate, error) && access(candidate.c_str(), X_OK) == 0) {
             return candidate;

@@ -106,7 +106,12 @@ public:
                        {"moved", moved},
                        {"figures", figures},
                        {"leftOut", m_content.leftOut}});
-        return {groups, m_content.leftOut, m_file.byteCount(), m_hasUndefined};
+        PageReport report = {{}, m_content.leftOut, m_file.byteCount(), m_hasUndefined};
+        for (const PageGroup& group : m_groups) {
+            report.groups.push_back({group.group->id, group.group->name, kindName(group.kind), group.elementCount,
+                                     group.faces.sizes.size(), group.faces.nodes.size()});
+        }
+        return report;
     }
 
 private:

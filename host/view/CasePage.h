@@ -23,10 +23,21 @@ struct PageContent
     std::uint64_t mostBytes = 0;
 };
 
-/// What went into a page, for the report.
+/// A group of a page.
+struct ReportedGroup
+{
+    std::int32_t id;
+    std::string name;
+    const char* kind;         ///< "part", "cell zone", "patch", "face zone" or "surface"
+    std::size_t elementCount; ///< cells of parts and zones, faces of others
+    std::size_t faceCount;    ///< in the page
+    std::size_t pointCount;   ///< of these faces
+};
+
+/// What went into a page.
 struct PageReport
 {
-    nlohmann::ordered_json groups; ///< as in the page
+    std::vector<ReportedGroup> groups;
     std::vector<std::string> leftOut;
     std::uint64_t byteCount = 0;
     bool hasUndefined = false;

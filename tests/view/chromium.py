@@ -45,9 +45,9 @@ class Chromium:
             preexec_fn=take_pipes, close_fds=False, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(theirs_in)
         os.close(theirs_out)
-        self.session = None
+        self.target = None
         target = self.call("Target.createTarget", url="about:blank")["targetId"]
-        self.session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
+        self.target = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
         for domain in ("Page", "Runtime", "Log", "Network"):
             self.call(f"{domain}.enable")
         self.call("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=1, mobile=False)
@@ -65,8 +65,8 @@ class Chromium:
     def call(self, method, **parameters):
         self.count += 1
         message = {"id": self.count, "method": method, "params": parameters}
-        if self.session:
-            message["sessionId"] = self.session
+        if self.target:
+            message["sessionId"] = self.target
         os.write(self.to, json.dumps(message).encode() + b"\0")
         while True:
             answer = self.receive()

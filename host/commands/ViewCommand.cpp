@@ -128,8 +128,12 @@ private:
         note(metaData.states.size(), content->states.size(), "state");
         note(colours, content->results.size(), "result");
         content->leftOut.insert(content->leftOut.end(), m_opened->limits().begin(), m_opened->limits().end());
+        // Whoever gets the page need not know where the case is.
+        const fs::path folder = OpenedCase::tokenFile(m_options.casePath).parent_path();
         for (const UnreadMesh& mesh : unread) {
-            content->leftOut.push_back(fmt::format("mesh not read: {} {}", mesh.file, mesh.reason));
+            const std::string file = fs::path(mesh.file).lexically_proximate(folder).string();
+            content->leftOut.push_back(
+                fmt::format("mesh not read: {}{}{}", file, file.empty() ? "" : ": ", mesh.reason));
         }
     }
 
@@ -151,7 +155,10 @@ private:
             return;
         }
         for (const std::string& line : m_report.leftOut) {
-            tellUser("left out: " + line);
+            // The others have a line of their own anyway.
+            if (!line.starts_with("mesh not read") && !std::ranges::count(m_opened->limits(), line)) {
+                tellUser("left out: " + line);
+            }
         }
         if (keepsPage) {
             tellWritten(fmt::format("wrote {}: {}, {}, {}, {}", m_page.string(),

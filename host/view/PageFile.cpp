@@ -18,19 +18,45 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// True if the file is missing or a page of ours, so that nothing of the user's is lost.
-bool isFree(const fs::path& path)
+/// True for a page of ours, which can be made again.
+bool isPage(const fs::path& path)
 {
-    std::error_code error;
-    if (!fs::exists(fs::symlink_status(path, error))) {
-        return true;
-    }
     // The first line names the program, as the markup of every page does.
     constexpr std::size_t HEAD = 200;
     std::ifstream stream(path, std::ios::binary);
     std::string head(HEAD, '\0');
     stream.read(head.data(), static_cast<std::streamsize>(head.size()));
-    return fs::is_regular_file(path, error) && head.find("content=\"ddphost view\"") != std::string::npos;
+    return head.find("content=\"ddphost view\"") != std::string::npos;
+}
+
+/// Where the page goes: through links, so that a link stays one.
+fs::path targetOf(const fs::path& path)
+{
+    std::error_code error;
+    fs::path target = fs::weakly_canonical(path, error);
+    return error ? path : target;
+}
+
+/// Refuses a name that something other than a page has.
+void checkTarget(const fs::path& path, bool replace)
+{
+    std::error_code error;
+    if (const fs::path folder = fs::absolute(path).parent_path(); !fs::is_directory(folder, error)) {
+        throw HostError(ExitCode::CannotWrite,
+                        fmt::format("cannot write {}: there is no folder {}", path.string(), folder.string()));
+    }
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (!fs::exists(status)) {
+        return;
+    }
+    // A device would be replaced by the file that is moved to its name.
+    if (!fs::is_regular_file(status)) {
+        throw HostError(ExitCode::Usage, fmt::format("{} is not a file; name one for the page", path.string()));
+    }
+    if (!replace && !isPage(path)) {
+        throw HostError(ExitCode::Usage,
+                        fmt::format("{} is not a page of ddphost; --overwrite replaces it", path.string()));
+    }
 }
 
 fs::path temporaryOf(const fs::path& path)
@@ -46,22 +72,11 @@ void removeQuietly(const fs::path& path)
 
 } // namespace
 
-PageFile::PageFile(fs::path path, bool replace)
-    : m_path(std::move(path)), m_temporary(temporaryOf(m_path)),
+PageFile::PageFile(const fs::path& path, bool replace)
+    : m_path(targetOf(path)), m_temporary(temporaryOf(m_path)),
       m_onInterrupt([temporary = m_temporary] { removeQuietly(temporary); })
 {
-    std::error_code error;
-    if (fs::is_directory(m_path, error)) {
-        throw HostError(ExitCode::Usage, fmt::format("{} is a folder; name a file for the page", m_path.string()));
-    }
-    if (const fs::path folder = fs::absolute(m_path).parent_path(); !fs::is_directory(folder, error)) {
-        throw HostError(ExitCode::CannotWrite,
-                        fmt::format("cannot write {}: there is no folder {}", m_path.string(), folder.string()));
-    }
-    if (!replace && !isFree(m_path)) {
-        throw HostError(ExitCode::Usage,
-                        fmt::format("{} is not a page of ddphost; --overwrite replaces it", m_path.string()));
-    }
+    checkTarget(m_path, replace);
     m_file = std::make_unique<OutputFile>(m_temporary, true);
     try {
         m_file->write(PAGE_MARKUP);

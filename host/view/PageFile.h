@@ -18,9 +18,10 @@ class PageFile
 {
 public:
     /// Starts the page with all that is the same in each.
-    /// @param replace also replace a file that is not a page; without, only a page is replaced
+    /// @param replace also replace a file that is not a page; without, only a page is replaced. Never anything but a
+    /// file
     /// @throws HostError of `Usage` if the name is taken, or of `CannotWrite`
-    PageFile(std::filesystem::path path, bool replace);
+    PageFile(const std::filesystem::path& path, bool replace);
     ~PageFile();
 
     PageFile(const PageFile&) = delete;

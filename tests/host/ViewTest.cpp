@@ -19,6 +19,7 @@
 #include <numeric>
 #include <set>
 
+#include <sys/stat.h>
 #include <zlib.h>
 
 namespace {
@@ -251,6 +252,25 @@ TEST_F(ViewCommand, ReplacesPagesButNoOtherFiles)
     EXPECT_EQ(fileBytes(folder / "out.html"), "mine");
     EXPECT_EQ(view(" --overwrite").code, 0);
     EXPECT_EQ(files(), std::set<std::string>{"out.html"});
+}
+
+// A file that is moved to the name of a device or a link takes its place.
+TEST_F(ViewCommand, ReplacesNoDevicesAndNoLinks)
+{
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    fs::create_symlink(folder / "pipe", folder / "out.html");
+    const ProgramRun run = view(" --overwrite");
+    EXPECT_EQ(run.code, 2);
+    EXPECT_NE(run.err.find("is not a file"), std::string::npos) << run.err;
+    EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
+    fs::remove(folder / "out.html");
+    EXPECT_EQ(view("").code, 0);
+    fs::rename(folder / "out.html", folder / "page.html");
+    fs::create_symlink(folder / "page.html", folder / "out.html");
+    const std::string before = fileBytes(folder / "page.html");
+    EXPECT_EQ(view(" --state first").code, 0);
+    EXPECT_TRUE(fs::is_symlink(folder / "out.html"));
+    EXPECT_NE(fileBytes(folder / "page.html"), before);
 }
 
 TEST_F(ViewCommand, LeavesTheOldPageAloneIfItFails)

@@ -60,6 +60,8 @@ public:
         if (!m_options.picture.empty() && !hasChromium()) {
             throw HostError(ExitCode::CannotWrite, NO_CHROMIUM);
         }
+        const fs::path picture =
+            m_options.picture.empty() ? fs::path() : outputTarget(m_options.picture, PICTURE_FORM, m_options.overwrite);
         PageContent content = select();
         const std::vector<UnreadMesh> unread = unreadMeshes(*m_opened);
         noteWhatIsMissing(unread, &content);
@@ -73,7 +75,7 @@ public:
         }
         writePage(content);
         if (!m_options.picture.empty()) {
-            savePicture(m_page, m_options.picture);
+            savePicture(m_page, picture);
         }
         report(content, scratch == nullptr);
         tellUnreadMeshes(unread);
@@ -237,7 +239,8 @@ void addViewCommand(CLI::App* app, HostContext* context)
         command->add_option("--limit", options->limit, "The greatest size of the page in MB")->type_name("MB");
     limit->capture_default_str();
     limitCount(limit, 1, 100000);
-    command->add_flag("--overwrite", options->overwrite, "Replace a file that is not a page of ddphost, too");
+    command->add_flag("--overwrite", options->overwrite,
+                      "Replace files that are no page of ddphost or no picture, too");
     addPlainFlag(command, &context->options);
     command->callback([=] {
         context->command = [=] {

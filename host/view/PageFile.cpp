@@ -18,45 +18,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// True for a page of ours, which can be made again.
-bool isPage(const fs::path& path)
+bool beginsWith(const fs::path& path, std::string_view mark)
 {
-    // The first line names the program, as the markup of every page does.
     constexpr std::size_t HEAD = 200;
     std::ifstream stream(path, std::ios::binary);
     std::string head(HEAD, '\0');
     stream.read(head.data(), static_cast<std::streamsize>(head.size()));
-    return head.find("content=\"ddphost view\"") != std::string::npos;
-}
-
-/// Where the page goes: through links, so that a link stays one.
-fs::path targetOf(const fs::path& path)
-{
-    std::error_code error;
-    fs::path target = fs::weakly_canonical(path, error);
-    return error ? path : target;
-}
-
-/// Refuses a name that something other than a page has.
-void checkTarget(const fs::path& path, bool replace)
-{
-    std::error_code error;
-    if (const fs::path folder = fs::absolute(path).parent_path(); !fs::is_directory(folder, error)) {
-        throw HostError(ExitCode::CannotWrite,
-                        fmt::format("cannot write {}: there is no folder {}", path.string(), folder.string()));
-    }
-    const fs::file_status status = fs::symlink_status(path, error);
-    if (!fs::exists(status)) {
-        return;
-    }
-    // A device would be replaced by the file that is moved to its name.
-    if (!fs::is_regular_file(status)) {
-        throw HostError(ExitCode::Usage, fmt::format("{} is not a file; name one for the page", path.string()));
-    }
-    if (!replace && !isPage(path)) {
-        throw HostError(ExitCode::Usage,
-                        fmt::format("{} is not a page of ddphost; --overwrite replaces it", path.string()));
-    }
+    return head.find(mark) != std::string::npos;
 }
 
 fs::path temporaryOf(const fs::path& path)
@@ -72,11 +40,36 @@ void removeQuietly(const fs::path& path)
 
 } // namespace
 
+fs::path outputTarget(const fs::path& path, const OutputForm& form, bool replace)
+{
+    std::error_code error;
+    fs::path target = fs::weakly_canonical(path, error);
+    if (error) {
+        target = path;
+    }
+    if (const fs::path folder = fs::absolute(target).parent_path(); !fs::is_directory(folder, error)) {
+        throw HostError(ExitCode::CannotWrite,
+                        fmt::format("cannot write {}: there is no folder {}", path.string(), folder.string()));
+    }
+    const fs::file_status status = fs::symlink_status(target, error);
+    if (!fs::exists(status)) {
+        return target;
+    }
+    // A device would be replaced by the file that is moved to its name.
+    if (!fs::is_regular_file(status)) {
+        throw HostError(ExitCode::Usage, fmt::format("{} is not a file; name one for {}", path.string(), form.name));
+    }
+    if (!replace && !beginsWith(target, form.mark)) {
+        throw HostError(ExitCode::Usage,
+                        fmt::format("{} exists and is not {}; --overwrite replaces it", path.string(), form.name));
+    }
+    return target;
+}
+
 PageFile::PageFile(const fs::path& path, bool replace)
-    : m_path(targetOf(path)), m_temporary(temporaryOf(m_path)),
+    : m_path(outputTarget(path, PAGE_FORM, replace)), m_temporary(temporaryOf(m_path)),
       m_onInterrupt([temporary = m_temporary] { removeQuietly(temporary); })
 {
-    checkTarget(m_path, replace);
     m_file = std::make_unique<OutputFile>(m_temporary, true);
     try {
         m_file->write(PAGE_MARKUP);

@@ -9,7 +9,23 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
+
+/// A kind of file that may be replaced by another of its kind without asking, because it can be made again.
+struct OutputForm
+{
+    const char* name;      ///< with its article
+    std::string_view mark; ///< what its first line contains
+};
+
+inline constexpr OutputForm PAGE_FORM = {"a page of ddphost", "content=\"ddphost view\""};
+inline constexpr OutputForm PICTURE_FORM = {"a PNG picture", "\x89PNG"};
+
+/// The file that a path stands for, through links, so that a link stays one.
+/// @param replace also a file of another form may be replaced; never anything but a file
+/// @throws HostError of `Usage` if the name is taken by something else, of `CannotWrite` if its folder is missing
+std::filesystem::path outputTarget(const std::filesystem::path& path, const OutputForm& form, bool replace);
 
 /// A page that grows block by block next to its final name, and gets that name when it is whole.
 ///
@@ -18,9 +34,7 @@ class PageFile
 {
 public:
     /// Starts the page with all that is the same in each.
-    /// @param replace also replace a file that is not a page; without, only a page is replaced. Never anything but a
-    /// file
-    /// @throws HostError of `Usage` if the name is taken, or of `CannotWrite`
+    /// @throws HostError as `outputTarget`, and of `CannotWrite`
     PageFile(const std::filesystem::path& path, bool replace);
     ~PageFile();
 

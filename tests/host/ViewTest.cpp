@@ -263,6 +263,20 @@ TEST_F(ViewCommand, ReplacesNoDevicesAndNoLinks)
     EXPECT_EQ(run.code, 2);
     EXPECT_NE(run.err.find("is not a file"), std::string::npos) << run.err;
     EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
+    // A stand-in, so that the test needs no browser: the name is refused before anything is drawn.
+    fs::create_directory(folder / "bin");
+    std::ofstream(folder / "bin/chromium") << "#!/bin/sh\n";
+    fs::permissions(folder / "bin/chromium", fs::perms::owner_all);
+    const std::string path = "PATH=" + (folder / "bin").string();
+    const std::string command = "view" + inQuotes(folder / "case") + " --png";
+    EXPECT_EQ(runProgram(folder, command + inQuotes(folder / "pipe") + " --overwrite", path).code, 2);
+    std::ofstream(folder / "notes.txt") << "mine";
+    EXPECT_EQ(runProgram(folder, command + inQuotes(folder / "notes.txt"), path).code, 2);
+    // Without the mark in its log there is no picture, whatever the browser says.
+    const ProgramRun undrawn = runProgram(folder, command + inQuotes(folder / "x.png"), path);
+    EXPECT_EQ(undrawn.code, 6);
+    EXPECT_NE(undrawn.err.find("no picture of the page"), std::string::npos) << undrawn.err;
+    fs::remove_all(folder / "bin");
     fs::remove(folder / "out.html");
     EXPECT_EQ(view("").code, 0);
     fs::rename(folder / "out.html", folder / "page.html");

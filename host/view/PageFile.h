@@ -16,7 +16,7 @@
 struct OutputForm
 {
     const char* name;      ///< with its article
-    std::string_view mark; ///< what its first line contains
+    std::string_view mark; ///< what is among its first 200 bytes
 };
 
 inline constexpr OutputForm PAGE_FORM = {"a page of ddphost", "content=\"ddphost view\""};

@@ -115,9 +115,15 @@ void runDictionary(std::string_view text, bool readsLists)
 }
 
 /// True for expressions that the system's library takes in another way: escapes beyond POSIX, larger counts, and any
-/// case.
+/// case. It also takes minutes for a few repetitions in a row, as in "a++++++".
 bool isExtension(const std::string& text)
 {
+    constexpr std::ptrdiff_t MOST_REPETITIONS = 10;
+    const auto isRepetition = [](char c) { return c == '+' || c == '*' || c == '?' || c == '{'; };
+    const bool hasRun = std::ranges::search_n(text, 3, true, {}, isRepetition).size() != 0;
+    if (hasRun || std::ranges::count_if(text, isRepetition) > MOST_REPETITIONS) {
+        return true;
+    }
     for (std::size_t i = text.find('\\'); i != std::string::npos; i = text.find('\\', i + 2)) {
         const char next = i + 1 < text.size() ? text[i + 1] : 'a';
         if (std::string_view("(){}[].*+?^$|\\").find(next) == std::string_view::npos) {

@@ -149,4 +149,14 @@ TEST(CyclicCoupling, DamageLeavesPatchesUncoupled)
     mesh.owners()[4] = -1;
     mesh.neighbors()[0] = 99;
     EXPECT_FALSE(coupled(mesh, pair(LEFT, RIGHT))[0].cyclicCoupling().cells.empty());
+    // So are owners of no face, although their cells count.
+    mesh.owners().resize(100000, 1);
+    EXPECT_FALSE(coupled(mesh, pair(LEFT, RIGHT))[0].cyclicCoupling().cells.empty());
+    // Patches that were cut out of a mesh with more points.
+    OFPolymesh cut = twoCubes();
+    Patches patches = sound;
+    cut.points().resize(3 * 4);
+    cut.points().shrink_to_fit();
+    coupleCyclicPatches(cut, &patches);
+    EXPECT_TRUE(patches[0].cyclicCoupling().cells.empty());
 }

@@ -289,7 +289,7 @@ std::string resultSection(OpenedCase& opened, const TextStyle& style)
     return titledTable("results", metaData.results.size(), table, style);
 }
 
-std::string infoTree(OpenedCase& opened, const std::string& casePath, const CountsById& counts, const TextStyle& style)
+std::string infoTree(OpenedCase& opened, const CountsById& counts, const TextStyle& style)
 {
     const HostMetaData& metaData = opened.metaData();
     const std::vector<const HostGroup*> parts = groupsOf(metaData, HostGroupKind::Part, nullptr);
@@ -304,7 +304,7 @@ std::string infoTree(OpenedCase& opened, const std::string& casePath, const Coun
     text += stateSection(opened, style);
     text += resultSection(opened, style);
     const std::vector<std::string> left = omissions();
-    text += left.empty() ? "" : style.faint("not shown; " + doctorHint(casePath, "says more")) + "\n";
+    text += left.empty() ? "" : style.faint("not shown; 'ddphost doctor' says more") + "\n";
     for (const std::string& omission : left) {
         text += "  " + escapedControls(omission) + "\n";
     }
@@ -320,7 +320,7 @@ ExitCode runInfo(HostContext& context, const InfoOptions& options)
     if (context.options.json) {
         writeDocument(infoDocument(context, *opened, counts, unread));
     } else {
-        writeToStdout(infoTree(*opened, options.casePath, counts, context.style()));
+        writeToStdout(infoTree(*opened, counts, context.style()));
     }
     tellUnreadMeshes(unread);
     if (!unread.empty() || metaData.results.empty()) {

@@ -120,7 +120,10 @@ bool isExtension(const std::string& text)
 {
     constexpr std::ptrdiff_t MOST_REPETITIONS = 10;
     const auto isRepetition = [](char c) { return c == '+' || c == '*' || c == '?' || c == '{'; };
-    const bool hasRun = std::ranges::search_n(text, 3, true, {}, isRepetition).size() != 0;
+    bool hasRun = false;
+    for (std::size_t i = 2; i < text.size(); ++i) {
+        hasRun = hasRun || (isRepetition(text[i]) && isRepetition(text[i - 1]) && isRepetition(text[i - 2]));
+    }
     if (hasRun || std::ranges::count_if(text, isRepetition) > MOST_REPETITIONS) {
         return true;
     }

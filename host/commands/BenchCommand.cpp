@@ -169,16 +169,22 @@ ExitCode runBench(HostContext& context, const BenchOptions& options)
 {
     // Loaded here, so that no phase includes the time for it.
     context.library();
-    ProgressBar progress(context.showsProgress(), "bench", "runs",
-                         options.casePaths.size() * static_cast<std::size_t>(options.repeats));
-    std::vector<BenchCase> cases;
+    // A case that is refused must not cost the figures of those before it.
     for (const std::string& casePath : options.casePaths) {
-        CaseBench bench(context, casePath);
-        for (int repeat = 0; repeat < options.repeats; ++repeat) {
-            bench.runOnce();
-            progress.advance();
+        context.open(casePath);
+    }
+    std::vector<BenchCase> cases;
+    {
+        ProgressBar progress(context.showsProgress(), "bench", "runs",
+                             options.casePaths.size() * static_cast<std::size_t>(options.repeats));
+        for (const std::string& casePath : options.casePaths) {
+            CaseBench bench(context, casePath);
+            for (int repeat = 0; repeat < options.repeats; ++repeat) {
+                bench.runOnce();
+                progress.advance();
+            }
+            cases.push_back(bench.result());
         }
-        cases.push_back(bench.result());
     }
     if (context.options.json) {
         writeDocument(benchDocument(cases, context, options));

@@ -29,6 +29,12 @@ UnreadMesh causeOf(const std::string& line)
     return {text.substr(mark + PATH_MARK.size()), reason};
 }
 
+/// False for surfaces, whose errors are told as they come.
+bool isOfMesh(const UnreadMesh& cause)
+{
+    return cause.file.empty() || cause.file.find("/polyMesh/") != std::string::npos;
+}
+
 bool hasEmptyPart(const HostMetaData& metaData, const HostGeometry& geometry)
 {
     const std::vector<const HostGroup*> declared = metaData.geometryGroups();
@@ -60,12 +66,21 @@ std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
         UnreadMesh cause = causeOf(lines[i].text);
         const bool isNew = std::ranges::none_of(
             unread, [&](const UnreadMesh& one) { return one.file == cause.file && one.reason == cause.reason; });
-        if (lines[i].level == LOG_ERROR && isNew) {
+        if (lines[i].level == LOG_ERROR && isNew && isOfMesh(cause)) {
             HostLog::get().markTold(lines[i].text);
             unread.push_back(std::move(cause));
         }
     }
     return unread;
+}
+
+nlohmann::ordered_json unreadDocument(const std::vector<UnreadMesh>& unread)
+{
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    for (const UnreadMesh& mesh : unread) {
+        list.push_back({{"file", mesh.file}, {"reason", mesh.reason}});
+    }
+    return list;
 }
 
 void tellUser(const std::string& line)
@@ -81,7 +96,7 @@ void tellUnreadMeshes(const std::vector<UnreadMesh>& unread)
     }
 }
 
-std::string doctorHint(const std::string& casePath, const char* what)
+std::string doctorHint(const std::string& casePath)
 {
-    return fmt::format("'ddphost doctor {}' {}", shellWord(casePath), what);
+    return "for more: ddphost doctor " + shellWord(casePath);
 }

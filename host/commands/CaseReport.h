@@ -3,6 +3,8 @@
 
 #include "border/OpenedCase.h"
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 
@@ -18,11 +20,14 @@ struct UnreadMesh
 /// @return one entry per cause; none if all parts have cells or those without are empty in their files too
 std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened);
 
+/// The same as a list of objects with file and reason.
+nlohmann::ordered_json unreadDocument(const std::vector<UnreadMesh>& unread);
+
 /// Tells each unread mesh in a line on stderr, in place of the library's own lines on it.
 void tellUnreadMeshes(const std::vector<UnreadMesh>& unread);
 
 /// Writes one line to stderr for the user.
 void tellUser(const std::string& line);
 
-/// The command that says why something of a case does not show, and what it does: "'ddphost doctor CASE' says why".
-std::string doctorHint(const std::string& casePath, const char* what);
+/// The command that says why something of a case does not show: "for more: ddphost doctor CASE".
+std::string doctorHint(const std::string& casePath);

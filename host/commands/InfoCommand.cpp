@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/EscapedText.h"
 #include "border/HostLog.h"
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 #include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/GroupCounts.h"
@@ -122,7 +122,7 @@ Json resultDocument(OpenedCase& opened, const HostResultInfo& result)
             {"field", opened.names().fieldOf(result)},
             {"kind", kindName(result.kind)},
             {"mapping", mappingName(result.mapping)},
-            {"unit", result.unit},
+            {"unit", withoutTrailingBlanks(result.unit)},
             {"key", result.key},
             {"averageOf", source == nullptr ? Json() : Json(source->id)}};
 }
@@ -167,10 +167,7 @@ Json infoDocument(HostContext& context, OpenedCase& opened, const CountsById& co
         document["results"].push_back(resultDocument(opened, result));
     }
     document["notShown"] = omissions();
-    document["meshesNotRead"] = Json::array();
-    for (const UnreadMesh& mesh : unread) {
-        document["meshesNotRead"].push_back({{"file", mesh.file}, {"reason", mesh.reason}});
-    }
+    document["meshesNotRead"] = unreadDocument(unread);
     return document;
 }
 
@@ -194,8 +191,9 @@ std::string boxText(const GroupCounts& counts)
 {
     // A box of no nodes would be one of zeros, which is a place.
     return counts.nodes == 0 ? std::string()
-                             : fmt::format("box ({:g} {:g} {:g}) ({:g} {:g} {:g})", counts.lower[0], counts.lower[1],
-                                           counts.lower[2], counts.upper[0], counts.upper[1], counts.upper[2]);
+                             : fmt::format("box ({:g} {:g} {:g}) ({:g} {:g} {:g})", counts.lower[0] + 0.0,
+                                           counts.lower[1] + 0.0, counts.lower[2] + 0.0, counts.upper[0] + 0.0,
+                                           counts.upper[1] + 0.0, counts.upper[2] + 0.0);
 }
 
 /// A titled table of groups, or nothing at all when there are none.
@@ -324,8 +322,7 @@ ExitCode runInfo(HostContext& context, const InfoOptions& options)
     }
     tellUnreadMeshes(unread);
     if (!unread.empty() || metaData.results.empty()) {
-        tellUser((metaData.results.empty() ? "the case shows no results; " : "") +
-                 doctorHint(options.casePath, "says why"));
+        tellUser((metaData.results.empty() ? "the case shows no results; " : "") + doctorHint(options.casePath));
     }
     return unread.empty() ? ExitCode::Good : ExitCode::Findings;
 }

@@ -15,18 +15,23 @@ namespace {
 /// What precedes the path in the library's lines on files.
 constexpr std::string_view PATH_MARK = " File basename is ";
 
+/// What the library says, as information, of a list that breaks off; it goes on with what there is.
+constexpr std::string_view SHORT_LIST = "List is shorter than its count";
+constexpr std::string_view SHORT_LIST_PATH_MARK = " File is ";
+
 /// Takes a line of the library such as "OFFile : Failed to open it. File basename is PATH" apart.
 UnreadMesh causeOf(const std::string& line)
 {
     const std::size_t source = line.find(" : ");
     const std::string text = source == std::string::npos ? line : line.substr(source + 3);
-    const std::size_t mark = text.find(PATH_MARK);
+    const std::string_view form = text.starts_with(SHORT_LIST) ? SHORT_LIST_PATH_MARK : PATH_MARK;
+    const std::size_t mark = text.find(form);
     if (mark == std::string::npos) {
         return {"", text};
     }
     std::string reason = text.substr(0, mark);
     reason.resize(reason.find_last_not_of(". ") + 1);
-    return {text.substr(mark + PATH_MARK.size()), reason};
+    return {text.substr(mark + form.size()), reason};
 }
 
 /// False for surfaces, whose errors are told as they come.
@@ -57,16 +62,15 @@ std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
     for (const std::string& limit : opened.limits()) {
         tellUser(limit);
     }
-    if (!hasEmptyPart(opened.metaData(), geometry)) {
-        return {};
-    }
+    const bool hasEmpty = hasEmptyPart(opened.metaData(), geometry);
     std::vector<UnreadMesh> unread;
     const std::vector<HostLogLine> lines = HostLog::get().lines();
     for (std::size_t i = before; i < lines.size(); ++i) {
         UnreadMesh cause = causeOf(lines[i].text);
         const bool isNew = std::ranges::none_of(
             unread, [&](const UnreadMesh& one) { return one.file == cause.file && one.reason == cause.reason; });
-        if (lines[i].level == LOG_ERROR && isNew && isOfMesh(cause)) {
+        const bool isError = lines[i].level == LOG_ERROR && hasEmpty && isOfMesh(cause);
+        if (isNew && (isError || lines[i].text.find(SHORT_LIST) != std::string::npos)) {
             HostLog::get().markTold(lines[i].text);
             unread.push_back(std::move(cause));
         }

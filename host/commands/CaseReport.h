@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-/// Why a mesh has no cells: a file that could not be read, and what is wrong with it.
+/// Why a mesh or a sampled surface is empty or not whole: a file that could not be read, and what is wrong with it.
 struct UnreadMesh
 {
     std::string file; ///< empty if the library did not name one
     std::string reason;
 };
 
-/// Requests the geometry and finds out whether a part is empty because its mesh could not be read. What the interface
+/// Requests the geometry and finds out whether a part is empty because its mesh could not be read, or a list breaks off. What the interface
 /// cannot hold is told on stderr.
 /// @return one entry per cause; none if all parts have cells or those without are empty in their files too
 std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened);

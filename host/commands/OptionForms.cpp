@@ -110,6 +110,7 @@ void limitWords(CLI::Option* option, const std::map<std::string, int>& words)
             return std::string();
         }
         std::vector<std::string> known;
+        known.reserve(words.size());
         for (const auto& [word, number] : words) {
             known.push_back(word);
         }

@@ -81,7 +81,7 @@ private:
 
     std::vector<const HostState*> selectItem(const std::string& text) const
     {
-        const auto named = statesWhere([&](const HostState& state) { return m_names.folderOf(state) == text; });
+        auto named = statesWhere([&](const HostState& state) { return m_names.folderOf(state) == text; });
         if (!named.empty()) {
             return named;
         }
@@ -90,7 +90,7 @@ private:
             return statesWhere([](const HostState&) { return true; });
         }
         if (word == "nozero") {
-            const auto states = statesWhere([](const HostState& state) { return state.referenceValue != 0; });
+            auto states = statesWhere([](const HostState& state) { return state.referenceValue != 0; });
             if (states.empty() && !m_states.empty()) {
                 refuse("--state: the case has no time but 0");
             }
@@ -185,6 +185,7 @@ private:
         states.resize(std::min(states.size(), NEAREST_LISTED));
         std::ranges::sort(states, {}, &HostState::referenceValue);
         std::vector<std::string> names;
+        names.reserve(states.size());
         for (const HostState* const state : states) {
             names.push_back(nameOf(*state));
         }
@@ -212,6 +213,7 @@ std::vector<std::size_t> itemsWhere(const std::vector<std::vector<std::string>>&
 std::vector<std::vector<std::string>> firstNames(const std::vector<std::vector<std::string>>& items)
 {
     std::vector<std::vector<std::string>> names;
+    names.reserve(items.size());
     for (const std::vector<std::string>& item : items) {
         names.push_back({item.front()});
     }

@@ -246,6 +246,7 @@ std::string tableText(OpenedCase& opened, const std::vector<StatsRow>& rows, con
     table.add(headings);
     for (const StatsRow& row : rows) {
         std::vector<std::string> cells;
+        cells.reserve(columns.size());
         for (const StatsColumn& column : columns) {
             cells.push_back(column.cell(row));
         }

@@ -67,7 +67,7 @@ std::string noticeLine(const HostNotice& notice, bool json)
 
 std::string eventLines(const std::vector<HostNotice>& notices, bool raw, bool json, KnownTimes* times)
 {
-    const std::string changes = times->apply(notices);
+    std::string changes = times->apply(notices);
     if (!raw && !json) {
         return changes;
     }

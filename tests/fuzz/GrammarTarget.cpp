@@ -115,16 +115,17 @@ void runDictionary(std::string_view text, bool readsLists)
 }
 
 /// True for expressions that the system's library takes in another way: escapes beyond POSIX, larger counts, and any
-/// case. It also takes minutes for a few repetitions in a row, as in "a++++++".
+/// case. POSIX leaves repetitions of repetitions open, such as "a++", of which that library can take minutes.
 bool isExtension(const std::string& text)
 {
     constexpr std::ptrdiff_t MOST_REPETITIONS = 10;
     const auto isRepetition = [](char c) { return c == '+' || c == '*' || c == '?' || c == '{'; };
-    bool hasRun = false;
-    for (std::size_t i = 2; i < text.size(); ++i) {
-        hasRun = hasRun || (isRepetition(text[i]) && isRepetition(text[i - 1]) && isRepetition(text[i - 2]));
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (isRepetition(text[i]) && (isRepetition(text[i - 1]) || text[i - 1] == '}')) {
+            return true;
+        }
     }
-    if (hasRun || std::ranges::count_if(text, isRepetition) > MOST_REPETITIONS) {
+    if (std::ranges::count_if(text, isRepetition) > MOST_REPETITIONS) {
         return true;
     }
     for (std::size_t i = text.find('\\'); i != std::string::npos; i = text.find('\\', i + 2)) {

@@ -69,6 +69,6 @@ void addSampleCommand(CLI::App* app, HostContext* context)
                1, MOST_STATES);
     command->add_flag("--binary", arguments->options.format.binary, "Write mesh lists and fields in binary");
     command->add_flag("--gzip", arguments->options.format.gzip, "Compress mesh lists and fields");
-    command->add_flag("--overwrite", arguments->options.overwrite, "Write into a folder that is not empty");
+    command->add_flag("--overwrite", arguments->options.overwrite, "Replace a sample that was written before");
     command->callback([=] { context->command = [=] { return runSample(*context, *arguments); }; });
 }

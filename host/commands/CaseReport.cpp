@@ -12,23 +12,6 @@
 
 namespace {
 
-/// What precedes the path in the library's lines on files.
-constexpr std::string_view PATH_MARK = " File basename is ";
-
-/// Takes a line of the library such as "OFFile : Failed to open it. File basename is PATH" apart.
-UnreadMesh causeOf(const std::string& line)
-{
-    const std::size_t source = line.find(" : ");
-    const std::string text = source == std::string::npos ? line : line.substr(source + 3);
-    const std::size_t mark = text.find(PATH_MARK);
-    if (mark == std::string::npos) {
-        return {"", text};
-    }
-    std::string reason = text.substr(0, mark);
-    reason.resize(reason.find_last_not_of(". ") + 1);
-    return {text.substr(mark + PATH_MARK.size()), reason};
-}
-
 bool hasEmptyPart(const HostMetaData& metaData, const HostGeometry& geometry)
 {
     const std::vector<const HostGroup*> declared = metaData.geometryGroups();
@@ -44,7 +27,7 @@ bool hasEmptyPart(const HostMetaData& metaData, const HostGeometry& geometry)
 
 } // namespace
 
-std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
+std::vector<LoggedCause> unreadMeshes(OpenedCase& opened)
 {
     const std::size_t before = HostLog::get().lines().size();
     const HostGeometry& geometry = opened.geometry();
@@ -54,12 +37,11 @@ std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
     if (!hasEmptyPart(opened.metaData(), geometry)) {
         return {};
     }
-    std::vector<UnreadMesh> unread;
+    std::vector<LoggedCause> unread;
     const std::vector<HostLogLine> lines = HostLog::get().lines();
     for (std::size_t i = before; i < lines.size(); ++i) {
-        UnreadMesh cause = causeOf(lines[i].text);
-        const bool isNew = std::ranges::none_of(
-            unread, [&](const UnreadMesh& one) { return one.file == cause.file && one.reason == cause.reason; });
+        LoggedCause cause = loggedCause(lines[i].text);
+        const bool isNew = std::ranges::find(unread, cause) == unread.end();
         if (lines[i].level == LOG_ERROR && isNew) {
             HostLog::get().markTold(lines[i].text);
             unread.push_back(std::move(cause));
@@ -74,9 +56,9 @@ void tellUser(const std::string& line)
     static_cast<void>(std::fwrite(whole.data(), 1, whole.size(), stderr));
 }
 
-void tellUnreadMeshes(const std::vector<UnreadMesh>& unread)
+void tellUnreadMeshes(const std::vector<LoggedCause>& unread)
 {
-    for (const UnreadMesh& mesh : unread) {
+    for (const LoggedCause& mesh : unread) {
         tellUser(fmt::format("mesh not read: {}{}{}", mesh.file, mesh.file.empty() ? "" : ": ", mesh.reason));
     }
 }

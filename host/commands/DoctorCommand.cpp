@@ -160,8 +160,10 @@ std::string caseText(const DoctorReport& report, const TextStyle& style)
                                        HostOptions::EXTENDED_READING, VARIABLE),
                            style);
     text += findingSection(report, FindingKind::Setting, "shows only with another setting", style);
-    text += report.findings.empty() ? "everything shows\n" : "";
     const ArrayCounts& arrays = report.arrays;
+    text += !report.findings.empty() ? ""
+            : arrays.all == 0        ? "everything shows, but there are no fields\n"
+                                     : "everything shows\n";
     text += fmt::format("{} of {} arrays of values show, {} with extended reading; looked at {} of {} times{}\n",
                         arrays.plain, arrays.all, arrays.extended, report.timesLookedAt.size(), report.forms.times,
                         report.timesLookedAt.size() < report.forms.times ? " (--state all looks at all)" : "");

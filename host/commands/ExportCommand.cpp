@@ -129,7 +129,7 @@ public:
         selectWhatToWrite();
         ExportFolder folder(m_options.folder, layout(), m_options.overwrite);
         m_folder = &folder;
-        const std::vector<UnreadMesh> unread = unreadMeshes(*m_opened);
+        const std::vector<LoggedCause> unread = unreadMeshes(*m_opened);
         m_geometry = &m_opened->geometry();
         writeStates();
         std::vector<std::string> paths;

@@ -22,6 +22,10 @@ struct Examination
     Cause plainRefusal;
     /// The fields whose unit was looked at: it is that of the first time that has the field.
     std::set<std::string> fieldsWithUnit = {};
+    /// Why meshes do not show or not whole, by part.
+    std::map<std::string, Cause> meshCauses = {};
+    /// Why the files of a mesh are not for plain reading, by part.
+    std::map<std::string, Cause> plainMeshCauses = {};
 
     /// A boolean setting: that of the user, else the one that the library declares.
     bool isSet(const std::string& key) const;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/FieldCauses.h"
 
+#include "doctor/ListFile.h"
 #include "doctor/Wording.h"
 
 #include <fmt/format.h>
@@ -221,6 +222,10 @@ std::optional<Cause> FieldCauses::valueCause(const Entry& entry, std::optional<s
         return found;
     }
     const bool hasList = listOf(m_file, entry) != nullptr;
+    if (isNonuniform(entry) && !hasList && !itemsOfTokens(entry)) {
+        return cause("bad-value", fmt::format("no list comes after \"nonuniform\" in the value of {}", owner),
+                     "write the time again", &entry);
+    }
     const auto numbers = static_cast<std::size_t>(std::ranges::count(entry.tokens, Token::Kind::Number, &Token::kind));
     if (!hasList && !isNonuniform(entry) && numbers != m_kind.components) {
         return cause("bad-value",
@@ -320,17 +325,10 @@ Cause FieldCauses::plainField() const
     return cause("unknown", "not listed, and no cause was found in the file", "", nullptr);
 }
 
-bool FieldCauses::hasUnusualRawForm() const
-{
-    const std::string arch = m_file.header("arch");
-    return arch.find("MSB") != std::string::npos || arch.find("scalar=32") != std::string::npos ||
-           arch.find("label=64") != std::string::npos;
-}
-
 /// Raw values in another form than usual.
 std::optional<Cause> FieldCauses::rawCause() const
 {
-    if (m_file.header("format") == "binary" && hasUnusualRawForm()) {
+    if (m_file.header("format") == "binary" && isUnusualRawForm(m_file.header("arch"))) {
         return cause("raw-form",
                      fmt::format("raw values are written in another form than is usual ({})", m_file.header("arch")),
                      "", m_file.content.header.find("arch"));

@@ -84,7 +84,6 @@ private:
     std::optional<Cause> plainTypeCause(const PatchEntry& found) const;
     std::optional<Cause> plainValueCause(const foamdict::Dictionary& block, const std::string& type) const;
     bool isOnOwnLine(const foamdict::Entry& entry) const;
-    bool hasUnusualRawForm() const;
     const foamdict::Entry* interiorEntry() const;
 
     const CaseFolder& m_folder;

@@ -39,16 +39,6 @@ void tellOmitted(Examination& examination, const std::string& className, const s
     }
 }
 
-void countForm(CaseForms& forms, const CaseFile& file)
-{
-    const bool isBinary = file.header("format") == "binary";
-    ++forms.files[isBinary ? "binary" : "ascii"];
-    forms.files["gzip"] += file.isGzip ? 1 : 0;
-    if (isBinary && !file.header("arch").empty()) {
-        forms.rawForms.insert(file.header("arch"));
-    }
-}
-
 /// Adds the fields of a mesh at a time. What cannot be told from its header is no field.
 void collectFields(Examination& examination, const CaseMesh& mesh, const CaseTime& time, FieldsByName* fields)
 {
@@ -70,7 +60,7 @@ void collectFields(Examination& examination, const CaseMesh& mesh, const CaseTim
             }
             const std::string className = head.header("class");
             if (const auto kind = fieldClassOf(className)) {
-                countForm(examination.report.forms, head);
+                examination.report.forms.count(head.isGzip, head.header("format") == "binary", head.header("arch"));
                 (*fields)[name].push_back({&mesh, path, *kind});
             } else {
                 tellOmitted(examination, className, path, name, time.name);
@@ -161,11 +151,12 @@ private:
         if (!m_examination.extended.isOpen()) {
             return {"refused", "the case is not opened: " + m_examination.extended.refusal(), "", {field.file, 0}};
         }
+        const auto ofMesh = m_examination.meshCauses.find(field.mesh->part);
+        if ((!items || *items == 0) && ofMesh != m_examination.meshCauses.end()) {
+            return ofMesh->second;
+        }
         if (!items || *items == 0) {
-            return {"no-mesh",
-                    fmt::format("the mesh of {} is not shown, so its fields are not", field.mesh->part),
-                    "",
-                    {field.mesh->folder, 0}};
+            return {"no-patch", "the patch itself is not shown", "", {field.mesh->folder + "/boundary", 0}};
         }
         if (m_extended.missing == ArrayStatus::NoField && m_extended.values == nullptr) {
             return {"other-class",

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/Examination.h"
-#include "foamdict/Lexer.h"
+#include "doctor/ListFile.h"
 
 #include <fmt/format.h>
 
@@ -13,37 +13,9 @@ namespace {
 constexpr std::array<const char*, 5> VALUE_FOLDERS = {"scalarField", "vectorField", "symmTensorField", "tensorField",
                                                       "sphericalTensorField"};
 
-/// What comes before the items of a list file.
-struct ListHead
-{
-    std::optional<std::size_t> count;
-    bool isOfEqualItems = false; ///< one item stands for all, as in "126{(0 0 0)}"
-};
-
-/// Reads the head of a list file, which may have a header; without a count if there is no list.
-ListHead headOf(const Examination& examination, const std::string& path)
-{
-    using foamdict::Lexeme;
-    CaseChars chars(examination.folder.root() / path);
-    foamdict::Lexer lexer(chars);
-    Lexeme next = lexer.next();
-    if (next.kind == Lexeme::Kind::Word && next.text == "FoamFile") {
-        while (next.kind != Lexeme::Kind::End && next.kind != Lexeme::Kind::Fault && !next.is('}')) {
-            next = lexer.next();
-        }
-        next = lexer.next();
-    }
-    ListHead head;
-    if (next.kind == Lexeme::Kind::Number && next.number >= 0) {
-        head.count = static_cast<std::size_t>(next.number);
-        head.isOfEqualItems = lexer.skipBlanks() == '{';
-    }
-    return head;
-}
-
 std::optional<std::size_t> countOf(const Examination& examination, const std::string& path)
 {
-    return headOf(examination, path).count;
+    return readListHead(examination.folder.root() / path).count;
 }
 
 /// Values of as many faces as there are points count as those of points.
@@ -90,7 +62,7 @@ Cause plainValues(const Examination& examination, const CaseSurface& surface, co
     if (isOnFacesOf(examination, surface, file)) {
         return {"surface-faces", "values on the faces of surfaces are not read", "", {file, 0}};
     }
-    if (!file.empty() && headOf(examination, file).isOfEqualItems) {
+    if (!file.empty() && readListHead(examination.folder.root() / file).isOfEqualItems) {
         return {"surface-equal-items", "lists of equal items are not read for surfaces", "", {file, 0}};
     }
     return {"surface-first-time",

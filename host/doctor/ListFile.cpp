@@ -25,8 +25,10 @@ struct ListClass
     std::size_t lists = 1; ///< that follow each other
 };
 
+constexpr std::string_view COMPACT = "faceCompactList";
+
 constexpr std::array<ListClass, 4> LIST_CLASSES = {
-    {{"vectorField", 3, true}, {"labelList", 1}, {"faceList", 0, true}, {"faceCompactList", 1, false, 2}}};
+    {{"vectorField", 3, true}, {"labelList", 1}, {"faceList", 0, true}, {COMPACT, 1, false, 2}}};
 
 bool isEnd(const Lexeme& next)
 {
@@ -62,16 +64,31 @@ std::optional<std::size_t> readCount(Lexer& lexer, const Lexeme& next)
                : std::nullopt;
 }
 
-Lexeme readHead(Lexer& lexer, ListFile* file)
+/// Reads the header and the first count.
+/// @return that count as it is stated
+std::optional<std::size_t> readHead(Lexer& lexer, ListFile* file)
 {
     Lexeme next = lexer.next();
     if (next.kind == Lexeme::Kind::Word && next.text == "FoamFile") {
         readHeader(lexer, file);
         next = lexer.next();
     }
-    file->count = readCount(lexer, next);
-    file->isOfEqualItems = file->count && lexer.skipBlanks() == '{';
-    return next;
+    const std::optional<std::size_t> stated = readCount(lexer, next);
+    file->isOfEqualItems = stated && lexer.skipBlanks() == '{';
+    file->count = stated;
+    if (file->className == COMPACT && stated > std::size_t(0)) {
+        // Its first list says where each face begins, and where the last one ends.
+        file->count = *stated - 1;
+    }
+    return stated;
+}
+
+ListFile opened(const CaseChars& chars)
+{
+    ListFile file;
+    file.isOpen = chars.isOpen();
+    file.isGzip = chars.isGzip();
+    return file;
 }
 
 std::string textFault(const CaseChars::Skipped& seen, const ListClass& kind, std::size_t count)
@@ -114,6 +131,7 @@ void passOver(CaseChars& chars, const ListClass& kind, std::size_t count, ListFi
     }
     const CaseChars::Skipped seen = chars.skipList();
     file->longestItem = seen.longestBracket;
+    file->words = seen.words;
     file->fault = file->isOfEqualItems && seen.isClosed ? "" : textFault(seen, kind, count);
     file->faultLine = seen.badLine;
 }
@@ -134,31 +152,26 @@ bool ListFile::hasUnusualRawForm() const
 ListFile readListHead(const std::filesystem::path& path)
 {
     const auto chars = std::make_unique<CaseChars>(path);
-    ListFile file;
-    file.isOpen = chars->isOpen();
-    file.isGzip = chars->isGzip();
+    ListFile file = opened(*chars);
     Lexer lexer(*chars);
     (void)readHead(lexer, &file);
     return file;
 }
 
-ListFile readListFile(const std::filesystem::path& path)
+ListFile readListFile(const std::filesystem::path& path, const char* classWithoutHeader)
 {
     const auto chars = std::make_unique<CaseChars>(path);
-    ListFile file;
-    file.isOpen = chars->isOpen();
-    file.isGzip = chars->isGzip();
+    ListFile file = opened(*chars);
+    file.className = classWithoutHeader;
     Lexer lexer(*chars);
-    (void)readHead(lexer, &file);
+    std::optional<std::size_t> count = readHead(lexer, &file);
     const auto* const kind = std::ranges::find(LIST_CLASSES, file.className, &ListClass::name);
-    std::optional<std::size_t> count = file.count;
-    for (std::size_t i = 0; count && kind != LIST_CLASSES.end() && i < kind->lists && file.fault.empty(); ++i) {
+    const std::size_t lists = kind == LIST_CLASSES.end() ? 0 : kind->lists;
+    for (std::size_t i = 0; count && i < lists && file.fault.empty(); ++i) {
         count = i == 0 ? count : readCount(lexer, lexer.next());
         passOver(*chars, *kind, count.value_or(0), &file);
     }
-    if (file.isOpen && !count && file.fault.empty()) {
-        file.fault = "has no count";
-    }
+    file.fault = file.isOpen && !count && file.fault.empty() ? "has no count" : file.fault;
     file.fault = chars->isBroken() ? "is in a compressed file that is damaged or was cut off" : file.fault;
     return file;
 }

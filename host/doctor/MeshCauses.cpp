@@ -48,7 +48,7 @@ std::optional<Cause> MeshCauses::ofMissingFiles() const
     }
     const std::string first = pathOf(names.substr(0, names.find(',')));
     return Cause{"mesh-file",
-                 fmt::format("the mesh has no {} that can be opened", names),
+                 fmt::format("files of the mesh that are missing or cannot be opened: {}", names),
                  m_folder.hasFile(first) ? "check the permissions" : "make the mesh, or write it again",
                  {first, 0}};
 }
@@ -84,7 +84,7 @@ std::vector<Cause> MeshCauses::ofFiles(const std::vector<LoggedCause>& logged) c
     for (std::size_t i = 0; i < m_files.size(); ++i) {
         if (!m_files[i].fault.empty()) {
             causes.push_back({"mesh-list",
-                              fmt::format("the list {} {}", MESH_FILES[i], m_files[i].fault),
+                              "the list " + m_files[i].fault,
                               "write the mesh again; the file may have been cut off",
                               {pathOf(MESH_FILES[i]), m_files[i].faultLine}});
         }

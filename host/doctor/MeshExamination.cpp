@@ -159,7 +159,9 @@ bool examineCells(Examination& examination, const CaseMesh& mesh, const MeshCaus
     if (hidden.empty() && !outcome.isSame) {
         examination.report.findings.add(FindingKind::Extended, plainMeshCause(examination, mesh));
     }
-    if (const auto longFaces = causes.ofLongFaces()) {
+    const auto isOfMesh = [&](const std::string& limit) { return limit.starts_with(mesh.part + ": "); };
+    const bool isTold = std::ranges::any_of(examination.extended.limits(), isOfMesh);
+    if (const auto longFaces = causes.ofLongFaces(); longFaces && !isTold) {
         examination.report.findings.add(FindingKind::Hidden, *longFaces);
     }
     return hidden.empty();

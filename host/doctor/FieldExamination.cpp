@@ -51,17 +51,16 @@ void collectFields(Examination& examination, const CaseMesh& mesh, const CaseTim
                 continue;
             }
             const CaseFile head = readCaseFile(folder.root() / path, folder.root(), true);
-            if (!head.isOpen || head.isBroken) {
+            const std::string className = head.header("class");
+            if (const auto kind = fieldClassOf(className)) {
+                examination.report.forms.count(head.isGzip, head.header("format") == "binary", head.header("arch"));
+                (*fields)[name].push_back({&mesh, path, *kind});
+            } else if (!head.isOpen || head.isBroken) {
                 examination.report.findings.add(
                     FindingKind::Hidden, {"unreadable",
                                           head.isOpen ? "the compressed file is damaged" : "the file cannot be opened",
                                           "check its permissions, or write the time again",
                                           {path, 0}});
-            }
-            const std::string className = head.header("class");
-            if (const auto kind = fieldClassOf(className)) {
-                examination.report.forms.count(head.isGzip, head.header("format") == "binary", head.header("arch"));
-                (*fields)[name].push_back({&mesh, path, *kind});
             } else {
                 tellOmitted(examination, className, path, name, time.name);
             }

@@ -63,6 +63,16 @@ bool isNonuniform(const Entry& entry)
     return !entry.tokens.empty() && entry.tokens.front().text == "nonuniform";
 }
 
+/// "vector" of "List<vector>"; empty if the list has no type.
+std::string typeOfList(const Entry& entry, const SkippedList* list)
+{
+    constexpr std::string_view HEAD = "List<";
+    const std::string word = list != nullptr || entry.tokens.size() < 2 ? std::string() : entry.tokens[1].text;
+    return list != nullptr           ? list->type
+           : !word.starts_with(HEAD) ? std::string()
+                                     : word.substr(HEAD.size(), word.find('>') - HEAD.size());
+}
+
 /// The number of items that a value of tokens has: of a short list that which is written before its bracket.
 std::optional<std::size_t> itemsOfTokens(const Entry& entry)
 {
@@ -180,6 +190,11 @@ std::optional<Cause> FieldCauses::listCause(const Entry& entry, std::optional<st
         return cause("list-length", fmt::format("the list of {} has {} values, the mesh {}", owner, *count, *items),
                      "write the field again on this mesh", &entry);
     }
+    if (const std::string type = typeOfList(entry, list); !type.empty() && type != m_kind.listType) {
+        return cause("list-type",
+                     fmt::format("the list of {} is one of {}s, the field one of {}s", owner, type, m_kind.listType),
+                     "correct the class in the header", &entry);
+    }
     if (list == nullptr) {
         return std::nullopt;
     }
@@ -195,12 +210,6 @@ std::optional<Cause> FieldCauses::listCause(const Entry& entry, std::optional<st
     if (!list->seen.isClosed || !hasAll) {
         return cause("list-cut-off", fmt::format("the list of {} has fewer or more numbers than its count says", owner),
                      "write the time again; the file may have been cut off", &entry);
-    }
-    if (!list->type.empty() && list->type != m_kind.listType) {
-        return cause(
-            "list-type",
-            fmt::format("the list of {} is one of {}s, the field one of {}s", owner, list->type, m_kind.listType),
-            "correct the class in the header", &entry);
     }
     return std::nullopt;
 }
@@ -318,6 +327,9 @@ Cause FieldCauses::plainField() const
     if (!m_kind.isPlain) {
         return cause("class", fmt::format("fields of the class {} are not listed", m_file.header("class")), "",
                      nullptr);
+    }
+    if (auto found = placeCause()) {
+        return *found;
     }
     if (auto found = headerCause()) {
         return *found;

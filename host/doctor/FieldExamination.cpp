@@ -150,9 +150,9 @@ private:
         if (!m_examination.extended.isOpen()) {
             return {"refused", "the case is not opened: " + m_examination.extended.refusal(), "", {field.file, 0}};
         }
-        const auto ofMesh = m_examination.meshCauses.find(field.mesh->part);
-        if ((!items || *items == 0) && ofMesh != m_examination.meshCauses.end()) {
-            return ofMesh->second;
+        const auto ofMesh = m_examination.meshes.find(field.mesh->part);
+        if (ofMesh != m_examination.meshes.end() && ofMesh->second.hidden) {
+            return *ofMesh->second.hidden;
         }
         if (!items || *items == 0) {
             return {"no-patch", "the patch itself is not shown", "", {field.mesh->folder + "/boundary", 0}};
@@ -300,6 +300,10 @@ void examineMovedPoints(Examination& examination, const CaseTime& time)
         judge(
             examination, outcome, array,
             [&] {
+                const std::string folder = file.substr(0, file.rfind("/polyMesh/"));
+                if (examination.folder.hasFile(folder + "/polyMesh/faces")) {
+                    return meshChangesCause(folder);
+                }
                 return Cause{"moved-points",
                              "the moved points do not fit the mesh that is shown",
                              "check whether the mesh changes with time",

@@ -25,23 +25,26 @@ MeshCauses::MeshCauses(const CaseFolder& folder, const CaseMesh& mesh) : m_folde
                            [&](std::string_view name) { return readListFile(folder.root() / pathOf(name)); });
 }
 
-/// Without faces between cells solvers may leave out the file, and it says nothing.
-bool MeshCauses::needsNeighbours() const
+std::size_t MeshCauses::patchFaces() const
 {
-    std::size_t outer = 0;
+    std::size_t faces = 0;
     for (const CasePatch& patch : m_mesh.patches) {
-        outer += static_cast<std::size_t>(std::max<std::int64_t>(patch.faces, 0));
+        faces += static_cast<std::size_t>(std::max<std::int64_t>(patch.faces, 0));
     }
-    return outer != m_files[FACES].count;
+    return faces;
 }
 
 std::optional<Cause> MeshCauses::ofMissingFiles() const
 {
     std::string names;
     for (std::size_t i = 0; i < m_files.size(); ++i) {
-        if (!m_files[i].isOpen && (i != NEIGHBOUR || needsNeighbours())) {
+        // Without faces between cells there may be no neighbours.
+        if (!m_files[i].isOpen && (i != NEIGHBOUR || patchFaces() != m_files[FACES].count)) {
             names += fmt::format("{}{}", names.empty() ? "" : ", ", MESH_FILES[i]);
         }
+    }
+    if (!m_folder.hasFile(pathOf("boundary"))) {
+        names += names.empty() ? "boundary" : ", boundary";
     }
     if (names.empty()) {
         return std::nullopt;
@@ -55,21 +58,24 @@ std::optional<Cause> MeshCauses::ofMissingFiles() const
 
 std::optional<Cause> MeshCauses::ofCounts() const
 {
-    const auto faces = m_files[FACES].count;
-    const auto owners = m_files[OWNER].count;
-    const auto neighbours = m_files[NEIGHBOUR].count;
-    if (!faces || !owners || faces == owners) {
-        return neighbours && owners && *neighbours > *owners
-                   ? std::optional(Cause{"mesh-counts",
-                                         fmt::format("there are {} neighbours of {} faces", *neighbours, *owners),
-                                         WRITE_AGAIN,
-                                         {pathOf("neighbour"), 0}})
-                   : std::nullopt;
+    const std::size_t faces = m_files[FACES].count.value_or(0);
+    const std::size_t owners = m_files[OWNER].count.value_or(0);
+    const std::size_t neighbours = m_files[NEIGHBOUR].count.value_or(0);
+    if (faces != owners) {
+        return Cause{"mesh-counts",
+                     fmt::format("there are {} owners of {} faces", owners, faces),
+                     WRITE_AGAIN,
+                     {pathOf("owner"), 0}};
     }
-    return Cause{"mesh-counts",
-                 fmt::format("there are {} owners of {} faces", *owners, *faces),
-                 WRITE_AGAIN,
-                 {pathOf("owner"), 0}};
+    // Some programs name a neighbour of each face, those of the outer ones being -1.
+    if (neighbours + patchFaces() != faces && neighbours != faces) {
+        return Cause{"mesh-counts",
+                     fmt::format("{} faces have neighbours and {} are in patches, but there are {} faces", neighbours,
+                                 patchFaces(), faces),
+                     WRITE_AGAIN,
+                     {pathOf("boundary"), 0}};
+    }
+    return std::nullopt;
 }
 
 std::vector<Cause> MeshCauses::ofFiles(const std::vector<LoggedCause>& logged) const
@@ -94,7 +100,7 @@ std::vector<Cause> MeshCauses::ofFiles(const std::vector<LoggedCause>& logged) c
     }
     for (const LoggedCause& said : logged) {
         const std::string file = wording::pathIn(m_folder.root(), said.file);
-        const bool isMissing = file == pathOf("neighbour") && !m_files[NEIGHBOUR].isOpen;
+        const bool isMissing = !m_folder.hasFile(file);
         const bool isNew = std::ranges::none_of(causes, [&](const Cause& one) { return one.place.file == file; });
         if (file.starts_with(m_mesh.folder + "/") && isNew && !isMissing) {
             causes.push_back({"mesh-unread", "the file is not read: " + said.reason, WRITE_AGAIN, {file, 0}});
@@ -107,6 +113,12 @@ Cause MeshCauses::ofCells(std::size_t shown) const
 {
     if (m_mesh.cells == std::size_t(0)) {
         return {"mesh-empty", "the mesh has no cells", "make the mesh again", {pathOf("owner"), 0}};
+    }
+    if (shown == 0 && timeOfName(m_mesh.folder.substr(0, m_mesh.folder.find('/')))) {
+        return {"mesh-in-time",
+                "a mesh in a time folder is read only if there is one in constant, or if the time is 0",
+                "move it to constant",
+                {m_mesh.folder, 0}};
     }
     return {"mesh-cells",
             fmt::format("{} cells of the mesh are shown, and its owner file says {}", shown,

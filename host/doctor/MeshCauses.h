@@ -38,7 +38,7 @@ private:
     std::optional<Cause> ofMissingFiles() const;
     std::optional<Cause> ofCounts() const;
     std::string pathOf(std::string_view name) const { return m_mesh.folder + "/" + std::string(name); }
-    bool needsNeighbours() const;
+    std::size_t patchFaces() const;
 
     const CaseFolder& m_folder;
     const CaseMesh& m_mesh;

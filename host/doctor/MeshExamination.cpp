@@ -18,11 +18,17 @@ Cause plainPatchGroup(const CaseMesh& mesh, const CasePatch& patch)
     return {"boundary-layout", "the boundary file is laid out as OpenFOAM does not write it", "", place};
 }
 
+bool isSameShape(const HostElementGroup& a, const HostElementGroup& b)
+{
+    return a.elementCount() == b.elementCount() && a.connectivity == b.connectivity &&
+           a.polyhedra.faceConnectivity == b.polyhedra.faceConnectivity;
+}
+
 bool isSameGroup(const Delivery& plain, std::size_t inPlain, const Delivery& extended, std::size_t inExtended)
 {
     const HostNodeGroup* const a = plain.nodes(inPlain);
     const HostNodeGroup* const b = extended.nodes(inExtended);
-    return plain.elements(inPlain)->connectivity == extended.elements(inExtended)->connectivity &&
+    return isSameShape(*plain.elements(inPlain), *extended.elements(inExtended)) &&
            (a == nullptr || b == nullptr ? a == b : a->coordinates == b->coordinates);
 }
 
@@ -104,11 +110,7 @@ void examineChanges(Examination& examination, const CaseMesh& mesh)
     for (const CaseTime& time : examination.folder.times()) {
         for (const std::string& folder : examination.folder.fieldFolders(mesh, time.name)) {
             if (folder + "/polyMesh" != mesh.folder && examination.folder.hasFile(folder + "/polyMesh/faces")) {
-                Finding& finding = examination.report.findings.add(
-                    FindingKind::Hidden, {"mesh-changes",
-                                          "the mesh changes with time, and only the first one is shown",
-                                          "open the times of each mesh as a case of their own",
-                                          {folder + "/polyMesh/faces", 0}});
+                Finding& finding = examination.report.findings.add(FindingKind::Hidden, meshChangesCause(folder));
                 finding.times.insert(time.name);
             }
         }
@@ -142,6 +144,15 @@ void examineLimits(Examination& examination)
     }
 }
 
+/// The number of cells that the host is given without faces.
+std::size_t cellsWithoutFaces(const Examination& examination, const CaseMesh& mesh)
+{
+    const auto group = examination.extended.group(mesh.part, "");
+    return group ? static_cast<std::size_t>(
+                       std::ranges::count(examination.extended.elements(*group)->polyhedra.facesPerPolyhedron, 0))
+                 : 0;
+}
+
 /// Compares the cells of a mesh.
 /// @return true if they are shown, so that patches can be
 bool examineCells(Examination& examination, const CaseMesh& mesh, const MeshCauses& causes)
@@ -149,19 +160,21 @@ bool examineCells(Examination& examination, const CaseMesh& mesh, const MeshCaus
     const GroupOutcome outcome = outcomeOfGroup(examination, mesh, "");
     examination.report.forms.cells += outcome.shown;
     std::vector<Cause> hidden = causes.ofFiles(examination.extended.errors());
-    if (hidden.empty() && (outcome.shown == 0 || (mesh.cells && outcome.shown != *mesh.cells))) {
-        hidden.push_back(causes.ofCells(outcome.shown));
+    const auto isOfMesh = [&](const std::string& limit) { return limit.starts_with(mesh.part + ": "); };
+    const bool isLimited = std::ranges::any_of(examination.extended.limits(), isOfMesh);
+    const std::size_t empty = isLimited ? 0 : cellsWithoutFaces(examination, mesh);
+    if (hidden.empty() && (empty > 0 || outcome.shown == 0 || (mesh.cells && outcome.shown != *mesh.cells))) {
+        hidden.push_back(causes.ofCells(outcome.shown - empty));
     }
+    MeshOutcome& found = examination.meshes[mesh.part];
+    found = {hidden.empty() ? std::nullopt : std::optional(hidden.front()), causes.ofPlain(), outcome.isSame};
     for (const Cause& cause : hidden) {
         examination.report.findings.add(FindingKind::Hidden, cause);
-        examination.meshCauses.emplace(mesh.part, cause);
     }
     if (hidden.empty() && !outcome.isSame) {
         examination.report.findings.add(FindingKind::Extended, plainMeshCause(examination, mesh));
     }
-    const auto isOfMesh = [&](const std::string& limit) { return limit.starts_with(mesh.part + ": "); };
-    const bool isTold = std::ranges::any_of(examination.extended.limits(), isOfMesh);
-    if (const auto longFaces = causes.ofLongFaces(); longFaces && !isTold) {
+    if (const auto longFaces = causes.ofLongFaces(); longFaces && !isLimited) {
         examination.report.findings.add(FindingKind::Hidden, *longFaces);
     }
     return hidden.empty();
@@ -171,11 +184,16 @@ bool examineCells(Examination& examination, const CaseMesh& mesh, const MeshCaus
 
 bool isSameMeshInPlain(const Examination& examination, const CaseMesh& mesh)
 {
-    const auto inPlain = examination.plain.group(mesh.part, "");
-    const auto inExtended = examination.extended.group(mesh.part, "");
-    return inPlain && inExtended &&
-           examination.plain.elements(*inPlain)->elementCount() ==
-               examination.extended.elements(*inExtended)->elementCount();
+    const auto found = examination.meshes.find(mesh.part);
+    return found != examination.meshes.end() && found->second.isSameInPlain;
+}
+
+Cause meshChangesCause(const std::string& folder)
+{
+    return {"mesh-changes",
+            "the mesh changes with time, and only the first one is shown",
+            "open the times of each mesh as a case of their own",
+            {folder + "/polyMesh/faces", 0}};
 }
 
 Cause plainMeshCause(const Examination& examination, const CaseMesh& mesh)
@@ -205,8 +223,9 @@ Cause plainMeshCause(const Examination& examination, const CaseMesh& mesh)
                 "processor-points", "the folder of moved points of a processor is taken for its mesh", "", {points, 0}};
         }
     }
-    if (const auto found = examination.plainMeshCauses.find(mesh.part); found != examination.plainMeshCauses.end()) {
-        return found->second;
+    if (const auto found = examination.meshes.find(mesh.part);
+        found != examination.meshes.end() && found->second.plain) {
+        return *found->second.plain;
     }
     return {"mesh", "the mesh differs between plain and extended reading, and no cause was found in its files", "",
             place};
@@ -221,13 +240,10 @@ void examineMeshes(Examination& examination)
         }
         const MeshCauses causes(examination.folder, mesh);
         countForms(examination, mesh, causes);
-        if (const auto ofPlain = causes.ofPlain()) {
-            examination.plainMeshCauses.emplace(mesh.part, *ofPlain);
-        }
         if (examineCells(examination, mesh, causes)) {
             examinePatches(examination, mesh);
+            examineZones(examination, mesh);
         }
-        examineZones(examination, mesh);
         examineChanges(examination, mesh);
     }
     if (examination.folder.meshes().empty() && examination.folder.collatedFolders().empty()) {

@@ -17,6 +17,14 @@ Seed cutOff(const std::string& file, std::size_t bytes)
     };
 }
 
+Seed copied(const std::string& from, const std::string& to)
+{
+    return [=](const TempFolder& folder) {
+        std::filesystem::create_directories((folder / to).parent_path());
+        std::filesystem::copy(folder / from, folder / to, std::filesystem::copy_options::recursive);
+    };
+}
+
 /// Writes a list of the mesh raw, in widths that OpenFOAM can be built with.
 template <typename Value>
 Seed rawMeshFile(const std::string& name, const std::string& className, const std::vector<Value>& values,
@@ -73,7 +81,7 @@ const std::vector<Fault> MESH_FAULTS = {
     {"no faces, no owners", all({removed("constant/polyMesh/faces"), removed("constant/polyMesh/owner")}),
      "hidden mesh-file constant/polyMesh/faces"},
     {"no neighbours", removed("constant/polyMesh/neighbour"), "hidden mesh-file constant/polyMesh/neighbour"},
-    {"no boundary", removed("constant/polyMesh/boundary"), "hidden mesh-unread constant/polyMesh/boundary"},
+    {"no boundary", removed("constant/polyMesh/boundary"), "hidden mesh-file constant/polyMesh/boundary"},
     {"no mesh", removed(MESH), "hidden no-mesh constant/polyMesh"},
     {"points cut off", cutOff("constant/polyMesh/points", 3), "hidden mesh-list constant/polyMesh/points"},
     {"owners cut off", cutOff("constant/polyMesh/owner", 3), "hidden mesh-list constant/polyMesh/owner"},
@@ -93,6 +101,8 @@ const std::vector<Fault> MESH_FAULTS = {
      "hidden mesh-list constant/polyMesh/points"},
     {"other number of owners", replaced("constant/polyMesh/owner", "11\n(\n", "12\n(\n0\n"),
      "hidden mesh-counts constant/polyMesh/owner"},
+    {"fewer faces in a patch", replaced("constant/polyMesh/boundary", "nFaces 9", "nFaces 8"),
+     "hidden mesh-counts constant/polyMesh/boundary"},
     {"more cells in the note", replaced("constant/polyMesh/owner", "nCells:2", "nCells:3"),
      "hidden mesh-cells constant/polyMesh/owner"},
     {"no note", replaced("constant/polyMesh/owner", "note", "other"), "extended no-note constant/polyMesh/owner"},
@@ -106,7 +116,7 @@ const std::vector<Fault> MESH_FAULTS = {
     {"scalars of 32 bits",
      rawMeshFile("points", "vectorField", std::vector<float>(CUBE_POINTS.begin(), CUBE_POINTS.end()), 3),
      "extended raw-form constant/polyMesh/points"},
-    {"as many corners as hosts count", [](const TempFolder& folder) { writePrism(folder, 60); }, ""},
+    {"as many corners as hosts count", [](const TempFolder& folder) { writePrism(folder, 40); }, ""},
     {"more corners", [](const TempFolder& folder) { writePrism(folder, 300); }, "hidden limit constant/polyMesh/faces"},
     {"no faces between cells, no neighbours",
      all({[](const TempFolder& folder) { writePrism(folder, 5); }, removed("constant/polyMesh/neighbour")}), ""},
@@ -129,7 +139,11 @@ const std::vector<Fault> LAYOUTS = {
      all({moved(MESH, "processor0/constant/solid/polyMesh"), moved("0.5/p", "0.5/processor0/solid/p"),
           moved("1/p", "1/processor0/solid/p")}),
      "extended processor-region processor0/constant/solid/polyMesh"},
-    {"mesh in the first time", moved(MESH, "0.5/polyMesh"), "extended first-time-mesh 0.5/polyMesh"},
+    {"the same mesh in the first time", copied(MESH, "0.5/polyMesh"), ""},
+    {"another mesh in the first time",
+     all({copied(MESH, "0.5/polyMesh"), replaced("constant/polyMesh/points", "(1 0 0)", "(1 0 0.1)")}),
+     "extended first-time-mesh 0.5/polyMesh"},
+    {"mesh in a time alone", moved(MESH, "0.5/polyMesh"), "hidden mesh-in-time 0.5/polyMesh"},
     {"moved points",
      all({written("0.5/polyMesh/points", CUBE_FILE_OF_POINTS), written("1/polyMesh/points", CUBE_FILE_OF_POINTS)}), ""},
     {"moved points of another number", written("1/polyMesh/points", "11" + std::string("\n()\n")),

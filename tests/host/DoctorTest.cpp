@@ -130,11 +130,61 @@ TEST_F(Doctor, LooksAtTheTimesAskedFor)
     for (const char* const time : {"2", "3", "4"}) {
         writePressure(m_folder, time);
     }
-    EXPECT_EQ(examine(m_folder, 0)["timesLookedAt"], json({"0.5", "2", "4"}));
-    EXPECT_EQ(examine(m_folder, 0, "--state all")["timesLookedAt"].size(), 5U);
-    EXPECT_EQ(examine(m_folder, 0, "--state 3")["timesLookedAt"], json({"3"}));
+    struct Form
+    {
+        const char* state;
+        Texts times;
+    };
+    const std::vector<Form> forms = {{"some", {"0.5", "2", "4"}},
+                                     {"all", {"0.5", "1", "2", "3", "4"}},
+                                     {"first", {"0.5"}},
+                                     {"latest", {"4"}},
+                                     {"last", {"4"}},
+                                     {"3", {"3"}},
+                                     {"3.0000001", {"3"}}};
+    for (const Form& form : forms) {
+        EXPECT_EQ(examine(m_folder, 0, std::string("--state ") + form.state)["timesLookedAt"], json(form.times))
+            << form.state;
+    }
+    EXPECT_EQ(examine(m_folder, 0)["timesLookedAt"], json(forms.front().times));
     EXPECT_EQ(runProgram(m_output, "doctor --state 7" + inQuotes(m_folder.path())).code, 2);
+    EXPECT_EQ(runProgram(m_output, "doctor --state 4end" + inQuotes(m_folder.path())).code, 2);
     EXPECT_EQ(runProgram(m_output, "doctor" + inQuotes(m_folder / "nothing")).code, 3);
+}
+
+TEST_F(Doctor, AsksForPatchesOnlyIfTheyAreShown)
+{
+    writePressure(m_folder, "1", "uniform $none");
+    const std::string all = findingsIn(examine(m_folder, 1));
+    // The patches of the broken field are not asked for, but its cells are.
+    const json cells = examine(m_folder, 1, "--set LOAD_BC_PARTS=off ");
+    EXPECT_EQ(findingsIn(cells), all);
+    EXPECT_EQ(cells["findings"][0]["arrays"].size(), 1U);
+    EXPECT_EQ(cells["arrays"]["all"], 2);
+    EXPECT_EQ(runProgram(m_output, "doctor --set NO_SUCH=on" + inQuotes(m_folder.path())).code, 2);
+}
+
+TEST_F(Doctor, SaysThatThereAreNoFields)
+{
+    std::filesystem::remove(m_folder / "0.5/p");
+    std::filesystem::remove(m_folder / "1/p");
+    const ProgramRun run = runProgram(m_output, "doctor" + inQuotes(m_folder.path()));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_NE(run.out.find("everything shows, but there are no fields\n"), std::string::npos) << run.out;
+}
+
+// 20 us for each of 60,000 files.
+TEST_F(Doctor, WarnsOfManyFiles)
+{
+    for (int i = 1; i < 600; ++i) {
+        std::filesystem::create_directory(m_folder / std::to_string(i));
+    }
+    EXPECT_EQ(examine(m_folder, 0, "--state 1")["slow"], json::array());
+    for (int i = 0; i < 100; ++i) {
+        m_folder.write("599/note" + std::to_string(i), "");
+    }
+    EXPECT_EQ(examine(m_folder, 0, "--state 1")["slow"],
+              json({"600 times of 100 files: about 1 s to open, 20 us for each file"}));
 }
 
 TEST_F(Doctor, EscapesWhatCouldSteerATerminal)
@@ -158,5 +208,41 @@ TEST_F(Doctor, ShowsTheLibraryWithoutACase)
         EXPECT_TRUE(std::filesystem::exists(one["file"].get<std::string>())) << one;
     }
     EXPECT_NE(joined(linked).find("libz.so"), std::string::npos) << joined(linked);
-    EXPECT_EQ(runProgram(m_output, "doctor --plugin '" DDPHOST_PROGRAM "'").code, 4);
+}
+
+TEST_F(Doctor, SaysWhyTheLibraryCannotBeLoaded)
+{
+    struct Refusal
+    {
+        std::string file;
+        const char* reason;
+        const char* help;
+    };
+    m_folder.write("text.so", "no library");
+    const std::vector<Refusal> refusals = {
+        {(m_folder / "none.so").string(), "No such file or directory", "check that the file named is there"},
+        {m_folder.path().string(), "not a file", "name the file of this plug-in"},
+        {(m_folder / "text.so").string(), "too short", "name a shared library"},
+        {DDPHOST_PROGRAM, "cannot dynamically load", "this file is a program"},
+    };
+    for (const Refusal& refusal : refusals) {
+        const ProgramRun run = runProgram(m_output, "doctor --plugin" + inQuotes(refusal.file));
+        EXPECT_EQ(run.code, 4);
+        EXPECT_NE(run.out.find(refusal.reason), std::string::npos) << run.out;
+        EXPECT_NE(run.out.find("--plugin  " + refusal.file), std::string::npos) << run.out;
+        EXPECT_NE(run.out.find(refusal.help), std::string::npos) << run.out;
+        EXPECT_NE(run.err.find(refusal.help), std::string::npos) << run.err;
+    }
+    const ProgramRun named = runProgram(m_output, "doctor --json", "DDP_PLUGIN=/none.so");
+    EXPECT_EQ(named.code, 4);
+    EXPECT_EQ(json::parse(named.out)["error"]["code"], 4);
+    EXPECT_NE(named.out.find("/none.so"), std::string::npos) << named.out;
+    // A copy of the program has no library beside it.
+    std::filesystem::create_directory(m_folder / "bin");
+    std::filesystem::copy(DDPHOST_PROGRAM, m_folder / "bin/ddphost");
+    const std::string program = (m_folder / "bin/ddphost").string();
+    const std::string out = (m_output / "out").string();
+    EXPECT_NE(std::system(("env -u DDP_PLUGIN '" + program + "' doctor >'" + out + "' 2>&1").c_str()), 0);
+    EXPECT_NE(fileBytes(out).find((m_folder / "bin/libOpenFoamPlugin.so").string() + " "), std::string::npos)
+        << fileBytes(out);
 }

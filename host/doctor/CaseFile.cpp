@@ -247,6 +247,17 @@ bool CaseFile::isComposed(const foamdict::Entry& entry) const
                            : textOfLine(entry.line).find_first_of("$#") != std::string_view::npos;
 }
 
+const SkippedList* CaseFile::listOf(const foamdict::Entry& entry) const
+{
+    const auto token = std::ranges::find(entry.tokens, foamdict::Token::Kind::List, &foamdict::Token::kind);
+    return token == entry.tokens.end() || token->list >= lists.size() ? nullptr : &lists[token->list];
+}
+
+bool isNonuniform(const foamdict::Entry& entry)
+{
+    return !entry.tokens.empty() && entry.tokens.front().text == "nonuniform";
+}
+
 std::string_view CaseFile::textOfLine(std::size_t line) const
 {
     const auto found = lines.find(line);

@@ -100,6 +100,8 @@ struct CaseFile
     std::string header(std::string_view key) const;
     /// Whether an entry is written with macros or directives, or is not in the file itself.
     bool isComposed(const foamdict::Entry& entry) const;
+    /// The long list of a value; null if it has none.
+    const SkippedList* listOf(const foamdict::Entry& entry) const;
     /// The text of a line, without blanks around it.
     std::string_view textOfLine(std::size_t line) const;
 };
@@ -107,6 +109,9 @@ struct CaseFile
 /// Reads a file of a case.
 /// @param isOnlyHead true to end at the first long list
 CaseFile readCaseFile(const std::filesystem::path& path, const std::filesystem::path& caseFolder, bool isOnlyHead);
+
+/// True for a value that is a list, one item for each cell, face or point.
+bool isNonuniform(const foamdict::Entry& entry);
 
 /// The bytes of a raw value by the entry "arch" of its file, such as "LSB;label=32;scalar=64".
 /// @param key "label=" or "scalar="

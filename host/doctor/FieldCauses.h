@@ -54,6 +54,8 @@ public:
     const std::string& path() const { return m_path; }
 
 private:
+    static constexpr std::string_view PATCHES = "boundaryField";
+
     /// How an entry of the field's patches was found.
     enum class Match
     {
@@ -76,6 +78,8 @@ private:
                                    const std::string& owner) const;
     std::optional<Cause> valueCause(const foamdict::Entry& entry, std::optional<std::size_t> items,
                                     const std::string& owner) const;
+    std::optional<Cause> plainFileCause() const;
+    std::optional<Cause> plainTextCause(const foamdict::Entry& value, const std::string& owner) const;
     std::optional<Cause> headerCause() const;
     std::optional<Cause> rawCause() const;
     std::optional<Cause> placeCause() const;

@@ -114,7 +114,6 @@ void Delivery::index()
     for (const HostState& state : described.states) {
         m_stateOfTime.emplace(state.referenceValue, state.id);
     }
-    m_stateCount = described.states.size();
 }
 
 std::optional<std::size_t> Delivery::group(const std::string& part, const std::string& name) const

@@ -80,7 +80,6 @@ public:
 
     /// True if there is a state of this time.
     bool hasTime(double time) const { return m_stateOfTime.contains(time); }
-    std::size_t stateCount() const { return m_stateCount; }
 
     /// Asks for the values of a field.
     DeliveredResult result(const std::string& field, FieldPlace place, double time);
@@ -103,5 +102,4 @@ private:
     std::map<std::pair<std::string, HostGroupKind>, std::size_t> m_zones; ///< by part
     std::map<std::string, const HostResultInfo*> m_results;
     std::map<double, std::int32_t> m_stateOfTime;
-    std::size_t m_stateCount = 0;
 };

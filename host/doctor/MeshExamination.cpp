@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -48,10 +49,21 @@ GroupOutcome outcomeOfGroup(const Examination& examination, const CaseMesh& mesh
             inPlain && inExtended && isSameGroup(examination.plain, *inPlain, examination.extended, *inExtended)};
 }
 
+/// Tells something that hosts are not given because of a setting.
+void tellSetting(Examination& examination, const char* name, const char* what, const char* key, const std::string& file)
+{
+    examination.report.findings.add(
+        FindingKind::Setting, {name, fmt::format("{} are not shown", what), fmt::format("set {}=on", key), {file, 0}});
+}
+
 void examinePatches(Examination& examination, const CaseMesh& mesh)
 {
     Findings& findings = examination.report.findings;
     const bool isSame = isSameMeshInPlain(examination, mesh);
+    const auto hasFaces = [](const CasePatch& patch) { return patch.faces > 0; };
+    if (!examination.isSet("LOAD_BC_PARTS") && std::ranges::any_of(mesh.patches, hasFaces)) {
+        tellSetting(examination, "patches", "patches", "LOAD_BC_PARTS", mesh.folder + "/boundary");
+    }
     for (const CasePatch& patch : mesh.patches) {
         const bool isUnwanted = examination.isSet("HIDE_PARALLEL_INTERFACES") && patch.name.starts_with("procBoundary");
         if (patch.faces <= 0 || isUnwanted || !examination.isSet("LOAD_BC_PARTS")) {
@@ -72,35 +84,46 @@ void examinePatches(Examination& examination, const CaseMesh& mesh)
     }
 }
 
-void examineZones(Examination& examination, const CaseMesh& mesh)
+/// A kind of zone.
+struct ZoneKind
 {
-    Findings& findings = examination.report.findings;
-    const FindingPlace cells = {mesh.folder + "/cellZones", 0};
-    if (examination.isSet("LOAD_CELL_ZONES")) {
-        const std::size_t inExtended = examination.extended.zoneCount(mesh.part, HostGroupKind::CellZone);
-        if (inExtended < mesh.cellZones) {
-            findings.add(FindingKind::Hidden,
-                         {"cell-zones", "not all cell zones are shown", "write them again", cells});
-        } else if (isSameMeshInPlain(examination, mesh) &&
-                   examination.plain.zoneCount(mesh.part, HostGroupKind::CellZone) < inExtended) {
-            findings.add(FindingKind::Extended, {"cell-zones",
-                                                 mesh.region.empty() ? "not all cell zones are read in their layout"
-                                                                     : "the cell zones of regions are not read",
-                                                 "", cells});
-        }
+    HostGroupKind kind;
+    std::size_t CaseMesh::*count;
+    const char* file;
+    const char* name; ///< of the cause
+    const char* what;
+    const char* setting;
+};
+
+constexpr std::array<ZoneKind, 2> ZONE_KINDS = {
+    {{HostGroupKind::CellZone, &CaseMesh::cellZones, "cellZones", "cell-zones", "cell zones", "LOAD_CELL_ZONES"},
+     {HostGroupKind::FaceZone, &CaseMesh::faceZones, "faceZones", "face-zones", "face zones", "LOAD_FACE_ZONES"}}};
+
+void examineZones(Examination& examination, const CaseMesh& mesh, const ZoneKind& zones)
+{
+    const std::string file = mesh.folder + "/" + zones.file;
+    const std::size_t expected = mesh.*zones.count;
+    if (expected == 0) {
+        return;
     }
-    const FindingPlace faces = {mesh.folder + "/faceZones", 0};
-    if (mesh.faceZones > 0 && !examination.isSet("LOAD_FACE_ZONES")) {
-        findings.add(FindingKind::Setting, {"face-zones", "face zones are not shown", "set LOAD_FACE_ZONES=on", faces});
-    } else if (mesh.faceZones > 0) {
-        const std::size_t inExtended = examination.extended.zoneCount(mesh.part, HostGroupKind::FaceZone);
-        if (inExtended < mesh.faceZones) {
-            findings.add(FindingKind::Hidden,
-                         {"face-zones", "not all face zones are shown", "write them again", faces});
-        } else if (isSameMeshInPlain(examination, mesh) &&
-                   examination.plain.zoneCount(mesh.part, HostGroupKind::FaceZone) < inExtended) {
-            findings.add(FindingKind::Extended, {"face-zones", "not all face zones are read", "", faces});
-        }
+    if (!examination.isSet(zones.setting)) {
+        tellSetting(examination, zones.name, zones.what, zones.setting, file);
+        return;
+    }
+    const std::size_t inExtended = examination.extended.zoneCount(mesh.part, zones.kind);
+    const std::size_t inPlain = examination.plain.zoneCount(mesh.part, zones.kind);
+    const bool isOfRegion = zones.kind == HostGroupKind::CellZone && !mesh.region.empty();
+    if (inExtended < expected) {
+        examination.report.findings.add(
+            FindingKind::Hidden,
+            {zones.name, fmt::format("not all {} are shown", zones.what), "write them again", {file, 0}});
+    } else if (isSameMeshInPlain(examination, mesh) && inPlain < inExtended) {
+        examination.report.findings.add(FindingKind::Extended,
+                                        {zones.name,
+                                         isOfRegion ? "the cell zones of regions are not read"
+                                                    : fmt::format("not all {} are read in their layout", zones.what),
+                                         "",
+                                         {file, 0}});
     }
 }
 
@@ -236,13 +259,19 @@ void examineMeshes(Examination& examination)
     for (const CaseMesh& mesh : examination.folder.meshes()) {
         if (!isToBeShown(examination, mesh)) {
             examination.report.forms.hasWholeMeshBesidePieces |= mesh.isBesidePieces;
+            if (!mesh.isBesidePieces) {
+                tellSetting(examination, "meshes", mesh.region.empty() ? "cells" : "cells of regions",
+                            mesh.region.empty() ? "LOAD_GLOBAL_MESH" : "LOAD_LOCAL_MESHES", mesh.folder);
+            }
             continue;
         }
         const MeshCauses causes(examination.folder, mesh);
         countForms(examination, mesh, causes);
         if (examineCells(examination, mesh, causes)) {
             examinePatches(examination, mesh);
-            examineZones(examination, mesh);
+            for (const ZoneKind& zones : ZONE_KINDS) {
+                examineZones(examination, mesh, zones);
+            }
         }
         examineChanges(examination, mesh);
     }

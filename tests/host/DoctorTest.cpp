@@ -155,13 +155,23 @@ TEST_F(Doctor, LooksAtTheTimesAskedFor)
 TEST_F(Doctor, AsksForPatchesOnlyIfTheyAreShown)
 {
     writePressure(m_folder, "1", "uniform $none");
-    const std::string all = findingsIn(examine(m_folder, 1));
-    // The patches of the broken field are not asked for, but its cells are.
+    const json all = examine(m_folder, 1);
+    EXPECT_EQ(findingsIn(all), "hidden macro-names-nothing 1/p:16");
+    EXPECT_EQ(all["findings"][0]["arrays"].size(), 3U);
     const json cells = examine(m_folder, 1, "--set LOAD_BC_PARTS=off ");
-    EXPECT_EQ(findingsIn(cells), all);
-    EXPECT_EQ(cells["findings"][0]["arrays"].size(), 1U);
+    EXPECT_EQ(findingsIn(cells), "setting patches constant/polyMesh/boundary, hidden macro-names-nothing 1/p:16");
+    EXPECT_EQ(cells["findings"][1]["arrays"].size(), 1U);
     EXPECT_EQ(cells["arrays"]["all"], 2);
     EXPECT_EQ(runProgram(m_output, "doctor --set NO_SUCH=on" + inQuotes(m_folder.path())).code, 2);
+}
+
+TEST_F(Doctor, TellsWhatASettingHides)
+{
+    EXPECT_EQ(findingsIn(examine(m_folder, 1, "--set LOAD_GLOBAL_MESH=off ")), "setting meshes constant/polyMesh");
+    EXPECT_EQ(findingsIn(examine(m_folder, 1, "--set LOAD_CELL_ZONES=off ")),
+              "setting cell-zones constant/polyMesh/cellZones");
+    m_folder.write("constant/polyMesh/faceZones", zonesFile(true, {{"inner", {0}}}));
+    EXPECT_EQ(findingsIn(examine(m_folder, 0, "--set LOAD_FACE_ZONES=on ")), "");
 }
 
 TEST_F(Doctor, SaysThatThereAreNoFields)

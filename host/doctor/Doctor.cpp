@@ -112,6 +112,23 @@ Cause causeOfRefusal(const CaseFolder& folder, const Delivery& plain)
     return refusalCause(folder, plain);
 }
 
+void examineClouds(Examination& examination)
+{
+    const CaseFolder& folder = examination.folder;
+    for (const CaseTime& time : folder.times()) {
+        for (const CaseMesh& mesh : folder.meshes()) {
+            for (const std::string& place : folder.fieldFolders(mesh, time.name)) {
+                const std::string clouds = place + "/lagrangian";
+                if (folder.hasFolder(clouds)) {
+                    examination.report.findings
+                        .add(FindingKind::Hidden, {"clouds", "particles have no place in hosts", "", {clouds, 0}})
+                        .times.insert(time.name);
+                }
+            }
+        }
+    }
+}
+
 /// What is there beside meshes and fields, at any time.
 void examineOmissions(Examination& examination)
 {
@@ -134,22 +151,11 @@ void examineOmissions(Examination& examination)
                                              "move it out of the case",
                                              {name, 0}});
     }
-    for (const CaseTime& time : folder.times()) {
-        for (const CaseMesh& mesh : folder.meshes()) {
-            for (const std::string& place : folder.fieldFolders(mesh, time.name)) {
-                if (folder.hasFolder(place + "/lagrangian")) {
-                    findings
-                        .add(FindingKind::Hidden,
-                             {"clouds", "particles have no place in hosts", "", {place + "/lagrangian", 0}})
-                        .times.insert(time.name);
-                }
-            }
-        }
-    }
     if (folder.hasFolder("constant/faMesh")) {
         findings.add(FindingKind::Hidden,
                      {"finite-area", "finite-area meshes are not read", "", {"constant/faMesh", 0}});
     }
+    examineClouds(examination);
 }
 
 void fillForms(const CaseFolder& folder, CaseForms* forms)

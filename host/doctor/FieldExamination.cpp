@@ -254,6 +254,47 @@ void compareField(Examination& examination, const CaseTime& time, const std::str
     }
 }
 
+/// The points that a mesh has at a time: those of the last time up to then that has some.
+struct MovedPoints
+{
+    std::string folder; ///< empty if they never moved
+    bool isOfTime = false;
+};
+
+MovedPoints movedPointsAt(const CaseFolder& folder, const CaseMesh& mesh, const CaseTime& time)
+{
+    MovedPoints points;
+    for (const CaseTime& before : folder.times()) {
+        for (const std::string& place : folder.fieldFolders(mesh, before.name)) {
+            if (before.value <= time.value && place + "/polyMesh" != mesh.folder &&
+                folder.hasFile(place + "/polyMesh/points")) {
+                points = {place, before.name == time.name};
+            }
+        }
+    }
+    return points;
+}
+
+Cause hiddenPointsCause(const CaseFolder& folder, const MovedPoints& points)
+{
+    if (folder.hasFile(points.folder + "/polyMesh/faces")) {
+        return meshChangesCause(points.folder);
+    }
+    return {"moved-points",
+            "the moved points do not fit the mesh that is shown",
+            "check whether the mesh changes with time",
+            {points.folder + "/polyMesh/points", 0}};
+}
+
+Cause plainPointsCause(const MovedPoints& points)
+{
+    return {"moved-points",
+            points.isOfTime ? "moved points are not shown for each mesh from its own file"
+                            : "moved points are shown only at the times that have a file of them",
+            "",
+            {points.folder + "/polyMesh/points", 0}};
+}
+
 } // namespace
 
 void examineFields(Examination& examination, const CaseTime& time)
@@ -274,47 +315,14 @@ void examineMovedPoints(Examination& examination, const CaseTime& time)
     const DeliveredResult plain = examination.plain.result("points", FieldPlace::MovedPoints, time.value);
     const DeliveredResult extended = examination.extended.result("points", FieldPlace::MovedPoints, time.value);
     for (const CaseMesh& mesh : examination.folder.meshes()) {
-        if (!isToBeShown(examination, mesh)) {
-            continue;
-        }
-        // The points of a time are those of the last time that has some.
-        std::string file;
-        bool isOwn = false;
-        for (const CaseTime& before : examination.folder.times()) {
-            for (const std::string& folder : examination.folder.fieldFolders(mesh, before.name)) {
-                const std::string points = folder + "/polyMesh/points";
-                if (before.value <= time.value && folder + "/polyMesh" != mesh.folder &&
-                    examination.folder.hasFile(points)) {
-                    file = points;
-                    isOwn = before.name == time.name;
-                }
-            }
-        }
-        if (file.empty()) {
+        const MovedPoints points = movedPointsAt(examination.folder, mesh, time);
+        if (points.folder.empty() || !isToBeShown(examination, mesh)) {
             continue;
         }
         ++examination.report.forms.movedPointTimes;
         const ArrayOutcome outcome = outcomeOf(examination, plain, extended, mesh.part, "");
-        const FindingArray array = {
-            time.name, mesh.part, "", "points", wordOf(outcome.plain), wordOf(outcome.extended)};
         judge(
-            examination, outcome, array,
-            [&] {
-                const std::string folder = file.substr(0, file.rfind("/polyMesh/"));
-                if (examination.folder.hasFile(folder + "/polyMesh/faces")) {
-                    return meshChangesCause(folder);
-                }
-                return Cause{"moved-points",
-                             "the moved points do not fit the mesh that is shown",
-                             "check whether the mesh changes with time",
-                             {file, 0}};
-            },
-            [&] {
-                return Cause{"moved-points",
-                             isOwn ? "moved points are not shown for each mesh from its own file"
-                                   : "moved points are shown only at the times that have a file of them",
-                             "",
-                             {file, 0}};
-            });
+            examination, outcome, {time.name, mesh.part, "", "points", wordOf(outcome.plain), wordOf(outcome.extended)},
+            [&] { return hiddenPointsCause(examination.folder, points); }, [&] { return plainPointsCause(points); });
     }
 }

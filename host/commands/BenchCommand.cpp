@@ -74,7 +74,7 @@ public:
     }
 
     const BenchCase& result() const { return m_case; }
-    const std::vector<UnreadMesh>& unread() const { return m_unread; }
+    const std::vector<LoggedCause>& unread() const { return m_unread; }
 
 private:
     /// Measures a piece of work that returns the size of the host's copy in bytes.
@@ -92,7 +92,7 @@ private:
 
     HostContext& m_context;
     BenchCase m_case;
-    std::vector<UnreadMesh> m_unread;
+    std::vector<LoggedCause> m_unread;
     std::size_t m_phase = 0;
 };
 
@@ -180,7 +180,7 @@ ExitCode runBench(HostContext& context, const BenchOptions& options)
         context.open(casePath);
     }
     std::vector<BenchCase> cases;
-    std::vector<UnreadMesh> unread;
+    std::vector<LoggedCause> unread;
     {
         ProgressBar progress(context.showsProgress(), "bench", "runs",
                              options.casePaths.size() * static_cast<std::size_t>(options.repeats));

@@ -12,30 +12,11 @@
 
 namespace {
 
-/// What precedes the path in the library's lines on files.
-constexpr std::string_view PATH_MARK = " File basename is ";
-
 /// What the library says, as information, of a list that breaks off; it goes on with what there is.
 constexpr std::string_view SHORT_LIST = "List is shorter than its count";
-constexpr std::string_view SHORT_LIST_PATH_MARK = " File is ";
-
-/// Takes a line of the library such as "OFFile : Failed to open it. File basename is PATH" apart.
-UnreadMesh causeOf(const std::string& line)
-{
-    const std::size_t source = line.find(" : ");
-    const std::string text = source == std::string::npos ? line : line.substr(source + 3);
-    const std::string_view form = text.starts_with(SHORT_LIST) ? SHORT_LIST_PATH_MARK : PATH_MARK;
-    const std::size_t mark = text.find(form);
-    if (mark == std::string::npos) {
-        return {"", text};
-    }
-    std::string reason = text.substr(0, mark);
-    reason.resize(reason.find_last_not_of(". ") + 1);
-    return {text.substr(mark + form.size()), reason};
-}
 
 /// False for surfaces, whose errors are told as they come.
-bool isOfMesh(const UnreadMesh& cause)
+bool isOfMesh(const LoggedCause& cause)
 {
     return cause.file.empty() || cause.file.find("/polyMesh/") != std::string::npos;
 }
@@ -55,7 +36,7 @@ bool hasEmptyPart(const HostMetaData& metaData, const HostGeometry& geometry)
 
 } // namespace
 
-std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
+std::vector<LoggedCause> unreadMeshes(OpenedCase& opened)
 {
     const std::size_t before = HostLog::get().lines().size();
     const HostGeometry& geometry = opened.geometry();
@@ -63,14 +44,13 @@ std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
         tellUser(limit);
     }
     const bool hasEmpty = hasEmptyPart(opened.metaData(), geometry);
-    std::vector<UnreadMesh> unread;
+    std::vector<LoggedCause> unread;
     const std::vector<HostLogLine> lines = HostLog::get().lines();
     for (std::size_t i = before; i < lines.size(); ++i) {
-        UnreadMesh cause = causeOf(lines[i].text);
-        const bool isNew = std::ranges::none_of(
-            unread, [&](const UnreadMesh& one) { return one.file == cause.file && one.reason == cause.reason; });
+        LoggedCause cause = loggedCause(lines[i].text);
+        const bool isNew = std::ranges::find(unread, cause) == unread.end();
         const bool isError = lines[i].level == LOG_ERROR && hasEmpty && isOfMesh(cause);
-        if (isNew && (isError || lines[i].text.find(SHORT_LIST) != std::string::npos)) {
+        if (isNew && (isError || cause.reason.starts_with(SHORT_LIST))) {
             HostLog::get().markTold(lines[i].text);
             unread.push_back(std::move(cause));
         }
@@ -78,10 +58,10 @@ std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
     return unread;
 }
 
-nlohmann::ordered_json unreadDocument(const std::vector<UnreadMesh>& unread)
+nlohmann::ordered_json unreadDocument(const std::vector<LoggedCause>& unread)
 {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const UnreadMesh& mesh : unread) {
+    for (const LoggedCause& mesh : unread) {
         list.push_back({{"file", mesh.file}, {"reason", mesh.reason}});
     }
     return list;
@@ -93,9 +73,9 @@ void tellUser(const std::string& line)
     static_cast<void>(std::fwrite(whole.data(), 1, whole.size(), stderr));
 }
 
-void tellUnreadMeshes(const std::vector<UnreadMesh>& unread)
+void tellUnreadMeshes(const std::vector<LoggedCause>& unread)
 {
-    for (const UnreadMesh& mesh : unread) {
+    for (const LoggedCause& mesh : unread) {
         tellUser(fmt::format("mesh not read: {}{}{}", mesh.file, mesh.file.empty() ? "" : ": ", mesh.reason));
     }
 }

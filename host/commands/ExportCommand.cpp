@@ -124,7 +124,7 @@ public:
         selectWhatToWrite();
         ExportFolder folder(m_options.folder, layout(), m_options.overwrite);
         m_folder = &folder;
-        const std::vector<UnreadMesh> unread = unreadMeshes(*m_opened);
+        const std::vector<LoggedCause> unread = unreadMeshes(*m_opened);
         m_geometry = &m_opened->geometry();
         writeStates();
         std::vector<std::string> paths;
@@ -368,7 +368,7 @@ private:
     }
 
     /// Tells what was written, once it is all in place.
-    void report(const std::vector<UnreadMesh>& unread) const
+    void report(const std::vector<LoggedCause>& unread) const
     {
         std::uint64_t total = 0;
         for (const WrittenFile& file : m_written) {
@@ -388,7 +388,7 @@ private:
 
     std::string pathInFolder(const std::string& path) const { return (fs::path(m_options.folder) / path).string(); }
 
-    nlohmann::ordered_json makeDocument(std::uint64_t total, const std::vector<UnreadMesh>& unread) const
+    nlohmann::ordered_json makeDocument(std::uint64_t total, const std::vector<LoggedCause>& unread) const
     {
         nlohmann::ordered_json document = newDocument("export");
         document["index"] = pathInFolder(m_written.back().path);

@@ -141,7 +141,7 @@ std::vector<std::string> omissions()
 }
 
 Json infoDocument(HostContext& context, OpenedCase& opened, const CountsById& counts,
-                  const std::vector<UnreadMesh>& unread)
+                  const std::vector<LoggedCause>& unread)
 {
     const HostMetaData& metaData = opened.metaData();
     Json document = newDocument("info");
@@ -313,7 +313,7 @@ ExitCode runInfo(HostContext& context, const InfoOptions& options)
 {
     const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
     const HostMetaData& metaData = opened->metaData();
-    const std::vector<UnreadMesh> unread = options.counts ? unreadMeshes(*opened) : std::vector<UnreadMesh>();
+    const std::vector<LoggedCause> unread = options.counts ? unreadMeshes(*opened) : std::vector<LoggedCause>();
     const CountsById counts = options.counts ? countAll(metaData, opened->geometry()) : CountsById();
     if (context.options.json) {
         writeDocument(infoDocument(context, *opened, counts, unread));

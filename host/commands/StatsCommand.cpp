@@ -145,7 +145,7 @@ std::string csvText(OpenedCase& opened, const std::vector<StatsRow>& rows)
     return text;
 }
 
-Json statsDocument(OpenedCase& opened, const std::vector<StatsRow>& rows, const std::vector<UnreadMesh>& unread)
+Json statsDocument(OpenedCase& opened, const std::vector<StatsRow>& rows, const std::vector<LoggedCause>& unread)
 {
     Json document = newDocument("stats");
     document["rows"] = Json::array();
@@ -270,7 +270,7 @@ std::string emptyReason(const HostMetaData& metaData)
 ExitCode runStats(HostContext& context, const StatsOptions& options)
 {
     const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
-    const std::vector<UnreadMesh> unread = unreadMeshes(*opened);
+    const std::vector<LoggedCause> unread = unreadMeshes(*opened);
     const std::vector<StatsRow> rows = collectRows(*opened, options, context);
     if (context.options.json) {
         writeDocument(statsDocument(*opened, rows, unread));

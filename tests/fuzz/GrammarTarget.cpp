@@ -50,7 +50,10 @@ bool isWritable(const Token& token)
 bool isWritable(const Dictionary& dictionary)
 {
     return std::ranges::all_of(dictionary.entries(), [](const Entry& entry) {
-        const bool looksLikeBlock = !entry.tokens.empty() && entry.tokens.front().isPunctuation('{');
+        // "a b {" is a block with a name of two words, unless it came together from several files.
+        const auto first =
+            std::ranges::find_if(entry.tokens, [](const Token& token) { return token.kind != Token::Kind::Word; });
+        const bool looksLikeBlock = first != entry.tokens.end() && first->isPunctuation('{');
         return !looksLikeBlock && entry.keyword.find('\\') == std::string::npos &&
                std::ranges::all_of(entry.tokens, [](const Token& token) { return isWritable(token); }) &&
                (entry.block == nullptr || isWritable(*entry.block));

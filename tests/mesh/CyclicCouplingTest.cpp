@@ -149,9 +149,6 @@ TEST(CyclicCoupling, DamageLeavesPatchesUncoupled)
     mesh.owners()[4] = -1;
     mesh.neighbors()[0] = 99;
     EXPECT_FALSE(coupled(mesh, pair(LEFT, RIGHT))[0].cyclicCoupling().cells.empty());
-    // So are owners of no face, although their cells count.
-    mesh.owners().resize(100000, 1);
-    EXPECT_FALSE(coupled(mesh, pair(LEFT, RIGHT))[0].cyclicCoupling().cells.empty());
     // Patches that were cut out of a mesh with more points.
     OFPolymesh cut = twoCubes();
     Patches patches = sound;
@@ -159,4 +156,10 @@ TEST(CyclicCoupling, DamageLeavesPatchesUncoupled)
     cut.points().shrink_to_fit();
     coupleCyclicPatches(cut, &patches);
     EXPECT_TRUE(patches[0].cyclicCoupling().cells.empty());
+    // Owners of no face are left out.
+    OFPolymesh owned = twoCubes();
+    patches = sound;
+    owned.owners().resize(100000, 1);
+    coupleCyclicPatches(owned, &patches);
+    EXPECT_EQ(patches[0].cyclicCoupling().weights, (std::vector<double>{0.5}));
 }

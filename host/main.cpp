@@ -66,7 +66,8 @@ void showGlobalOptions(CLI::App* app)
     const std::string options =
         CLI::Formatter().make_group(GLOBAL_GROUP, false, std::as_const(*app).get_options(isGlobal));
     for (CLI::App* const command : app->get_subcommands(nullptr)) {
-        command->footer(options + "\n" + FOOTER);
+        const std::string own = command->get_footer();
+        command->footer(options + "\n" + (own.empty() ? own : own + "\n\n") + FOOTER);
     }
 }
 
@@ -125,7 +126,9 @@ ExitCode run(int argc, char** argv)
         endOnInterrupts([](int signal) { FailureReport::get().tell(128 + signal, "interrupted"); });
     }
     context.applyOptions();
-    return context.command();
+    const ExitCode code = context.command();
+    interruptsEndWith(static_cast<int>(code));
+    return code;
 }
 
 /// Tells in one line why the run ended.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "border/CutTables.h"
 
+#include "border/CellFaces.h"
 #include "border/DeliveryCheck.h"
-#include "check/CellFaces.h"
-#include "check/FacePlaces.h"
+#include "border/FacePlaces.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -248,7 +248,10 @@ std::vector<bool> cellsWithCutFaces(const HostNodeGroup& nodes, const HostElemen
     if (!open.empty()) {
         open[current] = countOpen(&edges);
     }
-    const bool someLost = static_cast<std::size_t>(std::ranges::count(used, false)) >= LEAST_LOSS;
+    // A face that is cut leaves at most the two cells at it open. Where more cells are, the mesh itself is cut off.
+    const auto unused = static_cast<std::size_t>(std::ranges::count(used, false));
+    const std::size_t openCells = open.size() - static_cast<std::size_t>(std::ranges::count(open, std::size_t{0}));
+    const bool someLost = unused >= LEAST_LOSS * std::max<std::size_t>(openCells / 2, 1);
     std::vector<bool> maybeCut(elements.elementCount());
     for (std::size_t element = 0; element < maybeCut.size(); ++element) {
         maybeCut[element] = elements.types[element] == DDP_POLY && (someLost || open[element] > LEAST_LOSS);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/FoamNames.h"
 
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 
 #include <algorithm>
 #include <charconv>

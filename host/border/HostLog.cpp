@@ -44,8 +44,9 @@ void show(const std::string& line)
 
 HostLog& HostLog::get()
 {
-    static HostLog log;
-    return log;
+    // Never destroyed: the thread of the signals outlives `main`.
+    static auto* const log = new HostLog;
+    return *log;
 }
 
 void HostLog::receive(std::int32_t level, const char* text)
@@ -87,6 +88,8 @@ void HostLog::collect(const std::string& text)
 void HostLog::showErrors()
 {
     const std::lock_guard lock(m_mutex);
+    // What was told by an earlier call is not told again, such as a folder that every poll misses.
+    std::erase_if(m_errors, [this](const std::string& text) { return !m_told.insert(text).second; });
     for (std::size_t i = 0; i < std::min(m_errors.size(), MOST_ERRORS_SHOWN); ++i) {
         const std::size_t count = m_errorCounts[m_errors[i]];
         show(fmt::format("error: {}{}\n", escapedControls(m_errors[i]),
@@ -122,6 +125,7 @@ void HostLog::clear()
 {
     const std::lock_guard lock(m_mutex);
     m_lines.clear();
+    m_told.clear();
 }
 
 std::string_view HostLog::pendingText()

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <thread>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 /// Levels of the library's log lines; smaller is more severe.
@@ -51,7 +52,7 @@ public:
     /// All lines since the last `clear`, in order of arrival.
     std::vector<HostLogLine> lines() const;
 
-    /// Forgets all lines; the shown level stays as it is.
+    /// Forgets all lines and what was told; the shown level stays as it is.
     void clear();
 
     /// The first collected errors, as they would be shown: what a crash handler can still write, because this neither
@@ -67,4 +68,5 @@ private:
     std::int32_t m_shownLevel = LOG_ERROR;
     std::vector<std::string> m_errors; ///< collected and not yet shown, each once
     std::unordered_map<std::string, std::size_t> m_errorCounts;
+    std::unordered_set<std::string> m_told; ///< errors that were shown
 };

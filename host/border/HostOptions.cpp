@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/HostOptions.h"
 
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 
 #include <fmt/format.h>
 

@@ -55,6 +55,15 @@ void joinWorkers()
 
 } // namespace
 
+std::vector<std::filesystem::path> PluginLibrary::searchedFiles()
+{
+    std::vector<std::filesystem::path> files;
+    for (const char* const place : {".", DDPHOST_LIBRARY_FOLDER, "../src"}) {
+        files.push_back((programFolder() / place / LIBRARY_NAME).lexically_normal());
+    }
+    return files;
+}
+
 std::filesystem::path PluginLibrary::locate(const std::string& given)
 {
     if (!given.empty()) {
@@ -63,9 +72,7 @@ std::filesystem::path PluginLibrary::locate(const std::string& given)
     if (const char* const fromEnvironment = std::getenv("DDP_PLUGIN"); fromEnvironment != nullptr) {
         return fromEnvironment;
     }
-    const std::filesystem::path folder = programFolder();
-    for (const char* const place : {".", DDPHOST_LIBRARY_FOLDER, "../src"}) {
-        std::filesystem::path candidate = (folder / place / LIBRARY_NAME).lexically_normal();
+    for (const std::filesystem::path& candidate : searchedFiles()) {
         std::error_code error;
         if (std::filesystem::exists(candidate, error)) {
             return candidate;

@@ -26,6 +26,9 @@ public:
         Refuse ///< for tests; the entry must then return null
     };
 
+    /// The files that are looked for, in this order, if none is named.
+    static std::vector<std::filesystem::path> searchedFiles();
+
     /// The library's file: `given` unless empty, else the environment variable DDP_PLUGIN, else the first that exists
     /// next to the program, in the library folder of the same installation, or in the build tree.
     /// @throws HostError of `LibraryRefused` when there is none

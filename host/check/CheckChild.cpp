@@ -57,8 +57,9 @@ Line endOf(const Check& check, CheckRun& run)
         }
         run.fail(error.what());
     } catch (const std::filesystem::filesystem_error& error) {
-        // Thrown by the check itself: one from the library would have arrived as a HostError.
-        return {{"end", "skipped"}, {"reason", error.what()}};
+        // Thrown by the check itself: one from the library would have arrived as a HostError. A check that could not do
+        // its work has not passed.
+        run.fail(error.what());
     } catch (const std::exception& error) {
         run.fail(error.what());
     }

@@ -50,7 +50,11 @@ struct SpawnPlan
         posix_spawn_file_actions_adddup2(&actions, outputEnd, STDERR_FILENO);
         posix_spawn_file_actions_adddup2(&actions, resultEnd, RESULT_DESCRIPTOR);
         posix_spawnattr_init(&attributes);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        sigset_t ignored = {};
+        sigemptyset(&ignored);
+        sigaddset(&ignored, SIGPIPE);
+        posix_spawnattr_setsigdefault(&attributes, &ignored);
         sigset_t none = {};
         sigemptyset(&none);
         posix_spawnattr_setsigmask(&attributes, &none);

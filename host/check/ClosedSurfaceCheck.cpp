@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "check/CellFaces.h"
+#include "border/CellFaces.h"
+#include "border/FacePlaces.h"
 #include "check/Check.h"
 #include "check/CheckRun.h"
-#include "check/FacePlaces.h"
 
 #include <fmt/format.h>
 

@@ -2,9 +2,9 @@
 //
 // Checks that a case arrives with what it should hold. A case that holds nothing is not the library's fault, but its
 // user should know of it, so most of what these find are warnings.
+#include "border/CellFaces.h"
 #include "border/DeliveryCheck.h"
 #include "border/HostLog.h"
-#include "check/CellFaces.h"
 #include "check/Check.h"
 #include "check/CheckRun.h"
 

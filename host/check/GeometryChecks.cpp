@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Checks of the groups of one geometry: how they are created and filled, and what they hold.
+#include "border/CellFaces.h"
 #include "border/DeliveryCheck.h"
 #include "border/HostSet.h"
-#include "check/CellFaces.h"
 #include "check/Check.h"
 #include "check/CheckRun.h"
 

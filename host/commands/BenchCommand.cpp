@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/ProcessMeter.h"
 #include "commands/Selection.h"
@@ -55,7 +56,10 @@ public:
             metaData = &opened->metaData();
             return std::size_t{0};
         });
-        record("geometry", [&] { return opened->geometry().byteCount(); });
+        record("geometry", [&] {
+            m_unread = unreadMeshes(*opened);
+            return opened->geometry().byteCount();
+        });
         // The last state, because the fields of the first one are usually uniform.
         for (const HostState* const state : selectStates(*opened, "latest")) {
             for (const HostResultInfo& info : metaData->results) {
@@ -70,6 +74,7 @@ public:
     }
 
     const BenchCase& result() const { return m_case; }
+    const std::vector<LoggedCause>& unread() const { return m_unread; }
 
 private:
     /// Measures a piece of work that returns the size of the host's copy in bytes.
@@ -87,6 +92,7 @@ private:
 
     HostContext& m_context;
     BenchCase m_case;
+    std::vector<LoggedCause> m_unread;
     std::size_t m_phase = 0;
 };
 
@@ -169,23 +175,33 @@ ExitCode runBench(HostContext& context, const BenchOptions& options)
 {
     // Loaded here, so that no phase includes the time for it.
     context.library();
-    ProgressBar progress(context.showsProgress(), "bench", "runs",
-                         options.casePaths.size() * static_cast<std::size_t>(options.repeats));
-    std::vector<BenchCase> cases;
+    // A case that is refused must not cost the figures of those before it.
     for (const std::string& casePath : options.casePaths) {
-        CaseBench bench(context, casePath);
-        for (int repeat = 0; repeat < options.repeats; ++repeat) {
-            bench.runOnce();
-            progress.advance();
+        context.open(casePath);
+    }
+    std::vector<BenchCase> cases;
+    std::vector<LoggedCause> unread;
+    {
+        ProgressBar progress(context.showsProgress(), "bench", "runs",
+                             options.casePaths.size() * static_cast<std::size_t>(options.repeats));
+        for (const std::string& casePath : options.casePaths) {
+            CaseBench bench(context, casePath);
+            for (int repeat = 0; repeat < options.repeats; ++repeat) {
+                bench.runOnce();
+                progress.advance();
+            }
+            cases.push_back(bench.result());
+            unread.insert(unread.end(), bench.unread().begin(), bench.unread().end());
         }
-        cases.push_back(bench.result());
     }
     if (context.options.json) {
         writeDocument(benchDocument(cases, context, options));
     } else {
         writeToStdout(benchText(cases, context.style()));
     }
-    return ExitCode::Good;
+    // Figures of a mesh that was not read say nothing.
+    tellUnreadMeshes(unread);
+    return unread.empty() ? ExitCode::Good : ExitCode::Findings;
 }
 
 } // namespace

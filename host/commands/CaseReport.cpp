@@ -12,21 +12,13 @@
 
 namespace {
 
-/// What precedes the path in the library's lines on files.
-constexpr std::string_view PATH_MARK = " File basename is ";
+/// What the library says, as information, of a list that breaks off; it goes on with what there is.
+constexpr std::string_view SHORT_LIST = "List is shorter than its count";
 
-/// Takes a line of the library such as "OFFile : Failed to open it. File basename is PATH" apart.
-UnreadMesh causeOf(const std::string& line)
+/// False for surfaces, whose errors are told as they come.
+bool isOfMesh(const LoggedCause& cause)
 {
-    const std::size_t source = line.find(" : ");
-    const std::string text = source == std::string::npos ? line : line.substr(source + 3);
-    const std::size_t mark = text.find(PATH_MARK);
-    if (mark == std::string::npos) {
-        return {"", text};
-    }
-    std::string reason = text.substr(0, mark);
-    reason.resize(reason.find_last_not_of(". ") + 1);
-    return {text.substr(mark + PATH_MARK.size()), reason};
+    return cause.file.empty() || cause.file.find("/polyMesh/") != std::string::npos;
 }
 
 bool hasEmptyPart(const HostMetaData& metaData, const HostGeometry& geometry)
@@ -44,28 +36,35 @@ bool hasEmptyPart(const HostMetaData& metaData, const HostGeometry& geometry)
 
 } // namespace
 
-std::vector<UnreadMesh> unreadMeshes(OpenedCase& opened)
+std::vector<LoggedCause> unreadMeshes(OpenedCase& opened)
 {
     const std::size_t before = HostLog::get().lines().size();
     const HostGeometry& geometry = opened.geometry();
     for (const std::string& limit : opened.limits()) {
         tellUser(limit);
     }
-    if (!hasEmptyPart(opened.metaData(), geometry)) {
-        return {};
-    }
-    std::vector<UnreadMesh> unread;
+    const bool hasEmpty = hasEmptyPart(opened.metaData(), geometry);
+    std::vector<LoggedCause> unread;
     const std::vector<HostLogLine> lines = HostLog::get().lines();
     for (std::size_t i = before; i < lines.size(); ++i) {
-        UnreadMesh cause = causeOf(lines[i].text);
-        const bool isNew = std::ranges::none_of(
-            unread, [&](const UnreadMesh& one) { return one.file == cause.file && one.reason == cause.reason; });
-        if (lines[i].level == LOG_ERROR && isNew) {
+        LoggedCause cause = loggedCause(lines[i].text);
+        const bool isNew = std::ranges::find(unread, cause) == unread.end();
+        const bool isError = lines[i].level == LOG_ERROR && hasEmpty && isOfMesh(cause);
+        if (isNew && (isError || cause.reason.starts_with(SHORT_LIST))) {
             HostLog::get().markTold(lines[i].text);
             unread.push_back(std::move(cause));
         }
     }
     return unread;
+}
+
+nlohmann::ordered_json unreadDocument(const std::vector<LoggedCause>& unread)
+{
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    for (const LoggedCause& mesh : unread) {
+        list.push_back({{"file", mesh.file}, {"reason", mesh.reason}});
+    }
+    return list;
 }
 
 void tellUser(const std::string& line)
@@ -74,14 +73,14 @@ void tellUser(const std::string& line)
     static_cast<void>(std::fwrite(whole.data(), 1, whole.size(), stderr));
 }
 
-void tellUnreadMeshes(const std::vector<UnreadMesh>& unread)
+void tellUnreadMeshes(const std::vector<LoggedCause>& unread)
 {
-    for (const UnreadMesh& mesh : unread) {
+    for (const LoggedCause& mesh : unread) {
         tellUser(fmt::format("mesh not read: {}{}{}", mesh.file, mesh.file.empty() ? "" : ": ", mesh.reason));
     }
 }
 
-std::string doctorHint(const std::string& casePath, const char* what)
+std::string doctorHint(const std::string& casePath)
 {
-    return fmt::format("'ddphost doctor {}' {}", shellWord(casePath), what);
+    return "for more: ddphost doctor " + shellWord(casePath);
 }

@@ -48,7 +48,9 @@ public:
         m_path = pattern;
     }
 
-    ~WorkFolder()
+    ~WorkFolder() { remove(); }
+
+    void remove() const
     {
         std::error_code ignored;
         std::filesystem::remove_all(m_path, ignored);
@@ -276,7 +278,6 @@ void listChecks(const HostContext& context, const std::vector<CheckJob>& jobs)
 
 ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
 {
-    const InterruptWait interrupt;
     std::vector<CheckJob> jobs = planJobs(arguments);
     if (arguments.list) {
         listChecks(context, jobs);
@@ -288,14 +289,17 @@ ExitCode runCheck(HostContext& context, const CheckArguments& arguments)
         throw HostError(ExitCode::LibraryRefused, fmt::format("there is no library file {}", options.library.string()));
     }
     const WorkFolder work;
+    const OnInterrupt cleanUp([&] { work.remove(); });
     options.settings = context.options.allSettings();
     options.threads = context.options.threads;
     options.parallelJobs = arguments.jobs;
     options.timeLimit = arguments.timeLimit;
     options.workFolder = work.path();
-    probeCases(jobs, options, interrupt);
     writeSamples(work.path(), &jobs);
     {
+        // The processes of the checks must have ended before their folder is removed.
+        const InterruptWait interrupt;
+        probeCases(jobs, options, interrupt);
         ProgressBar progress(context.showsProgress(), "check", "checks", jobs.size());
         if (!runChecks(
                 &jobs, options, [&] { progress.advance(); }, [&] { return !interrupt.waitFor(0); })) {
@@ -348,8 +352,10 @@ void addCheckCommand(CLI::App* app, HostContext* context)
 {
     const auto arguments = std::make_shared<CheckArguments>();
     CLI::App* const command = app->add_subcommand("check", "Check the library itself, each check in its own process");
-    command->add_option("CASE", arguments->casePaths,
-                        "Case folders or paths to their case.foam; if none is given, built-in samples are checked");
+    command
+        ->add_option("CASE", arguments->casePaths,
+                     "Case folders or .foam files in them; if none is given, built-in samples are checked")
+        ->check(notEmpty());
     command->add_flag("--list", arguments->list, "Show name and claim of each check and run none");
     command
         ->add_option("--include", arguments->include,
@@ -360,12 +366,14 @@ void addCheckCommand(CLI::App* app, HostContext* context)
         ->type_name("RE");
     command->add_flag("--only-failed", arguments->onlyFailed,
                       "Show only checks that failed, timed out or crashed, the tally and the verdict");
-    command->add_option("-j,--jobs", arguments->jobs, "Run at most N checks in parallel; by default one per processor")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024).description(""));
-    command->add_option("--timeout", arguments->timeLimit, "Stop a check after S seconds, 60 by default")
-        ->type_name("S")
-        ->check(CLI::Range(0.01, 86400.0).description(""));
+    limitCount(
+        command
+            ->add_option("-j,--jobs", arguments->jobs, "Run at most N checks in parallel; by default one per processor")
+            ->type_name("N"),
+        1, 1024);
+    limitNumber(command->add_option("--timeout", arguments->timeLimit, "Stop a check after S seconds, 60 by default")
+                    ->type_name("S"),
+                0.01, 86400);
     addExtendedFlag(command, &context->options);
     command->footer(
         "Warnings are about the case, known limits are faults that the library's documents declare. Both are "

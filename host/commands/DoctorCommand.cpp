@@ -103,6 +103,34 @@ Json libraryDocument(const PluginLibrary& library)
     return document;
 }
 
+/// What is known of a library that cannot be loaded.
+std::string refusalText(const std::string& given, const std::string& reason, const TextStyle& style)
+{
+    std::string text = style.strong("the library cannot be loaded") + "\n  " + escapedControls(reason) + "\n";
+    text += style.faint("looked for it in") + "\n";
+    TextTable places(std::vector(2, TextTable::Align::Left));
+    for (const auto& [place, state] : searchedPlaces(given)) {
+        places.add({escapedControls(place), escapedControls(state)});
+    }
+    return text + places.text(2) + style.faint("what helps") + "\n  " + helpForRefusal(reason) + "\n";
+}
+
+/// The library; if it cannot be loaded, the failure says what helps.
+PluginLibrary& libraryOf(HostContext& context)
+{
+    try {
+        return context.library();
+    } catch (const HostError& error) {
+        if (error.code() != ExitCode::LibraryRefused) {
+            throw;
+        }
+        if (!context.options.json) {
+            writeToStdout(refusalText(context.options.plugin, error.what(), context.style()));
+        }
+        throw HostError(error.code(), fmt::format("{}; {}", error.what(), helpForRefusal(error.what())));
+    }
+}
+
 // The case
 
 std::string findingLine(const Finding& finding)
@@ -160,8 +188,10 @@ std::string caseText(const DoctorReport& report, const TextStyle& style)
                                        HostOptions::EXTENDED_READING, VARIABLE),
                            style);
     text += findingSection(report, FindingKind::Setting, "shows only with another setting", style);
-    text += report.findings.empty() ? "everything shows\n" : "";
     const ArrayCounts& arrays = report.arrays;
+    text += !report.findings.empty() ? ""
+            : arrays.all == 0        ? "everything shows, but there are no fields\n"
+                                     : "everything shows\n";
     text += fmt::format("{} of {} arrays of values show, {} with extended reading; looked at {} of {} times{}\n",
                         arrays.plain, arrays.all, arrays.extended, report.timesLookedAt.size(), report.forms.times,
                         report.timesLookedAt.size() < report.forms.times ? " (--state all looks at all)" : "");
@@ -225,7 +255,7 @@ Json caseDocument(const DoctorReport& report)
 
 ExitCode runDoctor(HostContext& context, const DoctorCommandOptions& options)
 {
-    PluginLibrary& library = context.library();
+    PluginLibrary& library = libraryOf(context);
     Json document = newDocument("doctor");
     if (options.casePath.empty()) {
         document["library"] = libraryDocument(library);

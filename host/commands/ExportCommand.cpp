@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "border/DeliveryCheck.h"
 #include "border/EscapedText.h"
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 #include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/Selection.h"
 #include "output/ByteText.h"
 #include "output/ExportFolder.h"
 #include "output/FileNames.h"
+#include "output/Interrupt.h"
 #include "output/ProgressBar.h"
 #include "output/VtkWriter.h"
 
@@ -90,12 +91,6 @@ std::uint64_t expectedBytes(const HostNodeGroup& nodes, const HostElementGroup& 
     return numbers * NUMBER;
 }
 
-/// "1 file", "2 files".
-std::string counted(std::size_t count, const char* noun)
-{
-    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
-}
-
 /// True if the values can replace the points: one position for each node, and none missing.
 bool isWholePoints(const HostValueGroup& values, std::size_t nodeCount)
 {
@@ -128,15 +123,20 @@ public:
         selectWhatToWrite();
         ExportFolder folder(m_options.folder, layout(), m_options.overwrite);
         m_folder = &folder;
-        const std::vector<UnreadMesh> unread = unreadMeshes(*m_opened);
+        const std::vector<LoggedCause> unread = unreadMeshes(*m_opened);
         m_geometry = &m_opened->geometry();
         writeStates();
         std::vector<std::string> paths;
         std::ranges::transform(m_written, std::back_inserter(paths), &WrittenFile::path);
         folder.commit(paths);
-        report();
+        const ExitCode code = unread.empty() ? ExitCode::Good : ExitCode::Findings;
+        interruptsEndWith(static_cast<int>(code));
+        report(unread);
         tellUnreadMeshes(unread);
-        return unread.empty() ? ExitCode::Good : ExitCode::Findings;
+        if (m_hasUndefined && !m_context.options.quiet) {
+            tellUser("some values are undefined, which are nan in the files; " + doctorHint(m_options.casePath));
+        }
+        return code;
     }
 
 private:
@@ -262,7 +262,7 @@ private:
     }
 
     /// The grid is rebuilt for each state, which costs less than keeping the grids of all groups.
-    VtkGrid makeGrid(const ExportedState& state, const ExportedGroup& group, const StateResults& results) const
+    VtkGrid makeGrid(const ExportedState& state, const ExportedGroup& group, const StateResults& results)
     {
         const HostElementGroup& elements = m_geometry->elementGroups[group.index];
         const HostNodeGroup& nodes = *m_geometry->nodesOf(elements);
@@ -282,7 +282,7 @@ private:
         return grid;
     }
 
-    static void addValues(const ExportedResult& result, const HostValueGroup& values, VtkGrid* grid)
+    void addValues(const ExportedResult& result, const HostValueGroup& values, VtkGrid* grid)
     {
         // Displacements are the positions of the nodes in the state, so they take the place of the points.
         if (result.info->kind == KIND_DISPLACEMENT) {
@@ -292,6 +292,7 @@ private:
             return;
         }
         auto& arrays = result.info->mapping == MAPPING_NODE ? grid->pointData : grid->cellData;
+        m_hasUndefined = m_hasUndefined || std::ranges::find(values.values, UNDEFINED_VALUE) != values.values.end();
         arrays.push_back(makeArray(result, values));
     }
 
@@ -366,14 +367,11 @@ private:
     }
 
     /// Tells what was written, once it is all in place.
-    void report() const
+    void report(const std::vector<LoggedCause>& unread) const
     {
         std::uint64_t total = 0;
         for (const WrittenFile& file : m_written) {
             total += file.byteCount;
-        }
-        if (m_context.options.json) {
-            writeDocument(makeDocument(total));
         }
         if (!m_context.options.quiet) {
             const std::string states = hasSeries() ? counted(m_states.size(), "state") + ", " : "";
@@ -382,11 +380,14 @@ private:
                             counted(m_written.size(), "file"), byteText(static_cast<double>(total)));
             static_cast<void>(std::fputs((escapedControls(line) + "\n").c_str(), stderr));
         }
+        if (m_context.options.json) {
+            writeDocument(makeDocument(total, unread));
+        }
     }
 
     std::string pathInFolder(const std::string& path) const { return (fs::path(m_options.folder) / path).string(); }
 
-    nlohmann::ordered_json makeDocument(std::uint64_t total) const
+    nlohmann::ordered_json makeDocument(std::uint64_t total, const std::vector<LoggedCause>& unread) const
     {
         nlohmann::ordered_json document = newDocument("export");
         document["index"] = pathInFolder(m_written.back().path);
@@ -404,6 +405,7 @@ private:
             document["files"].push_back({{"path", pathInFolder(file.path)}, {"bytes", file.byteCount}});
         }
         document["bytes"] = total;
+        document["meshesNotRead"] = unreadDocument(unread);
         return document;
     }
 
@@ -417,6 +419,7 @@ private:
     std::vector<ExportedState> m_states;
     std::vector<ExportedResult> m_results;
     std::vector<WrittenFile> m_written; ///< in the order in which they become visible
+    bool m_hasUndefined = false;        ///< an array that was written has undefined values
 };
 
 } // namespace

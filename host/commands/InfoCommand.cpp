@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/EscapedText.h"
 #include "border/HostLog.h"
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 #include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/GroupCounts.h"
@@ -122,7 +122,7 @@ Json resultDocument(OpenedCase& opened, const HostResultInfo& result)
             {"field", opened.names().fieldOf(result)},
             {"kind", kindName(result.kind)},
             {"mapping", mappingName(result.mapping)},
-            {"unit", result.unit},
+            {"unit", withoutTrailingBlanks(result.unit)},
             {"key", result.key},
             {"averageOf", source == nullptr ? Json() : Json(source->id)}};
 }
@@ -141,7 +141,7 @@ std::vector<std::string> omissions()
 }
 
 Json infoDocument(HostContext& context, OpenedCase& opened, const CountsById& counts,
-                  const std::vector<UnreadMesh>& unread)
+                  const std::vector<LoggedCause>& unread)
 {
     const HostMetaData& metaData = opened.metaData();
     Json document = newDocument("info");
@@ -167,10 +167,7 @@ Json infoDocument(HostContext& context, OpenedCase& opened, const CountsById& co
         document["results"].push_back(resultDocument(opened, result));
     }
     document["notShown"] = omissions();
-    document["meshesNotRead"] = Json::array();
-    for (const UnreadMesh& mesh : unread) {
-        document["meshesNotRead"].push_back({{"file", mesh.file}, {"reason", mesh.reason}});
-    }
+    document["meshesNotRead"] = unreadDocument(unread);
     return document;
 }
 
@@ -194,8 +191,9 @@ std::string boxText(const GroupCounts& counts)
 {
     // A box of no nodes would be one of zeros, which is a place.
     return counts.nodes == 0 ? std::string()
-                             : fmt::format("box ({:g} {:g} {:g}) ({:g} {:g} {:g})", counts.lower[0], counts.lower[1],
-                                           counts.lower[2], counts.upper[0], counts.upper[1], counts.upper[2]);
+                             : fmt::format("box ({:g} {:g} {:g}) ({:g} {:g} {:g})", counts.lower[0] + 0.0,
+                                           counts.lower[1] + 0.0, counts.lower[2] + 0.0, counts.upper[0] + 0.0,
+                                           counts.upper[1] + 0.0, counts.upper[2] + 0.0);
 }
 
 /// A titled table of groups, or nothing at all when there are none.
@@ -289,7 +287,7 @@ std::string resultSection(OpenedCase& opened, const TextStyle& style)
     return titledTable("results", metaData.results.size(), table, style);
 }
 
-std::string infoTree(OpenedCase& opened, const std::string& casePath, const CountsById& counts, const TextStyle& style)
+std::string infoTree(OpenedCase& opened, const CountsById& counts, const TextStyle& style)
 {
     const HostMetaData& metaData = opened.metaData();
     const std::vector<const HostGroup*> parts = groupsOf(metaData, HostGroupKind::Part, nullptr);
@@ -304,7 +302,7 @@ std::string infoTree(OpenedCase& opened, const std::string& casePath, const Coun
     text += stateSection(opened, style);
     text += resultSection(opened, style);
     const std::vector<std::string> left = omissions();
-    text += left.empty() ? "" : style.faint("not shown; " + doctorHint(casePath, "says more")) + "\n";
+    text += left.empty() ? "" : style.faint("not shown; 'ddphost doctor' says more") + "\n";
     for (const std::string& omission : left) {
         text += "  " + escapedControls(omission) + "\n";
     }
@@ -315,17 +313,16 @@ ExitCode runInfo(HostContext& context, const InfoOptions& options)
 {
     const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
     const HostMetaData& metaData = opened->metaData();
-    const std::vector<UnreadMesh> unread = options.counts ? unreadMeshes(*opened) : std::vector<UnreadMesh>();
+    const std::vector<LoggedCause> unread = options.counts ? unreadMeshes(*opened) : std::vector<LoggedCause>();
     const CountsById counts = options.counts ? countAll(metaData, opened->geometry()) : CountsById();
     if (context.options.json) {
         writeDocument(infoDocument(context, *opened, counts, unread));
     } else {
-        writeToStdout(infoTree(*opened, options.casePath, counts, context.style()));
+        writeToStdout(infoTree(*opened, counts, context.style()));
     }
     tellUnreadMeshes(unread);
     if (!unread.empty() || metaData.results.empty()) {
-        tellUser((metaData.results.empty() ? "the case shows no results; " : "") +
-                 doctorHint(options.casePath, "says why"));
+        tellUser((metaData.results.empty() ? "the case shows no results; " : "") + doctorHint(options.casePath));
     }
     return unread.empty() ? ExitCode::Good : ExitCode::Findings;
 }

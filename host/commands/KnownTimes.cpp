@@ -40,7 +40,7 @@ std::string KnownTimes::apply(const std::vector<HostNotice>& notices)
     if (!hasRemovals) {
         named.insert(m_times.begin(), m_times.end());
     }
-    const std::string changes = difference('+', named, m_times) + difference('-', m_times, named);
+    std::string changes = difference('+', named, m_times) + difference('-', m_times, named);
     m_times = std::move(named);
     return changes;
 }

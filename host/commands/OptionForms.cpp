@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/OptionForms.h"
 
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -50,7 +50,7 @@ std::string nearestWord(const std::string& word, const std::vector<std::string>&
     std::string best;
     std::size_t least = std::max<std::size_t>(word.size() / 2, 1) + 1;
     for (const std::string& candidate : known) {
-        if (const std::size_t distance = editDistance(word, candidate); distance < least) {
+        if (const std::size_t distance = editDistance(lowerCase(word), candidate); distance < least) {
             least = distance;
             best = candidate;
         }
@@ -87,6 +87,20 @@ void limitCount(CLI::Option* option, std::int64_t least, std::int64_t most)
     option->transform(CLI::Validator(convert, ""));
 }
 
+void limitNumber(CLI::Option* option, double least, double most)
+{
+    const auto check = [=](const std::string& text) {
+        double value = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        const bool isNumber = error == std::errc() && end == text.data() + text.size();
+        // False for NaN too.
+        return isNumber && value >= least && value <= most
+                   ? std::string()
+                   : fmt::format("'{}' is not a number from {} to {}", text, least, most);
+    };
+    option->check(CLI::Validator(check, ""));
+}
+
 void limitWords(CLI::Option* option, const std::map<std::string, int>& words)
 {
     const auto convert = [words](std::string& text) {
@@ -96,10 +110,11 @@ void limitWords(CLI::Option* option, const std::map<std::string, int>& words)
             return std::string();
         }
         std::vector<std::string> known;
+        known.reserve(words.size());
         for (const auto& [word, number] : words) {
             known.push_back(word);
         }
-        const std::string meant = nearestWord(lowerCase(text), known);
+        const std::string meant = nearestWord(text, known);
         return fmt::format("'{}' is none of {}{}", text, fmt::join(known, ", "),
                            meant.empty() ? "" : fmt::format("; did you mean '{}'?", meant));
     };

@@ -24,6 +24,9 @@ void addSelection(CLI::App* command, const std::string& name, std::string* text,
 /// Limits an option to whole numbers, which may also have the form 1e6.
 void limitCount(CLI::Option* option, std::int64_t least, std::int64_t most);
 
+/// Limits an option to finite numbers of this range.
+void limitNumber(CLI::Option* option, double least, double most);
+
 /// Limits an option to words and turns each into the number that the option's variable takes. Case does not matter.
 void limitWords(CLI::Option* option, const std::map<std::string, int>& words);
 

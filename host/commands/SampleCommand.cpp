@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "border/EscapedText.h"
+#include "border/TextForms.h"
 #include "commands/Commands.h"
 #include "sample/SampleCase.h"
 
@@ -36,8 +38,9 @@ ExitCode runSample(const HostContext& context, const SampleArguments& arguments)
         document["times"] = report.times;
         writeDocument(document);
     } else {
-        writeToStdout(fmt::format("{}: {} cells, {} points, {} faces, times {}\n", arguments.folder, report.cells,
-                                  report.points, report.faces, fmt::join(report.times, " ")));
+        writeToStdout(fmt::format("{}: {}, {} points, {} faces, times {}\n", escapedControls(arguments.folder),
+                                  counted(static_cast<std::size_t>(report.cells), "cell"), report.points, report.faces,
+                                  fmt::join(report.times, " ")));
     }
     return ExitCode::Good;
 }
@@ -66,6 +69,6 @@ void addSampleCommand(CLI::App* app, HostContext* context)
                1, MOST_STATES);
     command->add_flag("--binary", arguments->options.format.binary, "Write mesh lists and fields in binary");
     command->add_flag("--gzip", arguments->options.format.gzip, "Compress mesh lists and fields");
-    command->add_flag("--overwrite", arguments->options.overwrite, "Write into a folder that is not empty");
+    command->add_flag("--overwrite", arguments->options.overwrite, "Replace a sample that was written before");
     command->callback([=] { context->command = [=] { return runSample(*context, *arguments); }; });
 }

@@ -2,7 +2,7 @@
 #include "commands/Selection.h"
 
 #include "border/HostError.h"
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 
 #include <fmt/format.h>
 
@@ -22,7 +22,7 @@ constexpr std::size_t MOST_LISTED = 30;
 constexpr std::size_t NEAREST_LISTED = 3;
 
 template <typename Number>
-std::optional<Number> wholeNumber(std::string_view text)
+std::optional<Number> numberFromText(std::string_view text)
 {
     Number value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -81,7 +81,7 @@ private:
 
     std::vector<const HostState*> selectItem(const std::string& text) const
     {
-        const auto named = statesWhere([&](const HostState& state) { return m_names.folderOf(state) == text; });
+        auto named = statesWhere([&](const HostState& state) { return m_names.folderOf(state) == text; });
         if (!named.empty()) {
             return named;
         }
@@ -90,7 +90,11 @@ private:
             return statesWhere([](const HostState&) { return true; });
         }
         if (word == "nozero") {
-            return statesWhere([](const HostState& state) { return state.referenceValue != 0; });
+            auto states = statesWhere([](const HostState& state) { return state.referenceValue != 0; });
+            if (states.empty() && !m_states.empty()) {
+                refuse("--state: the case has no time but 0");
+            }
+            return states;
         }
         // By time and not by position, because the interface does not promise an order.
         if (word == "last" || word == "latest") {
@@ -111,7 +115,7 @@ private:
     {
         const std::size_t colon = text.find(':');
         const auto bound = [&](const std::string& part, double otherwise) {
-            const std::optional<double> value = part.empty() ? otherwise : wholeNumber<double>(part);
+            const std::optional<double> value = part.empty() ? otherwise : numberFromText<double>(part);
             if (!value || std::isnan(*value)) {
                 refuse(fmt::format("--state: '{}' in '{}' is not a time", part, text));
             }
@@ -131,14 +135,14 @@ private:
     const HostState* selectOne(const std::string& text) const
     {
         if (text.starts_with('#')) {
-            const std::optional<std::int32_t> id = wholeNumber<std::int32_t>(std::string_view(text).substr(1));
+            const std::optional<std::int32_t> id = numberFromText<std::int32_t>(std::string_view(text).substr(1));
             const auto found = std::ranges::find_if(m_states, [&](const HostState& one) { return id == one.id; });
             if (found == m_states.end()) {
                 refuse(fmt::format("--state: the case has no state with the id '{}'; {}", text.substr(1), extent()));
             }
             return &*found;
         }
-        const std::optional<double> time = wholeNumber<double>(text);
+        const std::optional<double> time = numberFromText<double>(text);
         if (!time || std::isnan(*time)) {
             refuse(fmt::format("--state: '{}' is no time folder of the case and no time; {}", text, extent()));
         }
@@ -148,6 +152,9 @@ private:
         const auto equal = statesWhere([&](const HostState& state) { return state.referenceValue == *time; });
         if (!equal.empty()) {
             return equal.front();
+        }
+        if (m_states.empty()) {
+            refuse(fmt::format("--state: the case has no time {}; it has no times at all", text));
         }
         if (near.size() != 1) {
             refuse(fmt::format("--state: the case has no time {}; the nearest are {}", text, nearestTo(*time)));
@@ -173,14 +180,12 @@ private:
     std::string nearestTo(double time) const
     {
         std::vector<const HostState*> states = statesWhere([](const HostState&) { return true; });
-        if (states.empty()) {
-            return "none: it has no times at all";
-        }
         const auto distance = [&](const HostState* state) { return std::abs(state->referenceValue - time); };
         std::ranges::stable_sort(states, {}, distance);
         states.resize(std::min(states.size(), NEAREST_LISTED));
         std::ranges::sort(states, {}, &HostState::referenceValue);
         std::vector<std::string> names;
+        names.reserve(states.size());
         for (const HostState* const state : states) {
             names.push_back(nameOf(*state));
         }
@@ -208,6 +213,7 @@ std::vector<std::size_t> itemsWhere(const std::vector<std::vector<std::string>>&
 std::vector<std::vector<std::string>> firstNames(const std::vector<std::vector<std::string>>& items)
 {
     std::vector<std::vector<std::string>> names;
+    names.reserve(items.size());
     for (const std::vector<std::string>& item : items) {
         names.push_back({item.front()});
     }
@@ -256,14 +262,19 @@ std::vector<const HostResultInfo*> selectResults(OpenedCase& opened, const std::
     std::vector<std::string> known;
     for (const HostResultInfo& result : opened.metaData().results) {
         const std::string field = opened.names().fieldOf(result);
-        names.push_back({field, result.name, result.key, fmt::format("#{}", result.id)});
+        names.push_back({field, result.name, result.key});
         // Averages have the names of their fields.
         if (opened.metaData().sourceOfAverage(result) == nullptr) {
             known.push_back(field == result.name ? field : fmt::format("{} ({})", field, result.name));
         }
     }
     std::vector<const HostResultInfo*> selected;
-    for (const std::size_t i : selectByName(names, names, text, "--result")) {
+    std::vector<std::vector<std::string>> withIds = names;
+    for (std::size_t i = 0; i < withIds.size(); ++i) {
+        const std::int32_t id = opened.metaData().results[i].id;
+        withIds[i].insert(withIds[i].end(), {fmt::format("{}", id), fmt::format("#{}", id)});
+    }
+    for (const std::size_t i : selectByName(withIds, names, text, "--result")) {
         selected.push_back(&opened.metaData().results[i]);
     }
     if (selected.empty() && !text.empty()) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 // What users type to select states, results and groups. All functions throw `HostError` of `Usage`, with a list of what
-// there is, if a text selects nothing.
+// there is, if a text selects nothing of what there is.
 
 /// The help text for a selection of states.
 inline constexpr const char* STATE_HELP =
@@ -17,7 +17,7 @@ inline constexpr const char* STATE_HELP =
 inline constexpr const char* RESULT_HELP =
     "Only results with this field, name, id, part of a name, or regular expression; case does not matter";
 inline constexpr const char* GROUP_HELP =
-    "Only parts, patches, zones and surfaces with this name, part of a name, or regular expression";
+    "Only parts, patches, face zones and surfaces with this name, part of a name, or regular expression";
 
 /// The states that a text selects, in the order of the case.
 ///

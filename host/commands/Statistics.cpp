@@ -88,6 +88,7 @@ ComponentStatistics statisticsOfMagnitude(const HostValueGroup& group)
 std::vector<ComponentStatistics> statisticsOf(const HostValueGroup& group)
 {
     std::vector<ComponentStatistics> result;
+    result.reserve(static_cast<std::size_t>(group.dimension) + 1);
     for (int component = 0; component < group.dimension; ++component) {
         result.push_back(statisticsOfComponent(group, static_cast<std::size_t>(component)));
     }
@@ -110,6 +111,7 @@ std::vector<std::string> componentNames(int dimension)
         return {"xx", "xy", "xz", "yy", "yz", "zz"};
     }
     std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(std::max(dimension, 0)));
     for (int component = 0; component < dimension; ++component) {
         names.push_back(std::to_string(component));
     }

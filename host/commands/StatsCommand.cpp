@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/DeliveryCheck.h"
-#include "border/TextCase.h"
+#include "border/EscapedText.h"
+#include "border/TextForms.h"
 #include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/Selection.h"
@@ -144,7 +145,7 @@ std::string csvText(OpenedCase& opened, const std::vector<StatsRow>& rows)
     return text;
 }
 
-Json statsDocument(OpenedCase& opened, const std::vector<StatsRow>& rows)
+Json statsDocument(OpenedCase& opened, const std::vector<StatsRow>& rows, const std::vector<LoggedCause>& unread)
 {
     Json document = newDocument("stats");
     document["rows"] = Json::array();
@@ -154,7 +155,7 @@ Json statsDocument(OpenedCase& opened, const std::vector<StatsRow>& rows)
         document["rows"].push_back({{"result", row.result->name},
                                     {"resultId", row.result->id},
                                     {"field", opened.names().fieldOf(*row.result)},
-                                    {"unit", row.result->unit},
+                                    {"unit", withoutTrailingBlanks(row.result->unit)},
                                     {"stateId", row.state->id},
                                     {"time", row.state->referenceValue},
                                     {"folder", opened.names().folderOf(*row.state)},
@@ -170,6 +171,7 @@ Json statsDocument(OpenedCase& opened, const std::vector<StatsRow>& rows)
                                     {"nan", figures.notANumber},
                                     {"infinite", figures.infinite}});
     }
+    document["meshesNotRead"] = unreadDocument(unread);
     return document;
 }
 
@@ -244,6 +246,7 @@ std::string tableText(OpenedCase& opened, const std::vector<StatsRow>& rows, con
     table.add(headings);
     for (const StatsRow& row : rows) {
         std::vector<std::string> cells;
+        cells.reserve(columns.size());
         for (const StatsColumn& column : columns) {
             cells.push_back(column.cell(row));
         }
@@ -267,20 +270,23 @@ std::string emptyReason(const HostMetaData& metaData)
 ExitCode runStats(HostContext& context, const StatsOptions& options)
 {
     const std::unique_ptr<OpenedCase> opened = context.open(options.casePath);
-    const std::vector<UnreadMesh> unread = unreadMeshes(*opened);
+    const std::vector<LoggedCause> unread = unreadMeshes(*opened);
     const std::vector<StatsRow> rows = collectRows(*opened, options, context);
     if (context.options.json) {
-        writeDocument(statsDocument(*opened, rows));
+        writeDocument(statsDocument(*opened, rows, unread));
     } else if (options.csv) {
-        writeToStdout(csvText(*opened, rows));
+        const std::string text = csvText(*opened, rows);
+        // Files keep the bytes of names; a terminal might obey them.
+        writeToStdout(terminalWidth() == 0 ? text : escapedLines(text));
     } else if (rows.empty()) {
         tellUser(emptyReason(opened->metaData()));
     } else {
         writeToStdout(tableText(*opened, rows, context.style()));
     }
     tellUnreadMeshes(unread);
-    if (std::ranges::any_of(rows, [](const StatsRow& row) { return row.figures.undefined != 0; })) {
-        tellUser("some values are undefined; " + doctorHint(options.casePath, "says why"));
+    const auto isUndefined = [](const StatsRow& row) { return row.figures.undefined != 0; };
+    if (!context.options.quiet && std::ranges::any_of(rows, isUndefined)) {
+        tellUser("some values are undefined; " + doctorHint(options.casePath));
     }
     const bool sound = std::ranges::all_of(
         rows, [](const StatsRow& row) { return row.figures.notANumber == 0 && row.figures.infinite == 0; });

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "border/EscapedText.h"
+#include "border/TextForms.h"
 #include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/Selection.h"
 #include "output/ByteText.h"
+#include "output/Interrupt.h"
 #include "output/ProgressBar.h"
 #include "view/Browser.h"
 #include "view/CasePage.h"
@@ -39,12 +41,6 @@ struct ViewOptions
     bool overwrite = false;
 };
 
-/// "1 state", "2 states".
-std::string counted(std::size_t count, const char* noun)
-{
-    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
-}
-
 /// One run of the command.
 class Viewer
 {
@@ -63,7 +59,7 @@ public:
         const fs::path picture =
             m_options.picture.empty() ? fs::path() : outputTarget(m_options.picture, PICTURE_FORM, m_options.overwrite);
         PageContent content = select();
-        const std::vector<UnreadMesh> unread = unreadMeshes(*m_opened);
+        const std::vector<LoggedCause> unread = unreadMeshes(*m_opened);
         noteWhatIsMissing(unread, &content);
         std::unique_ptr<ScratchFolder> scratch;
         // With --png alone the page is only a means.
@@ -77,16 +73,18 @@ public:
         if (!m_options.picture.empty()) {
             savePicture(m_page, picture);
         }
+        const ExitCode code = unread.empty() ? ExitCode::Good : ExitCode::Findings;
+        interruptsEndWith(static_cast<int>(code));
         report(content, scratch == nullptr);
-        tellUnreadMeshes(unread);
-        if (m_report.hasUndefined) {
-            tellUser("some values are undefined and show grey; " + doctorHint(m_options.casePath, "says why"));
+        tellLoggedCausees(unread);
+        if (m_report.hasUndefined && !m_context.options.quiet) {
+            tellUser("some values are undefined and show grey; " + doctorHint(m_options.casePath));
         }
         if (m_options.opens && !openPage(m_page)) {
             throw HostError(ExitCode::CannotWrite,
                             fmt::format("nothing opens pages here; open {} in a browser", m_page.string()));
         }
-        return unread.empty() ? ExitCode::Good : ExitCode::Findings;
+        return code;
     }
 
 private:
@@ -116,7 +114,7 @@ private:
     }
 
     /// Notes for the page what the case has beyond its content.
-    void noteWhatIsMissing(const std::vector<UnreadMesh>& unread, PageContent* content) const
+    void noteWhatIsMissing(const std::vector<LoggedCause>& unread, PageContent* content) const
     {
         const HostMetaData& metaData = m_opened->metaData();
         const auto note = [&](std::size_t had, std::size_t shown, const char* noun) {
@@ -132,7 +130,7 @@ private:
         content->leftOut.insert(content->leftOut.end(), m_opened->limits().begin(), m_opened->limits().end());
         // Whoever gets the page need not know where the case is.
         const fs::path folder = OpenedCase::tokenFile(m_options.casePath).parent_path();
-        for (const UnreadMesh& mesh : unread) {
+        for (const LoggedCause& mesh : unread) {
             const std::string file = fs::path(mesh.file).lexically_proximate(folder).string();
             content->leftOut.push_back(
                 fmt::format("mesh not read: {}{}{}", file, file.empty() ? "" : ": ", mesh.reason));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "border/EscapedText.h"
 #include "border/HostLog.h"
+#include "border/TextForms.h"
 #include "commands/CaseReport.h"
 #include "commands/Commands.h"
 #include "commands/KnownTimes.h"
@@ -66,7 +67,7 @@ std::string noticeLine(const HostNotice& notice, bool json)
 
 std::string eventLines(const std::vector<HostNotice>& notices, bool raw, bool json, KnownTimes* times)
 {
-    const std::string changes = times->apply(notices);
+    std::string changes = times->apply(notices);
     if (!raw && !json) {
         return changes;
     }
@@ -85,12 +86,13 @@ ExitCode runWatch(HostContext& context, const WatchOptions& options)
     // Assigns the ids that the notices refer to.
     const std::vector<HostState>& states = opened->metaData().states;
     KnownTimes times(states);
+    const double interval = std::max(options.interval, LEAST_INTERVAL);
     if (!context.options.quiet) {
-        tellUser(fmt::format("watching {} with {} times, every {} s; Ctrl-C ends", options.casePath, states.size(),
-                             options.interval));
+        tellUser(fmt::format("watching {} with {}, every {} s; Ctrl-C ends", options.casePath,
+                             counted(states.size(), "time"), interval));
     }
     for (int polls = 0; options.count == 0 || polls < options.count; ++polls) {
-        if (interrupt.waitFor(std::max(options.interval, LEAST_INTERVAL))) {
+        if (interrupt.waitFor(interval)) {
             interrupt.throwInterrupted();
         }
         HostNotifications notifications;
@@ -110,9 +112,9 @@ void addWatchCommand(CLI::App* app, HostContext* context)
     const auto options = std::make_shared<WatchOptions>();
     CLI::App* const command = app->add_subcommand("watch", "Poll a case and show the times that are added and removed");
     addCaseArgument(command, &options->casePath);
-    command->add_option("--interval", options->interval, "Seconds between polls, 1 by default")
-        ->type_name("S")
-        ->check(CLI::Range(0.0, 86400.0, ""));
+    limitNumber(
+        command->add_option("--interval", options->interval, "Seconds between polls, 1 by default")->type_name("S"), 0,
+        86400);
     limitCount(command->add_option("--count", options->count, "Stop after N polls instead of polling until interrupted")
                    ->type_name("N"),
                1, std::numeric_limits<int>::max());

@@ -13,6 +13,8 @@ namespace {
 constexpr std::size_t MOST_KEPT_BYTES = 4'000'000;
 /// The same bound as in the library: from the next count on solvers write a list in lines of its own.
 constexpr std::size_t SHORT_LIST = 10;
+/// More characters of a word are not kept; they would not make it a number.
+constexpr std::size_t LONGEST_NUMBER = 64;
 constexpr unsigned GZ_BUFFER = 1U << 17U;
 
 bool isRegular(const std::filesystem::path& path)
@@ -52,13 +54,6 @@ std::size_t bytesOfItem(std::string_view type, std::size_t labelBytes, std::size
     return found == TYPES.end() ? 0 : found->scalars * scalarBytes;
 }
 
-/// A width of the entry "arch", such as "LSB;label=32;scalar=64"; the usual one if it does not say.
-std::size_t widthIn(std::string_view arch, std::string_view key, std::size_t usual)
-{
-    const std::size_t place = arch.find(key);
-    return place == std::string_view::npos ? usual : arch.substr(place + key.size()).starts_with("64") ? 8 : 4;
-}
-
 class CaseClient final : public foamdict::Client
 {
 public:
@@ -72,8 +67,8 @@ public:
     {
         const std::string arch = firstWordOf(header, "arch");
         m_isBinary = firstWordOf(header, "format") == "binary";
-        m_labelBytes = widthIn(arch, "label=", sizeof(int));
-        m_scalarBytes = widthIn(arch, "scalar=", sizeof(double));
+        m_labelBytes = rawWidth(arch, "label=", sizeof(int));
+        m_scalarBytes = rawWidth(arch, "scalar=", sizeof(double));
     }
 
     std::optional<std::size_t> readList(const foamdict::ListPlace& place) override
@@ -195,6 +190,7 @@ CaseChars::Skipped CaseChars::skipList()
 {
     Skipped seen;
     int depth = 0;
+    std::size_t wordsBefore = 0;
     std::string word;
     const auto endWord = [&] {
         seen.words += word.empty() ? 0 : 1;
@@ -212,12 +208,18 @@ CaseChars::Skipped CaseChars::skipList()
         const char c = m_buffer[m_next++];
         const bool opens = c == '(' || c == '{';
         const bool closes = c == ')' || c == '}';
-        if (opens || closes || isBlank(c)) {
-            endWord();
-            depth += opens ? 1 : closes ? -1 : 0;
-            m_line += c == '\n' ? 1 : 0;
-        } else if (word.size() < 64) {
-            word += c;
+        if (!opens && !closes && !isBlank(c)) {
+            word += word.size() < LONGEST_NUMBER ? std::string_view(&c, 1) : std::string_view();
+            continue;
+        }
+        endWord();
+        depth += opens ? 1 : closes ? -1 : 0;
+        m_line += c == '\n' ? 1 : 0;
+        if (opens && depth == 2) {
+            ++seen.brackets;
+            wordsBefore = seen.words;
+        } else if (closes && depth == 1) {
+            seen.longestBracket = std::max(seen.longestBracket, seen.words - wordsBefore);
         }
     } while (depth > 0);
     seen.isClosed = true;
@@ -243,6 +245,17 @@ bool CaseFile::isComposed(const foamdict::Entry& entry) const
 {
     return entry.line == 0 ? header("format") != "binary"
                            : textOfLine(entry.line).find_first_of("$#") != std::string_view::npos;
+}
+
+const SkippedList* CaseFile::listOf(const foamdict::Entry& entry) const
+{
+    const auto token = std::ranges::find(entry.tokens, foamdict::Token::Kind::List, &foamdict::Token::kind);
+    return token == entry.tokens.end() || token->list >= lists.size() ? nullptr : &lists[token->list];
+}
+
+bool isNonuniform(const foamdict::Entry& entry)
+{
+    return !entry.tokens.empty() && entry.tokens.front().text == "nonuniform";
 }
 
 std::string_view CaseFile::textOfLine(std::size_t line) const
@@ -272,6 +285,12 @@ CaseFile readCaseFile(const std::filesystem::path& path, const std::filesystem::
     file.reports = client->takeReports();
     file.lines = client->chars().takeLines();
     return file;
+}
+
+std::size_t rawWidth(std::string_view arch, std::string_view key, std::size_t usual)
+{
+    const std::size_t place = arch.find(key);
+    return place == std::string_view::npos ? usual : arch.substr(place + key.size()).starts_with("64") ? 8 : 4;
 }
 
 std::string firstWordOf(const foamdict::Dictionary& dictionary, std::string_view keyword)

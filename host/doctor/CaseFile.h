@@ -26,10 +26,12 @@ public:
     /// What `skipList` saw.
     struct Skipped
     {
-        std::size_t words = 0;   ///< runs of characters between blanks and brackets
-        bool isClosed = false;   ///< the last bracket was there
-        std::string notANumber;  ///< the first word that has a letter which no number has
-        std::size_t badLine = 0; ///< its line
+        std::size_t words = 0;          ///< runs of characters between blanks and brackets
+        std::size_t brackets = 0;       ///< inside those of the list, without those inside them
+        std::size_t longestBracket = 0; ///< the words in the longest of them
+        bool isClosed = false;          ///< the last bracket was there
+        std::string notANumber;         ///< the first word that has a letter which no number has
+        std::size_t badLine = 0;        ///< its line
     };
 
     explicit CaseChars(const std::filesystem::path& path);
@@ -98,6 +100,8 @@ struct CaseFile
     std::string header(std::string_view key) const;
     /// Whether an entry is written with macros or directives, or is not in the file itself.
     bool isComposed(const foamdict::Entry& entry) const;
+    /// The long list of a value; null if it has none.
+    const SkippedList* listOf(const foamdict::Entry& entry) const;
     /// The text of a line, without blanks around it.
     std::string_view textOfLine(std::size_t line) const;
 };
@@ -105,6 +109,14 @@ struct CaseFile
 /// Reads a file of a case.
 /// @param isOnlyHead true to end at the first long list
 CaseFile readCaseFile(const std::filesystem::path& path, const std::filesystem::path& caseFolder, bool isOnlyHead);
+
+/// True for a value that is a list, one item for each cell, face or point.
+bool isNonuniform(const foamdict::Entry& entry);
+
+/// The bytes of a raw value by the entry "arch" of its file, such as "LSB;label=32;scalar=64".
+/// @param key "label=" or "scalar="
+/// @param usual what it is if the entry does not say
+std::size_t rawWidth(std::string_view arch, std::string_view key, std::size_t usual);
 
 /// The text of the first token of an entry; empty if there is no such entry or it has no value.
 std::string firstWordOf(const foamdict::Dictionary& dictionary, std::string_view keyword);

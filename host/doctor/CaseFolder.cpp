@@ -377,10 +377,10 @@ void CaseFolder::findSurfacesOf(const std::string& function)
 {
     static constexpr std::array<std::string_view, 6> FORMATS = {".vtk", ".vtp", ".stl", ".obj", ".ply", ".case"};
     const std::string root = "postProcessing/" + function;
-    for (const std::string& time : foldersIn(root)) {
-        if (!timeOfName(time)) {
-            continue;
-        }
+    std::vector<std::string> times = foldersIn(root);
+    std::erase_if(times, [](const std::string& name) { return !timeOfName(name); });
+    std::ranges::stable_sort(times, {}, [](const std::string& name) { return *timeOfName(name); });
+    for (const std::string& time : times) {
         for (const std::string& name : foldersIn(joined({root, time}))) {
             const std::string folder = joined({root, time, name});
             if (hasFile(folder + "/points") && hasFile(folder + "/faces")) {

@@ -72,6 +72,7 @@ public:
     const std::vector<CaseMesh>& meshes() const { return m_meshes; }
     /// All times of the case and its processors, the earliest first.
     const std::vector<CaseTime>& times() const { return m_times; }
+    /// Those of each function with the earliest time first.
     const std::vector<CaseSurface>& surfaces() const { return m_surfaces; }
     const std::vector<std::string>& processors() const { return m_processors; }
     /// Folders of files in which all processors are written together.

@@ -2,6 +2,7 @@
 #include "doctor/Delivery.h"
 
 #include "border/DeliveryCheck.h"
+#include "border/HostLog.h"
 
 #include <algorithm>
 #include <utility>
@@ -61,6 +62,7 @@ std::string keyOf(const std::string& field, FieldPlace place)
 Delivery::Delivery(PluginLibrary& library, const std::string& casePath, HostOptions options)
     : m_options(std::move(options))
 {
+    const std::size_t linesBefore = HostLog::get().lines().size();
     try {
         m_opened = std::make_unique<OpenedCase>(library, casePath, m_options);
         (void)m_opened->geometry();
@@ -68,6 +70,23 @@ Delivery::Delivery(PluginLibrary& library, const std::string& casePath, HostOpti
     } catch (const HostError& error) {
         m_refusal = error.what();
     }
+    keepErrors(linesBefore);
+}
+
+void Delivery::keepErrors(std::size_t linesBefore)
+{
+    const std::vector<HostLogLine> lines = HostLog::get().lines();
+    for (std::size_t i = linesBefore; i < lines.size(); ++i) {
+        LoggedCause cause = loggedCause(lines[i].text);
+        if (lines[i].level == LOG_ERROR && std::ranges::find(m_errors, cause) == m_errors.end()) {
+            m_errors.push_back(std::move(cause));
+        }
+    }
+}
+
+std::vector<std::string> Delivery::limits() const
+{
+    return isOpen() ? m_opened->limits() : std::vector<std::string>();
 }
 
 void Delivery::index()
@@ -80,6 +99,9 @@ void Delivery::index()
     };
     for (std::size_t i = 0; i < declared.size(); ++i) {
         const HostGroup& one = *declared[i];
+        if (const HostNodeGroup* const nodesOfOne = nodes(i); nodesOfOne == nullptr || nodesOfOne->nodeCount() == 0) {
+            continue;
+        }
         const bool isPart = one.kind() == HostGroupKind::Part;
         m_groups.emplace(isPart ? GroupName(one.name, "") : GroupName(nameOfParent(one), one.name), i);
     }
@@ -92,7 +114,6 @@ void Delivery::index()
     for (const HostState& state : described.states) {
         m_stateOfTime.emplace(state.referenceValue, state.id);
     }
-    m_stateCount = described.states.size();
 }
 
 std::optional<std::size_t> Delivery::group(const std::string& part, const std::string& name) const

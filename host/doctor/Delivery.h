@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "border/LoggedCause.h"
 #include "border/OpenedCase.h"
 
 #include <cstddef>
@@ -62,7 +63,10 @@ public:
     /// Why the library does not open the case; empty if it does.
     const std::string& refusal() const { return m_refusal; }
 
-    const HostMetaData& metaData() { return m_opened->metaData(); }
+    /// The errors that the library logged while it read descriptions and meshes, each once.
+    const std::vector<LoggedCause>& errors() const { return m_errors; }
+    /// What of the geometry the interface cannot hold; empty for a refused case.
+    std::vector<std::string> limits() const;
 
     /// The number of the group of a part, or of a patch, zone or surface of it, in the order of the geometry. A surface
     /// has no part.
@@ -76,7 +80,6 @@ public:
 
     /// True if there is a state of this time.
     bool hasTime(double time) const { return m_stateOfTime.contains(time); }
-    std::size_t stateCount() const { return m_stateCount; }
 
     /// Asks for the values of a field.
     DeliveredResult result(const std::string& field, FieldPlace place, double time);
@@ -88,14 +91,15 @@ public:
 private:
     using GroupName = std::pair<std::string, std::string>;
 
+    void keepErrors(std::size_t linesBefore);
     void index();
 
     HostOptions m_options;
     std::string m_refusal;
+    std::vector<LoggedCause> m_errors;
     std::unique_ptr<OpenedCase> m_opened;
     std::map<GroupName, std::size_t> m_groups;
     std::map<std::pair<std::string, HostGroupKind>, std::size_t> m_zones; ///< by part
     std::map<std::string, const HostResultInfo*> m_results;
     std::map<double, std::int32_t> m_stateOfTime;
-    std::size_t m_stateCount = 0;
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/Doctor.h"
 
-#include "border/HostLog.h"
 #include "border/OpenedCase.h"
 #include "doctor/Examination.h"
 #include "doctor/SlowNotes.h"
@@ -61,18 +60,14 @@ std::vector<CaseTime> chosenTimes(const CaseFolder& folder, const std::string& s
     return chosen;
 }
 
-/// The last error that the library logged, without the folder of the case.
-std::string lastError(const CaseFolder& folder)
+/// Why the library does not open the case: the last error that it logged, else what the host says.
+Cause refusalCause(const CaseFolder& folder, const Delivery& delivery)
 {
-    std::string text;
-    for (const HostLogLine& line : HostLog::get().lines()) {
-        text = line.level == LOG_ERROR ? line.text : text;
-    }
-    const std::string prefix = folder.root().string() + "/";
-    for (std::size_t place = text.find(prefix); place != std::string::npos; place = text.find(prefix)) {
-        text.erase(place, prefix.size());
-    }
-    return text;
+    const LoggedCause said = delivery.errors().empty() ? LoggedCause{"", delivery.refusal()} : delivery.errors().back();
+    return {"refused",
+            "the case is refused: " + said.reason,
+            "correct the file that is named",
+            {said.file.empty() ? "." : wording::pathIn(folder.root(), said.file), 0}};
 }
 
 /// Why a description file cannot be read line by line; none if nothing is found.
@@ -114,8 +109,24 @@ Cause causeOfRefusal(const CaseFolder& folder, const Delivery& plain)
             return *found;
         }
     }
-    const std::string said = lastError(folder);
-    return {"refused", "the case is refused: " + (said.empty() ? plain.refusal() : said), "", {".", 0}};
+    return refusalCause(folder, plain);
+}
+
+void examineClouds(Examination& examination)
+{
+    const CaseFolder& folder = examination.folder;
+    for (const CaseTime& time : folder.times()) {
+        for (const CaseMesh& mesh : folder.meshes()) {
+            for (const std::string& place : folder.fieldFolders(mesh, time.name)) {
+                const std::string clouds = place + "/lagrangian";
+                if (folder.hasFolder(clouds)) {
+                    examination.report.findings
+                        .add(FindingKind::Hidden, {"clouds", "particles have no place in hosts", "", {clouds, 0}})
+                        .times.insert(time.name);
+                }
+            }
+        }
+    }
 }
 
 /// What is there beside meshes and fields, at any time.
@@ -140,22 +151,11 @@ void examineOmissions(Examination& examination)
                                              "move it out of the case",
                                              {name, 0}});
     }
-    for (const CaseTime& time : folder.times()) {
-        for (const CaseMesh& mesh : folder.meshes()) {
-            for (const std::string& place : folder.fieldFolders(mesh, time.name)) {
-                if (folder.hasFolder(place + "/lagrangian")) {
-                    findings
-                        .add(FindingKind::Hidden,
-                             {"clouds", "particles have no place in hosts", "", {place + "/lagrangian", 0}})
-                        .times.insert(time.name);
-                }
-            }
-        }
-    }
     if (folder.hasFolder("constant/faMesh")) {
         findings.add(FindingKind::Hidden,
                      {"finite-area", "finite-area meshes are not read", "", {"constant/faMesh", 0}});
     }
+    examineClouds(examination);
 }
 
 void fillForms(const CaseFolder& folder, CaseForms* forms)
@@ -173,6 +173,15 @@ void fillForms(const CaseFolder& folder, CaseForms* forms)
 
 } // namespace
 
+void CaseForms::count(bool isGzip, bool isBinary, const std::string& arch)
+{
+    ++files[isBinary ? "binary" : "ascii"];
+    files["gzip"] += isGzip ? 1 : 0;
+    if (isBinary && !arch.empty()) {
+        rawForms.insert(arch);
+    }
+}
+
 DoctorReport examineCase(PluginLibrary& library, const std::string& casePath, const DoctorOptions& options)
 {
     const std::filesystem::path token = OpenedCase::tokenFile(casePath);
@@ -187,21 +196,14 @@ DoctorReport examineCase(PluginLibrary& library, const std::string& casePath, co
     const CaseFolder folder(root);
     const std::vector<CaseTime> times = chosenTimes(folder, options.states);
 
-    HostLog::get().clear();
     Delivery plain(library, casePath, plainSettings);
     DoctorReport report;
     report.folder = root.string();
     Cause refusal = plain.isOpen() ? Cause() : causeOfRefusal(folder, plain);
-    HostLog::get().clear();
     Delivery extended(library, casePath, extendedSettings);
     Examination examination = {folder, plain, extended, extendedSettings, library.providerInfo(), report, refusal};
     if (!extended.isOpen()) {
-        const std::string said = lastError(folder);
-        report.findings.add(FindingKind::Hidden,
-                            {"refused",
-                             "the case is not opened: " + (said.empty() ? extended.refusal() : said),
-                             "correct the file that is named",
-                             {".", 0}});
+        report.findings.add(FindingKind::Hidden, refusalCause(folder, extended));
     } else {
         if (!plain.isOpen()) {
             report.findings.add(FindingKind::Extended, refusal);

@@ -31,6 +31,9 @@ struct CaseForms
     std::set<std::string> surfaces;
     std::size_t movedPointTimes = 0;
     bool hasWholeMeshBesidePieces = false; ///< one that is not shown, because it has no results of its own
+
+    /// Counts a file.
+    void count(bool isGzip, bool isBinary, const std::string& arch);
 };
 
 /// How many arrays of values a case has in the times that were looked at, and how many of them show.

@@ -9,6 +9,14 @@
 #include <string>
 #include <vector>
 
+/// What was found out about a mesh.
+struct MeshOutcome
+{
+    std::optional<Cause> hidden; ///< why it does not show, or not whole
+    std::optional<Cause> plain;  ///< why its files are not for plain reading
+    bool isSameInPlain = false;  ///< plain reading shows the same cells and points
+};
+
 /// What the steps of looking at one case share.
 struct Examination
 {
@@ -22,6 +30,7 @@ struct Examination
     Cause plainRefusal;
     /// The fields whose unit was looked at: it is that of the first time that has the field.
     std::set<std::string> fieldsWithUnit = {};
+    std::map<std::string, MeshOutcome> meshes = {}; ///< by part
 
     /// A boolean setting: that of the user, else the one that the library declares.
     bool isSet(const std::string& key) const;
@@ -38,11 +47,14 @@ struct ExpectedField
 /// Compares meshes, patches and zones.
 void examineMeshes(Examination& examination);
 
-/// True if plain reading shows as many cells of a mesh as extended reading.
+/// True if plain reading shows the cells and points that extended reading shows.
 bool isSameMeshInPlain(const Examination& examination, const CaseMesh& mesh);
 
 /// Why plain reading does not show a mesh, or another one than extended reading.
 Cause plainMeshCause(const Examination& examination, const CaseMesh& mesh);
+
+/// That a mesh has other faces at a later time, of whose folder the path is given.
+Cause meshChangesCause(const std::string& folder);
 
 /// Compares the values of all fields at one time; times are those of the case in order.
 void examineFields(Examination& examination, const CaseTime& time);

@@ -54,6 +54,8 @@ public:
     const std::string& path() const { return m_path; }
 
 private:
+    static constexpr std::string_view PATCHES = "boundaryField";
+
     /// How an entry of the field's patches was found.
     enum class Match
     {
@@ -76,6 +78,8 @@ private:
                                    const std::string& owner) const;
     std::optional<Cause> valueCause(const foamdict::Entry& entry, std::optional<std::size_t> items,
                                     const std::string& owner) const;
+    std::optional<Cause> plainFileCause() const;
+    std::optional<Cause> plainTextCause(const foamdict::Entry& value, const std::string& owner) const;
     std::optional<Cause> headerCause() const;
     std::optional<Cause> rawCause() const;
     std::optional<Cause> placeCause() const;
@@ -84,7 +88,6 @@ private:
     std::optional<Cause> plainTypeCause(const PatchEntry& found) const;
     std::optional<Cause> plainValueCause(const foamdict::Dictionary& block, const std::string& type) const;
     bool isOnOwnLine(const foamdict::Entry& entry) const;
-    bool hasUnusualRawForm() const;
     const foamdict::Entry* interiorEntry() const;
 
     const CaseFolder& m_folder;

@@ -39,16 +39,6 @@ void tellOmitted(Examination& examination, const std::string& className, const s
     }
 }
 
-void countForm(CaseForms& forms, const CaseFile& file)
-{
-    const bool isBinary = file.header("format") == "binary";
-    ++forms.files[isBinary ? "binary" : "ascii"];
-    forms.files["gzip"] += file.isGzip ? 1 : 0;
-    if (isBinary && !file.header("arch").empty()) {
-        forms.rawForms.insert(file.header("arch"));
-    }
-}
-
 /// Adds the fields of a mesh at a time. What cannot be told from its header is no field.
 void collectFields(Examination& examination, const CaseMesh& mesh, const CaseTime& time, FieldsByName* fields)
 {
@@ -61,17 +51,16 @@ void collectFields(Examination& examination, const CaseMesh& mesh, const CaseTim
                 continue;
             }
             const CaseFile head = readCaseFile(folder.root() / path, folder.root(), true);
-            if (!head.isOpen || head.isBroken) {
+            const std::string className = head.header("class");
+            if (const auto kind = fieldClassOf(className)) {
+                examination.report.forms.count(head.isGzip, head.header("format") == "binary", head.header("arch"));
+                (*fields)[name].push_back({&mesh, path, *kind});
+            } else if (!head.isOpen || head.isBroken) {
                 examination.report.findings.add(
                     FindingKind::Hidden, {"unreadable",
                                           head.isOpen ? "the compressed file is damaged" : "the file cannot be opened",
                                           "check its permissions, or write the time again",
                                           {path, 0}});
-            }
-            const std::string className = head.header("class");
-            if (const auto kind = fieldClassOf(className)) {
-                countForm(examination.report.forms, head);
-                (*fields)[name].push_back({&mesh, path, *kind});
             } else {
                 tellOmitted(examination, className, path, name, time.name);
             }
@@ -161,11 +150,12 @@ private:
         if (!m_examination.extended.isOpen()) {
             return {"refused", "the case is not opened: " + m_examination.extended.refusal(), "", {field.file, 0}};
         }
+        const auto ofMesh = m_examination.meshes.find(field.mesh->part);
+        if (ofMesh != m_examination.meshes.end() && ofMesh->second.hidden) {
+            return *ofMesh->second.hidden;
+        }
         if (!items || *items == 0) {
-            return {"no-mesh",
-                    fmt::format("the mesh of {} is not shown, so its fields are not", field.mesh->part),
-                    "",
-                    {field.mesh->folder, 0}};
+            return {"no-patch", "the patch itself is not shown", "", {field.mesh->folder + "/boundary", 0}};
         }
         if (m_extended.missing == ArrayStatus::NoField && m_extended.values == nullptr) {
             return {"other-class",
@@ -264,6 +254,47 @@ void compareField(Examination& examination, const CaseTime& time, const std::str
     }
 }
 
+/// The points that a mesh has at a time: those of the last time up to then that has some.
+struct MovedPoints
+{
+    std::string folder; ///< empty if they never moved
+    bool isOfTime = false;
+};
+
+MovedPoints movedPointsAt(const CaseFolder& folder, const CaseMesh& mesh, const CaseTime& time)
+{
+    MovedPoints points;
+    for (const CaseTime& before : folder.times()) {
+        for (const std::string& place : folder.fieldFolders(mesh, before.name)) {
+            if (before.value <= time.value && place + "/polyMesh" != mesh.folder &&
+                folder.hasFile(place + "/polyMesh/points")) {
+                points = {place, before.name == time.name};
+            }
+        }
+    }
+    return points;
+}
+
+Cause hiddenPointsCause(const CaseFolder& folder, const MovedPoints& points)
+{
+    if (folder.hasFile(points.folder + "/polyMesh/faces")) {
+        return meshChangesCause(points.folder);
+    }
+    return {"moved-points",
+            "the moved points do not fit the mesh that is shown",
+            "check whether the mesh changes with time",
+            {points.folder + "/polyMesh/points", 0}};
+}
+
+Cause plainPointsCause(const MovedPoints& points)
+{
+    return {"moved-points",
+            points.isOfTime ? "moved points are not shown for each mesh from its own file"
+                            : "moved points are shown only at the times that have a file of them",
+            "",
+            {points.folder + "/polyMesh/points", 0}};
+}
+
 } // namespace
 
 void examineFields(Examination& examination, const CaseTime& time)
@@ -284,43 +315,14 @@ void examineMovedPoints(Examination& examination, const CaseTime& time)
     const DeliveredResult plain = examination.plain.result("points", FieldPlace::MovedPoints, time.value);
     const DeliveredResult extended = examination.extended.result("points", FieldPlace::MovedPoints, time.value);
     for (const CaseMesh& mesh : examination.folder.meshes()) {
-        if (!isToBeShown(examination, mesh)) {
-            continue;
-        }
-        // The points of a time are those of the last time that has some.
-        std::string file;
-        bool isOwn = false;
-        for (const CaseTime& before : examination.folder.times()) {
-            for (const std::string& folder : examination.folder.fieldFolders(mesh, before.name)) {
-                const std::string points = folder + "/polyMesh/points";
-                if (before.value <= time.value && folder + "/polyMesh" != mesh.folder &&
-                    examination.folder.hasFile(points)) {
-                    file = points;
-                    isOwn = before.name == time.name;
-                }
-            }
-        }
-        if (file.empty()) {
+        const MovedPoints points = movedPointsAt(examination.folder, mesh, time);
+        if (points.folder.empty() || !isToBeShown(examination, mesh)) {
             continue;
         }
         ++examination.report.forms.movedPointTimes;
         const ArrayOutcome outcome = outcomeOf(examination, plain, extended, mesh.part, "");
-        const FindingArray array = {
-            time.name, mesh.part, "", "points", wordOf(outcome.plain), wordOf(outcome.extended)};
         judge(
-            examination, outcome, array,
-            [&] {
-                return Cause{"moved-points",
-                             "the moved points do not fit the mesh that is shown",
-                             "check whether the mesh changes with time",
-                             {file, 0}};
-            },
-            [&] {
-                return Cause{"moved-points",
-                             isOwn ? "moved points are not shown for each mesh from its own file"
-                                   : "moved points are shown only at the times that have a file of them",
-                             "",
-                             {file, 0}};
-            });
+            examination, outcome, {time.name, mesh.part, "", "points", wordOf(outcome.plain), wordOf(outcome.extended)},
+            [&] { return hiddenPointsCause(examination.folder, points); }, [&] { return plainPointsCause(points); });
     }
 }

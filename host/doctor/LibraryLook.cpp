@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/LibraryLook.h"
 
+#include "border/PluginLibrary.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <map>
 #include <string_view>
+#include <system_error>
 
 #include <dlfcn.h>
 #include <link.h>
@@ -62,4 +68,52 @@ std::vector<LinkedLibrary> linkedLibraries(const std::filesystem::path& file)
     }
     (void)dlclose(handle);
     return linked;
+}
+
+std::string helpForRefusal(const std::string& reason)
+{
+    struct Help
+    {
+        std::string_view reason; ///< part of what the loader or the host says
+        const char* help;
+    };
+    // The last rows are more general than those before them.
+    static constexpr std::array<Help, 9> HELPS = {{
+        {"next to the program", "build or install it, or name its file"},
+        {"version `", "build it on this system: it was built on a newer one"},
+        {"undefined symbol", "build it again with the libraries of this system"},
+        {"invalid ELF header", "name a shared library: this file is none, or was cut off"},
+        {"file too short", "name a shared library: this file is none, or was cut off"},
+        {"wrong ELF class", "build it for this machine: it is for another one"},
+        {"cannot dynamically load", "name a shared library: this file is a program"},
+        {"cannot open shared object file", "check that the file named is there and can be read; the folder of a "
+                                           "library that it needs can be named in LD_LIBRARY_PATH"},
+        {"", "name the file of this plug-in with --plugin or DDP_PLUGIN"},
+    }};
+    return std::ranges::find_if(HELPS, [&](const Help& one) { return reason.find(one.reason) != std::string::npos; })
+        ->help;
+}
+
+std::vector<std::pair<std::string, std::string>> searchedPlaces(const std::string& given)
+{
+    const auto stateOf = [](const std::filesystem::path& file) -> std::string {
+        std::error_code error;
+        const std::filesystem::file_status status = std::filesystem::status(file, error);
+        return std::filesystem::is_regular_file(status) ? "there"
+               : std::filesystem::exists(status)        ? "not a file"
+                                                        : "no such file";
+    };
+    const char* const variable = std::getenv("DDP_PLUGIN");
+    std::vector<std::pair<std::string, std::string>> places;
+    places.emplace_back("--plugin", given.empty() ? "not given" : given + ", " + stateOf(given));
+    if (given.empty()) {
+        places.emplace_back("DDP_PLUGIN",
+                            variable == nullptr ? "not set" : std::string(variable) + ", " + stateOf(variable));
+    }
+    if (given.empty() && variable == nullptr) {
+        for (const std::filesystem::path& file : PluginLibrary::searchedFiles()) {
+            places.emplace_back(file.string(), stateOf(file));
+        }
+    }
+    return places;
 }

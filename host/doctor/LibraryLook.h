@@ -17,3 +17,11 @@ struct LinkedLibrary
 ///
 /// @param file of a library that this process has loaded; none are known of any other
 std::vector<LinkedLibrary> linkedLibraries(const std::filesystem::path& file);
+
+/// What helps if the library cannot be loaded, by the reason that the host gives; a clause.
+std::string helpForRefusal(const std::string& reason);
+
+/// Where the host looked for the library and what is there, as lines of "PLACE" and what it is.
+///
+/// @param given the file that the user named; empty if none
+std::vector<std::pair<std::string, std::string>> searchedPlaces(const std::string& given);

@@ -1,49 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/Examination.h"
+#include "doctor/MeshCauses.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 
 namespace {
-
-/// The form of a mesh file, if it is one that plain reading gets wrong.
-std::optional<Cause> rawCause(const CaseFolder& folder, const CaseMesh& mesh)
-{
-    for (const char* const name : {"points", "faces", "owner", "neighbour"}) {
-        const std::string path = mesh.folder + "/" + name;
-        const CaseFile file = readCaseFile(folder.root() / path, folder.root(), true);
-        const std::string arch = file.header("arch");
-        const bool isUnusual = arch.find("MSB") != std::string::npos || arch.find("scalar=32") != std::string::npos ||
-                               arch.find("label=64") != std::string::npos;
-        if (file.header("format") == "binary" && isUnusual) {
-            return Cause{"raw-form",
-                         fmt::format("raw values are written in another form than is usual ({})", arch),
-                         "",
-                         {path, 0}};
-        }
-    }
-    return std::nullopt;
-}
-
-Cause hiddenMesh(const CaseFolder& folder, const CaseMesh& mesh, std::optional<std::size_t> shown)
-{
-    for (const char* const name : {"points", "faces", "owner"}) {
-        const std::string path = mesh.folder + "/" + name;
-        const CaseFile file = readCaseFile(folder.root() / path, folder.root(), true);
-        if (!file.isOpen) {
-            return {"mesh-file",
-                    fmt::format("the mesh has no file {} that can be opened", name),
-                    "write the mesh again",
-                    {mesh.folder, 0}};
-        }
-    }
-    return {"mesh-cells",
-            fmt::format("{} cells of the mesh are shown, and its owner file says {}", shown.value_or(0),
-                        mesh.cells ? std::to_string(*mesh.cells) : "nothing of their number"),
-            "check the mesh with checkMesh",
-            {mesh.folder + "/owner", 0}};
-}
 
 /// Why plain reading has no patch or another one.
 Cause plainPatchGroup(const CaseMesh& mesh, const CasePatch& patch)
@@ -55,74 +19,111 @@ Cause plainPatchGroup(const CaseMesh& mesh, const CasePatch& patch)
     return {"boundary-layout", "the boundary file is laid out as OpenFOAM does not write it", "", place};
 }
 
+bool isSameShape(const HostElementGroup& a, const HostElementGroup& b)
+{
+    return a.elementCount() == b.elementCount() && a.connectivity == b.connectivity &&
+           a.polyhedra.faceConnectivity == b.polyhedra.faceConnectivity;
+}
+
 bool isSameGroup(const Delivery& plain, std::size_t inPlain, const Delivery& extended, std::size_t inExtended)
 {
     const HostNodeGroup* const a = plain.nodes(inPlain);
     const HostNodeGroup* const b = extended.nodes(inExtended);
-    return plain.elements(inPlain)->connectivity == extended.elements(inExtended)->connectivity &&
+    return isSameShape(*plain.elements(inPlain), *extended.elements(inExtended)) &&
            (a == nullptr || b == nullptr ? a == b : a->coordinates == b->coordinates);
 }
 
-void examineGroup(Examination& examination, const CaseMesh& mesh, const std::string& name,
-                  std::optional<std::size_t> expected, const Cause& hidden, const Cause& plain)
+/// How far a group of a mesh is shown.
+struct GroupOutcome
+{
+    std::size_t shown = 0; ///< elements that extended reading shows
+    bool isSame = false;   ///< plain reading shows the same
+};
+
+GroupOutcome outcomeOfGroup(const Examination& examination, const CaseMesh& mesh, const std::string& name)
 {
     const std::optional<std::size_t> inPlain = examination.plain.group(mesh.part, name);
     const std::optional<std::size_t> inExtended = examination.extended.group(mesh.part, name);
     const std::size_t shown = inExtended ? examination.extended.elements(*inExtended)->elementCount() : 0;
-    if (!inExtended || shown == 0 || (expected && shown != *expected)) {
-        examination.report.findings.add(FindingKind::Hidden, hidden);
-    } else if (!inPlain || !isSameGroup(examination.plain, *inPlain, examination.extended, *inExtended)) {
-        examination.report.findings.add(FindingKind::Extended, plain);
-    }
+    return {shown,
+            inPlain && inExtended && isSameGroup(examination.plain, *inPlain, examination.extended, *inExtended)};
+}
+
+/// Tells something that hosts are not given because of a setting.
+void tellSetting(Examination& examination, const char* name, const char* what, const char* key, const std::string& file)
+{
+    examination.report.findings.add(
+        FindingKind::Setting, {name, fmt::format("{} are not shown", what), fmt::format("set {}=on", key), {file, 0}});
 }
 
 void examinePatches(Examination& examination, const CaseMesh& mesh)
 {
+    Findings& findings = examination.report.findings;
     const bool isSame = isSameMeshInPlain(examination, mesh);
+    const auto hasFaces = [](const CasePatch& patch) { return patch.faces > 0; };
+    if (!examination.isSet("LOAD_BC_PARTS") && std::ranges::any_of(mesh.patches, hasFaces)) {
+        tellSetting(examination, "patches", "patches", "LOAD_BC_PARTS", mesh.folder + "/boundary");
+    }
     for (const CasePatch& patch : mesh.patches) {
         const bool isUnwanted = examination.isSet("HIDE_PARALLEL_INTERFACES") && patch.name.starts_with("procBoundary");
         if (patch.faces <= 0 || isUnwanted || !examination.isSet("LOAD_BC_PARTS")) {
             continue;
         }
-        const Cause hidden = {"patch-missing",
-                              fmt::format("the patch {} is not shown with its {} faces", patch.name, patch.faces),
-                              "check the mesh with checkMesh",
-                              {mesh.folder + "/boundary", patch.line}};
-        // Without the part there is one finding, which is about the part.
-        const Cause plain = isSame ? plainPatchGroup(mesh, patch) : plainMeshCause(examination, mesh);
-        examineGroup(examination, mesh, patch.name, static_cast<std::size_t>(patch.faces), hidden, plain);
+        const FindingPlace place = {mesh.folder + "/boundary", patch.line};
+        const GroupOutcome outcome = outcomeOfGroup(examination, mesh, patch.name);
+        if (outcome.shown != static_cast<std::size_t>(patch.faces)) {
+            findings.add(FindingKind::Hidden, {"patch-missing",
+                                               fmt::format("the patch {} is shown with {} of its {} faces", patch.name,
+                                                           outcome.shown, patch.faces),
+                                               "check the mesh with checkMesh", place});
+        } else if (!outcome.isSame) {
+            // Without the part there is one finding, which is about the part.
+            findings.add(FindingKind::Extended,
+                         isSame ? plainPatchGroup(mesh, patch) : plainMeshCause(examination, mesh));
+        }
     }
 }
 
-void examineZones(Examination& examination, const CaseMesh& mesh)
+/// A kind of zone.
+struct ZoneKind
 {
-    Findings& findings = examination.report.findings;
-    const FindingPlace cells = {mesh.folder + "/cellZones", 0};
-    if (examination.isSet("LOAD_CELL_ZONES")) {
-        const std::size_t inExtended = examination.extended.zoneCount(mesh.part, HostGroupKind::CellZone);
-        if (inExtended < mesh.cellZones) {
-            findings.add(FindingKind::Hidden,
-                         {"cell-zones", "not all cell zones are shown", "write them again", cells});
-        } else if (isSameMeshInPlain(examination, mesh) &&
-                   examination.plain.zoneCount(mesh.part, HostGroupKind::CellZone) < inExtended) {
-            findings.add(FindingKind::Extended, {"cell-zones",
-                                                 mesh.region.empty() ? "not all cell zones are read in their layout"
-                                                                     : "the cell zones of regions are not read",
-                                                 "", cells});
-        }
+    HostGroupKind kind;
+    std::size_t CaseMesh::*count;
+    const char* file;
+    const char* name; ///< of the cause
+    const char* what;
+    const char* setting;
+};
+
+constexpr std::array<ZoneKind, 2> ZONE_KINDS = {
+    {{HostGroupKind::CellZone, &CaseMesh::cellZones, "cellZones", "cell-zones", "cell zones", "LOAD_CELL_ZONES"},
+     {HostGroupKind::FaceZone, &CaseMesh::faceZones, "faceZones", "face-zones", "face zones", "LOAD_FACE_ZONES"}}};
+
+void examineZones(Examination& examination, const CaseMesh& mesh, const ZoneKind& zones)
+{
+    const std::string file = mesh.folder + "/" + zones.file;
+    const std::size_t expected = mesh.*zones.count;
+    if (expected == 0) {
+        return;
     }
-    const FindingPlace faces = {mesh.folder + "/faceZones", 0};
-    if (mesh.faceZones > 0 && !examination.isSet("LOAD_FACE_ZONES")) {
-        findings.add(FindingKind::Setting, {"face-zones", "face zones are not shown", "set LOAD_FACE_ZONES=on", faces});
-    } else if (mesh.faceZones > 0) {
-        const std::size_t inExtended = examination.extended.zoneCount(mesh.part, HostGroupKind::FaceZone);
-        if (inExtended < mesh.faceZones) {
-            findings.add(FindingKind::Hidden,
-                         {"face-zones", "not all face zones are shown", "write them again", faces});
-        } else if (isSameMeshInPlain(examination, mesh) &&
-                   examination.plain.zoneCount(mesh.part, HostGroupKind::FaceZone) < inExtended) {
-            findings.add(FindingKind::Extended, {"face-zones", "not all face zones are read", "", faces});
-        }
+    if (!examination.isSet(zones.setting)) {
+        tellSetting(examination, zones.name, zones.what, zones.setting, file);
+        return;
+    }
+    const std::size_t inExtended = examination.extended.zoneCount(mesh.part, zones.kind);
+    const std::size_t inPlain = examination.plain.zoneCount(mesh.part, zones.kind);
+    const bool isOfRegion = zones.kind == HostGroupKind::CellZone && !mesh.region.empty();
+    if (inExtended < expected) {
+        examination.report.findings.add(
+            FindingKind::Hidden,
+            {zones.name, fmt::format("not all {} are shown", zones.what), "write them again", {file, 0}});
+    } else if (isSameMeshInPlain(examination, mesh) && inPlain < inExtended) {
+        examination.report.findings.add(FindingKind::Extended,
+                                        {zones.name,
+                                         isOfRegion ? "the cell zones of regions are not read"
+                                                    : fmt::format("not all {} are read in their layout", zones.what),
+                                         "",
+                                         {file, 0}});
     }
 }
 
@@ -132,42 +133,90 @@ void examineChanges(Examination& examination, const CaseMesh& mesh)
     for (const CaseTime& time : examination.folder.times()) {
         for (const std::string& folder : examination.folder.fieldFolders(mesh, time.name)) {
             if (folder + "/polyMesh" != mesh.folder && examination.folder.hasFile(folder + "/polyMesh/faces")) {
-                Finding& finding = examination.report.findings.add(
-                    FindingKind::Hidden, {"mesh-changes",
-                                          "the mesh changes with time, and only the first one is shown",
-                                          "open the times of each mesh as a case of their own",
-                                          {folder + "/polyMesh/faces", 0}});
+                Finding& finding = examination.report.findings.add(FindingKind::Hidden, meshChangesCause(folder));
                 finding.times.insert(time.name);
             }
         }
     }
 }
 
-void countForms(Examination& examination, const CaseMesh& mesh)
+void countForms(Examination& examination, const CaseMesh& mesh, const MeshCauses& causes)
 {
     CaseForms& forms = examination.report.forms;
     forms.patches += mesh.patches.size();
-    for (const char* const name : {"points", "faces", "owner", "neighbour"}) {
-        const CaseFile file =
-            readCaseFile(examination.folder.root() / mesh.folder / name, examination.folder.root(), true);
-        const bool isBinary = file.header("format") == "binary";
-        forms.files[isBinary ? "binary" : "ascii"] += file.isOpen ? 1 : 0;
-        forms.files["gzip"] += file.isOpen && file.isGzip ? 1 : 0;
-        if (isBinary && !file.header("arch").empty()) {
-            forms.rawForms.insert(file.header("arch"));
+    for (const ListFile& file : causes.files()) {
+        if (file.isOpen) {
+            forms.count(file.isGzip, file.isBinary(), file.arch);
         }
     }
+}
+
+/// What of the cells is left out because the interface cannot hold it; in a line of the host after the name of the
+/// part or surface.
+void examineLimits(Examination& examination)
+{
+    for (const std::string& limit : examination.extended.limits()) {
+        const std::size_t colon = limit.find(": ");
+        const std::string name = limit.substr(0, colon);
+        const auto mesh = std::ranges::find(examination.folder.meshes(), name, &CaseMesh::part);
+        const auto surface = std::ranges::find(examination.folder.surfaces(), name, &CaseSurface::group);
+        const std::string place = mesh != examination.folder.meshes().end()        ? mesh->folder + "/faces"
+                                  : surface != examination.folder.surfaces().end() ? surface->folder + "/faces"
+                                                                                   : ".";
+        examination.report.findings.add(FindingKind::Hidden, {"limit", limit.substr(colon + 2), "", {place, 0}});
+    }
+}
+
+/// The number of cells that the host is given without faces.
+std::size_t cellsWithoutFaces(const Examination& examination, const CaseMesh& mesh)
+{
+    const auto group = examination.extended.group(mesh.part, "");
+    return group ? static_cast<std::size_t>(
+                       std::ranges::count(examination.extended.elements(*group)->polyhedra.facesPerPolyhedron, 0))
+                 : 0;
+}
+
+/// Compares the cells of a mesh.
+/// @return true if they are shown, so that patches can be
+bool examineCells(Examination& examination, const CaseMesh& mesh, const MeshCauses& causes)
+{
+    const GroupOutcome outcome = outcomeOfGroup(examination, mesh, "");
+    examination.report.forms.cells += outcome.shown;
+    std::vector<Cause> hidden = causes.ofFiles(examination.extended.errors());
+    const auto isOfMesh = [&](const std::string& limit) { return limit.starts_with(mesh.part + ": "); };
+    const bool isLimited = std::ranges::any_of(examination.extended.limits(), isOfMesh);
+    const std::size_t empty = isLimited ? 0 : cellsWithoutFaces(examination, mesh);
+    if (hidden.empty() && (empty > 0 || outcome.shown == 0 || (mesh.cells && outcome.shown != *mesh.cells))) {
+        hidden.push_back(causes.ofCells(outcome.shown - empty));
+    }
+    MeshOutcome& found = examination.meshes[mesh.part];
+    found = {hidden.empty() ? std::nullopt : std::optional(hidden.front()), causes.ofPlain(), outcome.isSame};
+    for (const Cause& cause : hidden) {
+        examination.report.findings.add(FindingKind::Hidden, cause);
+    }
+    if (hidden.empty() && !outcome.isSame) {
+        examination.report.findings.add(FindingKind::Extended, plainMeshCause(examination, mesh));
+    }
+    if (const auto longFaces = causes.ofLongFaces(); longFaces && !isLimited) {
+        examination.report.findings.add(FindingKind::Hidden, *longFaces);
+    }
+    return hidden.empty();
 }
 
 } // namespace
 
 bool isSameMeshInPlain(const Examination& examination, const CaseMesh& mesh)
 {
-    const auto inPlain = examination.plain.group(mesh.part, "");
-    const auto inExtended = examination.extended.group(mesh.part, "");
-    return inPlain && inExtended &&
-           examination.plain.elements(*inPlain)->elementCount() ==
-               examination.extended.elements(*inExtended)->elementCount();
+    const auto found = examination.meshes.find(mesh.part);
+    return found != examination.meshes.end() && found->second.isSameInPlain;
+}
+
+Cause meshChangesCause(const std::string& folder)
+{
+    return {"mesh-changes",
+            "the mesh changes with time, and only the first one is shown",
+            "open the times of each mesh as a case of their own",
+            {folder + "/polyMesh/faces", 0}};
 }
 
 Cause plainMeshCause(const Examination& examination, const CaseMesh& mesh)
@@ -190,9 +239,6 @@ Cause plainMeshCause(const Examination& examination, const CaseMesh& mesh)
         return {"whole-mesh", "the folder of collated files makes it a decomposed case, whose whole mesh is not read",
                 "", place};
     }
-    if (!mesh.cells) {
-        return {"no-note", "the owner file has no note with the number of cells", "", {mesh.folder + "/owner", 0}};
-    }
     for (const std::string& folder : examination.folder.foldersIn(mesh.processor)) {
         const std::string points = mesh.processor + "/" + folder + "/polyMesh";
         if (!mesh.processor.empty() && points != mesh.folder && examination.folder.hasFolder(points)) {
@@ -200,8 +246,9 @@ Cause plainMeshCause(const Examination& examination, const CaseMesh& mesh)
                 "processor-points", "the folder of moved points of a processor is taken for its mesh", "", {points, 0}};
         }
     }
-    if (auto found = rawCause(examination.folder, mesh)) {
-        return *found;
+    if (const auto found = examination.meshes.find(mesh.part);
+        found != examination.meshes.end() && found->second.plain) {
+        return *found->second.plain;
     }
     return {"mesh", "the mesh differs between plain and extended reading, and no cause was found in its files", "",
             place};
@@ -212,19 +259,28 @@ void examineMeshes(Examination& examination)
     for (const CaseMesh& mesh : examination.folder.meshes()) {
         if (!isToBeShown(examination, mesh)) {
             examination.report.forms.hasWholeMeshBesidePieces |= mesh.isBesidePieces;
+            if (!mesh.isBesidePieces) {
+                tellSetting(examination, "meshes", mesh.region.empty() ? "cells" : "cells of regions",
+                            mesh.region.empty() ? "LOAD_GLOBAL_MESH" : "LOAD_LOCAL_MESHES", mesh.folder);
+            }
             continue;
         }
-        countForms(examination, mesh);
-        const std::optional<std::size_t> group = examination.extended.group(mesh.part, "");
-        const std::optional<std::size_t> shown =
-            group ? std::optional(examination.extended.elements(*group)->elementCount()) : std::nullopt;
-        examination.report.forms.cells += shown.value_or(0);
-        examineGroup(examination, mesh, "", mesh.cells, hiddenMesh(examination.folder, mesh, shown),
-                     plainMeshCause(examination, mesh));
-        if (shown.value_or(0) > 0) {
+        const MeshCauses causes(examination.folder, mesh);
+        countForms(examination, mesh, causes);
+        if (examineCells(examination, mesh, causes)) {
             examinePatches(examination, mesh);
+            for (const ZoneKind& zones : ZONE_KINDS) {
+                examineZones(examination, mesh, zones);
+            }
         }
-        examineZones(examination, mesh);
         examineChanges(examination, mesh);
     }
+    if (examination.folder.meshes().empty() && examination.folder.collatedFolders().empty()) {
+        examination.report.findings.add(FindingKind::Hidden,
+                                        {"no-mesh",
+                                         "there is no mesh",
+                                         "make one, for instance with blockMesh, or open the folder that holds it",
+                                         {"constant/polyMesh", 0}});
+    }
+    examineLimits(examination);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/Examination.h"
-#include "foamdict/Lexer.h"
+#include "doctor/ListFile.h"
 
 #include <fmt/format.h>
 
@@ -13,52 +13,32 @@ namespace {
 constexpr std::array<const char*, 5> VALUE_FOLDERS = {"scalarField", "vectorField", "symmTensorField", "tensorField",
                                                       "sphericalTensorField"};
 
-/// What comes before the items of a list file.
-struct ListHead
-{
-    std::optional<std::size_t> count;
-    bool isOfEqualItems = false; ///< one item stands for all, as in "126{(0 0 0)}"
-};
-
-/// Reads the head of a list file, which may have a header; without a count if there is no list.
-ListHead headOf(const Examination& examination, const std::string& path)
-{
-    using foamdict::Lexeme;
-    CaseChars chars(examination.folder.root() / path);
-    foamdict::Lexer lexer(chars);
-    Lexeme next = lexer.next();
-    if (next.kind == Lexeme::Kind::Word && next.text == "FoamFile") {
-        while (next.kind != Lexeme::Kind::End && next.kind != Lexeme::Kind::Fault && !next.is('}')) {
-            next = lexer.next();
-        }
-        next = lexer.next();
-    }
-    ListHead head;
-    if (next.kind == Lexeme::Kind::Number && next.number >= 0) {
-        head.count = static_cast<std::size_t>(next.number);
-        head.isOfEqualItems = lexer.skipBlanks() == '{';
-    }
-    return head;
-}
-
 std::optional<std::size_t> countOf(const Examination& examination, const std::string& path)
 {
-    return headOf(examination, path).count;
+    return readListHead(examination.folder.root() / path).count;
 }
 
-/// Values of as many faces as there are points count as those of points.
-bool isOnFacesOf(const Examination& examination, const CaseSurface& surface, const std::string& file)
+/// How many items the files of some values have.
+struct ValueCounts
 {
-    const auto values = countOf(examination, file);
-    return values && values == countOf(examination, surface.folder + "/faces") &&
-           values != countOf(examination, surface.folder + "/points");
+    std::optional<std::size_t> values;
+    std::optional<std::size_t> points;
+    std::optional<std::size_t> faces;
+
+    bool areOfFaces() const { return values && values == faces && values != points; }
+    /// Such values count as those of points.
+    bool areOfEither() const { return values && values == faces && values == points; }
+};
+
+ValueCounts countsOf(const Examination& examination, const CaseSurface& surface, const std::string& file)
+{
+    return {countOf(examination, file), countOf(examination, surface.folder + "/points"),
+            countOf(examination, surface.folder + "/faces")};
 }
 
-Cause hiddenValues(const Examination& examination, const CaseSurface& surface, const std::string& file)
+Cause hiddenValues(const ValueCounts& counts, const std::string& file)
 {
-    const auto points = countOf(examination, surface.folder + "/points");
-    const auto faces = countOf(examination, surface.folder + "/faces");
-    const auto values = countOf(examination, file);
+    const auto& [values, points, faces] = counts;
     if (!values || *values == 0) {
         return {"surface-empty", "the surface has no values at some times", "", {file, 0}};
     }
@@ -87,10 +67,10 @@ Cause plainValues(const Examination& examination, const CaseSurface& surface, co
     if (!time || !examination.plain.hasTime(*time)) {
         return {"processor-times", "times that only the processors have are not states", "", {surface.folder, 0}};
     }
-    if (isOnFacesOf(examination, surface, file)) {
+    if (countsOf(examination, surface, file).areOfFaces()) {
         return {"surface-faces", "values on the faces of surfaces are not read", "", {file, 0}};
     }
-    if (!file.empty() && headOf(examination, file).isOfEqualItems) {
+    if (!file.empty() && readListHead(examination.folder.root() / file).isOfEqualItems) {
         return {"surface-equal-items", "lists of equal items are not read for surfaces", "", {file, 0}};
     }
     return {"surface-first-time",
@@ -105,18 +85,54 @@ void examineValues(Examination& examination, const CaseSurface& surface, const C
         const std::string folder = surface.folder + "/" + kind;
         for (const std::string& field : examination.folder.filesIn(folder)) {
             const std::string file = folder + "/" + field;
-            const bool isOnFaces = isOnFacesOf(examination, surface, file);
+            const ValueCounts counts = countsOf(examination, surface, file);
             const DeliveredResult plain = examination.plain.result(field, FieldPlace::SurfacePoints, time.value);
             const DeliveredResult extended = examination.extended.result(
-                field, isOnFaces ? FieldPlace::SurfaceFaces : FieldPlace::SurfacePoints, time.value);
+                field, counts.areOfFaces() ? FieldPlace::SurfaceFaces : FieldPlace::SurfacePoints, time.value);
             const ArrayOutcome outcome = outcomeOf(examination, plain, extended, "", surface.group);
+            const FindingArray array = {
+                time.name, "", surface.group, field, wordOf(outcome.plain), wordOf(outcome.extended)};
             judge(
-                examination, outcome,
-                {time.name, "", surface.group, field, wordOf(outcome.plain), wordOf(outcome.extended)},
-                [&] { return hiddenValues(examination, surface, file); },
+                examination, outcome, array, [&] { return hiddenValues(counts, file); },
                 [&] { return plainValues(examination, surface, file); });
+            if (counts.areOfEither() && isShown(outcome.extended)) {
+                examination.report.findings.add(
+                    FindingKind::Hidden,
+                    {"surface-either",
+                     "the surface has as many points as faces: its values are shown at its points, and on its faces "
+                     "they are undefined",
+                     "sample it so that the numbers differ, if they are values of faces",
+                     {file, 0}},
+                    array);
+            }
         }
     }
+}
+
+/// What is wrong with the files of a shape; none if all of it is shown.
+std::optional<Cause> shapeCause(const Examination& examination, const CaseSurface& surface, std::size_t shown)
+{
+    const std::string points = surface.folder + "/points";
+    const std::string faces = surface.folder + "/faces";
+    const ListFile ofPoints = readListFile(examination.folder.root() / points, "vectorField");
+    const ListFile ofFaces = readListFile(examination.folder.root() / faces, "faceList");
+    for (const auto& [path, file] : {std::pair(points, &ofPoints), std::pair(faces, &ofFaces)}) {
+        if (!file->fault.empty()) {
+            return Cause{"surface-list", "the list " + file->fault, "sample again", {path, file->faultLine}};
+        }
+    }
+    if (ofFaces.className != "faceList" || ofFaces.isOfEqualItems) {
+        return std::nullopt;
+    }
+    // A face is written as the number of its points and its points; one of N points makes N - 2 triangles.
+    const std::size_t triangles = ofFaces.words - std::min(ofFaces.words, 3 * ofFaces.count.value_or(0));
+    if (triangles <= shown) {
+        return std::nullopt;
+    }
+    return Cause{"surface-faces-lost",
+                 fmt::format("of {} triangles {} are shown: faces name points that there are not", triangles, shown),
+                 "sample again",
+                 {faces, 0}};
 }
 
 /// The shapes of surfaces, each once.
@@ -125,7 +141,10 @@ void examineShape(Examination& examination, const CaseSurface& surface)
     const auto inPlain = examination.plain.group("", surface.group);
     const auto inExtended = examination.extended.group("", surface.group);
     const FindingPlace place = {surface.folder, 0};
-    if (!inExtended || examination.extended.elements(*inExtended)->elementCount() == 0) {
+    const std::size_t shown = inExtended ? examination.extended.elements(*inExtended)->elementCount() : 0;
+    if (const auto cause = shapeCause(examination, surface, shown)) {
+        examination.report.findings.add(FindingKind::Hidden, *cause);
+    } else if (shown == 0) {
         examination.report.findings.add(
             FindingKind::Hidden,
             {"surface", fmt::format("the surface {} is not shown", surface.group), "sample again", place});

@@ -13,6 +13,12 @@ std::string wording::firstWordOf(std::string_view text)
     return std::string(text.substr(0, text.find_first_of(" \t\r\n{(\"")));
 }
 
+std::string wording::pathIn(const std::filesystem::path& folder, const std::string& path)
+{
+    const std::string prefix = folder.string() + "/";
+    return path.starts_with(prefix) ? path.substr(prefix.size()) : path;
+}
+
 Cause wording::causeOfProblem(const std::string& problem, const std::filesystem::path& root, const std::string& file)
 {
     constexpr std::string_view MARK = ", line ";
@@ -22,9 +28,7 @@ Cause wording::causeOfProblem(const std::string& problem, const std::filesystem:
     if (colon == std::string::npos) {
         return cause;
     }
-    const std::string path = problem.substr(0, mark);
-    const std::string prefix = root.string() + "/";
-    cause.place.file = path.starts_with(prefix) ? path.substr(prefix.size()) : path;
+    cause.place.file = pathIn(root, problem.substr(0, mark));
     const std::string_view number = std::string_view(problem).substr(mark + MARK.size(), colon - mark - MARK.size());
     (void)std::from_chars(number.data(), number.data() + number.size(), cause.place.line);
     cause.reason = "the file cannot be read on: " + problem.substr(colon + 2);

@@ -22,8 +22,9 @@ struct InterruptState
     std::condition_variable arrived;
     std::map<int, std::function<void()>> cleanUps;
     int nextKey = 0;
-    int waits = 0;  ///< living objects of `InterruptWait`
-    int signal = 0; ///< the one that was noted for them
+    int waits = 0;     ///< living objects of `InterruptWait`
+    int signal = 0;    ///< the one that was noted for them
+    int doneCode = -1; ///< the exit code once the work is done; -1 before
 };
 
 /// Never destroyed: its thread outlives `main`.
@@ -52,6 +53,9 @@ bool noteForWaits(int signal)
     for (const auto& [key, cleanUp] : state().cleanUps) {
         cleanUp();
     }
+    if (state().doneCode >= 0) {
+        _exit(state().doneCode);
+    }
     report(signal);
     _exit(128 + signal);
 }
@@ -73,6 +77,8 @@ void endOnInterrupts(std::function<void(int signal)> report)
     sigemptyset(&signals);
     addUnlessIgnored(SIGINT, &signals);
     addUnlessIgnored(SIGTERM, &signals);
+    addUnlessIgnored(SIGHUP, &signals);
+    static_cast<void>(::signal(SIGPIPE, SIG_IGN));
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     std::thread([signals, report = std::move(report)] {
         while (true) {
@@ -82,6 +88,12 @@ void endOnInterrupts(std::function<void(int signal)> report)
             }
         }
     }).detach();
+}
+
+void interruptsEndWith(int code)
+{
+    const std::lock_guard lock(state().mutex);
+    state().doneCode = code;
 }
 
 OnInterrupt::OnInterrupt(std::function<void()> cleanUp)

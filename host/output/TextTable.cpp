@@ -87,9 +87,9 @@ std::vector<std::size_t> TextTable::fittingWidths(std::size_t width) const
             const bool canShrink = m_columns[k] == Align::Left && result[k] > LEAST_WIDTH;
             widest = canShrink && (widest == nullptr || result[k] > *widest) ? &result[k] : widest;
         }
-        // Numbers stay whole; the terminal then wraps the rows.
+        // Numbers stay whole. If that is too wide, the terminal wraps the rows anyway, and names need not suffer.
         if (widest == nullptr) {
-            return result;
+            return widths();
         }
         --*widest;
     }

@@ -2,6 +2,7 @@
 #include "sample/SampleCase.h"
 
 #include "border/HostError.h"
+#include "output/Interrupt.h"
 #include "sample/FoamFieldFiles.h"
 #include "sample/FoamMeshFiles.h"
 #include "sample/HexMesh.h"
@@ -16,12 +17,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fstream>
 #include <functional>
 
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* TOKEN_NAME = "case.foam";
+/// Names the entries of a sample, so that it can be replaced without touching anything else.
+constexpr const char* LIST_NAME = ".ddphost-sample";
+constexpr const char* TEMPORARY_NAME = ".ddphost-sample-new";
 constexpr int PROCESSORS = 4;
 constexpr int WRITE_INTERVAL = 10;
 constexpr double TIME_STEP = 0.05;
@@ -50,17 +56,36 @@ int cubesPerEdge(int cells)
 class CaseWriter
 {
 public:
-    CaseWriter(const fs::path& folder, const SampleOptions& options) : m_folder(folder), m_options(options)
+    CaseWriter(const fs::path& folder, const SampleOptions& options)
+        : m_target(folder), m_folder(folder / TEMPORARY_NAME), m_options(options)
     {
         for (int state = 0; state < options.states; ++state) {
             m_times.push_back(0.5 * state);
         }
     }
 
-    /// The token file is written last, so that a case that has one is complete.
+    /// Everything is written to a folder inside the target and moved out of it when it is whole, the token file last,
+    /// so that a case that has one is complete. A failure or an interrupt leaves the target as it was.
     SampleReport write()
     {
-        prepareFolder();
+        refuseForeignFolder();
+        const OnInterrupt cleanUp([this] { removeTemporary(); });
+        try {
+            writeAll();
+            moveToTarget();
+        } catch (...) {
+            removeTemporary();
+            throw;
+        }
+        removeTemporary();
+        return report();
+    }
+
+private:
+    void writeAll()
+    {
+        removeTemporary(); // left by a process that was killed
+        makeFolder(m_folder / "system");
         makeMesh();
         if (m_options.kind == SampleKind::Decomposed) {
             writeProcessors();
@@ -69,24 +94,76 @@ public:
         }
         writeExtras();
         writeControlDict();
-        FoamOutput(m_folder / "case.foam").close();
-        return report();
+        FoamOutput(m_folder / TOKEN_NAME).close();
     }
 
-private:
+    void removeTemporary() const
+    {
+        std::error_code ignored;
+        fs::remove_all(m_folder, ignored);
+        // Fails, as it should, unless the folder was made for nothing.
+        fs::remove(m_target, ignored);
+    }
+
+    /// The entries of the sample in the target, the list itself included; none if there is no sample.
+    std::vector<std::string> formerEntries() const
+    {
+        std::vector<std::string> entries;
+        std::ifstream list(m_target / LIST_NAME);
+        for (std::string line; std::getline(list, line);) {
+            // A damaged list must not lead out of the folder.
+            if (!line.empty() && line != ".." && line != "." && line.find('/') == std::string::npos) {
+                entries.push_back(line);
+            }
+        }
+        return entries;
+    }
+
+    void moveToTarget() const
+    {
+        std::vector<std::string> entries;
+        for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
+            entries.push_back(entry.path().filename().string());
+        }
+        std::partition(entries.begin(), entries.end(), [](const std::string& name) { return name != TOKEN_NAME; });
+        for (const std::string& former : formerEntries()) {
+            fs::remove_all(m_target / former);
+        }
+        std::ofstream list(m_target / LIST_NAME);
+        list << LIST_NAME << "\n" << fmt::format("{}\n", fmt::join(entries, "\n"));
+        if (!list.flush()) {
+            throw HostError(ExitCode::CannotWrite, fmt::format("cannot write {}", (m_target / LIST_NAME).string()));
+        }
+        for (const std::string& entry : entries) {
+            fs::rename(m_folder / entry, m_target / entry);
+        }
+    }
+
     FoamPlace at(const std::string& location) const { return {m_folder, location}; }
     /// As short as possible without loss, as OpenFOAM names its time folders.
     static std::string nameOf(double time) { return fmt::format("{}", time); }
 
-    /// A non-empty folder may be a case that took someone days to compute.
-    void prepareFolder() const
+    /// A non-empty folder may be a case that took someone days to compute, so only samples are replaced.
+    void refuseForeignFolder() const
     {
         std::error_code error;
-        if (!m_options.overwrite && fs::exists(m_folder, error) && !fs::is_empty(m_folder, error)) {
-            throw HostError(ExitCode::CannotWrite,
-                            fmt::format("{} is not an empty folder; --overwrite writes into it", m_folder.string()));
+        if (!fs::exists(m_target, error)) {
+            return;
         }
-        makeFolder(m_folder / "system");
+        const auto isForeign = [](const fs::directory_entry& entry) {
+            return entry.path().filename() != TEMPORARY_NAME;
+        };
+        const fs::directory_iterator entries(m_target, error);
+        const bool isTaken = error || std::any_of(begin(entries), end(entries), isForeign);
+        if (isTaken && formerEntries().empty()) {
+            throw HostError(ExitCode::CannotWrite,
+                            fmt::format("{} is not an empty folder, and not a sample that --overwrite could replace",
+                                        m_target.string()));
+        }
+        if (isTaken && !m_options.overwrite) {
+            throw HostError(ExitCode::CannotWrite,
+                            fmt::format("{} has a sample already; --overwrite replaces it", m_target.string()));
+        }
     }
 
     void makeMesh()
@@ -287,7 +364,8 @@ private:
         return result;
     }
 
-    fs::path m_folder;
+    fs::path m_target;
+    fs::path m_folder; ///< inside the target, until the case is whole
     const SampleOptions& m_options;
     std::vector<double> m_times;
     BoxLattice m_lattice; ///< of the meshes of hexahedra

@@ -27,7 +27,7 @@ struct SampleOptions
     int cells = 1000;       ///< approximate number
     int states = 2;         ///< time folders, one or more
     FoamFormat format;      ///< of mesh lists and fields; dictionaries are plain text
-    bool overwrite = false; ///< write into a folder that is not empty
+    bool overwrite = false; ///< replace a sample that was written before
 };
 
 /// Reports what was written.

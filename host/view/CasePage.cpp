@@ -3,7 +3,7 @@
 
 #include "border/DeliveryCheck.h"
 #include "border/HostError.h"
-#include "border/TextCase.h"
+#include "border/TextForms.h"
 #include "commands/GroupCounts.h"
 #include "commands/Statistics.h"
 #include "output/ByteText.h"

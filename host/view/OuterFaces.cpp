@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "view/OuterFaces.h"
 
-#include "check/CellFaces.h"
+#include "border/CellFaces.h"
 
 #include <algorithm>
 #include <limits>

@@ -50,7 +50,10 @@ bool isWritable(const Token& token)
 bool isWritable(const Dictionary& dictionary)
 {
     return std::ranges::all_of(dictionary.entries(), [](const Entry& entry) {
-        const bool looksLikeBlock = !entry.tokens.empty() && entry.tokens.front().isPunctuation('{');
+        // "a b {" is a block with a name of two words, unless it came together from several files.
+        const auto first =
+            std::ranges::find_if(entry.tokens, [](const Token& token) { return token.kind != Token::Kind::Word; });
+        const bool looksLikeBlock = first != entry.tokens.end() && first->isPunctuation('{');
         return !looksLikeBlock && entry.keyword.find('\\') == std::string::npos &&
                std::ranges::all_of(entry.tokens, [](const Token& token) { return isWritable(token); }) &&
                (entry.block == nullptr || isWritable(*entry.block));
@@ -115,9 +118,19 @@ void runDictionary(std::string_view text, bool readsLists)
 }
 
 /// True for expressions that the system's library takes in another way: escapes beyond POSIX, larger counts, and any
-/// case.
+/// case. POSIX leaves repetitions of repetitions open, such as "a++", of which that library can take minutes.
 bool isExtension(const std::string& text)
 {
+    constexpr std::ptrdiff_t MOST_REPETITIONS = 10;
+    const auto isRepetition = [](char c) { return c == '+' || c == '*' || c == '?' || c == '{'; };
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (isRepetition(text[i]) && (isRepetition(text[i - 1]) || text[i - 1] == '}')) {
+            return true;
+        }
+    }
+    if (std::ranges::count_if(text, isRepetition) > MOST_REPETITIONS) {
+        return true;
+    }
     for (std::size_t i = text.find('\\'); i != std::string::npos; i = text.find('\\', i + 2)) {
         const char next = i + 1 < text.size() ? text[i + 1] : 'a';
         if (std::string_view("(){}[].*+?^$|\\").find(next) == std::string_view::npos) {

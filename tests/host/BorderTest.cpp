@@ -31,10 +31,10 @@ std::pair<ExitCode, std::string> outcomeOf(Work work)
 }
 
 /// Gives the faulty library a fault during its own lifetime.
-struct Fault
+struct ScopedFault
 {
-    explicit Fault(const char* name) { setenv("FAULT", name, 1); }
-    ~Fault() { unsetenv("FAULT"); }
+    explicit ScopedFault(const char* name) { setenv("FAULT", name, 1); }
+    ~ScopedFault() { unsetenv("FAULT"); }
 };
 
 } // namespace
@@ -78,7 +78,7 @@ TEST(OpenedCase, ReportsTheFaultOfABadLibrary)
         {"lost value", broken + "default_region: 1 values of result Pressure for 2 items"}};
     PluginLibrary library(FAULTY_PLUGIN);
     for (const auto& [name, message] : faults) {
-        const Fault fault(name);
+        const ScopedFault fault(name);
         const auto outcome = outcomeOf([&] {
             const HostOptions options;
             OpenedCase opened(library, folder.path(), options);

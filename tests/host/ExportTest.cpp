@@ -122,18 +122,20 @@ protected:
 TEST_F(Export, OverwriteRemovesTheFormerExportAndNothingElse)
 {
     m_folder.write("precious", "precious");
+    m_folder.write("absolute", "precious");
     m_folder.write("new/vtk/case_0000/notes", "mine");
     ASSERT_EQ(run("").code, 0);
     const Files geometry = files();
     ASSERT_EQ(run("--state all").code, 6);
     EXPECT_EQ(files(), geometry) << "a refusal changes nothing";
-    m_folder.write("new/vtk/.ddphost-files", geometry.at(".ddphost-files") + "../../precious\n/dev/null/x\n");
+    m_folder.write("new/vtk/.ddphost-files",
+                   geometry.at(".ddphost-files") + "../../precious\n" + (m_folder / "absolute").string() + "\n");
 
     ASSERT_EQ(run("--state all --overwrite").code, 0);
     EXPECT_TRUE(fs::exists(m_out / "case_0001-2/default_region.vtu")) << "a name is taken, so all get a number";
     EXPECT_TRUE(fs::exists(m_out / "case.vtm.series") && !fs::exists(m_out / "case.vtm") &&
                 !fs::exists(m_out / "case"));
-    EXPECT_EQ(fileBytes(m_folder / "precious"), "precious");
+    EXPECT_EQ(fileBytes(m_folder / "precious") + fileBytes(m_folder / "absolute"), "preciousprecious");
     ASSERT_EQ(run("--overwrite").code, 0);
     Files expected = geometry;
     EXPECT_EQ(files(), expected) << "the same export again, and the user's file";

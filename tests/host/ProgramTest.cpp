@@ -246,6 +246,13 @@ TEST_F(Program, SaysWhichMeshIsNotReadAndWhy)
     EXPECT_EQ(stats.code, 1);
     EXPECT_NE(stats.err.find("mesh not read: " + (m_folder / "constant/polyMesh/points").string() + ": "),
               std::string::npos);
+    // A list that breaks off leaves a mesh that looks whole.
+    m_folder.write("constant/polyMesh/points", foamtext::header("vectorField", "points") + "12\n(\n(0 0 0)\n(1 0 0)\n");
+    const ProgramRun shortList = run("info --counts" + m_case);
+    EXPECT_EQ(shortList.code, 1);
+    EXPECT_NE(shortList.err.find("polyMesh/points: List is shorter than its count: 12 items promised, 2 found"),
+              std::string::npos)
+        << shortList.err;
     const ProgramRun noCase = run("info" + inQuotes(m_folder / "system"));
     EXPECT_EQ(noCase.err, "ddphost: not an OpenFOAM case: " + (m_folder / "system/system/controlDict").string() +
                               " cannot be read (No such file or directory)\n");

@@ -34,4 +34,13 @@ TEST(SampleCase, ReplacesACaseOnlyOnRequest)
     writeCase(folder / "case", SampleKind::Hex, {}, 60, true);
     EXPECT_FALSE(fs::exists(folder / "case/0/T.gz"));
     EXPECT_TRUE(fs::exists(folder / "case/0/T"));
+    // Times of the former mesh would belong to no cells; what others put there stays.
+    writeSampleCase(folder / "case", {.cells = 8, .states = 3, .format = {}, .overwrite = true});
+    folder.write("case/notes", "mine");
+    writeCase(folder / "case", SampleKind::Hex, {}, 60, true);
+    EXPECT_FALSE(fs::exists(folder / "case/1"));
+    EXPECT_TRUE(fs::exists(folder / "case/notes") && !fs::exists(folder / "case/.ddphost-sample-new"));
+    folder.write("computed/0/T", "days of work");
+    EXPECT_THROW(writeCase(folder / "computed", SampleKind::Hex, {}, 60, true), HostError);
+    EXPECT_EQ(fileBytes(folder / "computed/0/T"), "days of work");
 }

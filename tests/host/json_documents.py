@@ -137,6 +137,8 @@ def try_commands(folder):
     run("stats", ["stats", f"{folder}/hex"], code=1)
     pathlib.Path(folder, "poly/constant/polyMesh/points").write_text("(")
     run("info", ["info", f"{folder}/poly", "--counts"], code=1)
+    run("doctor", ["doctor", f"{folder}/poly"], code=1)
+    run("doctor", ["doctor", f"{folder}/decomposed"], code=1)
     run("check", ["check", cavity, "--include", "geometry.order"], code=5, library=faulty_plugin, FAULT="crash")
 
 
@@ -148,6 +150,7 @@ def try_failures(folder):
     run("error", ["no-such-command"], code=2)
     run("error", ["check", cavity, "--include", "no such check"], code=2)
     run("error", ["info", cavity], code=4, library=f"{folder}/absent.so")
+    run("error", ["doctor"], code=4, library=f"{folder}/absent.so")
     run("error", ["info", cavity, "--counts"], code=5, library=faulty_plugin, FAULT="crash")
     run("error", ["bench", cavity], code=5, library=faulty_plugin, FAULT="throws")
     run("error", ["export", cavity, "-o", "/dev/null/x"], code=6)

@@ -149,4 +149,17 @@ TEST(CyclicCoupling, DamageLeavesPatchesUncoupled)
     mesh.owners()[4] = -1;
     mesh.neighbors()[0] = 99;
     EXPECT_FALSE(coupled(mesh, pair(LEFT, RIGHT))[0].cyclicCoupling().cells.empty());
+    // Patches that were cut out of a mesh with more points.
+    OFPolymesh cut = twoCubes();
+    Patches patches = sound;
+    cut.points().resize(3 * 4);
+    cut.points().shrink_to_fit();
+    coupleCyclicPatches(cut, &patches);
+    EXPECT_TRUE(patches[0].cyclicCoupling().cells.empty());
+    // Owners of no face are left out.
+    OFPolymesh owned = twoCubes();
+    patches = sound;
+    owned.owners().resize(100000, 1);
+    coupleCyclicPatches(owned, &patches);
+    EXPECT_EQ(patches[0].cyclicCoupling().weights, (std::vector<double>{0.5}));
 }

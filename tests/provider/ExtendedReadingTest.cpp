@@ -413,6 +413,15 @@ TEST_F(ExtendedReading, PatchesThatWereBuiltInPartStayInBounds)
     EXPECT_TRUE(read(OFResultOnCell, 3));
     EXPECT_EQ(interior, (Values{1, 2, 3, 1, 2, 3, UNSET}));
     EXPECT_EQ(patchValues, (Groups{{1, 2, 3}}));
+    // A coupling of the patch as it was: the values of the cells, and no face that it does not have.
+    CyclicCoupling coupling;
+    coupling.cells.assign(1000, 1);
+    coupling.weights.assign(1000, 0.5);
+    patches[0].setCyclicCoupling(std::move(coupling));
+    m_folder.write("1/a", header("volVectorField", "a") + "internalField uniform (1 2 3);\n"
+                                                          "boundaryField { in { type cyclic; } }");
+    EXPECT_TRUE(read(OFResultOnCell, 3));
+    EXPECT_EQ(patchValues, (Groups{{1, 2, 3}}));
     // There are four points, but the array is that of three.
     m_folder.write("1/a", header("pointScalarField", "a") + "internalField uniform 0;\nboundaryField { in { type "
                                                             "fixedValue; value nonuniform List<scalar> 3(7 8 9); } }");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "check/FacePlaces.h"
+#include "border/FacePlaces.h"
 
-#include "check/CellFaces.h"
+#include "border/CellFaces.h"
 
 #include <algorithm>
 #include <bit>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 
 // Not std::tolower and its like, which depend on the locale.
@@ -24,4 +25,10 @@ inline std::string lowerCase(std::string text)
 inline std::string withoutTrailingBlanks(const std::string& text)
 {
     return text.substr(0, text.find_last_not_of(" \n") + 1);
+}
+
+/// "1 file", "2 files".
+inline std::string counted(std::size_t count, const char* noun)
+{
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "check/CellFaces.h"
+#include "border/CellFaces.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "view/PageGroups.h"
 
+#include "border/CellFaces.h"
 #include "border/DeliveryCheck.h"
-#include "check/CellFaces.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What goes into a page, and what its file is like whichever way the command ends. tests/view looks at pages in a
 // browser.
+#include "border/CellFaces.h"
 #include "border/HostResult.h"
-#include "check/CellFaces.h"
 #include "host/ProgramRun.h"
 #include "view/OuterFaces.h"
 #include "view/PackedArray.h"

@@ -131,6 +131,12 @@ bool isExtension(const std::string& text)
     if (std::ranges::count_if(text, isRepetition) > MOST_REPETITIONS) {
         return true;
     }
+    // That library lets "(a$b|)+" match "ab".
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '$' || (text[i] == '^' && (i == 0 || text[i - 1] != '['))) {
+            return true;
+        }
+    }
     for (std::size_t i = text.find('\\'); i != std::string::npos; i = text.find('\\', i + 2)) {
         const char next = i + 1 < text.size() ? text[i + 1] : 'a';
         if (std::string_view("(){}[].*+?^$|\\").find(next) == std::string_view::npos) {

@@ -81,9 +81,8 @@ void checkReread(const Content& content)
     const bool isList = content.items.has_value();
     const Dictionary& entries = isList ? *content.items : content.entries;
     // A number is no name in a list, but a directive may have put one there.
-    const bool hasNumber = std::ranges::any_of(entries.entries(), [](const Entry& entry) {
-        return entry.keyword.find_first_of("0123456789+-.") == 0;
-    });
+    const bool hasNumber = std::ranges::any_of(
+        entries.entries(), [](const Entry& entry) { return entry.keyword.find_first_of("0123456789+-.") == 0; });
     if (!content.isComplete || !isWritable(entries) || (isList && hasNumber)) {
         return;
     }

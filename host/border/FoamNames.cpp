@@ -3,6 +3,8 @@
 
 #include "border/TextForms.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -164,6 +166,12 @@ std::string FoamNames::folderOf(const HostState& state) const
 {
     const auto found = m_folders.find(state.id);
     return found == m_folders.end() ? std::string() : found->second;
+}
+
+std::string FoamNames::timeTextOf(const HostState& state) const
+{
+    const std::string folder = folderOf(state);
+    return folder.empty() ? fmt::format("{}", state.referenceValue) : folder;
 }
 
 std::string FoamNames::fieldOf(const HostResultInfo& result) const

@@ -162,19 +162,14 @@ private:
         return near.front();
     }
 
-    std::string nameOf(const HostState& state) const
-    {
-        const std::string folder = m_names.folderOf(state);
-        return folder.empty() ? fmt::format("{}", state.referenceValue) : folder;
-    }
-
     std::string extent() const
     {
         if (m_states.empty()) {
             return "it has none at all";
         }
         const auto [first, last] = std::ranges::minmax_element(m_states, {}, &HostState::referenceValue);
-        return fmt::format("it has {} from {} to {}", m_states.size(), nameOf(*first), nameOf(*last));
+        return fmt::format("it has {} from {} to {}", m_states.size(), m_names.timeTextOf(*first),
+                           m_names.timeTextOf(*last));
     }
 
     std::string nearestTo(double time) const
@@ -187,7 +182,7 @@ private:
         std::vector<std::string> names;
         names.reserve(states.size());
         for (const HostState* const state : states) {
-            names.push_back(nameOf(*state));
+            names.push_back(m_names.timeTextOf(*state));
         }
         return listed(names);
     }

@@ -211,11 +211,7 @@ std::vector<StatsColumn> columnsOf(OpenedCase& opened, const std::vector<StatsRo
     std::vector<StatsColumn> columns = {
         {"result", Align::Left, [](const StatsRow& row) { return row.result->name; }},
         {"unit", Align::Left, [=](const StatsRow& row) { return orDash(row.result->unit); }},
-        {"time", Align::Right,
-         [&](const StatsRow& row) {
-             const std::string folder = opened.names().folderOf(*row.state);
-             return folder.empty() ? fmt::format("{}", row.state->referenceValue) : folder;
-         }},
+        {"time", Align::Right, [&](const StatsRow& row) { return opened.names().timeTextOf(*row.state); }},
         {"group", Align::Left,
          [=, &metaData](const StatsRow& row) {
              const std::string part = severalParts ? partNameOf(metaData, *row.group) : std::string();

@@ -26,6 +26,13 @@ ElfW(Addr) addressOf(const ElfW(Dyn) * section, ElfW(Sxword) tag)
     return 0;
 }
 
+/// The names that a library's dynamic section refers to; null if it has none.
+const char* textsOf(const link_map& library)
+{
+    // The loader gives addresses as numbers. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    return reinterpret_cast<const char*>(addressOf(library.l_ld, DT_STRTAB));
+}
+
 /// The files of all libraries in this process, by the name under which others ask for them.
 std::map<std::string, std::string> loadedFiles(const link_map* any)
 {
@@ -39,7 +46,7 @@ std::map<std::string, std::string> loadedFiles(const link_map* any)
         const ElfW(Addr) ownName = addressOf(any->l_ld, DT_SONAME);
         // The table of the kernel's own library is not an address in this process.
         if (texts > any->l_addr && ownName != 0 && file.starts_with('/')) {
-            files.emplace(reinterpret_cast<const char*>(texts) + ownName, file);
+            files.emplace(textsOf(*any) + ownName, file);
         }
     }
     return files;
@@ -57,8 +64,8 @@ std::vector<LinkedLibrary> linkedLibraries(const std::filesystem::path& file)
     }
     if (dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && map != nullptr) {
         const std::map<std::string, std::string> files = loadedFiles(map);
-        const auto* const texts = reinterpret_cast<const char*>(addressOf(map->l_ld, DT_STRTAB));
-        for (const ElfW(Dyn)* entry = map->l_ld; entry->d_tag != DT_NULL; ++entry) {
+        const char* const texts = textsOf(*map);
+        for (const ElfW(Dyn)* entry = map->l_ld; texts != nullptr && entry->d_tag != DT_NULL; ++entry) {
             if (entry->d_tag == DT_NEEDED) {
                 const std::string name = texts + entry->d_un.d_val;
                 const auto found = files.find(name);

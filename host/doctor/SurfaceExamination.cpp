@@ -82,9 +82,9 @@ Cause plainValues(const Examination& examination, const CaseSurface& surface, co
 void examineValues(Examination& examination, const CaseSurface& surface, const CaseTime& time)
 {
     for (const char* const kind : VALUE_FOLDERS) {
-        const std::string folder = surface.folder + "/" + kind;
+        const std::string folder = fmt::format("{}/{}", surface.folder, kind);
         for (const std::string& field : examination.folder.filesIn(folder)) {
-            const std::string file = folder + "/" + field;
+            const std::string file = fmt::format("{}/{}", folder, field);
             const ValueCounts counts = countsOf(examination, surface, file);
             const DeliveredResult plain = examination.plain.result(field, FieldPlace::SurfacePoints, time.value);
             const DeliveredResult extended = examination.extended.result(

@@ -34,7 +34,8 @@ bool isCutAfterNumber(const std::string& text)
 std::string keywordText(const Entry& entry)
 {
     // Quoted names that are no words stay in quotes.
-    const bool isWord = !entry.keyword.empty() && !isCutAfterNumber(entry.keyword) &&
+    const bool isWord = !entry.keyword.empty() && entry.keyword != "-" && entry.keyword != "+" &&
+                        !isCutAfterNumber(entry.keyword) &&
                         entry.keyword.find_first_of(" \t\n\v\f\r;{}\"'/") == std::string::npos &&
                         std::string_view("#$()[]:,=*").find(entry.keyword.front()) == std::string_view::npos;
     return entry.isPattern || !isWord ? inQuotes(entry.keyword) : entry.keyword;

@@ -80,7 +80,10 @@ void checkReread(const Content& content)
 {
     const bool isList = content.items.has_value();
     const Dictionary& entries = isList ? *content.items : content.entries;
-    if (!content.isComplete || !isWritable(entries)) {
+    // A number is no name in a list, but a directive may have put one there.
+    const bool hasNumber = std::ranges::any_of(
+        entries.entries(), [](const Entry& entry) { return entry.keyword.find_first_of("0123456789+-.") == 0; });
+    if (!content.isComplete || !isWritable(entries) || (isList && hasNumber)) {
         return;
     }
     // The entry in front keeps a number that is the first keyword from being read as a count.
@@ -130,6 +133,12 @@ bool isExtension(const std::string& text)
     }
     if (std::ranges::count_if(text, isRepetition) > MOST_REPETITIONS) {
         return true;
+    }
+    // That library lets "(a$b|)+" match "ab".
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '$' || (text[i] == '^' && (i == 0 || text[i - 1] != '['))) {
+            return true;
+        }
     }
     for (std::size_t i = text.find('\\'); i != std::string::npos; i = text.find('\\', i + 2)) {
         const char next = i + 1 < text.size() ? text[i + 1] : 'a';

@@ -20,7 +20,7 @@ using namespace std::string_view_literals;
 
 namespace {
 
-struct Seed
+struct SeededFault
 {
     const char* fault;
     const char* check; ///< that must find it, and the sample
@@ -28,55 +28,55 @@ struct Seed
 };
 
 // Every check is listed at least once.
-const std::vector<Seed> SEEDS = {{"another version when loaded again", "load.twice"},
-                                 {"no refusal", "load.refused"},
-                                 {"another provider's name", "info.descriptor"},
-                                 {"one setting more", "info.settings"},
-                                 {"every path", "info.paths"},
-                                 {"values of the load", "load.case@hex"},
-                                 {"asks for another setting", "init.settings@hex"},
-                                 {"state before the title", "metadata.order@hex"},
-                                 {"descending group id", "metadata.groups@hex"},
-                                 {"state without id", "metadata.states@hex"},
-                                 {"result without kind", "metadata.results@hex"},
-                                 {"nodes set twice", "geometry.order@hex"},
-                                 {"group made on a worker", "geometry.threads@hex"},
-                                 {"nodes set on two threads", "geometry.threads@hex"},
-                                 {"node out of range", "geometry.arrays@hex"},
-                                 {"wrong element id", "geometry.ids@hex"},
-                                 {"part id of another group", "geometry.parts@hex"},
-                                 {"lost polyhedron face", "geometry.polyhedra@poly"},
-                                 {"lost node of a face", "geometry.arrays@poly"},
-                                 {"foreign polyhedron node", "geometry.polyhedra@poly"},
-                                 {"turned cell", "geometry.volumes@hex"},
-                                 {"torn cell", "geometry.closed@hex"},
-                                 {"lost patch face", "geometry.closed@hex"},
-                                 {"no cells", "geometry.cells@hex", 0},
-                                 {"flat triangle", "geometry.surfaces@surface", 0},
-                                 {"foreign cell in a set", "geometry.sets@zones"},
-                                 {"one value group more", "result.groups@zones"},
-                                 {"no values", "result.values@hex", 0},
-                                 {"lost value", "result.arrays@surface"},
-                                 {"values in pieces", "result.replaced@hex"},
-                                 {"values of the call", "result.replaced@hex"},
-                                 {"values on two threads", "result.threads@hex"},
-                                 {"values of the opening", "equal.openings@hex"},
-                                 {"values of the threads", "equal.threads@hex"},
-                                 {"crash without close", "calls.order@hex", 5},
-                                 {"any result", "calls.garbage@hex"},
-                                 {"needless notice", "poll.unchanged@hex"},
-                                 {"lost additions", "poll.end@hex"},
-                                 {"lost updates", "poll.middle@hex"},
-                                 {"lost removals", "poll.remove@hex"},
-                                 {"lost removals", "poll.both@hex"},
-                                 {"lost updates", "poll.foreign@hex"},
-                                 {"prints", "silence.output@hex"},
-                                 {"writes into the case", "silence.files@hex"},
-                                 {"writes into the working folder", "silence.files@hex"},
-                                 {"sets the locale", "silence.process@hex"},
-                                 {"changes the folder", "silence.process@hex"},
-                                 {"crash", "geometry.ids@hex", 5},
-                                 {"hang", "geometry.ids@hex"}};
+const std::vector<SeededFault> SEEDS = {{"another version when loaded again", "load.twice"},
+                                        {"no refusal", "load.refused"},
+                                        {"another provider's name", "info.descriptor"},
+                                        {"one setting more", "info.settings"},
+                                        {"every path", "info.paths"},
+                                        {"values of the load", "load.case@hex"},
+                                        {"asks for another setting", "init.settings@hex"},
+                                        {"state before the title", "metadata.order@hex"},
+                                        {"descending group id", "metadata.groups@hex"},
+                                        {"state without id", "metadata.states@hex"},
+                                        {"result without kind", "metadata.results@hex"},
+                                        {"nodes set twice", "geometry.order@hex"},
+                                        {"group made on a worker", "geometry.threads@hex"},
+                                        {"nodes set on two threads", "geometry.threads@hex"},
+                                        {"node out of range", "geometry.arrays@hex"},
+                                        {"wrong element id", "geometry.ids@hex"},
+                                        {"part id of another group", "geometry.parts@hex"},
+                                        {"lost polyhedron face", "geometry.polyhedra@poly"},
+                                        {"lost node of a face", "geometry.arrays@poly"},
+                                        {"foreign polyhedron node", "geometry.polyhedra@poly"},
+                                        {"turned cell", "geometry.volumes@hex"},
+                                        {"torn cell", "geometry.closed@hex"},
+                                        {"lost patch face", "geometry.closed@hex"},
+                                        {"no cells", "geometry.cells@hex", 0},
+                                        {"flat triangle", "geometry.surfaces@surface", 0},
+                                        {"foreign cell in a set", "geometry.sets@zones"},
+                                        {"one value group more", "result.groups@zones"},
+                                        {"no values", "result.values@hex", 0},
+                                        {"lost value", "result.arrays@surface"},
+                                        {"values in pieces", "result.replaced@hex"},
+                                        {"values of the call", "result.replaced@hex"},
+                                        {"values on two threads", "result.threads@hex"},
+                                        {"values of the opening", "equal.openings@hex"},
+                                        {"values of the threads", "equal.threads@hex"},
+                                        {"crash without close", "calls.order@hex", 5},
+                                        {"any result", "calls.garbage@hex"},
+                                        {"needless notice", "poll.unchanged@hex"},
+                                        {"lost additions", "poll.end@hex"},
+                                        {"lost updates", "poll.middle@hex"},
+                                        {"lost removals", "poll.remove@hex"},
+                                        {"lost removals", "poll.both@hex"},
+                                        {"lost updates", "poll.foreign@hex"},
+                                        {"prints", "silence.output@hex"},
+                                        {"writes into the case", "silence.files@hex"},
+                                        {"writes into the working folder", "silence.files@hex"},
+                                        {"sets the locale", "silence.process@hex"},
+                                        {"changes the folder", "silence.process@hex"},
+                                        {"crash", "geometry.ids@hex", 5},
+                                        {"hang", "geometry.ids@hex"}};
 
 /// A prism over a polygon, as a mesh of one cell; one side face spans some edges of the polygon.
 SampleMesh prism(int corners, int edgesOfASide)
@@ -132,7 +132,7 @@ TEST(Check, FindsEverySeededFaultAndNothingElse)
     for (const Check& known : allChecks()) {
         unseeded.insert(known.name);
     }
-    for (const Seed& seed : SEEDS) {
+    for (const SeededFault& seed : SEEDS) {
         const std::string options = " --timeout 2 --include '^" + std::string(seed.check) + "$'";
         const ProgramRun result = check(folder, seed.fault, options);
         EXPECT_EQ(result.code, seed.code) << seed.fault << "\n" << result.out << result.err;

@@ -76,7 +76,7 @@ public:
         const ExitCode code = unread.empty() ? ExitCode::Good : ExitCode::Findings;
         interruptsEndWith(static_cast<int>(code));
         report(content, scratch == nullptr);
-        tellLoggedCausees(unread);
+        tellUnreadMeshes(unread);
         if (m_report.hasUndefined && !m_context.options.quiet) {
             tellUser("some values are undefined and show grey; " + doctorHint(m_options.casePath));
         }

@@ -22,10 +22,10 @@ std::uint64_t mixed(std::int32_t label)
     return bits ^ (bits >> 31U);
 }
 
-/// The same for the same nodes in any order.
-std::uint64_t digestOf(Face face)
+/// The same for the same nodes in any order in cells of the same set.
+std::uint64_t digestOf(Face face, std::int32_t set)
 {
-    std::uint64_t sum = 0;
+    std::uint64_t sum = mixed(-1 - set); // never a node
     for (const std::int32_t node : face) {
         sum += mixed(node);
     }
@@ -39,7 +39,7 @@ struct FaceMark
     std::uint32_t ordinal; ///< among all faces that were walked
 };
 
-/// Finds the faces that occur once.
+/// Finds the faces that occur once in each set of cells.
 ///
 /// Faces are sorted into buckets by their least node, of which there are about six in each, so that the search takes
 /// linear time and two equal digests stand for the same nodes.
@@ -61,10 +61,10 @@ public:
         m_isSingle.assign(m_marks.size(), true);
     }
 
-    void add(Face face)
+    void add(Face face, std::int32_t set)
     {
         const auto node = static_cast<std::size_t>(std::ranges::min(face));
-        const std::uint64_t digest = digestOf(face);
+        const std::uint64_t digest = digestOf(face, set);
         const auto first = m_marks.begin() + static_cast<std::ptrdiff_t>(m_starts[node]);
         const auto end = m_marks.begin() + static_cast<std::ptrdiff_t>(m_ends[node]);
         const auto twin = std::find_if(first, end, [=](const FaceMark& mark) { return mark.digest == digest; });
@@ -87,37 +87,45 @@ private:
     std::size_t m_added = 0;
 };
 
-/// Adds faces and numbers the points in the order in which they are used, which keeps neighbours together.
+/// Collects faces of each of some sets.
 class FaceCollector
 {
 public:
-    explicit FaceCollector(const HostNodeGroup& nodes)
-        : m_coordinates(nodes.coordinates), m_pointOfNode(nodes.nodeCount(), -1)
+    FaceCollector(const HostNodeGroup& nodes, std::size_t setCount)
+        : m_coordinates(nodes.coordinates), m_pointOfNode(nodes.nodeCount(), -1), m_faces(setCount)
     {}
 
-    void add(std::size_t element, Face face)
+    void add(std::size_t element, Face face, std::size_t set)
     {
+        DrawnFaces& faces = m_faces[set];
         const std::size_t start = fanStart(face);
         for (std::size_t k = 0; k < face.size(); ++k) {
-            m_faces.corners.push_back(pointOf(face[(start + k) % face.size()]));
+            faces.corners.push_back(face[(start + k) % face.size()]);
         }
-        m_faces.sizes.push_back(static_cast<std::uint8_t>(face.size()));
-        m_faces.elements.push_back(static_cast<std::int32_t>(element));
+        faces.sizes.push_back(static_cast<std::uint8_t>(face.size()));
+        faces.elements.push_back(static_cast<std::int32_t>(element));
     }
 
-    DrawnFaces take() { return std::move(m_faces); }
+    /// Numbers the points of each set in the order in which they are used, which keeps neighbours together.
+    std::vector<DrawnFaces> take()
+    {
+        for (DrawnFaces& faces : m_faces) {
+            for (std::int32_t& corner : faces.corners) {
+                std::int32_t& point = m_pointOfNode[static_cast<std::size_t>(corner)];
+                if (point < 0) {
+                    point = static_cast<std::int32_t>(faces.nodes.size());
+                    faces.nodes.push_back(corner);
+                }
+                corner = point;
+            }
+            for (const std::int32_t node : faces.nodes) {
+                m_pointOfNode[static_cast<std::size_t>(node)] = -1;
+            }
+        }
+        return std::move(m_faces);
+    }
 
 private:
-    std::int32_t pointOf(std::int32_t node)
-    {
-        std::int32_t& point = m_pointOfNode[static_cast<std::size_t>(node)];
-        if (point < 0) {
-            point = static_cast<std::int32_t>(m_faces.nodes.size());
-            m_faces.nodes.push_back(node);
-        }
-        return point;
-    }
-
     /// The node from which a fan folds least; the first one unless the face is concave.
     std::size_t fanStart(Face face) const
     {
@@ -155,42 +163,58 @@ private:
 
     const std::vector<double>& m_coordinates;
     std::vector<std::int32_t> m_pointOfNode; ///< -1 for nodes without a point
-    DrawnFaces m_faces;
+    std::vector<DrawnFaces> m_faces;         ///< of each set; until the end, corners are nodes
 };
 
-/// Walks the faces that can be drawn of the cells of a zone, or of all cells.
-template <typename Visit>
-void walk(const HostElementGroup& elements, std::optional<std::int32_t> zone, Visit visit)
+/// Walks the faces that can be drawn of the cells of some sets: `visit(element, face, set)`.
+/// @param setOf gives the set of an element, negative for an element in none
+template <typename SetOf, typename Visit>
+void walk(const HostElementGroup& elements, SetOf setOf, Visit visit)
 {
     forEachFace(elements, [&](std::size_t element, Face face) {
-        const bool isMeant = !zone || (!elements.partIds.empty() && elements.partIds[element] == *zone);
-        if (isMeant && face.size() >= LEAST_CORNERS) {
-            visit(element, face);
+        const std::int32_t set = setOf(element);
+        if (set >= 0 && face.size() >= LEAST_CORNERS) {
+            visit(element, face, set);
         }
     });
 }
 
-} // namespace
-
-DrawnFaces outerFaces(const HostNodeGroup& nodes, const HostElementGroup& elements, std::optional<std::int32_t> zone)
+template <typename SetOf>
+std::vector<DrawnFaces> outerFacesOfSets(const HostNodeGroup& nodes, const HostElementGroup& elements,
+                                         std::size_t setCount, SetOf setOf)
 {
     SingleFaces single(nodes.nodeCount());
-    walk(elements, zone, [&](std::size_t, Face face) { single.count(face); });
+    walk(elements, setOf, [&](std::size_t, Face face, std::int32_t) { single.count(face); });
     single.sizeBuckets();
-    walk(elements, zone, [&](std::size_t, Face face) { single.add(face); });
-    FaceCollector collector(nodes);
+    walk(elements, setOf, [&](std::size_t, Face face, std::int32_t set) { single.add(face, set); });
+    FaceCollector collector(nodes, setCount);
     std::size_t ordinal = 0;
-    walk(elements, zone, [&](std::size_t element, Face face) {
+    walk(elements, setOf, [&](std::size_t element, Face face, std::int32_t set) {
         if (single.isSingle(ordinal++)) {
-            collector.add(element, face);
+            collector.add(element, face, static_cast<std::size_t>(set));
         }
     });
     return collector.take();
+}
+
+constexpr auto ONE_SET = [](std::size_t) { return 0; };
+
+} // namespace
+
+DrawnFaces outerFaces(const HostNodeGroup& nodes, const HostElementGroup& elements)
+{
+    return std::move(outerFacesOfSets(nodes, elements, 1, ONE_SET).front());
+}
+
+std::vector<DrawnFaces> outerFacesOfZones(const HostNodeGroup& nodes, const HostElementGroup& elements,
+                                          std::span<const std::int32_t> zoneOfCell, std::size_t zoneCount)
+{
+    return outerFacesOfSets(nodes, elements, zoneCount, [=](std::size_t element) { return zoneOfCell[element]; });
 }
 
 DrawnFaces flatFaces(const HostNodeGroup& nodes, const HostElementGroup& elements)
 {
-    FaceCollector collector(nodes);
-    walk(elements, std::nullopt, [&](std::size_t element, Face face) { collector.add(element, face); });
-    return collector.take();
+    FaceCollector collector(nodes, 1);
+    walk(elements, ONE_SET, [&](std::size_t element, Face face, std::int32_t) { collector.add(element, face, 0); });
+    return std::move(collector.take().front());
 }

@@ -5,22 +5,12 @@
 #include "border/DeliveryCheck.h"
 
 #include <algorithm>
+#include <iterator>
+#include <span>
+#include <unordered_map>
+#include <utility>
 
 namespace {
-
-/// Marks the nodes of the cells of a zone.
-std::vector<bool> nodesOfZone(const HostNodeGroup& nodes, const HostElementGroup& elements, std::int32_t zone)
-{
-    std::vector<bool> marks(nodes.nodeCount());
-    forEachFace(elements, [&](std::size_t element, std::span<const std::int32_t> face) {
-        if (!elements.partIds.empty() && elements.partIds[element] == zone) {
-            for (const std::int32_t node : face) {
-                marks[static_cast<std::size_t>(node)] = true;
-            }
-        }
-    });
-    return marks;
-}
 
 PageGroup wholeGroup(const HostGeometry& geometry, const HostGroup& group, std::size_t index)
 {
@@ -33,26 +23,79 @@ PageGroup wholeGroup(const HostGeometry& geometry, const HostGroup& group, std::
             std::nullopt,
             isSolid ? outerFaces(nodes, elements) : flatFaces(nodes, elements),
             {},
+            {},
             elements.elementCount()};
 }
 
-PageGroup zoneGroup(const HostGeometry& geometry, const HostGroup& zone, std::size_t partIndex)
+/// Fills in cells and nodes of each zone, in ascending order.
+void addMembers(const HostNodeGroup& nodes, const HostElementGroup& elements, std::span<const std::int32_t> zoneOfCell,
+                std::span<PageGroup> zones)
 {
-    const HostElementGroup& elements = geometry.elementGroups[partIndex];
-    const HostNodeGroup& nodes = *geometry.nodesOf(elements);
-    return {&zone,
-            HostGroupKind::CellZone,
-            partIndex,
-            std::nullopt,
-            outerFaces(nodes, elements, zone.id),
-            nodesOfZone(nodes, elements, zone.id),
-            static_cast<std::size_t>(std::ranges::count(elements.partIds, zone.id))};
+    for (std::size_t cell = 0; cell < zoneOfCell.size(); ++cell) {
+        if (zoneOfCell[cell] >= 0) {
+            zones[static_cast<std::size_t>(zoneOfCell[cell])].cells.push_back(static_cast<std::int32_t>(cell));
+        }
+    }
+    // Most nodes are met again by cells of the same zone.
+    std::vector<std::int32_t> lastZone(nodes.nodeCount(), -1);
+    forEachFace(elements, [&](std::size_t cell, std::span<const std::int32_t> face) {
+        const std::int32_t zone = zoneOfCell[cell];
+        for (std::size_t k = 0; zone >= 0 && k < face.size(); ++k) {
+            if (std::exchange(lastZone[static_cast<std::size_t>(face[k])], zone) != zone) {
+                zones[static_cast<std::size_t>(zone)].nodes.push_back(face[k]);
+            }
+        }
+    });
+    for (PageGroup& zone : zones) {
+        std::ranges::sort(zone.nodes);
+        zone.nodes.erase(std::unique(zone.nodes.begin(), zone.nodes.end()), zone.nodes.end());
+        zone.elementCount = zone.cells.size();
+    }
 }
 
-/// True if the item belongs to the group.
-bool holds(const PageGroup& group, const HostResultInfo& info, const HostElementGroup& elements, std::size_t item)
+/// The cell zones of a part.
+std::vector<PageGroup> zonesOfPart(const HostMetaData& metaData, const HostGeometry& geometry, const HostGroup& part,
+                                   std::size_t partIndex)
 {
-    return info.mapping == MAPPING_NODE ? group.nodesOfZone[item] : elements.partIds[item] == group.group->id;
+    std::vector<PageGroup> zones;
+    std::unordered_map<std::int32_t, std::int32_t> zoneOfId;
+    for (const HostGroup& zone : metaData.groups) {
+        if (zone.kind() == HostGroupKind::CellZone && zone.parentId == part.id) {
+            zoneOfId.emplace(zone.id, static_cast<std::int32_t>(zones.size()));
+            zones.push_back({&zone, HostGroupKind::CellZone, partIndex, std::nullopt, {}, {}, {}, 0});
+        }
+    }
+    const HostElementGroup& elements = geometry.elementGroups[partIndex];
+    if (zones.empty() || elements.partIds.empty()) {
+        return zones;
+    }
+    std::vector<std::int32_t> zoneOfCell;
+    zoneOfCell.reserve(elements.partIds.size());
+    for (const std::int32_t id : elements.partIds) {
+        const auto found = zoneOfId.find(id);
+        zoneOfCell.push_back(found == zoneOfId.end() ? -1 : found->second);
+    }
+    const HostNodeGroup& nodes = *geometry.nodesOf(elements);
+    addMembers(nodes, elements, zoneOfCell, zones);
+    std::vector<DrawnFaces> faces = outerFacesOfZones(nodes, elements, zoneOfCell, zones.size());
+    for (std::size_t i = 0; i < zones.size(); ++i) {
+        zones[i].faces = std::move(faces[i]);
+    }
+    return zones;
+}
+
+/// The values of some items.
+std::vector<double> valuesAt(const std::vector<std::int32_t>& items, const HostValueGroup& values)
+{
+    const auto dimension = static_cast<std::size_t>(values.dimension);
+    std::vector<double> found;
+    found.reserve(items.size() * dimension);
+    for (const std::int32_t item : items) {
+        const auto first =
+            values.values.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(item) * dimension);
+        found.insert(found.end(), first, first + static_cast<std::ptrdiff_t>(dimension));
+    }
+    return found;
 }
 
 } // namespace
@@ -68,11 +111,8 @@ std::vector<PageGroup> pageGroups(OpenedCase& opened, const std::vector<std::siz
         if (declared[index]->kind() != HostGroupKind::Part) {
             continue;
         }
-        for (const HostGroup& zone : metaData.groups) {
-            if (zone.kind() == HostGroupKind::CellZone && zone.parentId == declared[index]->id) {
-                groups.push_back(zoneGroup(geometry, zone, index));
-            }
-        }
+        std::vector<PageGroup> zones = zonesOfPart(metaData, geometry, *declared[index], index);
+        std::ranges::move(zones, std::back_inserter(groups));
     }
     for (PageGroup& group : groups) {
         const auto part = std::ranges::find_if(groups, [&](const PageGroup& other) {
@@ -92,29 +132,13 @@ HostValueGroup allValues(OpenedCase& opened, const PageGroup& group, const HostR
     if (whole == nullptr || group.kind != HostGroupKind::CellZone) {
         return whole == nullptr ? HostValueGroup() : *whole;
     }
-    const HostElementGroup& elements = opened.geometry().elementGroups[group.index];
     HostValueGroup own;
     own.dimension = whole->dimension;
-    const auto dimension = static_cast<std::size_t>(whole->dimension);
-    for (std::size_t item = 0; item < whole->itemCount(); ++item) {
-        if (holds(group, info, elements, item)) {
-            const auto first = whole->values.begin() + static_cast<std::ptrdiff_t>(item * dimension);
-            own.values.insert(own.values.end(), first, first + static_cast<std::ptrdiff_t>(dimension));
-        }
-    }
+    own.values = valuesAt(info.mapping == MAPPING_NODE ? group.nodes : group.cells, *whole);
     return own;
 }
 
 std::vector<double> drawnValues(const PageGroup& group, const HostResultInfo& info, const HostValueGroup& values)
 {
-    const auto dimension = static_cast<std::size_t>(values.dimension);
-    const std::vector<std::int32_t>& items = info.mapping == MAPPING_NODE ? group.faces.nodes : group.faces.elements;
-    std::vector<double> drawn;
-    drawn.reserve(items.size() * dimension);
-    for (const std::int32_t item : items) {
-        const auto first =
-            values.values.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(item) * dimension);
-        drawn.insert(drawn.end(), first, first + static_cast<std::ptrdiff_t>(dimension));
-    }
-    return drawn;
+    return valuesAt(info.mapping == MAPPING_NODE ? group.faces.nodes : group.faces.elements, values);
 }

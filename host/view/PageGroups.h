@@ -5,6 +5,7 @@
 #include "view/OuterFaces.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -16,8 +17,9 @@ struct PageGroup
     std::size_t index;               ///< of the element group; a cell zone has that of its part
     std::optional<std::size_t> part; ///< position in the list of the part that it belongs to
     DrawnFaces faces;
-    std::vector<bool> nodesOfZone; ///< of a cell zone: the nodes of its cells; empty for other groups
-    std::size_t elementCount;      ///< cells of parts and zones, faces of others
+    std::vector<std::int32_t> cells; ///< of a cell zone: positions of its cells; empty for other groups
+    std::vector<std::int32_t> nodes; ///< of a cell zone: positions of the nodes of its cells
+    std::size_t elementCount;        ///< cells of parts and zones, faces of others
 };
 
 /// The selected groups, each part followed by its cell zones, then the rest in the order of the case.

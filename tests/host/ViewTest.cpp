@@ -86,14 +86,21 @@ TEST(OuterFaces, LeavesOutWhatTwoCellsShare)
 
 TEST(OuterFaces, OfAZoneIncludeThoseToOtherCells)
 {
-    CubeRow row(4);
-    const std::array<std::int32_t, 4> partIds = {1, 7, 7, 1};
-    row.elements.setElementPartIds(partIds.data(), partIds.size());
-    const DrawnFaces faces = outerFaces(row.nodes, row.elements, 7);
-    EXPECT_EQ(faces.sizes.size(), 10U);
-    EXPECT_EQ(std::set<std::int32_t>(faces.elements.begin(), faces.elements.end()), (std::set<std::int32_t>{1, 2}));
-    EXPECT_NEAR(volumeInside(row.nodes, faces), 2, 1e-12);
-    EXPECT_TRUE(outerFaces(row.nodes, row.elements, 8).sizes.empty());
+    const CubeRow row(6);
+    // Two zones that touch, and cells in none.
+    const std::array<std::int32_t, 6> zoneOfCell = {-1, 1, 1, 0, 0, -1};
+    const std::vector<DrawnFaces> zones = outerFacesOfZones(row.nodes, row.elements, zoneOfCell, 3);
+    ASSERT_EQ(zones.size(), 3U);
+    for (const std::size_t zone : {0U, 1U}) {
+        SCOPED_TRACE(zone);
+        const DrawnFaces& faces = zones[zone];
+        EXPECT_EQ(faces.sizes.size(), 10U);
+        EXPECT_EQ(faces.nodes.size(), 12U);
+        EXPECT_EQ(std::set<std::int32_t>(faces.elements.begin(), faces.elements.end()),
+                  zone == 0 ? (std::set<std::int32_t>{3, 4}) : (std::set<std::int32_t>{1, 2}));
+        EXPECT_NEAR(volumeInside(row.nodes, faces), 2, 1e-12);
+    }
+    EXPECT_TRUE(zones[2].sizes.empty());
 }
 
 TEST(FlatFaces, KeepBothOfTwoOnTopOfEachOther)

@@ -60,7 +60,7 @@ async function block(number) {
     const values = form.step ? floatsOfSteps(numbers, form) : new Float32Array(numbers.buffer);
     content = { components: form.components, base: form.base, values };
   }
-  keep(number, content, numbers.byteLength);
+  keep(number, content, (content.values || numbers).byteLength);
   return content;
 }
 

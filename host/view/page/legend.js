@@ -21,7 +21,8 @@ class Overlay {
     this.context = canvas.getContext("2d");
   }
 
-  // The caption is a line in the upper left corner. `legend` has title, unit, range, figures, table of colours and the names of groups without values; null for none.
+  // The caption is a line in the upper left corner. `legend` has title, unit, range, table of colours, and colour and
+  // name of what has none of these colours; null for no legend.
   draw(width, height, ratio, { legend, mark, caption }) {
     const { context } = this;
     context.setTransform(ratio, 0, 0, ratio, 0, 0);

@@ -13,6 +13,8 @@ let box = [[0, 0, 0], [1, 1, 1]]; // of what is visible
 let running = null; // the refresh under way
 let isStale = false; // something changed since it started
 let drawRequest = 0;
+let figuresKey = ""; // what `figureRows` are of
+let figureRows = [];
 
 const visibleSurfaces = () => [...shown.visible].sort((a, b) => a - b).map((number) => surfaces.get(number)).filter(Boolean);
 
@@ -60,19 +62,28 @@ async function update() {
   updatePicked();
 }
 
-// Figures of the groups that are on; of all groups if none of them has values.
-async function updateFigures() {
+// Time and figures of each state for the groups that are on. What is shown may change while this runs.
+async function figuresOfStates() {
+  const [result, component, groups] = [shown.result, shown.component, [...shown.visible]];
+  const key = JSON.stringify([result, component, groups]);
+  if (figuresKey === key) return figureRows;
   const rows = [];
-  for (let state = 0; shown.result >= 0 && state < page.states.length; ++state) {
-    rows.push({ time: page.states[state].time, figures: await figuresOfGroups(shown.result, shown.component, state, shown.visible) });
+  for (let state = 0; result >= 0 && state < page.states.length; ++state) {
+    rows.push({ time: page.states[state].time, figures: await figuresOfGroups(result, component, state, groups) });
   }
+  [figuresKey, figureRows] = [key, rows];
+  return rows;
+}
+
+async function updateFigures() {
+  const rows = await figuresOfStates();
   shown.figures = rows.length ? rows[shown.state].figures : null;
   const all = rows.map((row) => row.figures).filter((figures) => Number.isFinite(figures.least));
   if (shown.rangeMode === "typed") shown.range = shown.typed;
   else if (shown.rangeMode === "all") shown.range = all.length ? [Math.min(...all.map((f) => f.least)), Math.max(...all.map((f) => f.greatest))] : [NaN, NaN];
   else shown.range = shown.figures ? [shown.figures.least, shown.figures.greatest] : [NaN, NaN];
   element("chart").hidden = rows.length < 2;
-  if (rows.length > 1) chart.show(rows, shown.state, legendTitle());
+  if (rows.length > 1 && shown.result >= 0) chart.show(rows, shown.state, legendTitle());
 }
 
 function legendTitle() {
@@ -225,6 +236,9 @@ async function start() {
   resetView();
   await running;
   connectInput(element("view"));
+  element("view").addEventListener("webglcontextlost", () => {
+    element("message").textContent = "The graphics card gave up the picture; load the page again.";
+  });
   new ResizeObserver(() => refresh()).observe(element("stage"));
 }
 

@@ -43,6 +43,7 @@ class Surface {
     for (let i = 0; i < count; ++i) {
       for (let k = 0; k < 3; ++k) this.points[3 * i + k] = values[k * count + i] + base[k];
     }
+    this.box = boxOfPoints(this.points);
     this.shownPoints = number;
     return true;
   }
@@ -105,16 +106,21 @@ class Surface {
   }
 }
 
-// The box of all points of some surfaces, as [lower, upper].
-function boxOf(surfaces) {
+// The box of points, as [lower, upper].
+function boxOfPoints(points) {
   const lower = [Infinity, Infinity, Infinity];
   const upper = [-Infinity, -Infinity, -Infinity];
-  for (const { points } of surfaces) {
-    for (let i = 0; i < points.length; ++i) {
-      const k = i % 3;
-      if (points[i] < lower[k]) lower[k] = points[i];
-      if (points[i] > upper[k]) upper[k] = points[i];
-    }
+  for (let i = 0; i < points.length; ++i) {
+    const k = i % 3;
+    if (points[i] < lower[k]) lower[k] = points[i];
+    if (points[i] > upper[k]) upper[k] = points[i];
   }
-  return lower[0] <= upper[0] ? [lower, upper] : [[0, 0, 0], [1, 1, 1]];
+  return [lower, upper];
+}
+
+// The box of some surfaces; a unit cube if they have no points.
+function boxOf(surfaces) {
+  const boxes = surfaces.map((surface) => surface.box).filter(([lower, upper]) => lower[0] <= upper[0]);
+  const box = boxOfPoints(boxes.flat(2));
+  return box[0][0] <= box[1][0] ? box : [[0, 0, 0], [1, 1, 1]];
 }

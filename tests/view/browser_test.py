@@ -8,6 +8,7 @@ import json
 import math
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -317,6 +318,21 @@ def check_names(browser, folder):
     view.expect_no_errors()
 
 
+def check_thin(browser, folder):
+    """The back of a thin case does not show through its front."""
+    case = folder / "thin"
+    shutil.copytree(pathlib.Path(source, "examples/cavity"), case)
+    points = case / "constant/polyMesh/points"
+    points.write_text(re.sub(r"^\((\S+) (\S+) (\S+)\)", lambda p: f"({p[1]} {p[2]} {float(p[3]) * 1e-4})", points.read_text(),
+                             flags=re.M))
+    view = View(browser, case, folder / "thin.html")
+    for number, perspective in ((4, "true"), (4, "false"), (5, "true"), (5, "false")):
+        view.run(f"camera.perspective = {perspective}; standardView({number})")
+        colors = view.show(result=-1)["colors"]
+        view.expect(colors < 4, f"the front of a thin case has {colors} colours")
+    view.expect_no_errors()
+
+
 def check_precision(browser, folder):
     """16 bits take less room, and each value is within half a step of its range."""
     case = folder / "cases/poly"
@@ -362,6 +378,7 @@ def main():
             check_outside(view)
             view.expect_no_errors()
         check_names(browser, folder)
+        check_thin(browser, folder)
         check_precision(browser, folder)
         check_saved_picture(folder)
     print(f"{faults} faults")

@@ -14,6 +14,7 @@ const STANDARD_VIEWS = [
 
 const camera = {
   azimuth: -60, elevation: 28, center: [0, 0, 0], height: 1, size: 1, perspective: true,
+  box: [[0, 0, 0], [1, 1, 1]], // of all that is drawn
 
   // Shows a whole box: a flat one from its front, any other from above and the side.
   home(box) {
@@ -47,18 +48,28 @@ const camera = {
     return this.height / 2 / Math.tan((HALF_ANGLE * Math.PI) / 180);
   },
 
+  // How far from the eye the nearest and the farthest point may be. No more than is needed, because the two sides of a
+  // thin case can be told apart only in a narrow range.
+  depths(toward) {
+    const corners = [0, 1, 2, 3, 4, 5, 6, 7].map((i) => [0, 1, 2].map((k) => this.box[(i >> k) & 1][k]));
+    const all = corners.map((corner) => this.distance() - dot(toward, minus(corner, this.center)));
+    const margin = 0.02 * Math.hypot(...minus(this.box[1], this.box[0])) || 1;
+    const [near, far] = [Math.min(...all) - margin, Math.max(...all) + margin];
+    if (!this.perspective) return [near, far];
+    const beyondEye = Math.max(far, margin);
+    return [Math.max(near, beyondEye * 2e-4), beyondEye];
+  },
+
   // The matrix from space to the picture, column after column.
   matrix(aspect) {
     this.aspect = aspect;
     const { right, up, toward } = this.axes();
     const distance = this.distance();
-    const depth = 2 * this.size + this.height;
+    const [near, far] = this.depths(toward);
     const [x, y, z] = [right, up, toward].map((axis) => [...axis, -dot(axis, this.center)]);
     const flat = this.height / 2;
     let rows;
     if (this.perspective) {
-      const far = distance + depth;
-      const near = Math.max(distance - depth, far * 2e-4);
       const scale = distance / flat;
       // Depth before the eye is distance - z.
       const a = (far + near) / (far - near);
@@ -66,7 +77,9 @@ const camera = {
       rows = [x.map((v) => (v * scale) / aspect), y.map((v) => v * scale), z.map((v, k) => -a * v + (k === 3 ? a * distance + b : 0)),
         z.map((v, k) => -v + (k === 3 ? distance : 0))];
     } else {
-      rows = [x.map((v) => v / flat / aspect), y.map((v) => v / flat), z.map((v) => -v / depth), [0, 0, 0, 1]];
+      const half = (far - near) / 2;
+      rows = [x.map((v) => v / flat / aspect), y.map((v) => v / flat), z.map((v, k) => -v / half + (k === 3 ? (distance - near) / half - 1 : 0)),
+        [0, 0, 0, 1]];
     }
     return new Float32Array([0, 1, 2, 3].flatMap((column) => rows.map((row) => row[column])));
   },

@@ -54,7 +54,7 @@ async function update() {
     surface.key = key;
     surfaces.set(number, surface);
   }
-  box = boxOf(visibleSurfaces());
+  box = camera.box = boxOf(visibleSurfaces());
   await updateFigures();
   renderer.setColors(colorTable(shown.map));
   updateControls();

@@ -50,8 +50,9 @@ out uvec4 found;
 ${CLIP}
 void main() { if (isClipped(place)) discard; found = uvec4(surface + 1u, triangle, 0u, 0u); }`;
 
-// Coplanar faces: the more special group is in front.
-const LAYERS = { part: 0, "cell zone": 1, patch: 2, "face zone": 3, surface: 0 };
+// Coplanar faces: the more special group is in front, and of two alike the smaller one.
+const LAYERS = { part: 0, surface: 0, "cell zone": 1, patch: 2, "face zone": 3 };
+const ranks = new Map([...page.groups].sort((a, b) => LAYERS[a.kind] - LAYERS[b.kind] || b.faces - a.faces).map((group, i) => [group, i]));
 
 class Renderer {
   constructor(canvas) {
@@ -140,7 +141,8 @@ class Renderer {
   drawSurface(surface) {
     const { gl } = this;
     const layer = LAYERS[surface.group.kind];
-    gl.polygonOffset(-layer, -4 * layer);
+    // Some units for each rank, since the depths of triangles that are cut in another way differ by a few.
+    gl.polygonOffset(-layer, -16 * Math.min(ranks.get(surface.group), 200));
     gl.bindVertexArray(this.buffers.get(surface).array);
     gl.drawArrays(gl.TRIANGLES, 0, 3 * surface.triangleCount);
   }

@@ -6,6 +6,8 @@ const minus = (a, b) => [a[0] - b[0], a[1] - b[1], a[2] - b[2]];
 const plusScaled = (a, b, factor) => [a[0] + b[0] * factor, a[1] + b[1] * factor, a[2] + b[2] * factor];
 const cross = (a, b) => [a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]];
 
+const cornersOf = (box) => [0, 1, 2, 3, 4, 5, 6, 7].map((i) => [0, 1, 2].map((k) => box[(i >> k) & 1][k]));
+
 const HALF_ANGLE = 15; // of the height in perspective
 
 const STANDARD_VIEWS = [
@@ -30,11 +32,14 @@ const camera = {
     this.center = box[0].map((low, k) => (low + box[1][k]) / 2);
     this.size = Math.hypot(...minus(box[1], box[0])) || 1;
     const { right, up, toward } = this.axes();
-    const extent = (axis) => box[0].reduce((sum, low, k) => sum + Math.abs(axis[k]) * (box[1][k] - low), 0);
     const aspect = Math.max((this.aspect || 1) * 0.86, 0.3); // beside the legend
-    // The near end looks larger in perspective.
-    const near = this.perspective ? extent(toward) * Math.tan((HALF_ANGLE * Math.PI) / 180) : 0;
-    this.height = 1.18 * Math.max(extent(up), extent(right) / aspect, this.size * 1e-3) + near;
+    // In perspective, what is nearer looks larger.
+    const slope = this.perspective ? Math.tan((HALF_ANGLE * Math.PI) / 180) : 0;
+    const heights = cornersOf(box).map((corner) => {
+      const place = minus(corner, this.center);
+      return 2 * (Math.max(Math.abs(dot(up, place)), Math.abs(dot(right, place)) / aspect) + slope * dot(toward, place));
+    });
+    this.height = 1.1 * Math.max(...heights, this.size * 1e-3);
   },
 
   axes() {
@@ -51,8 +56,7 @@ const camera = {
   // How far from the eye the nearest and the farthest point may be. No more than is needed, because the two sides of a
   // thin case can be told apart only in a narrow range.
   depths(toward) {
-    const corners = [0, 1, 2, 3, 4, 5, 6, 7].map((i) => [0, 1, 2].map((k) => this.box[(i >> k) & 1][k]));
-    const all = corners.map((corner) => this.distance() - dot(toward, minus(corner, this.center)));
+    const all = cornersOf(this.box).map((corner) => this.distance() - dot(toward, minus(corner, this.center)));
     const margin = 0.02 * Math.hypot(...minus(this.box[1], this.box[0])) || 1;
     const [near, far] = [Math.min(...all) - margin, Math.max(...all) + margin];
     if (!this.perspective) return [near, far];

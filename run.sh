@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what is missing, builds the release and opens a case with ddphost.
+# Installs what is missing, builds the release, opens a case with ddphost and writes a page that shows it.
 set -euo pipefail
 
 if [ "${1:-}" = "-h" ] || [ "${1:-}" = "--help" ]; then
@@ -8,7 +8,8 @@ if [ "${1:-}" = "-h" ] || [ "${1:-}" = "--help" ]; then
 usage: ./run.sh [CASE] [ddphost info options]
 
 Installs missing Debian packages (as root or through sudo; neither is needed if none is missing), builds the release
-and shows what CASE holds: a case folder or a path to its case.foam. Without CASE it opens examples/cavity.
+and shows what CASE holds: a case folder or a path to its case.foam. Without CASE it opens examples/cavity. At the end
+stands the path of a page, build/pages/NAME.html, that shows the case in any browser.
 TXT
     exit 0
 fi
@@ -36,6 +37,23 @@ say "Opening $case_path"
 code=0
 "$ddphost" info --counts "$case_path" "$@" || code=$?
 [ $code -ne 2 ] || exit $code # a mistake in the options, which ddphost has explained
+
+# All states, or the latest one if these are too much for a page.
+if [ $code -eq 0 ] || [ $code -eq 1 ]; then
+    folder=$case_path
+    [ -d "$folder" ] || folder=$(dirname "$folder")
+    page=$PWD/build/pages/$(basename "$folder").html
+    mkdir -p build/pages
+    view_options=(-o "$page")
+    [[ " $* " != *" --plain "* ]] || view_options+=(--plain)
+    say "Writing a page that shows it in any browser"
+    view_code=0
+    "$ddphost" view "$case_path" "${view_options[@]}" || view_code=$?
+    if [ $view_code -eq 6 ]; then
+        say "Writing the latest state only"
+        "$ddphost" view "$case_path" "${view_options[@]}" --state latest || true
+    fi
+fi
 
 say "The program is $(for_caller "$ddphost"). What to try next:"
 next() { printf '   %s %s %s   # %s\n' "$(for_caller "$ddphost")" "$1" "$(for_caller "$case_path")" "$2" >&2; }

@@ -37,6 +37,8 @@ constexpr std::string_view FAILED_MARK = "\"picture: ";
 // Far more than any page needs, so only a browser that hangs is ended.
 constexpr std::chrono::seconds LONGEST_RUN(180);
 constexpr std::chrono::milliseconds LOOK_INTERVAL(20);
+// How long the desktop may look for a browser that it does not have.
+constexpr std::chrono::seconds LONGEST_SEARCH(3);
 
 [[noreturn]] void fail(const std::string& message)
 {
@@ -229,8 +231,15 @@ bool openPage(const fs::path& page)
     if (opener.empty()) {
         return false;
     }
-    // It hands the page to the browser and ends, with a code that says whether there is one.
+    // It ends with a code that says whether there is a browser, or, without a desktop, becomes the browser.
     const pid_t process = start({opener.string(), fs::absolute(page).string()}, "/dev/null");
+    const auto latest = std::chrono::steady_clock::now() + LONGEST_SEARCH;
     int status = 0;
-    return waitpid(process, &status, 0) == process && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    while (waitpid(process, &status, WNOHANG) == 0) {
+        if (std::chrono::steady_clock::now() > latest) {
+            return true;
+        }
+        std::this_thread::sleep_for(LOOK_INTERVAL);
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }

@@ -318,6 +318,22 @@ TEST_F(ViewCommand, TellsWhatToInstallForAPicture)
     EXPECT_TRUE(files().empty());
 }
 
+TEST_F(ViewCommand, HandsThePageToTheDesktop)
+{
+    fs::create_directory(folder / "bin");
+    const std::string path = "PATH=" + (folder / "bin").string();
+    const ProgramRun without = view(" --open", path);
+    EXPECT_EQ(without.code, 6);
+    EXPECT_NE(without.err.find("nothing opens pages here"), std::string::npos) << without.err;
+    EXPECT_TRUE(fs::exists(folder / "out.html")); // to be opened by hand
+    std::ofstream(folder / "bin/xdg-open") << "#!/bin/sh\necho \"$1\" >" << inQuotes(folder / "opened") << "\n";
+    fs::permissions(folder / "bin/xdg-open", fs::perms::owner_all);
+    EXPECT_EQ(view(" --open", path).code, 0);
+    EXPECT_EQ(fileBytes(folder / "opened"), (folder / "out.html").string() + "\n");
+    std::ofstream(folder / "bin/xdg-open") << "#!/bin/sh\nexit 3\n";
+    EXPECT_EQ(view(" --open", path).code, 6);
+}
+
 // A page opened years later must not ask anyone for anything.
 TEST_F(ViewCommand, WritesAPageWithoutForeignAddresses)
 {

@@ -3,6 +3,8 @@
 #include "border/HostLog.h"
 #include "commands/Commands.h"
 #include "commands/UsageError.h"
+#include "help/Completion.h"
+#include "help/HelpFormatter.h"
 #include "output/FailureReport.h"
 #include "output/Interrupt.h"
 
@@ -12,10 +14,9 @@
 #include <exception>
 #include <filesystem>
 #include <map>
-#include <span>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -23,14 +24,6 @@ namespace {
 constexpr const char* DESCRIPTION =
     "Loads a data-provider plug-in and shows, checks, exports and measures what it delivers for a case.\n"
     "Data goes to stdout, everything else to stderr.";
-
-constexpr const char* FOOTER =
-    "Exit codes: 0 success, 1 findings, 2 usage, 3 case refused, 4 library not loadable,\n"
-    "5 library misbehaved, 6 cannot write output, 130 interrupted (143 by SIGTERM).\n"
-    "The library is the one named by --plugin, else by the variable DDP_PLUGIN, else the one next to the\n"
-    "program or in the library folder of the same installation.";
-
-constexpr const char* GLOBAL_GROUP = "Options of every command";
 
 /// Accepted before and after the command, because few users remember which side is which.
 void addGlobalOptions(CLI::App* app, GlobalOptions* options)
@@ -51,36 +44,20 @@ void addGlobalOptions(CLI::App* app, GlobalOptions* options)
     limitCount(
         app->add_option("--threads", options->threads, "Run the library on at most this many threads")->type_name("N"),
         1, 1024);
-    limitWords(
-        app->add_option("--color", options->color, "When to colour the text: auto, always or never")->type_name("WHEN"),
-        colorModes);
+    limitWords(app->add_option("--color", options->color, "When to colour the text"), colorModes);
     app->add_flag("--no-progress", options->noProgress, "Do not show a progress bar");
     // Commands that are added from now on inherit the defaults.
     app->option_defaults()->group("Options");
 }
 
-/// Lists the options of every command also in the help of each.
-void showGlobalOptions(CLI::App* app)
-{
-    const auto isGlobal = [](const CLI::Option* option) { return option->get_group() == GLOBAL_GROUP; };
-    const std::string options =
-        CLI::Formatter().make_group(GLOBAL_GROUP, false, std::as_const(*app).get_options(isGlobal));
-    for (CLI::App* const command : app->get_subcommands(nullptr)) {
-        const std::string own = command->get_footer();
-        command->footer(options + "\n" + (own.empty() ? own : own + "\n\n") + FOOTER);
-    }
-}
-
 /// Parses the command line into the context.
-/// @return false if the run ends here, after help
+/// @return false if the run ends here, after help or completion
 /// @throws HostError of `Usage` for a mistake
 bool parse(int argc, char** argv, HostContext* context)
 {
     CLI::App app(DESCRIPTION, "ddphost");
-    app.footer(FOOTER);
+    app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "ddphost " DDPHOST_VERSION);
-    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.get_formatter()->label("Subcommands", "Commands");
     app.require_subcommand(1);
     app.fallthrough();
     addGlobalOptions(&app, &context->options);
@@ -93,7 +70,13 @@ bool parse(int argc, char** argv, HostContext* context)
     addSampleCommand(&app, context);
     addCheckCommand(&app, context);
     addDoctorCommand(&app, context);
-    showGlobalOptions(&app);
+    addManualCommand(&app, context);
+    const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    if (!words.empty() && words.front() == "complete") {
+        // Not a command of the tree, which would take the words of the unfinished line for its own.
+        complete(app, {words.begin() + 1, words.end()}, context);
+        return false;
+    }
     try {
         app.parse(argc, argv);
         context->commandName = app.get_subcommands().front()->get_name();
@@ -102,8 +85,7 @@ bool parse(int argc, char** argv, HostContext* context)
         app.exit(success);
     } catch (const CLI::ParseError& error) {
         // The flag itself may not have been read before the mistake.
-        const std::span arguments(argv, static_cast<std::size_t>(argc));
-        if (std::ranges::any_of(arguments, [](const char* text) { return std::string_view(text) == "--json"; })) {
+        if (std::ranges::find(words, "--json") != words.end()) {
             const std::vector<CLI::App*> commands = app.get_subcommands();
             FailureReport::get().owesDocument(commands.empty() ? "" : commands.front()->get_name());
         }

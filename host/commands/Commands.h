@@ -32,3 +32,6 @@ void addCheckCommand(CLI::App* app, HostContext* context);
 
 /// Says what of a case a host will not show, and why; without a case, whether a host could load the library.
 void addDoctorCommand(CLI::App* app, HostContext* context);
+
+/// Writes the manual pages; hidden, since only the build needs it. Declared after all commands that have a page.
+void addManualCommand(CLI::App* app, HostContext* context);

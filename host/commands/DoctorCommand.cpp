@@ -288,8 +288,8 @@ void addDoctorCommand(CLI::App* app, HostContext* context)
     command->add_option("CASE", options->casePath, "A case folder or a .foam file in it")->check(notEmpty());
     command
         ->add_option("--state", options->states,
-                     "Which states: some (the first, one in the middle and the latest), first, latest, all or a time")
-        ->type_name("STATE")
+                     "Which states; some are the first, one in the middle and the latest, and are the default")
+        ->type_name("some|first|latest|all|TIME")
         ->check(notEmpty());
     command->callback([=] { context->command = [=] { return runDoctor(*context, *options); }; });
 }

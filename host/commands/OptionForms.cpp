@@ -103,16 +103,18 @@ void limitNumber(CLI::Option* option, double least, double most)
 
 void limitWords(CLI::Option* option, const std::map<std::string, int>& words)
 {
-    const auto convert = [words](std::string& text) {
+    std::vector<std::string> known;
+    known.reserve(words.size());
+    for (const auto& [word, number] : words) {
+        known.push_back(word);
+    }
+    // Help and completion take the words from here.
+    option->type_name(fmt::format("{}", fmt::join(known, "|")));
+    const auto convert = [words, known](std::string& text) {
         const auto found = words.find(lowerCase(text));
         if (found != words.end()) {
             text = std::to_string(found->second);
             return std::string();
-        }
-        std::vector<std::string> known;
-        known.reserve(words.size());
-        for (const auto& [word, number] : words) {
-            known.push_back(word);
         }
         const std::string meant = nearestWord(text, known);
         return fmt::format("'{}' is none of {}{}", text, fmt::join(known, ", "),

@@ -27,7 +27,8 @@ void limitCount(CLI::Option* option, std::int64_t least, std::int64_t most);
 /// Limits an option to finite numbers of this range.
 void limitNumber(CLI::Option* option, double least, double most);
 
-/// Limits an option to words and turns each into the number that the option's variable takes. Case does not matter.
+/// Limits an option to words and turns each into the number that the option's variable takes. Case does not matter. The
+/// words, joined by "|", become the option's type.
 void limitWords(CLI::Option* option, const std::map<std::string, int>& words);
 
 /// The known word that a mistyped one was probably meant to be, or an empty text if none is close.

@@ -56,11 +56,7 @@ void addSampleCommand(CLI::App* app, HostContext* context)
     for (const auto& [word, kind] : sampleKinds()) {
         kinds[word] = static_cast<int>(kind);
     }
-    limitWords(command
-                   ->add_option("--kind", arguments->options.kind,
-                                "hex (the default), poly, mixed, zones, regions, decomposed, moving or surface")
-                   ->type_name("KIND"),
-               kinds);
+    limitWords(command->add_option("--kind", arguments->options.kind, "What kind of mesh, hex by default"), kinds);
     limitCount(command->add_option("--cells", arguments->options.cells, "Write about N cells, 1000 by default")
                    ->type_name("N"),
                1, MOST_CELLS);

@@ -3,6 +3,7 @@
 
 #include "border/OpenedCase.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,9 @@
 /// The help text for a selection of states.
 inline constexpr const char* STATE_HELP =
     "a time or the name of its folder, first, latest, all, noZero, FROM:TO, #ID, or several of these with commas";
+
+/// Its words, for completion.
+inline constexpr std::array STATE_WORDS = {"first", "latest", "all", "noZero"};
 
 /// The help texts for selections of results and groups.
 inline constexpr const char* RESULT_HELP =

@@ -138,6 +138,8 @@ public:
     bool getMetaData(DDPMetaData* metaData) override
     {
         const DDPString name("Time 99.00000 #0");
+        fault("crash in the description") ? std::abort() : void();
+        fault("hang in the description") ? void(pause()) : void();
         fault("reserved row") ? metaData->reserved1() : void();
         fault("state before the title") ? metaData->addState(9, name, 99) : void();
         m_real->getMetaData(metaData);

@@ -41,7 +41,7 @@ def load_schemas():
 def check_commands():
     """A command without a schema would go unnoticed below."""
     shown = subprocess.run([program, "--help"], capture_output=True, text=True, check=True).stdout
-    names = re.findall(r"^  ([a-z]+) ", shown.partition("Subcommands:")[2], re.MULTILINE)
+    names = re.findall(r"^  ([a-z]+) ", shown.partition("Subcommands:")[2].partition("\n\n")[0], re.MULTILINE)
     if "info" not in names:
         fault(f"the help lists no commands:\n{shown}")
     for name in names:

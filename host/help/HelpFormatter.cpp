@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "help/HelpFormatter.h"
+
+#include "help/HelpTexts.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+constexpr std::size_t HELP_WIDTH = 100;
+
+/// A list as CLI11 writes the options.
+std::string titledList(const char* title, const std::vector<HelpEntry>& entries)
+{
+    std::string text = entries.empty() ? std::string() : fmt::format("{}:\n", title);
+    for (const HelpEntry& entry : entries) {
+        text += fmt::format("  {}\n      {}\n", entry.term, entry.text);
+    }
+    return entries.empty() ? text : text + "\n";
+}
+
+std::string exitCodeLine()
+{
+    std::string text;
+    for (const HelpEntry& entry : exitCodeTexts()) {
+        text += fmt::format("{}{} {}", text.empty() ? "Exit codes: " : ", ", entry.term, entry.text);
+    }
+    return wrapped(text, HELP_WIDTH);
+}
+
+} // namespace
+
+std::vector<const CLI::Option*> globalOptions(const CLI::App& program)
+{
+    return program.get_options([](const CLI::Option* option) { return option->get_group() == GLOBAL_GROUP; });
+}
+
+std::vector<const CLI::App*> shownCommands(const CLI::App& program)
+{
+    return program.get_subcommands([](const CLI::App* command) { return !command->get_group().empty(); });
+}
+
+HelpFormatter::HelpFormatter()
+{
+    label("SUBCOMMAND", "COMMAND");
+    label("Subcommands", "Commands");
+}
+
+std::string HelpFormatter::make_footer(const CLI::App* app) const
+{
+    const CLI::App* const program = app->get_parent();
+    std::string text;
+    if (program != nullptr) {
+        text += make_group(GLOBAL_GROUP, false, globalOptions(*program)) + "\n";
+    }
+    if (!app->get_footer().empty()) {
+        text += app->get_footer() + "\n\n";
+    }
+    text += titledList("Examples", exampleTexts(app->get_name()));
+    if (program == nullptr) {
+        text += titledList("Environment", environmentTexts());
+    }
+    return text + titledList("Files", fileTexts()) + exitCodeLine();
+}

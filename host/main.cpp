@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "border/CrashHandler.h"
+#include "border/EscapedText.h"
 #include "border/HostLog.h"
 #include "commands/Commands.h"
 #include "commands/UsageError.h"
@@ -31,6 +32,22 @@ constexpr const char* FOOTER =
     "program or in the library folder of the same installation.";
 
 constexpr const char* GLOBAL_GROUP = "Options of every command";
+
+/// The release, and the version that the library tells its hosts.
+std::string versionText(HostContext* context)
+{
+    std::string text = "ddphost " DDPHOST_VERSION;
+    try {
+        for (const auto& [key, value] : context->library().pluginInfo()) {
+            if (key == "version") {
+                text += "\nlibrary " + escapedControls(value);
+            }
+        }
+    } catch (const HostError&) {
+        // The program has a version without a library too.
+    }
+    return text;
+}
 
 /// Accepted before and after the command, because few users remember which side is which.
 void addGlobalOptions(CLI::App* app, GlobalOptions* options)
@@ -78,12 +95,13 @@ bool parse(int argc, char** argv, HostContext* context)
 {
     CLI::App app(DESCRIPTION, "ddphost");
     app.footer(FOOTER);
-    app.set_version_flag("--version", "ddphost " DDPHOST_VERSION);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.get_formatter()->label("Subcommands", "Commands");
     app.require_subcommand(1);
     app.fallthrough();
     addGlobalOptions(&app, &context->options);
+    // After the global options, since it loads the library that --plugin names.
+    app.set_version_flag("--version", [context] { return versionText(context); });
     addInfoCommand(&app, context);
     addExportCommand(&app, context);
     addStatsCommand(&app, context);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "border/CrashHandler.h"
+#include "border/EscapedText.h"
 #include "border/HostLog.h"
 #include "commands/Commands.h"
 #include "commands/UsageError.h"
@@ -24,6 +25,22 @@ namespace {
 constexpr const char* DESCRIPTION =
     "Loads a data-provider plug-in and shows, checks, exports and measures what it delivers for a case.\n"
     "Data goes to stdout, everything else to stderr.";
+
+/// The release, and the version that the library tells its hosts.
+std::string versionText(HostContext* context)
+{
+    std::string text = "ddphost " DDPHOST_VERSION;
+    try {
+        for (const auto& [key, value] : context->library().pluginInfo()) {
+            if (key == "version") {
+                text += "\nlibrary " + escapedControls(value);
+            }
+        }
+    } catch (const HostError&) {
+        // The program has a version without a library too.
+    }
+    return text;
+}
 
 /// Accepted before and after the command, because few users remember which side is which.
 void addGlobalOptions(CLI::App* app, GlobalOptions* options)
@@ -57,10 +74,11 @@ bool parse(int argc, char** argv, HostContext* context)
 {
     CLI::App app(DESCRIPTION, "ddphost");
     app.formatter(std::make_shared<HelpFormatter>());
-    app.set_version_flag("--version", "ddphost " DDPHOST_VERSION);
     app.require_subcommand(1);
     app.fallthrough();
     addGlobalOptions(&app, &context->options);
+    // After the global options, since it loads the library that --plugin names.
+    app.set_version_flag("--version", [context] { return versionText(context); });
     addInfoCommand(&app, context);
     addExportCommand(&app, context);
     addStatsCommand(&app, context);

@@ -43,7 +43,8 @@ install_packages() {
 
 BUILD_PACKAGES="clang-14 cmake ninja-build libstdc++-12-dev libtbb-dev zlib1g-dev libcli11-dev nlohmann-json3-dev libfmt-dev"
 TEST_PACKAGES="libgtest-dev libbenchmark-dev binutils locales python3-jsonschema"
-PACKAGING_PACKAGES="file dpkg-dev"
+PACKAGING_PACKAGES="debhelper dpkg-dev"
+PACKAGE_TEST_PACKAGES="lintian mmdebstrap pkgconf"
 CHECK_PACKAGES="g++ clang-format-14 clang-tidy-14 libclang-rt-14-dev chromium zsh fish bash-completion man-db groff mandoc"
 
 # Builds a preset, configured before if it never was, or only for a copy of this tree; more arguments go to the

@@ -39,6 +39,16 @@ protected:
 
 } // namespace
 
+// Hosts know the library by a version that no release changes.
+TEST_F(Program, TellsTheVersionsOfReleaseAndLibrary)
+{
+    const ProgramRun alone = run("--version", "DDP_PLUGIN=/no/such/library.so");
+    EXPECT_EQ(alone.code, 0) << alone.err;
+    EXPECT_EQ(alone.out.rfind("ddphost ", 0), 0U) << alone.out;
+    EXPECT_EQ(run("--version").out, alone.out + "library 1.9.99\n");
+    EXPECT_EQ(run("--version --plugin /no/such/library.so").out, alone.out);
+}
+
 TEST_F(Program, ReportsFailuresByExitCode)
 {
     EXPECT_EQ(run("info --counts" + m_case).code, 0);

@@ -28,5 +28,9 @@ run("${WORK_DIR}/host/minimal_host" "${prefix}/${LIBDIR}/openfoam-data-provider/
 expect("part 1: default_region")
 expect("movingWall")
 
+# The prefix is known only since the installation.
+file(READ "${prefix}/${LIBDIR}/pkgconfig/openfoam-data-provider.pc" OUTPUT)
+expect("prefix=${prefix}\n")
+
 run("${prefix}/bin/ddphost" info "${case}")
 expect("default_region")

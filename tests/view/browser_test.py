@@ -166,7 +166,7 @@ def check_groups(view):
         counts = told[group["id"]]
         view.expect((group["elements"], group["types"]) == (counts["elements"], counts["elementTypes"]),
                     f"{group['name']} has {group['elements']} {group['types']} instead of {counts}")
-        box = view.run(f"""(async () => {{ const surface = new Surface({number}); await surface.movePoints(-1);
+        box = view.run(f"""(async () => {{ const surface = new Surface({number}); surface.setPoints(await surface.pointsOf(-1));
             return boxOf([surface]).map((corner) => corner.map((value, k) => value + page.origin[k])); }})()""")
         far = max(abs(a - b) for one, other in zip(box, counts["boundingBox"]) for a, b in zip(one, other))
         size = math.dist(*counts["boundingBox"])
@@ -185,7 +185,7 @@ def check_outside(view):
             total += solid["volume"]
     if view.name in ("regions", "moving"):  # on top of each other; no longer a box
         return
-    box = math.prod(b - a for a, b in zip(*view.run("boxOf(visibleSurfaces())")))
+    box = math.prod(b - a for a, b in zip(*view.run("boxOf(drawnSurfaces())")))
     view.expect(abs(total / box - 1) < 1e-4, f"the parts have the volume {total} of {box}")
 
 
@@ -201,9 +201,9 @@ def check_colors(view):
           const value = at.surface.valueAt(at.triangle, at.weights);
           showPicked(null);
           const bytes = pixels(), first = 4 * ((canvas.height - 1 - y) * canvas.width + x);
-          const part = Math.round(255 * Math.min(1, Math.max(0, (value - shown.range[0]) / (shown.range[1] - shown.range[0]))));
+          const part = Math.round(255 * Math.min(1, Math.max(0, (value - drawn.range[0]) / (drawn.range[1] - drawn.range[0]))));
           const table = colorTable(shown.map);
-          return {{ value, range: shown.range, pixel: [...bytes.subarray(first, first + 3)], wanted: [...table.subarray(4 * part, 4 * part + 3)] }};
+          return {{ value, range: drawn.range, pixel: [...bytes.subarray(first, first + 3)], wanted: [...table.subarray(4 * part, 4 * part + 3)] }};
         }})()""")
         if found is None:
             continue
@@ -223,7 +223,7 @@ def check_switches(view):
     view.expect(start["share"] > 0.05 and start["colors"] > 10, f"the picture is empty: {start}")
     results = view.run("page.results.length")
     parts = view.run("[...shown.visible]")
-    patch = view.run("page.groups.findIndex((group) => group.kind === 'patch' && group.faces)")
+    patches = view.run("page.groups.flatMap((group, i) => group.kind === 'patch' && group.faces ? [i] : [])")
     first, result = view.run("[shown.state, shown.result]")
     # In its own range, a state that differs by a factor would look the same.
     ranged = view.show(rangeMode="all")
@@ -233,8 +233,9 @@ def check_switches(view):
     view.expect(view.show(result=-1)["colors"] < start["colors"], "no result still has colours")
     view.expect(view.show(result=result)["hash"] == start["hash"], "switching back does not restore the picture")
     view.expect(view.show(groups=[])["share"] == 0, "without groups there is still something")
-    alone = view.show(groups=[patch])
-    view.expect(0 <= alone["share"] < start["share"], f"a patch alone covers {alone}")
+    alone = [view.show(groups=[patch]) for patch in patches]
+    view.expect(any(0 < one["share"] <= start["share"] for one in alone), "no patch shows by itself")
+    view.expect(len({one["hash"] for one in alone}) > 1, "all patches look alike")
     view.show(groups=parts)
     view.expect(view.show(edges=True)["hash"] != start["hash"], "edges do not show")
     view.show(edges=False)
@@ -249,12 +250,44 @@ def check_switches(view):
     view.expect(view.show(map="Viridis")["hash"] == start["hash"], "the picture is not the same at the end")
 
 
+def check_overlaps(view):
+    """Changes that come while others are under way leave the picture of the last one, and nothing in between mixes."""
+    values = "drawnSurfaces().map((surface) => surface.shown && [surface.shownValues, [...surface.shown.values]])"
+    view.show(groups=view.run("page.groups.flatMap((group, i) => group.faces ? [i] : [])"), state=1)
+    wanted = view.run(values)
+    for delay in (0, 1, 3, 5, 8):
+        view.run("shown.state = 0; kept.clear(); keptBytes = 0; refresh()")
+        mixed = view.run(f"""(async () => {{
+          const looks = new Set();
+          const watch = setInterval(() => {{ draw(); looks.add(new Set(drawnSurfaces().map((s) => s.shownValues)).size); }}, 1);
+          chooseState(1); chooseState(0);
+          await new Promise((resolve) => setTimeout(resolve, {delay}));
+          await chooseState(1);
+          clearInterval(watch);
+          return Math.max(...looks);
+        }})()""")
+        view.expect(view.run(values) == wanted, f"another state's values show after {delay} ms")
+        view.expect(mixed == 1, f"{mixed} states were drawn side by side")
+    view.show(result=-1)
+    view.run("kept.clear(); keptBytes = 0; chooseResult(0); const load = refresh(); draw(); load")
+    steps = view.run("""new Promise((resolve) => {
+      const choose = chooseState, seen = [];
+      chooseState = (number) => { seen.push(number); return choose(number); };
+      play(true); play(false); play(true);
+      setTimeout(() => { play(false); const now = seen.length; setTimeout(() => { chooseState = choose; resolve([now, seen.length]); }, 600); }, 1100);
+    })""")
+    view.expect(2 <= steps[0] <= 7 and steps[1] == steps[0], f"play, pause and play made {steps} steps in 1.1 s")
+    view.expect_no_errors()
+
+
 def check_input(view):
     browser = view.browser
     middle = view.run("(() => { const r = renderer.canvas.getBoundingClientRect(); return [r.x + r.width / 2, r.y + r.height / 2]; })()")
     browser.click(*middle)
     text = view.run("element('picked').hidden ? '' : element('picked').textContent")
     view.expect("Cell" in text and view.run("page.groups[0].name") in text, f"a click shows '{text}'")
+    value = view.run("numberText(shown.picked.surface.valueAt(shown.picked.triangle, shown.picked.weights), 6)")
+    view.expect(value in text, f"a click shows '{text}' without the value {value}")
     angle = view.run("camera.azimuth")
     browser.drag(*middle, 80, 20)
     view.expect(view.run("camera.azimuth") != angle, "dragging does not turn the view")
@@ -271,6 +304,8 @@ def check_input(view):
     state = view.run("shown.state")
     browser.press(",")
     view.expect(view.run("shown.state") == state - 1, "the comma does not go back")
+    # A control that was clicked keeps only the keys that it needs.
+    view.run("element('edges').focus()")
     browser.press("5")
     view.expect(view.run("camera.elevation") == 90, "5 is not the view from the top")
     browser.press("t")
@@ -284,10 +319,12 @@ def check_input(view):
     }).finally(() => play(false))""")
     view.expect(plays, "play stays where it is")
     view.run("element('least').value = '1'; element('greatest').value = '2'; readRange(); refresh()")
-    view.expect(view.run("shown.range") == [1, 2], "a range typed in does not count")
+    view.expect(view.run("drawn.range") == [1, 2], "a range typed in does not count")
+    view.run("element('greatest').value = '0'; readRange()")
+    view.expect(view.run("element('greatest').getAttribute('aria-invalid')") == "true", "a wrong range is not marked")
     view.run("shown.rangeMode = 'all'; refresh()")
     rows = view.run("chart.rows.map((row) => [row.figures.least, row.figures.greatest])")
-    view.expect(view.run("shown.range") == [min(a for a, _ in rows), max(b for _, b in rows)], "the range of all states")
+    view.expect(view.run("drawn.range") == [min(a for a, _ in rows), max(b for _, b in rows)], "the range of all states")
     view.expect(view.run("(async () => { const f = await savePicture(); return f.type + ' ' + (f.size > 2000); })()")
                 == "image/png true", "no picture to save")
 
@@ -312,9 +349,9 @@ def check_names(browser, folder):
     view.expect(view.run("document.querySelectorAll('img, b, #tree script').length") == 0, "a name became an element")
     pressure = view.run("page.results.findIndex((result) => result.field === 'p')")
     view.show(result=pressure, state=1)
-    view.expect("undefined" in view.run("missingText(shown.figures)"), "undefined values are not told")
-    bytes_of_middle = view.run("(() => { const { canvas } = renderer, b = pixels(), i = 4 * ((canvas.height >> 1) * canvas.width + (canvas.width >> 1)); return [...b.subarray(i, i + 3)]; })()")
-    view.expect(len(set(bytes_of_middle)) == 1, f"undefined values show as {bytes_of_middle}")
+    view.expect("undefined" in view.run("missingText(drawn.figures)"), "undefined values are not told")
+    middle = view.run("(() => { const { canvas } = renderer, b = pixels(), i = 4 * ((canvas.height >> 1) * canvas.width + (canvas.width >> 1)); return [...b.subarray(i, i + 4)]; })()")
+    view.expect(len(set(middle[:3])) == 1 and 60 < middle[0] < 150 and middle[3] == 255, f"undefined values show as {middle}")
     view.expect_no_errors()
 
 
@@ -377,6 +414,7 @@ def main():
             check_switches(view)
             if case.name in ("mixed", "cavity"):
                 check_input(view)
+                check_overlaps(view)
             check_outside(view)
             view.expect_no_errors()
         check_names(browser, folder)

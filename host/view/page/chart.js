@@ -60,7 +60,7 @@ class Chart {
 
   drawFrame(context, low, high, yOf, bottom) {
     context.textAlign = "right";
-    for (const tick of ticksOf(low, high, 4.5)) {
+    for (const tick of ticksOf(low, high, 5)) {
       context.fillStyle = themeColor("--line");
       context.fillRect(this.left, yOf(tick) - 0.5, this.width - this.left - this.rightSpace, 1);
       context.fillStyle = themeColor("--faint");
@@ -68,7 +68,7 @@ class Chart {
     }
     context.textAlign = "center";
     const [first, last] = [this.rows[0].time, this.rows[this.rows.length - 1].time];
-    for (const tick of ticksOf(first, last, 6)) context.fillText(numberText(tick), this.placeOf(tick), bottom + 14);
+    for (const tick of ticksOf(first, last, Math.max(2, Math.floor((this.width - this.left - this.rightSpace) / 60)))) context.fillText(numberText(tick), this.placeOf(tick), bottom + 14);
   }
 
   drawLine(context, name, color, yOf) {

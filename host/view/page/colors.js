@@ -33,12 +33,13 @@ function numberText(value, digits = 5) {
   return String(Number(value.toPrecision(digits)));
 }
 
-// Round numbers from least to greatest, about as many as asked.
-function ticksOf(least, greatest, count) {
-  const rough = (greatest - least) / count;
+// Round numbers from least to greatest, at most as many as asked.
+function ticksOf(least, greatest, most) {
+  const rough = (greatest - least) / (most + 1);
   if (!(rough > 0) || !Number.isFinite(rough)) return [least];
   const power = 10 ** Math.floor(Math.log10(rough));
-  const step = [1, 2, 5, 10].map((factor) => factor * power).find((size) => size >= rough * 0.999);
+  const countOf = (step) => Math.floor(greatest / step + 1e-9) - Math.ceil(least / step - 1e-9) + 1;
+  const step = [1, 2, 5, 10, 20].map((factor) => factor * power).find((size) => countOf(size) <= most);
   const ticks = [];
   for (let i = Math.ceil(least / step - 1e-9); i * step <= greatest + step * 1e-9; ++i) ticks.push(i * step);
   return ticks;

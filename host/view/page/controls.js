@@ -89,23 +89,28 @@ function chooseState(number) {
 function readRange() {
   const typed = ["least", "greatest"].map((id) => Number(element(id).value.trim() || NaN));
   const isRange = typed.every(Number.isFinite) && typed[0] <= typed[1];
-  for (const id of ["least", "greatest"]) element(id).setAttribute("aria-invalid", !isRange);
+  for (const id of ["least", "greatest"]) {
+    element(id).setAttribute("aria-invalid", String(!isRange));
+    element(id).title = isRange ? "" : "Two numbers, the lesser one first";
+  }
   if (!isRange) return;
   shown.rangeMode = "typed";
   shown.typed = typed;
   refresh();
 }
 
-function play(on = !shown.timer) {
-  clearTimeout(shown.timer);
-  shown.timer = 0;
+// `shown.playing` is an object of its own for each run, so that a step of an older one ends it.
+function play(on = !shown.playing) {
+  const run = on ? {} : null;
+  shown.playing = run;
   element("play").textContent = on ? "Pause" : "Play";
   if (!on) return;
   const step = async () => {
+    if (shown.playing !== run) return;
     await chooseState((shown.state + 1) % page.states.length);
-    if (shown.timer) shown.timer = setTimeout(step, 250);
+    setTimeout(step, 250);
   };
-  shown.timer = setTimeout(step, 0);
+  step();
 }
 
 function setTheme(name) {
@@ -117,12 +122,12 @@ const switchTheme = () => setTheme(document.documentElement.dataset.theme === "d
 
 function standardView(number) {
   const [, azimuth, elevation] = STANDARD_VIEWS[number];
-  camera.reset(boxOf(visibleSurfaces()), azimuth, elevation);
+  camera.reset(boxOf(drawnSurfaces()), azimuth, elevation);
   refresh();
 }
 
 function resetView() {
-  camera.home(boxOf(visibleSurfaces()));
+  camera.home(boxOf(drawnSurfaces()));
   refresh();
 }
 
@@ -159,7 +164,7 @@ function connectControls() {
   element("map").append(...Object.keys(COLOR_MAPS).map((name) => make("option", name)));
   on("result", "change", () => { chooseResult(Number(element("result").value)); refresh(); });
   on("component", "change", () => { shown.component = Number(element("component").value); refresh(); });
-  on("range", "change", () => { shown.rangeMode = element("range").value; shown.typed = shown.range; refresh(); });
+  on("range", "change", () => { shown.rangeMode = element("range").value; shown.typed = drawn.range; refresh(); });
   for (const id of ["least", "greatest"]) on(id, "change", readRange);
   on("map", "change", () => { shown.map = element("map").value; refresh(); });
   on("edges", "change", () => { shown.edges = element("edges").checked; refresh(); });
@@ -199,8 +204,11 @@ function updateControls() {
   element("range").value = shown.rangeMode;
   const isTyping = ["least", "greatest"].includes(document.activeElement.id);
   ["least", "greatest"].forEach((id, i) => {
-    if (!isTyping) element(id).value = Number.isFinite(shown.range[i]) ? String(Number(shown.range[i].toPrecision(9))) : "";
     element(id).disabled = shown.result < 0;
+    if (isTyping) return;
+    element(id).value = Number.isFinite(drawn.range[i]) ? String(Number(drawn.range[i].toPrecision(9))) : "";
+    element(id).setAttribute("aria-invalid", "false");
+    element(id).title = "";
   });
   element("map").value = shown.map;
   element("edges").checked = shown.edges;

@@ -56,9 +56,14 @@ function connectInput(canvas) {
     return [(2 * x) / canvas.clientWidth - 1, 1 - (2 * y) / canvas.clientHeight];
   }
 
+  // True for a key that the control with the focus needs for itself.
+  function keepsKey({ target, key }) {
+    if (target.tagName === "SELECT" || target.matches("input:not([type])")) return true;
+    return ["INPUT", "BUTTON"].includes(target.tagName) && (key === " " || key === "Enter" || key.startsWith("Arrow"));
+  }
+
   function onKey(event) {
-    const isTyping = ["INPUT", "SELECT", "BUTTON"].includes(event.target.tagName);
-    if (isTyping || event.ctrlKey || event.metaKey || event.altKey || element("help").open) return;
+    if (event.ctrlKey || event.metaKey || event.altKey || element("help").open || keepsKey(event)) return;
     const turn = { ArrowLeft: [1, 0], ArrowRight: [-1, 0], ArrowUp: [0, 1], ArrowDown: [0, -1] }[event.key];
     const actions = {
       "+": () => camera.zoom(0.85), "=": () => camera.zoom(0.85), "-": () => camera.zoom(1 / 0.85),

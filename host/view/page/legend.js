@@ -58,11 +58,30 @@ class Overlay {
     if (length > 40 && Number.isFinite(legend.range[0])) this.drawBar(right, top, length, legend);
     let y = top + Math.max(length, 0) + 20;
     for (const [color, text] of legend.others) {
-      context.fillStyle = rgb(color);
-      context.fillRect(right - 14, y - 6, 14, 12);
+      this.drawSwatch(right - 14, y - 6, color);
       this.text(text, right - 20, y, "right");
       y += 18;
     }
+  }
+
+  drawSwatch(x, y, color) {
+    const { context } = this;
+    context.fillStyle = rgb(color);
+    context.fillRect(x, y, 14, 12);
+    if (color !== MISSING_COLOR) return;
+    context.save();
+    context.beginPath();
+    context.rect(x, y, 14, 12);
+    context.clip();
+    context.strokeStyle = rgb(color.map((part) => part * 0.7));
+    context.lineWidth = 1.5;
+    for (let i = 3; i < 26; i += 6) {
+      context.beginPath();
+      context.moveTo(x + i - 12, y);
+      context.lineTo(x + i, y + 12);
+      context.stroke();
+    }
+    context.restore();
   }
 
   drawBar(right, top, length, { range, table }) {
@@ -75,7 +94,8 @@ class Overlay {
     }
     const place = (value) => top + length * (greatest > least ? (greatest - value) / (greatest - least) : 0.5);
     const ends = greatest > least ? [least, greatest] : [least];
-    const inner = ticksOf(least, greatest, 5).filter((tick) => ends.every((end) => Math.abs(place(tick) - place(end)) > 14));
+    const isClear = (tick) => ends.every((end) => Math.abs(place(tick) - place(end)) > 14);
+    const inner = ticksOf(least, greatest, 6).filter(isClear);
     for (const value of [...ends, ...inner]) {
       const y = place(value);
       context.fillStyle = themeColor("--text");

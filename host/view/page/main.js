@@ -1,70 +1,83 @@
 // SPDX-License-Identifier: MIT
 // What is shown, and how a change of it reaches the picture.
 
+// What was chosen.
 const shown = {
-  visible: new Set(), result: -1, component: 0, state: -1, rangeMode: "state", typed: [0, 1], range: [NaN, NaN],
-  map: "Viridis", edges: false, clipAxis: -1, clipPlace: 0.5, clipFlip: false, figures: null, picked: null, timer: 0,
+  visible: new Set(), result: -1, component: 0, state: -1, rangeMode: "state", typed: [0, 1], map: "Viridis",
+  edges: false, clipAxis: -1, clipPlace: 0.5, clipFlip: false, picked: null, playing: null,
 };
+// What the surfaces hold, which follows as soon as all of it is decoded. Figures are those of the state.
+const drawn = { groups: [], result: -1, component: 0, state: -1, figures: null, range: [NaN, NaN] };
 const surfaces = new Map();
 let renderer;
 let overlay;
 let chart;
-let box = [[0, 0, 0], [1, 1, 1]]; // of what is visible
+let box = [[0, 0, 0], [1, 1, 1]]; // of what is drawn
 let running = null; // the refresh under way
 let isStale = false; // something changed since it started
+let hasLostCard = false;
 let drawRequest = 0;
 let figuresKey = ""; // what `figureRows` are of
 let figureRows = [];
 
-const visibleSurfaces = () => [...shown.visible].sort((a, b) => a - b).map((number) => surfaces.get(number)).filter(Boolean);
+const drawnSurfaces = () => drawn.groups.map((number) => surfaces.get(number));
 
 // Brings the picture in line with `shown`. Changes that come while it runs are taken up by one more turn.
 function refresh() {
   isStale = true;
   running ??= (async () => {
-    try {
-      while (isStale) {
-        isStale = false;
+    while (isStale) {
+      isStale = false;
+      try {
         await update();
+        tell(page.groups.some((group) => group.faces > 0) ? "" : "The case has nothing to draw.");
+      } catch (error) {
+        tell(`The page cannot be shown: ${error.message}`);
+        console.error(error);
       }
-    } catch (error) {
-      tellFailure(error);
-    } finally {
-      running = null;
     }
+    running = null;
   })();
   return running;
 }
 
-function tellFailure(error) {
-  element("message").textContent = `The page cannot be shown: ${error.message}`;
-  console.error(error);
+function tell(message) {
+  element("message").textContent = hasLostCard ? "The graphics card gave up the picture; load the page again." : message;
 }
 
 async function update() {
-  const key = `${shown.result} ${shown.component} ${shown.state}`;
-  for (const number of shown.visible) {
-    const isNew = !surfaces.has(number);
-    const surface = surfaces.get(number) || new Surface(number);
-    if (isNew) await surface.load();
-    const points = await surface.movePoints(shown.state);
-    const values = surface.key !== key;
-    if (values) await surface.loadValues(shown.result, shown.component, shown.state);
+  const { result, component, state } = shown;
+  const groups = [...shown.visible].sort((a, b) => a - b);
+  const changes = await Promise.all(groups.map((number) => decodeSurface(number, result, component, state)));
+  const rows = await figuresOfStates(result, component, groups);
+  // From here on nothing waits, so no picture shows half of a change.
+  for (const { surface, points, values } of changes) {
+    if (points) surface.setPoints(points);
+    if (values) surface.setValues(values);
     renderer.upload(surface, { points, values });
-    surface.key = key;
-    surfaces.set(number, surface);
+    surfaces.set(surface.number, surface);
   }
-  box = camera.box = boxOf(visibleSurfaces());
-  await updateFigures();
+  Object.assign(drawn, { groups, result, component, state, figures: rows.length ? rows[state].figures : null });
+  drawn.range = rangeOf(rows);
+  box = camera.box = boxOf(drawnSurfaces());
+  element("chart").hidden = rows.length < 2;
+  if (rows.length > 1) chart.show(rows, state, legendTitle());
   renderer.setColors(colorTable(shown.map));
   updateControls();
   draw();
   updatePicked();
 }
 
-// Time and figures of each state for the groups that are on. What is shown may change while this runs.
-async function figuresOfStates() {
-  const [result, component, groups] = [shown.result, shown.component, [...shown.visible]];
+// The surface of a group, and what it has to take over.
+async function decodeSurface(number, result, component, state) {
+  const surface = surfaces.get(number) || new Surface(number);
+  if (!surfaces.has(number)) await surface.load();
+  const points = await surface.pointsOf(state);
+  return { surface, points, values: await surface.valuesOf(result, component, state) };
+}
+
+// Time and figures of each state for some groups.
+async function figuresOfStates(result, component, groups) {
   const key = JSON.stringify([result, component, groups]);
   if (figuresKey === key) return figureRows;
   const rows = [];
@@ -75,20 +88,17 @@ async function figuresOfStates() {
   return rows;
 }
 
-async function updateFigures() {
-  const rows = await figuresOfStates();
-  shown.figures = rows.length ? rows[shown.state].figures : null;
+function rangeOf(rows) {
+  if (shown.rangeMode === "typed") return shown.typed;
+  if (shown.rangeMode === "state") return drawn.figures ? [drawn.figures.least, drawn.figures.greatest] : [NaN, NaN];
   const all = rows.map((row) => row.figures).filter((figures) => Number.isFinite(figures.least));
-  if (shown.rangeMode === "typed") shown.range = shown.typed;
-  else if (shown.rangeMode === "all") shown.range = all.length ? [Math.min(...all.map((f) => f.least)), Math.max(...all.map((f) => f.greatest))] : [NaN, NaN];
-  else shown.range = shown.figures ? [shown.figures.least, shown.figures.greatest] : [NaN, NaN];
-  element("chart").hidden = rows.length < 2;
-  if (rows.length > 1 && shown.result >= 0) chart.show(rows, shown.state, legendTitle());
+  if (all.length === 0) return [NaN, NaN];
+  return [Math.min(...all.map((one) => one.least)), Math.max(...all.map((one) => one.greatest))];
 }
 
 function legendTitle() {
-  const result = page.results[shown.result];
-  const component = result.components[shown.component];
+  const result = page.results[drawn.result];
+  const component = result.components[drawn.component];
   return resultTitle(result) + (component ? `, ${component}` : "");
 }
 
@@ -102,17 +112,18 @@ function look() {
     clip[3] = (shown.clipFlip ? -1 : 1) * clipPosition();
   }
   const isDark = document.documentElement.dataset.theme === "dark";
-  const range = Number.isFinite(shown.range[0]) ? shown.range : [0, 0];
+  const range = Number.isFinite(drawn.range[0]) ? drawn.range : [0, 0];
   return { clip, range, edges: shown.edges, edgeColor: isDark ? [0.04, 0.05, 0.06] : [0.13, 0.15, 0.18], missing: MISSING_COLOR, plain: PLAIN_COLOR };
 }
 
 function legend() {
-  if (shown.result < 0) return null;
+  if (drawn.result < 0) return null;
   const others = [];
-  const missing = missingText(shown.figures);
+  const missing = missingText(drawn.figures);
   if (missing) others.push([MISSING_COLOR, missing]);
-  if (visibleSurfaces().some((surface) => !surface.shown)) others.push([PLAIN_COLOR, "without values"]);
-  return { title: legendTitle(), unit: page.results[shown.result].unit, range: shown.range, table: colorTable(shown.map), others };
+  if (drawnSurfaces().some((surface) => !surface.shown)) others.push([PLAIN_COLOR, "without values"]);
+  const { unit } = page.results[drawn.result];
+  return { title: legendTitle(), unit, range: drawn.range, table: colorTable(shown.map), others };
 }
 
 // A picture that goes elsewhere has a caption, for lack of the rest of the page.
@@ -124,8 +135,8 @@ function draw(hasCaption = document.body.classList.contains("picture")) {
     const size = [Math.round(width * ratio), Math.round(height * ratio)];
     if (target.width !== size[0] || target.height !== size[1]) [target.width, target.height] = size;
   }
-  renderer.draw(visibleSurfaces(), look());
-  const state = page.states[shown.state];
+  renderer.draw(drawnSurfaces(), look());
+  const state = page.states[drawn.state];
   const caption = hasCaption ? page.name + (state ? `, ${stateText(state)}` : "") : "";
   overlay.draw(width, height, ratio, { legend: legend(), mark: markPlace(width, height), caption });
 }
@@ -142,7 +153,7 @@ function requestDraw() {
 function pickAt(x, y) {
   const { canvas } = renderer;
   const ratio = canvas.width / canvas.clientWidth;
-  const found = renderer.pick(visibleSurfaces(), look(), Math.floor(x * ratio), canvas.height - 1 - Math.floor(y * ratio));
+  const found = renderer.pick(drawnSurfaces(), look(), Math.floor(x * ratio), canvas.height - 1 - Math.floor(y * ratio));
   if (!found) return showPicked(null);
   const ray = camera.ray((2 * x) / canvas.clientWidth - 1, 1 - (2 * y) / canvas.clientHeight, renderer.aspect());
   const corners = [0, 1, 2].map((k) => found.surface.corner(found.triangle, k));
@@ -162,8 +173,10 @@ function pickedPoint() {
   return weights.reduce((sum, weight, k) => plusScaled(sum, surface.corner(triangle, k), weight), [0, 0, 0]);
 }
 
+const isPickedDrawn = () => shown.picked !== null && drawn.groups.includes(shown.picked.surface.number);
+
 function markPlace(width, height) {
-  if (!shown.picked || !shown.visible.has(shown.picked.surface.number)) return null;
+  if (!isPickedDrawn()) return null;
   const point = [...pickedPoint(), 1];
   const m = camera.matrix(renderer.aspect());
   const [x, y, , w] = [0, 1, 2, 3].map((row) => point.reduce((sum, value, k) => sum + m[4 * k + row] * value, 0));
@@ -184,12 +197,15 @@ function pickedRows() {
   const rows = [[group.kind[0].toUpperCase() + group.kind.slice(1), group.name]];
   if (group.part !== null) rows.push(["Part", page.groups[group.part].name]);
   rows.push([isSolid ? "Cell" : "Face", String(surface.cells[surface.faceOf[triangle]])], ["Place", point.join("  ")]);
-  if (shown.result >= 0) rows.push([legendTitle(), `${valueText(surface.valueAt(triangle, weights))} ${page.results[shown.result].unit}`]);
+  if (drawn.result >= 0) {
+    const value = valueText(surface.valueAt(triangle, weights));
+    rows.push([legendTitle(), `${value} ${page.results[drawn.result].unit}`]);
+  }
   return rows;
 }
 
 function updatePicked() {
-  const isOn = shown.picked !== null && shown.visible.has(shown.picked.surface.number);
+  const isOn = isPickedDrawn();
   element("picked").hidden = !isOn;
   if (!isOn) return;
   const list = make("dl");
@@ -231,19 +247,18 @@ async function start() {
   buildTree();
   chooseResult(await defaultResult(shown.state));
   await refresh();
-  const hasFaces = visibleSurfaces().length > 0;
-  if (element("message").textContent === "Loading") element("message").textContent = hasFaces ? "" : "The case has nothing to draw.";
   resetView();
   await running;
   connectInput(element("view"));
   element("view").addEventListener("webglcontextlost", () => {
-    element("message").textContent = "The graphics card gave up the picture; load the page again.";
+    hasLostCard = true;
+    tell("");
   });
   new ResizeObserver(() => refresh()).observe(element("stage"));
 }
 
 // Resolves when the first picture is complete. A program that takes the picture finds out from the log.
-const started = start().catch(tellFailure).then(() => {
+const started = start().catch((error) => tell(`The page cannot be shown: ${error.message}`)).then(() => {
   const message = element("message").textContent;
   if (location.hash === "#picture") console.info(`picture: ${message.replaceAll('"', "'") || "drawn"}`);
 });

@@ -30,7 +30,9 @@ void main() {
   vec3 base = plain;
   if (hasValues) {
     float t = range.y > range.x ? (shown - range.x) / (range.y - range.x) : 0.5;
-    base = shown > 1e38 ? missing : texture(colors, vec2((clamp(t, 0.0, 1.0) * 255.0 + 0.5) / 256.0, 0.5)).rgb;
+    base = texture(colors, vec2((clamp(t, 0.0, 1.0) * 255.0 + 0.5) / 256.0, 0.5)).rgb;
+    // Hatched, because a map may have the grey too.
+    if (shown > 1e38) base = missing * (mod(floor(gl_FragCoord.x) + floor(gl_FragCoord.y), 9.0) < 2.0 ? 0.7 : 1.0);
   }
   float facing = abs(dot(across, toward)) / max(length(across), 1e-30);
   vec3 lit = base * (0.76 + 0.24 * facing) * (gl_FrontFacing ? 1.0 : 0.8);
@@ -99,8 +101,9 @@ class Renderer {
     }
     if (points) this.fill(entry, 0, 3, surface.cornerPositions(), gl.FLOAT);
     if (values) {
+      gl.bindVertexArray(entry.array);
+      gl.disableVertexAttribArray(1);
       if (surface.shown) this.fill(entry, 1, 1, surface.cornerValues(), gl.FLOAT);
-      else gl.bindVertexArray(entry.array), gl.disableVertexAttribArray(1);
     }
     gl.bindVertexArray(null);
   }

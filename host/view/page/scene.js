@@ -9,6 +9,8 @@ class Surface {
     this.group = page.groups[number];
     this.points = null; // x, y, z of each point, from the page's origin
     this.shownPoints = -1; // the array that they come from
+    this.shown = null; // the values as { base, values, onNodes }; null if there are none
+    this.shownValues = null; // the key of what they are of
   }
 
   // Cuts each face into a fan of triangles. Of each corner of a triangle it keeps the point; of each triangle its face
@@ -32,20 +34,24 @@ class Surface {
     }
   }
 
-  // True if the points changed.
-  async movePoints(state) {
+  // The points in a state, or null if the surface has them already.
+  async pointsOf(state) {
     const moved = state < 0 ? null : page.moved[state][this.number];
     const number = moved === null ? this.group.coordinates : moved;
-    if (number === this.shownPoints) return false;
+    if (number === this.shownPoints) return null;
     const { values, base } = await block(number);
     const count = values.length / 3;
-    this.points = new Float32Array(values.length);
+    const points = new Float32Array(values.length);
     for (let i = 0; i < count; ++i) {
-      for (let k = 0; k < 3; ++k) this.points[3 * i + k] = values[k * count + i] + base[k];
+      for (let k = 0; k < 3; ++k) points[3 * i + k] = values[k * count + i] + base[k];
     }
-    this.box = boxOfPoints(this.points);
+    return { number, points };
+  }
+
+  setPoints({ number, points }) {
+    this.points = points;
+    this.box = boxOfPoints(points);
     this.shownPoints = number;
-    return true;
   }
 
   // Positions of the corners of all triangles.
@@ -60,13 +66,18 @@ class Surface {
     return positions;
   }
 
-  // The values of the items, as { base, values, onNodes }, or null if there are none.
-  async loadValues(result, component, state) {
+  // The values of the items in a state, or null if the surface has them already.
+  async valuesOf(result, component, state) {
+    const key = `${result} ${component} ${state}`;
+    if (key === this.shownValues) return null;
     const number = result < 0 || state < 0 ? null : page.values[state][result][this.number];
-    this.shown = null;
-    if (number !== null) {
-      this.shown = { ...componentOf(await block(number), component), onNodes: page.results[result].onNodes };
-    }
+    if (number === null) return { key, values: null };
+    return { key, values: { ...componentOf(await block(number), component), onNodes: page.results[result].onNodes } };
+  }
+
+  setValues({ key, values }) {
+    this.shown = values;
+    this.shownValues = key;
   }
 
   // Values of the corners. Each corner of a triangle with a value that is not ordinary is undefined, since there is

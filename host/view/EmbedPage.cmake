@@ -8,7 +8,8 @@ foreach(name IN LISTS names)
 endforeach()
 file(READ "${PAGE_FOLDER}/page.html" markup)
 file(READ "${PAGE_FOLDER}/page.css" style)
-# Licence lines are for the sources.
+# Licence lines and indentation are for the sources.
+string(REGEX REPLACE "\n +" "\n" script "${script}")
 string(REGEX REPLACE "// SPDX[^\n]*\n" "" script "${script}")
 string(REGEX REPLACE "/\\* SPDX[^\n]*\n" "" style "${style}")
 string(REGEX REPLACE "<!-- SPDX[^\n]*\n" "" markup "${markup}")

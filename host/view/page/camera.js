@@ -11,19 +11,41 @@ const cornersOf = (box) => [0, 1, 2, 3, 4, 5, 6, 7].map((i) => [0, 1, 2].map((k)
 const HALF_ANGLE = 15; // of the height in perspective
 
 const STANDARD_VIEWS = [
-  ["Front", -90, 0], ["Back", 90, 0], ["Left", 180, 0], ["Right", 0, 0], ["Top", -90, 90], ["Bottom", -90, -90],
+  ["Front", -90, 0],
+  ["Back", 90, 0],
+  ["Left", 180, 0],
+  ["Right", 0, 0],
+  ["Top", -90, 90],
+  ["Bottom", -90, -90],
 ];
 
 const camera = {
-  azimuth: -60, elevation: 28, center: [0, 0, 0], height: 1, size: 1, perspective: true,
-  box: [[0, 0, 0], [1, 1, 1]], // of all that is drawn
+  azimuth: -60,
+  elevation: 28,
+  center: [0, 0, 0],
+  height: 1,
+  size: 1,
+  perspective: true,
+  box: [
+    [0, 0, 0],
+    [1, 1, 1],
+  ], // of all that is drawn
 
   // Shows a whole box: a flat one from its front, any other from above and the side.
   home(box) {
     const size = minus(box[1], box[0]);
     const thin = size.indexOf(Math.min(...size));
     const isFlat = size[thin] < 0.15 * Math.min(...size.filter((_, k) => k !== thin));
-    this.reset(box, ...(isFlat ? [[0, 0], [-90, 0], [-90, 90]][thin] : [-60, 28]));
+    this.reset(
+      box,
+      ...(isFlat
+        ? [
+            [0, 0],
+            [-90, 0],
+            [-90, 90],
+          ][thin]
+        : [-60, 28]),
+    );
   },
 
   reset(box, azimuth, elevation) {
@@ -37,7 +59,9 @@ const camera = {
     const slope = this.perspective ? Math.tan((HALF_ANGLE * Math.PI) / 180) : 0;
     const heights = cornersOf(box).map((corner) => {
       const place = minus(corner, this.center);
-      return 2 * (Math.max(Math.abs(dot(up, place)), Math.abs(dot(right, place)) / aspect) + slope * dot(toward, place));
+      return (
+        2 * (Math.max(Math.abs(dot(up, place)), Math.abs(dot(right, place)) / aspect) + slope * dot(toward, place))
+      );
     });
     this.height = 1.1 * Math.max(...heights, this.size * 1e-3);
   },
@@ -78,12 +102,20 @@ const camera = {
       // Depth before the eye is distance - z.
       const a = (far + near) / (far - near);
       const b = (-2 * far * near) / (far - near);
-      rows = [x.map((v) => (v * scale) / aspect), y.map((v) => v * scale), z.map((v, k) => -a * v + (k === 3 ? a * distance + b : 0)),
-        z.map((v, k) => -v + (k === 3 ? distance : 0))];
+      rows = [
+        x.map((v) => (v * scale) / aspect),
+        y.map((v) => v * scale),
+        z.map((v, k) => -a * v + (k === 3 ? a * distance + b : 0)),
+        z.map((v, k) => -v + (k === 3 ? distance : 0)),
+      ];
     } else {
       const half = (far - near) / 2;
-      rows = [x.map((v) => v / flat / aspect), y.map((v) => v / flat), z.map((v, k) => -v / half + (k === 3 ? (distance - near) / half - 1 : 0)),
-        [0, 0, 0, 1]];
+      rows = [
+        x.map((v) => v / flat / aspect),
+        y.map((v) => v / flat),
+        z.map((v, k) => -v / half + (k === 3 ? (distance - near) / half - 1 : 0)),
+        [0, 0, 0, 1],
+      ];
     }
     return new Float32Array([0, 1, 2, 3].flatMap((column) => rows.map((row) => row[column])));
   },
@@ -91,8 +123,13 @@ const camera = {
   // The ray through a place of the picture, given from -1 to 1 to the right and up.
   ray(px, py, aspect) {
     const { right, up, toward } = this.axes();
-    const onPlane = plusScaled(plusScaled(this.center, right, (px * aspect * this.height) / 2), up, (py * this.height) / 2);
-    if (!this.perspective) return { from: plusScaled(onPlane, toward, 4 * this.size + this.height), along: toward.map((v) => -v) };
+    const onPlane = plusScaled(
+      plusScaled(this.center, right, (px * aspect * this.height) / 2),
+      up,
+      (py * this.height) / 2,
+    );
+    if (!this.perspective)
+      return { from: plusScaled(onPlane, toward, 4 * this.size + this.height), along: toward.map((v) => -v) };
     const from = plusScaled(this.center, toward, this.distance());
     return { from, along: minus(onPlane, from) };
   },

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Least, mean and greatest value over the states.
 
-const CHART_LINES = [["greatest", "#c2410c"], ["mean", "#1f6feb"], ["least", "#0f766e"]];
+const CHART_LINES = [
+  ["greatest", "#c2410c"],
+  ["mean", "#1f6feb"],
+  ["least", "#0f766e"],
+];
 
 class Chart {
   constructor(canvas, choose) {
@@ -18,8 +22,14 @@ class Chart {
     Object.assign(this, { rows, state, title });
     this.draw();
     const described = rows[state];
-    this.canvas.setAttribute("aria-label", described ? `${title} over the states; now ${CHART_LINES
-      .map(([name]) => `${name} ${numberText(described.figures[name])}`).join(", ")}` : "No values");
+    this.canvas.setAttribute(
+      "aria-label",
+      described
+        ? `${title} over the states; now ${CHART_LINES.map(
+            ([name]) => `${name} ${numberText(described.figures[name])}`,
+          ).join(", ")}`
+        : "No values",
+    );
   }
 
   nearest(x) {
@@ -29,7 +39,9 @@ class Chart {
 
   placeOf(time) {
     const [first, last] = [this.rows[0].time, this.rows[this.rows.length - 1].time];
-    return this.left + (last > first ? (time - first) / (last - first) : 0.5) * (this.width - this.left - this.rightSpace);
+    return (
+      this.left + (last > first ? (time - first) / (last - first) : 0.5) * (this.width - this.left - this.rightSpace)
+    );
   }
 
   draw() {
@@ -68,7 +80,8 @@ class Chart {
     }
     context.textAlign = "center";
     const [first, last] = [this.rows[0].time, this.rows[this.rows.length - 1].time];
-    for (const tick of ticksOf(first, last, Math.max(2, Math.floor((this.width - this.left - this.rightSpace) / 60)))) context.fillText(numberText(tick), this.placeOf(tick), bottom + 14);
+    for (const tick of ticksOf(first, last, Math.max(2, Math.floor((this.width - this.left - this.rightSpace) / 60))))
+      context.fillText(numberText(tick), this.placeOf(tick), bottom + 14);
   }
 
   drawLine(context, name, color, yOf) {

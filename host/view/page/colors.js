@@ -28,7 +28,10 @@ function numberText(value, digits = 5) {
   if (!Number.isFinite(value)) return Number.isNaN(value) ? "-" : value > 0 ? "infinite" : "-infinite";
   const size = Math.abs(value);
   if (size !== 0 && (size < 1e-3 || size >= 10 ** Math.max(digits, 5))) {
-    return value.toExponential(digits - 1).replace(/\.?0+e/, "e").replace("e+", "e");
+    return value
+      .toExponential(digits - 1)
+      .replace(/\.?0+e/, "e")
+      .replace("e+", "e");
   }
   return String(Number(value.toPrecision(digits)));
 }

@@ -10,12 +10,19 @@ function make(tag, text, parts = {}) {
   return made;
 }
 
-const KIND_TITLES = { part: "Parts", "cell zone": "Cell zones", patch: "Patches", "face zone": "Face zones", surface: "Sampled surfaces" };
+const KIND_TITLES = {
+  part: "Parts",
+  "cell zone": "Cell zones",
+  patch: "Patches",
+  "face zone": "Face zones",
+  surface: "Sampled surfaces",
+};
 
 function countText(group) {
   const noun = group.kind === "part" || group.kind === "cell zone" ? "cell" : "face";
   const types = Object.entries(group.types || {}).map(([type, count]) => `${count.toLocaleString("en")} ${type}`);
-  const single = types.length === 1 ? types[0] : `${group.elements.toLocaleString("en")} ${noun}${group.elements === 1 ? "" : "s"}`;
+  const single =
+    types.length === 1 ? types[0] : `${group.elements.toLocaleString("en")} ${noun}${group.elements === 1 ? "" : "s"}`;
   const more = types.length > 1 ? ` (${types.join(", ")})` : "";
   return single + more + (group.faces === 0 ? ", nothing to draw" : "");
 }
@@ -27,7 +34,10 @@ function groupRow(number) {
   box.dataset.group = number;
   box.addEventListener("change", () => showGroups([number], box.checked));
   const words = make("span", group.name || "(no name)");
-  const kind = group.type && group.type !== "CellZone" && group.type !== "FaceZone" && group.type !== "SampledSurface" ? group.type + ", " : "";
+  const kind =
+    group.type && group.type !== "CellZone" && group.type !== "FaceZone" && group.type !== "SampledSurface"
+      ? group.type + ", "
+      : "";
   words.append(make("span", kind + countText(group), { className: "count" }));
   const row = make("label", "", { className: group.part === null ? "" : "member" });
   row.append(box, words);
@@ -38,7 +48,10 @@ function groupRow(number) {
 function kindRows(title, numbers) {
   const heading = make("div", `${title} (${numbers.length})`, { className: "kind" });
   if (numbers.length > 1) {
-    for (const [text, on] of [["all", true], ["none", false]]) {
+    for (const [text, on] of [
+      ["all", true],
+      ["none", false],
+    ]) {
       const button = make("button", text, { type: "button", title: `${title}: ${text}` });
       button.addEventListener("click", () => showGroups(numbers, on));
       heading.append(button);
@@ -50,10 +63,11 @@ function kindRows(title, numbers) {
 function buildTree() {
   const tree = element("tree");
   const numbers = page.groups.map((_, i) => i);
-  const byKind = (members) => Object.entries(KIND_TITLES).flatMap(([kind, title]) => {
-    const some = members.filter((i) => page.groups[i].kind === kind);
-    return some.length ? kindRows(title, some) : [];
-  });
+  const byKind = (members) =>
+    Object.entries(KIND_TITLES).flatMap(([kind, title]) => {
+      const some = members.filter((i) => page.groups[i].kind === kind);
+      return some.length ? kindRows(title, some) : [];
+    });
   for (const number of numbers.filter((i) => page.groups[i].kind === "part")) {
     tree.append(groupRow(number), ...byKind(numbers.filter((i) => page.groups[i].part === number)));
   }
@@ -63,18 +77,23 @@ function buildTree() {
 }
 
 function showGroups(numbers, on) {
-  for (const number of numbers.filter((i) => page.groups[i].faces > 0)) on ? shown.visible.add(number) : shown.visible.delete(number);
-  for (const box of document.querySelectorAll("#tree input")) box.checked = shown.visible.has(Number(box.dataset.group));
+  for (const number of numbers.filter((i) => page.groups[i].faces > 0))
+    on ? shown.visible.add(number) : shown.visible.delete(number);
+  for (const box of document.querySelectorAll("#tree input"))
+    box.checked = shown.visible.has(Number(box.dataset.group));
   refresh();
 }
 
-const resultTitle = (result) => result.name + (page.results.filter((other) => other.name === result.name).length > 1 ? ` (${result.field})` : "");
+const resultTitle = (result) =>
+  result.name + (page.results.filter((other) => other.name === result.name).length > 1 ? ` (${result.field})` : "");
 
 function chooseResult(number) {
   shown.result = number;
   const components = number < 0 ? [""] : page.results[number].components;
   shown.component = Math.max(0, components.indexOf("magnitude"));
-  element("component").replaceChildren(...components.map((name, i) => make("option", name || "value", { value: i, selected: i === shown.component })));
+  element("component").replaceChildren(
+    ...components.map((name, i) => make("option", name || "value", { value: i, selected: i === shown.component })),
+  );
   element("component-row").hidden = components.length < 2;
   if (shown.rangeMode === "typed") shown.rangeMode = "state";
   element("result").value = number;
@@ -153,46 +172,89 @@ function savePicture() {
 async function downloadPicture() {
   const address = URL.createObjectURL(await savePicture());
   const state = page.states[shown.state];
-  make("a", "", { href: address, download: `${page.name}${state ? "-" + (state.folder || state.time) : ""}.png` }).click();
+  make("a", "", {
+    href: address,
+    download: `${page.name}${state ? "-" + (state.folder || state.time) : ""}.png`,
+  }).click();
   setTimeout(() => URL.revokeObjectURL(address), 10000);
 }
 
 function connectControls() {
   const on = (id, event, action) => element(id).addEventListener(event, action);
   const none = page.results.length === 0 ? ["no result"] : ["plain"];
-  element("result").append(...page.results.map((result, i) => make("option", resultTitle(result), { value: i })), make("option", none[0], { value: -1 }));
+  element("result").append(
+    ...page.results.map((result, i) => make("option", resultTitle(result), { value: i })),
+    make("option", none[0], { value: -1 }),
+  );
   element("map").append(...Object.keys(COLOR_MAPS).map((name) => make("option", name)));
-  on("result", "change", () => { chooseResult(Number(element("result").value)); refresh(); });
-  on("component", "change", () => { shown.component = Number(element("component").value); refresh(); });
-  on("range", "change", () => { shown.rangeMode = element("range").value; shown.typed = drawn.range; refresh(); });
+  on("result", "change", () => {
+    chooseResult(Number(element("result").value));
+    refresh();
+  });
+  on("component", "change", () => {
+    shown.component = Number(element("component").value);
+    refresh();
+  });
+  on("range", "change", () => {
+    shown.rangeMode = element("range").value;
+    shown.typed = drawn.range;
+    refresh();
+  });
   for (const id of ["least", "greatest"]) on(id, "change", readRange);
-  on("map", "change", () => { shown.map = element("map").value; refresh(); });
-  on("edges", "change", () => { shown.edges = element("edges").checked; refresh(); });
-  on("clip", "change", () => { shown.clipAxis = element("clip").value === "" ? -1 : Number(element("clip").value); refresh(); });
-  on("clip-place", "input", () => { shown.clipPlace = element("clip-place").value / 1000; refresh(); });
-  on("clip-flip", "change", () => { shown.clipFlip = element("clip-flip").checked; refresh(); });
-  on("perspective", "change", () => { camera.perspective = element("perspective").checked; refresh(); });
-  element("views").append(...STANDARD_VIEWS.map(([name], i) => {
-    const button = make("button", name, { type: "button", title: `Key ${i + 1}` });
-    button.addEventListener("click", () => standardView(i));
-    return button;
-  }));
+  on("map", "change", () => {
+    shown.map = element("map").value;
+    refresh();
+  });
+  on("edges", "change", () => {
+    shown.edges = element("edges").checked;
+    refresh();
+  });
+  on("clip", "change", () => {
+    shown.clipAxis = element("clip").value === "" ? -1 : Number(element("clip").value);
+    refresh();
+  });
+  on("clip-place", "input", () => {
+    shown.clipPlace = element("clip-place").value / 1000;
+    refresh();
+  });
+  on("clip-flip", "change", () => {
+    shown.clipFlip = element("clip-flip").checked;
+    refresh();
+  });
+  on("perspective", "change", () => {
+    camera.perspective = element("perspective").checked;
+    refresh();
+  });
+  element("views").append(
+    ...STANDARD_VIEWS.map(([name], i) => {
+      const button = make("button", name, { type: "button", title: `Key ${i + 1}` });
+      button.addEventListener("click", () => standardView(i));
+      return button;
+    }),
+  );
   const reset = make("button", "Reset", { type: "button", title: "Key 0" });
   reset.addEventListener("click", resetView);
   element("views").append(reset);
   element("state").max = Math.max(page.states.length - 1, 0);
   element("states").hidden = page.states.length < 2;
-  on("state", "input", () => { play(false); chooseState(Number(element("state").value)); });
+  on("state", "input", () => {
+    play(false);
+    chooseState(Number(element("state").value));
+  });
   on("play", "click", () => play());
   on("save", "click", downloadPicture);
   on("theme", "click", switchTheme);
   on("help-button", "click", () => element("help").showModal());
-  for (const [button, panel] of [["groups-button", "groups"], ["settings-button", "settings"]]) {
+  for (const [button, panel] of [
+    ["groups-button", "groups"],
+    ["settings-button", "settings"],
+  ]) {
     on(button, "click", () => element(button).setAttribute("aria-expanded", element(panel).classList.toggle("open")));
   }
-  element("precision").textContent = page.bits === 16
-    ? "Coordinates and values are kept in 16 bits: 65532 equal steps of the range of each array."
-    : "Coordinates and values are kept as floats of 32 bits.";
+  element("precision").textContent =
+    page.bits === 16
+      ? "Coordinates and values are kept in 16 bits: 65532 equal steps of the range of each array."
+      : "Coordinates and values are kept as floats of 32 bits.";
 }
 
 // Brings the controls in line with what is shown.
@@ -200,7 +262,12 @@ function updateControls() {
   const state = page.states[shown.state];
   element("state").value = shown.state;
   element("state-name").textContent = state ? stateText(state) : "";
-  element("title").textContent = [page.title === page.name ? "" : page.title, state && page.states.length < 2 ? stateText(state) : ""].filter(Boolean).join(", ");
+  element("title").textContent = [
+    page.title === page.name ? "" : page.title,
+    state && page.states.length < 2 ? stateText(state) : "",
+  ]
+    .filter(Boolean)
+    .join(", ");
   element("range").value = shown.rangeMode;
   const isTyping = ["least", "greatest"].includes(document.activeElement.id);
   ["least", "greatest"].forEach((id, i) => {
@@ -216,5 +283,8 @@ function updateControls() {
   element("clip").value = shown.clipAxis < 0 ? "" : shown.clipAxis;
   element("clip-row").hidden = shown.clipAxis < 0;
   element("clip-place").value = Math.round(shown.clipPlace * 1000);
-  element("clip-value").textContent = shown.clipAxis < 0 ? "" : `${COORDINATE_NAMES[shown.clipAxis]} = ${numberText(clipPosition() + page.origin[shown.clipAxis])}`;
+  element("clip-value").textContent =
+    shown.clipAxis < 0
+      ? ""
+      : `${COORDINATE_NAMES[shown.clipAxis]} = ${numberText(clipPosition() + page.origin[shown.clipAxis])}`;
 }

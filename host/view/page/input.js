@@ -34,12 +34,20 @@ function connectInput(canvas) {
   canvas.addEventListener("pointerup", release);
   canvas.addEventListener("pointercancel", release);
   canvas.addEventListener("contextmenu", (event) => event.preventDefault());
-  canvas.addEventListener("wheel", (event) => {
-    event.preventDefault();
-    const pixels = event.deltaMode === 1 ? event.deltaY * 16 : event.deltaY;
-    camera.zoom(Math.exp(Math.max(-100, Math.min(100, pixels)) * 0.0015), ...fromMiddle(event.offsetX, event.offsetY), renderer.aspect());
-    requestDraw();
-  }, { passive: false });
+  canvas.addEventListener(
+    "wheel",
+    (event) => {
+      event.preventDefault();
+      const pixels = event.deltaMode === 1 ? event.deltaY * 16 : event.deltaY;
+      camera.zoom(
+        Math.exp(Math.max(-100, Math.min(100, pixels)) * 0.0015),
+        ...fromMiddle(event.offsetX, event.offsetY),
+        renderer.aspect(),
+      );
+      requestDraw();
+    },
+    { passive: false },
+  );
   canvas.addEventListener("dblclick", resetView);
   document.addEventListener("keydown", onKey);
 
@@ -66,12 +74,24 @@ function connectInput(canvas) {
     if (event.ctrlKey || event.metaKey || event.altKey || element("help").open || keepsKey(event)) return;
     const turn = { ArrowLeft: [1, 0], ArrowRight: [-1, 0], ArrowUp: [0, 1], ArrowDown: [0, -1] }[event.key];
     const actions = {
-      "+": () => camera.zoom(0.85), "=": () => camera.zoom(0.85), "-": () => camera.zoom(1 / 0.85),
-      "0": resetView, " ": () => page.states.length > 1 && play(),
-      ",": () => chooseState(shown.state - 1), ".": () => chooseState(shown.state + 1),
-      e: () => { shown.edges = !shown.edges; }, p: () => { camera.perspective = !camera.perspective; },
-      t: switchTheme, s: downloadPicture, "?": () => element("help").showModal(),
-      Enter: () => pickAt(canvas.clientWidth / 2, canvas.clientHeight / 2), Escape: () => showPicked(null),
+      "+": () => camera.zoom(0.85),
+      "=": () => camera.zoom(0.85),
+      "-": () => camera.zoom(1 / 0.85),
+      0: resetView,
+      " ": () => page.states.length > 1 && play(),
+      ",": () => chooseState(shown.state - 1),
+      ".": () => chooseState(shown.state + 1),
+      e: () => {
+        shown.edges = !shown.edges;
+      },
+      p: () => {
+        camera.perspective = !camera.perspective;
+      },
+      t: switchTheme,
+      s: downloadPicture,
+      "?": () => element("help").showModal(),
+      Enter: () => pickAt(canvas.clientWidth / 2, canvas.clientHeight / 2),
+      Escape: () => showPicked(null),
     };
     if (turn && event.shiftKey) camera.move(turn[0] * 0.05, turn[1] * 0.05);
     else if (turn) camera.turn(turn[0] * TURN_STEP, turn[1] * TURN_STEP);

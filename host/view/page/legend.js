@@ -11,8 +11,15 @@ const rgb = (color) => `rgb(${color.map((part) => Math.round(part * 255)).join("
 
 // "12 undefined, 3 NaN", or an empty text.
 function missingText(figures) {
-  const names = [["undefined", "undefined"], ["nan", "NaN"], ["infinite", "infinite"]];
-  return names.filter(([key]) => figures[key] > 0).map(([key, name]) => `${figures[key]} ${name}`).join(", ");
+  const names = [
+    ["undefined", "undefined"],
+    ["nan", "NaN"],
+    ["infinite", "infinite"],
+  ];
+  return names
+    .filter(([key]) => figures[key] > 0)
+    .map(([key, name]) => `${figures[key]} ${name}`)
+    .join(", ");
 }
 
 class Overlay {
@@ -123,7 +130,10 @@ class Overlay {
 
   drawMark([x, y]) {
     const { context } = this;
-    for (const [color, width] of [["#ffffff", 4], ["#d1495b", 2]]) {
+    for (const [color, width] of [
+      ["#ffffff", 4],
+      ["#d1495b", 2],
+    ]) {
       context.strokeStyle = color;
       context.lineWidth = width;
       context.beginPath();

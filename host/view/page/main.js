@@ -3,8 +3,19 @@
 
 // What was chosen.
 const shown = {
-  visible: new Set(), result: -1, component: 0, state: -1, rangeMode: "state", typed: [0, 1], map: "Viridis",
-  edges: false, clipAxis: -1, clipPlace: 0.5, clipFlip: false, picked: null, playing: null,
+  visible: new Set(),
+  result: -1,
+  component: 0,
+  state: -1,
+  rangeMode: "state",
+  typed: [0, 1],
+  map: "Viridis",
+  edges: false,
+  clipAxis: -1,
+  clipPlace: 0.5,
+  clipFlip: false,
+  picked: null,
+  playing: null,
 };
 // What the surfaces hold, which follows as soon as all of it is decoded. Figures are those of the state.
 const drawn = { groups: [], result: -1, component: 0, state: -1, figures: null, range: [NaN, NaN] };
@@ -12,7 +23,10 @@ const surfaces = new Map();
 let renderer;
 let overlay;
 let chart;
-let box = [[0, 0, 0], [1, 1, 1]]; // of what is drawn
+let box = [
+  [0, 0, 0],
+  [1, 1, 1],
+]; // of what is drawn
 let running = null; // the refresh under way
 let isStale = false; // something changed since it started
 let hasLostCard = false;
@@ -42,7 +56,9 @@ function refresh() {
 }
 
 function tell(message) {
-  element("message").textContent = hasLostCard ? "The graphics card gave up the picture; load the page again." : message;
+  element("message").textContent = hasLostCard
+    ? "The graphics card gave up the picture; load the page again."
+    : message;
 }
 
 async function update() {
@@ -113,7 +129,14 @@ function look() {
   }
   const isDark = document.documentElement.dataset.theme === "dark";
   const range = Number.isFinite(drawn.range[0]) ? drawn.range : [0, 0];
-  return { clip, range, edges: shown.edges, edgeColor: isDark ? [0.04, 0.05, 0.06] : [0.13, 0.15, 0.18], missing: MISSING_COLOR, plain: PLAIN_COLOR };
+  return {
+    clip,
+    range,
+    edges: shown.edges,
+    edgeColor: isDark ? [0.04, 0.05, 0.06] : [0.13, 0.15, 0.18],
+    missing: MISSING_COLOR,
+    plain: PLAIN_COLOR,
+  };
 }
 
 function legend() {
@@ -153,7 +176,12 @@ function requestDraw() {
 function pickAt(x, y) {
   const { canvas } = renderer;
   const ratio = canvas.width / canvas.clientWidth;
-  const found = renderer.pick(drawnSurfaces(), look(), Math.floor(x * ratio), canvas.height - 1 - Math.floor(y * ratio));
+  const found = renderer.pick(
+    drawnSurfaces(),
+    look(),
+    Math.floor(x * ratio),
+    canvas.height - 1 - Math.floor(y * ratio),
+  );
   if (!found) return showPicked(null);
   const ray = camera.ray((2 * x) / canvas.clientWidth - 1, 1 - (2 * y) / canvas.clientHeight, renderer.aspect());
   const corners = [0, 1, 2].map((k) => found.surface.corner(found.triangle, k));
@@ -258,7 +286,9 @@ async function start() {
 }
 
 // Resolves when the first picture is complete. A program that takes the picture finds out from the log.
-const started = start().catch((error) => tell(`The page cannot be shown: ${error.message}`)).then(() => {
-  const message = element("message").textContent;
-  if (location.hash === "#picture") console.info(`picture: ${message.replaceAll('"', "'") || "drawn"}`);
-});
+const started = start()
+  .catch((error) => tell(`The page cannot be shown: ${error.message}`))
+  .then(() => {
+    const message = element("message").textContent;
+    if (location.hash === "#picture") console.info(`picture: ${message.replaceAll('"', "'") || "drawn"}`);
+  });

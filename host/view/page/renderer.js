@@ -54,7 +54,9 @@ void main() { if (isClipped(place)) discard; found = uvec4(surface + 1u, triangl
 
 // Coplanar faces: the more special group is in front, and of two alike the smaller one.
 const LAYERS = { part: 0, surface: 0, "cell zone": 1, patch: 2, "face zone": 3 };
-const ranks = new Map([...page.groups].sort((a, b) => LAYERS[a.kind] - LAYERS[b.kind] || b.faces - a.faces).map((group, i) => [group, i]));
+const ranks = new Map(
+  [...page.groups].sort((a, b) => LAYERS[a.kind] - LAYERS[b.kind] || b.faces - a.faces).map((group, i) => [group, i]),
+);
 
 class Renderer {
   constructor(canvas) {
@@ -72,7 +74,10 @@ class Renderer {
   program(fragmentSource) {
     const { gl } = this;
     const program = gl.createProgram();
-    for (const [type, source] of [[gl.VERTEX_SHADER, VERTEX_SHADER], [gl.FRAGMENT_SHADER, fragmentSource]]) {
+    for (const [type, source] of [
+      [gl.VERTEX_SHADER, VERTEX_SHADER],
+      [gl.FRAGMENT_SHADER, fragmentSource],
+    ]) {
       const shader = gl.createShader(type);
       gl.shaderSource(shader, source);
       gl.compileShader(shader);
@@ -177,7 +182,10 @@ class Renderer {
     const { width, height } = this.canvas;
     const [color, depth] = [gl.createRenderbuffer(), gl.createRenderbuffer()];
     gl.bindFramebuffer(gl.FRAMEBUFFER, this.pickTarget);
-    for (const [buffer, format, place] of [[color, gl.RGBA32UI, gl.COLOR_ATTACHMENT0], [depth, gl.DEPTH_COMPONENT24, gl.DEPTH_ATTACHMENT]]) {
+    for (const [buffer, format, place] of [
+      [color, gl.RGBA32UI, gl.COLOR_ATTACHMENT0],
+      [depth, gl.DEPTH_COMPONENT24, gl.DEPTH_ATTACHMENT],
+    ]) {
       gl.bindRenderbuffer(gl.RENDERBUFFER, buffer);
       gl.renderbufferStorage(gl.RENDERBUFFER, format, width, height);
       gl.framebufferRenderbuffer(gl.FRAMEBUFFER, place, gl.RENDERBUFFER, buffer);

@@ -16,7 +16,9 @@ class Surface {
   // Cuts each face into a fan of triangles. Of each corner of a triangle it keeps the point; of each triangle its face
   // and which of its sides are sides of the face, bit i for the side opposite corner i.
   async load() {
-    const [sizes, corners, cells] = await Promise.all(["sizes", "corners", "cells"].map((key) => block(this.group[key])));
+    const [sizes, corners, cells] = await Promise.all(
+      ["sizes", "corners", "cells"].map((key) => block(this.group[key])),
+    );
     this.cells = cells;
     this.triangleCount = corners.length - 2 * sizes.length;
     this.corners = new Uint32Array(3 * this.triangleCount);
@@ -133,5 +135,10 @@ function boxOfPoints(points) {
 function boxOf(surfaces) {
   const boxes = surfaces.map((surface) => surface.box).filter(([lower, upper]) => lower[0] <= upper[0]);
   const box = boxOfPoints(boxes.flat(2));
-  return box[0][0] <= box[1][0] ? box : [[0, 0, 0], [1, 1, 1]];
+  return box[0][0] <= box[1][0]
+    ? box
+    : [
+        [0, 0, 0],
+        [1, 1, 1],
+      ];
 }

@@ -75,7 +75,7 @@ write_page() {
 
 if [ $code -eq 0 ] || [ $code -eq 1 ]; then
     say "Writing a page that shows it in any browser"
-    write_page || say "There is no page, for the reason above"
+    write_page || say "No page was written, for the reason above"
 fi
 
 say "The program is $(for_caller "$ddphost"). What to try next:"

@@ -38,21 +38,44 @@ code=0
 "$ddphost" info --counts "$case_path" "$@" || code=$?
 [ $code -ne 2 ] || exit $code # a mistake in the options, which ddphost has explained
 
-# All states, or the latest one if these are too much for a page.
-if [ $code -eq 0 ] || [ $code -eq 1 ]; then
-    folder=$case_path
-    [ -d "$folder" ] || folder=$(dirname "$folder")
-    page=$PWD/build/pages/$(basename "$folder").html
-    mkdir -p build/pages
-    view_options=(-o "$page")
-    [[ " $* " != *" --plain "* ]] || view_options+=(--plain)
-    say "Writing a page that shows it in any browser"
-    view_code=0
-    "$ddphost" view "$case_path" "${view_options[@]}" || view_code=$?
-    if [ $view_code -eq 6 ]; then
-        say "Writing the latest state only"
-        "$ddphost" view "$case_path" "${view_options[@]}" --state latest || true
+# Of the options of info, those that view has too, but for --json: stdout belongs to info.
+view_options=()
+takes_word=false
+for word in "$@"; do
+    if $takes_word; then
+        takes_word=false
+    else
+        case $word in
+            --plugin | --set | --threads | --color) takes_word=true ;;
+            --plugin=* | --set=* | --threads=* | --color=* | --plain | --no-progress | --quiet | --verbose | -[qv]*) ;;
+            *) continue ;;
+        esac
     fi
+    view_options+=("$word")
+done
+
+# Writes the page with all states, or with the latest one if these take too much room. Where the folder can be written,
+# lack of room is all that makes view end with 6.
+write_page() {
+    local folder=$case_path status=0
+    [ -d "$folder" ] || folder=$(dirname "$folder")
+    if ! mkdir -p build/pages || [ ! -w build/pages ]; then
+        say "The folder build/pages cannot be written"
+        return 1
+    fi
+    view_options+=(-o "$PWD/build/pages/$(basename "$folder").html")
+    "$ddphost" view "$case_path" "${view_options[@]}" || status=$?
+    if [ $status -eq 6 ]; then
+        say "Writing the latest state only"
+        status=0
+        "$ddphost" view "$case_path" "${view_options[@]}" --state latest || status=$?
+    fi
+    [ $status -le 1 ] # 1 tells of what could not be read; the page is there
+}
+
+if [ $code -eq 0 ] || [ $code -eq 1 ]; then
+    say "Writing a page that shows it in any browser"
+    write_page || say "No page was written, for the reason above"
 fi
 
 say "The program is $(for_caller "$ddphost"). What to try next:"

@@ -1,9 +1,18 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Makes the Debian packages in build/packages, installing what that needs.
-#
-# usage: tools/package.sh
 set -euo pipefail
+
+if [ $# -gt 0 ]; then
+    cat <<'TXT'
+usage: tools/package.sh
+
+Installs missing Debian packages (as root or through sudo; neither is needed if none is missing), builds the release and
+makes the packages openfoam-data-provider and openfoam-data-provider-dev of it in build/packages.
+TXT
+    [ "$1" = "-h" ] || [ "$1" = "--help" ] || exit 2
+    exit 0
+fi
 
 cd "$(dirname "$(realpath "$0")")/.."
 . tools/setup.sh

@@ -1,11 +1,19 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Makes the Debian packages and tests them: with lintian, then in a bare Debian in a temporary folder, where it installs
-# them, checks the library, builds a host with the -dev package, and removes them. Needs root or sudo. After the build,
-# most of the time goes into packing three times, the root folder, and the checks, about ten seconds each.
-#
-# usage: tools/package_test.sh
+# Makes the Debian packages and tests them. After the build, most of the time goes into packing three times, the root
+# folder, and the checks, about ten seconds each.
 set -euo pipefail
+
+if [ $# -gt 0 ]; then
+    cat <<'TXT'
+usage: tools/package_test.sh
+
+Makes the Debian packages and tests them: with lintian, then in a bare Debian in a temporary folder, where it installs
+them, checks the library, builds a host with the -dev package, and removes them. Needs root or sudo.
+TXT
+    [ "$1" = "-h" ] || [ "$1" = "--help" ] || exit 2
+    exit 0
+fi
 
 cd "$(dirname "$(realpath "$0")")/.."
 . tools/setup.sh
@@ -14,7 +22,7 @@ sudo=()
 [ "$(id -u)" -eq 0 ] || sudo=(sudo)
 work=$(mktemp -d)
 chmod 755 "$work" # apt reads as a user of its own
-root=$work/root
+bare=$work/root
 trap '"${sudo[@]}" rm -rf --one-file-system "$work"' EXIT
 
 stage() { say "$* (after $SECONDS s)"; }
@@ -42,56 +50,56 @@ make_root() {
     apt-config dump | grep -E '^Acquire::(https?|Check-)' >"$work/apt.conf" || true
     [ -n "$(debian_sources)" ] || quietly "${sudo[@]}" apt-get update
     debian_sources | "${sudo[@]}" mmdebstrap --mode=root --variant=essential --include="$depends" \
-        --aptopt="$work/apt.conf" "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$root" -
+        --aptopt="$work/apt.conf" "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$bare" -
 }
 
-in_root() { "${sudo[@]}" chroot "$root" "$@"; }
+in_root() { "${sudo[@]}" chroot "$bare" "$@"; }
 
 # The checks run as processes of their own, which needs /proc. Where nothing can be mounted, the installed program runs
 # outside of the root, with the libraries from there.
 check_library() {
     if "${sudo[@]}" unshare --mount true 2>/dev/null; then
-        "${sudo[@]}" unshare --mount sh -c 'mount -t proc proc "$0/proc" && exec chroot "$0" ddphost check' "$root"
+        "${sudo[@]}" unshare --mount sh -c 'mount -t proc proc "$0/proc" && exec chroot "$0" ddphost check' "$bare"
     else
-        LD_LIBRARY_PATH=$root/usr/lib/$multiarch:$root/lib/$multiarch "$root/usr/bin/ddphost" check
+        LD_LIBRARY_PATH=$bare/usr/lib/$multiarch:$bare/lib/$multiarch "$bare/usr/bin/ddphost" check
     fi
 }
 
 # All files but those that dpkg keeps about packages.
 list_files() {
-    "${sudo[@]}" find "$root" -xdev -path "$root/var/lib/dpkg" -prune -o -path "$root/var/log/dpkg.log" -o \
+    "${sudo[@]}" find "$bare" -xdev -path "$bare/var/lib/dpkg" -prune -o -path "$bare/var/log/dpkg.log" -o \
         -printf '%P %M %u %g %l\n' | sort
 }
 
 install_in_root() {
-    "${sudo[@]}" cp "$runtime_package" "$dev_package" "$root/tmp" &&
+    "${sudo[@]}" cp "$runtime_package" "$dev_package" "$bare/tmp" &&
         in_root dpkg --install "${runtime_package/#build\/packages//tmp}" "${dev_package/#build\/packages//tmp}" &&
-        "${sudo[@]}" rm "$root/tmp/"*.deb
+        "${sudo[@]}" rm "$bare/tmp/"*.deb
 }
 
 # Nothing of the machine itself may be found in place of what the package installs.
 build_with_cmake() {
-    cmake -S "$root/usr/share/doc/openfoam-data-provider-dev/examples/minimal_host" -B "$work/cmake" -G Ninja \
-        -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_FIND_ROOT_PATH="$root" -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY &&
+    cmake -S "$bare/usr/share/doc/openfoam-data-provider-dev/examples/minimal_host" -B "$work/cmake" -G Ninja \
+        -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_FIND_ROOT_PATH="$bare" -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY &&
         cmake --build "$work/cmake"
 }
 
-in_root_pkg_config() { PKG_CONFIG_LIBDIR=$root/usr/lib/$multiarch/pkgconfig pkg-config "$@" openfoam-data-provider; }
+in_root_pkg_config() { PKG_CONFIG_LIBDIR=$bare/usr/lib/$multiarch/pkgconfig pkg-config "$@" openfoam-data-provider; }
 
 build_with_pkg_config() {
     local flags
-    flags=$(PKG_CONFIG_SYSROOT_DIR=$root in_root_pkg_config --cflags --libs) &&
-        clang++-14 -std=c++17 "$root/usr/share/doc/openfoam-data-provider-dev/examples/minimal_host/main.cpp" $flags \
+    flags=$(PKG_CONFIG_SYSROOT_DIR=$bare in_root_pkg_config --cflags --libs) &&
+        clang++-14 -std=c++17 "$bare/usr/share/doc/openfoam-data-provider-dev/examples/minimal_host/main.cpp" $flags \
             -o "$work/minimal_host"
 }
 
 opens_case() {
     local plugin output status=0
     plugin=$(in_root_pkg_config --variable=plugindir)/libOpenFoamPlugin.so
-    "${sudo[@]}" install "$1" "$root/tmp/minimal_host"
+    "${sudo[@]}" install "$1" "$bare/tmp/minimal_host"
     output=$(in_root /tmp/minimal_host "$plugin" /usr/share/doc/openfoam-data-provider/examples/cavity/case.foam) ||
         status=$?
-    "${sudo[@]}" rm "$root/tmp/minimal_host"
+    "${sudo[@]}" rm "$bare/tmp/minimal_host"
     printf '%s\n' "$output"
     [ $status -eq 0 ] && [[ $output == *"part 1: default_region"*movingWall*"result 1: Velocity"* ]]
 }

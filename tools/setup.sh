@@ -45,7 +45,7 @@ BUILD_PACKAGES="clang-14 cmake ninja-build libstdc++-12-dev libtbb-dev zlib1g-de
 TEST_PACKAGES="libgtest-dev libbenchmark-dev binutils locales python3-jsonschema"
 PACKAGING_PACKAGES="debhelper dpkg-dev"
 PACKAGE_TEST_PACKAGES="lintian mmdebstrap pkgconf"
-CHECK_PACKAGES="g++ clang-format-14 clang-tidy-14 libclang-rt-14-dev chromium zsh fish bash-completion man-db groff mandoc"
+CHECK_PACKAGES="g++ clang-format-14 clang-tidy-14 libclang-rt-14-dev chromium zsh fish bash-completion man-db groff mandoc python3-numpy python3-vtk9"
 
 # Builds a preset, configured before if it never was, or only for a copy of this tree; more arguments go to the
 # configuration.

@@ -23,6 +23,20 @@ inline constexpr std::int32_t KIND_TENSOR = 4;
 inline constexpr std::int32_t MAPPING_NODE = 0;
 inline constexpr std::int32_t MAPPING_ELEMENT = 1;
 
+/// Components of a value of this kind.
+constexpr std::int32_t componentCount(std::int32_t kind)
+{
+    switch (kind) {
+    case KIND_TENSOR:
+        return 6;
+    case KIND_VECTOR:
+    case KIND_DISPLACEMENT:
+        return 3;
+    default:
+        return 1;
+    }
+}
+
 /// What a declared group is, derived from the calls that declare it.
 enum class HostGroupKind
 {

@@ -46,18 +46,6 @@ void forEachDelivery(CheckRun& run, Visit visit)
     }
 }
 
-std::int32_t dimensionOf(std::int32_t kind)
-{
-    switch (kind) {
-    case KIND_SCALAR:
-        return 1;
-    case KIND_TENSOR:
-        return 6;
-    default:
-        return 3;
-    }
-}
-
 std::size_t itemsOf(const Delivery& delivery, std::size_t group)
 {
     const HostElementGroup& elements = delivery.sound.geometry->elementGroups[group];
@@ -114,7 +102,7 @@ void checkValueArrays(CheckRun& run)
             run.fail(fmt::format("{}: {}", delivery.name(), error.what()));
         }
         for (const HostValueGroup& values : delivery.result.groups) {
-            run.expect(values.dimension == dimensionOf(delivery.info.kind) || values.values.empty(),
+            run.expect(values.dimension == componentCount(delivery.info.kind) || values.values.empty(),
                        fmt::format("{} has {} components", delivery.name(), values.dimension));
         }
     });

@@ -84,8 +84,7 @@ std::uint64_t expectedBytes(const HostNodeGroup& nodes, const HostElementGroup& 
     std::uint64_t numbers = 3 * nodes.nodeCount() + elements.connectivity.size() + 2 * elements.elementCount() +
                             tables.nodesPerFace.size() + tables.faceConnectivity.size();
     for (const ExportedResult& result : results) {
-        const std::uint64_t components =
-            result.info->kind == KIND_TENSOR ? 6 : (result.info->kind == KIND_VECTOR ? 3 : 1);
+        const auto components = static_cast<std::uint64_t>(componentCount(result.info->kind));
         numbers += components * (result.info->mapping == MAPPING_NODE ? nodes.nodeCount() : elements.elementCount());
     }
     return numbers * NUMBER;

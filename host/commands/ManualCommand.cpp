@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "border/HostError.h"
 #include "commands/Commands.h"
 #include "help/HelpFormatter.h"
 #include "help/ManualPage.h"
@@ -7,6 +8,9 @@
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
 
 namespace {
 

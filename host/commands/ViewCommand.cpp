@@ -46,36 +46,30 @@ class Viewer
 {
 public:
     Viewer(HostContext& context, const ViewOptions& options)
-        : m_context(context), m_options(options), m_opened(context.open(options.casePath))
+        : m_context(context), m_options(options), m_opened(context.open(options.casePath)),
+          m_page(options.page.empty() ? fs::path(caseName() + ".html") : fs::path(options.page))
     {}
 
     ExitCode run()
     {
         // Without a handler a file that grows past the limit of the process ends it before anything can be told.
         static_cast<void>(signal(SIGXFSZ, SIG_IGN));
-        if (!m_options.picture.empty() && !hasChromium()) {
-            throw HostError(ExitCode::CannotWrite, NO_CHROMIUM);
-        }
-        const fs::path picture =
-            m_options.picture.empty() ? fs::path() : outputTarget(m_options.picture, PICTURE_FORM, m_options.overwrite);
+        const fs::path picture = m_options.picture.empty() ? fs::path() : choosePicture();
         PageContent content = select();
         const std::vector<LoggedCause> unread = unreadMeshes(*m_opened);
         noteWhatIsMissing(unread, &content);
         std::unique_ptr<ScratchFolder> scratch;
-        // With --png alone the page is only a means.
-        if (m_options.page.empty() && !m_options.picture.empty() && !m_options.opens) {
+        if (!keepsPage()) {
             scratch = std::make_unique<ScratchFolder>();
             m_page = scratch->path() / "page.html";
-        } else {
-            m_page = m_options.page.empty() ? fs::path(caseName() + ".html") : fs::path(m_options.page);
         }
         writePage(content);
         if (!m_options.picture.empty()) {
-            savePicture(m_page, picture);
+            drawPicture(picture, content);
         }
         const ExitCode code = unread.empty() ? ExitCode::Good : ExitCode::Findings;
         interruptsEndWith(static_cast<int>(code));
-        report(content, scratch == nullptr);
+        report(content);
         tellUnreadMeshes(unread);
         if (m_report.hasUndefined && !m_context.options.quiet) {
             tellUser("some values are undefined and show grey; " + doctorHint(m_options.casePath));
@@ -88,6 +82,23 @@ public:
     }
 
 private:
+    /// With --png alone the page is only a means.
+    bool keepsPage() const { return !m_options.page.empty() || m_options.picture.empty() || m_options.opens; }
+
+    /// The file for the picture.
+    fs::path choosePicture() const
+    {
+        fs::path picture = outputTarget(m_options.picture, PICTURE_FORM, m_options.overwrite);
+        if (keepsPage() && picture == outputTarget(m_page, PAGE_FORM, m_options.overwrite)) {
+            throw HostError(ExitCode::Usage,
+                            fmt::format("{} cannot be both the page and its picture", m_options.picture));
+        }
+        if (!hasChromium()) {
+            throw HostError(ExitCode::CannotWrite, NO_CHROMIUM);
+        }
+        return picture;
+    }
+
     /// The name of the case's folder.
     std::string caseName() const
     {
@@ -119,7 +130,8 @@ private:
         const HostMetaData& metaData = m_opened->metaData();
         const auto note = [&](std::size_t had, std::size_t shown, const char* noun) {
             if (shown < had) {
-                content->leftOut.push_back(fmt::format("{} of {} were not selected", had - shown, counted(had, noun)));
+                content->leftOut.push_back(fmt::format("{} of {} {} not selected", had - shown, counted(had, noun),
+                                                       had - shown == 1 ? "was" : "were"));
             }
         };
         const auto colours = static_cast<std::size_t>(std::ranges::count_if(
@@ -145,11 +157,24 @@ private:
         m_report = writeCasePage(*m_opened, content, &file, [&] { progress.advance(); });
     }
 
+    /// @throws HostError as `savePicture`, after the page has been told, which stays
+    void drawPicture(const fs::path& picture, const PageContent& content) const
+    {
+        try {
+            savePicture(m_page, picture);
+        } catch (...) {
+            if (!m_context.options.quiet) {
+                tellPage(content);
+            }
+            throw;
+        }
+    }
+
     /// Tells what was written, once it is in place.
-    void report(const PageContent& content, bool keepsPage) const
+    void report(const PageContent& content) const
     {
         if (m_context.options.json) {
-            writeDocument(makeDocument(content, keepsPage));
+            writeDocument(makeDocument(content));
         }
         if (m_context.options.quiet) {
             return;
@@ -160,14 +185,19 @@ private:
                 tellUser("left out: " + line);
             }
         }
-        if (keepsPage) {
+        tellPage(content);
+        if (!m_options.picture.empty()) {
+            tellWritten("wrote " + m_options.picture);
+        }
+    }
+
+    void tellPage(const PageContent& content) const
+    {
+        if (keepsPage()) {
             tellWritten(fmt::format("wrote {}: {}, {}, {}, {}", m_page.string(),
                                     counted(content.states.size(), "state"), counted(content.results.size(), "result"),
                                     counted(m_report.groups.size(), "group"),
                                     byteText(static_cast<double>(m_report.byteCount))));
-        }
-        if (!m_options.picture.empty()) {
-            tellWritten("wrote " + m_options.picture);
         }
     }
 
@@ -176,10 +206,10 @@ private:
         static_cast<void>(std::fputs((escapedControls(line) + "\n").c_str(), stderr));
     }
 
-    Json makeDocument(const PageContent& content, bool keepsPage) const
+    Json makeDocument(const PageContent& content) const
     {
         Json document = newDocument("view");
-        document["page"] = keepsPage ? Json(m_page.string()) : Json(nullptr);
+        document["page"] = keepsPage() ? Json(m_page.string()) : Json(nullptr);
         document["picture"] = m_options.picture.empty() ? Json(nullptr) : Json(m_options.picture);
         document["bytes"] = m_report.byteCount;
         document["states"] = Json::array();
@@ -234,11 +264,11 @@ void addViewCommand(CLI::App* app, HostContext* context)
                    ->type_name("BITS"),
                {{"16", static_cast<int>(PagePrecision::Steps16)}, {"32", static_cast<int>(PagePrecision::Floats32)}});
     CLI::Option* const limit =
-        command->add_option("--limit", options->limit, "The greatest size of the page in MB")->type_name("MB");
-    limit->capture_default_str();
+        command->add_option("--limit", options->limit, "The greatest size of the page in MB, 64 by default")
+            ->type_name("MB");
     limitCount(limit, 1, 100000);
     command->add_flag("--overwrite", options->overwrite,
-                      "Replace files that are no page of ddphost or no picture, too");
+                      "Also replace a file that is not a page of ddphost, or not a PNG picture");
     addPlainFlag(command, &context->options);
     command->callback([=] {
         context->command = [=] {

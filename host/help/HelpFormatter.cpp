@@ -5,16 +5,24 @@
 
 #include <fmt/format.h>
 
+#include <sstream>
+#include <string_view>
+
 namespace {
 
 constexpr std::size_t HELP_WIDTH = 100;
+constexpr std::string_view INDENT = "      ";
 
 /// A list as CLI11 writes the options.
 std::string titledList(const char* title, const std::vector<HelpEntry>& entries)
 {
     std::string text = entries.empty() ? std::string() : fmt::format("{}:\n", title);
     for (const HelpEntry& entry : entries) {
-        text += fmt::format("  {}\n      {}\n", entry.term, entry.text);
+        text += fmt::format("  {}\n", entry.term);
+        std::istringstream lines(wrapped(entry.text, HELP_WIDTH - INDENT.size()));
+        for (std::string line; std::getline(lines, line);) {
+            text += fmt::format("{}{}\n", INDENT, line);
+        }
     }
     return entries.empty() ? text : text + "\n";
 }
@@ -22,8 +30,8 @@ std::string titledList(const char* title, const std::vector<HelpEntry>& entries)
 std::string exitCodeLine()
 {
     std::string text;
-    for (const HelpEntry& entry : exitCodeTexts()) {
-        text += fmt::format("{}{} {}", text.empty() ? "Exit codes: " : ", ", entry.term, entry.text);
+    for (const ExitCodeText& one : exitCodeTexts()) {
+        text += fmt::format("{}{} {}", text.empty() ? "Exit codes: " : ", ", one.code, one.name);
     }
     return wrapped(text, HELP_WIDTH);
 }

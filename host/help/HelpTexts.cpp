@@ -4,16 +4,19 @@
 #include <map>
 #include <sstream>
 
-const std::vector<HelpEntry>& exitCodeTexts()
+const std::vector<ExitCodeText>& exitCodeTexts()
 {
-    static const std::vector<HelpEntry> texts = {{"0", "success"},
-                                                 {"1", "findings"},
-                                                 {"2", "usage"},
-                                                 {"3", "case refused"},
-                                                 {"4", "library not loadable"},
-                                                 {"5", "library misbehaved"},
-                                                 {"6", "cannot write output"},
-                                                 {"130", "interrupted (143 by SIGTERM)"}};
+    static const std::vector<ExitCodeText> texts = {
+        {"0", "success", "everything was done, and nothing wrong was found"},
+        {"1", "findings",
+         "everything was done, but something could not be read, a value is NaN or infinite, or a "
+         "check failed"},
+        {"2", "usage", "the command line makes no sense, or names a file that must not be replaced"},
+        {"3", "case refused", "the library does not open the case, or does not have what was asked for"},
+        {"4", "library not loadable", "there is no library, or it is not one that this program can load"},
+        {"5", "library misbehaved", "the library crashed, threw an exception or delivered broken data"},
+        {"6", "cannot write output", "a file cannot be written, or a picture cannot be drawn"},
+        {"130", "interrupted (143 by SIGTERM)", "128 plus the number of the signal"}};
     return texts;
 }
 

@@ -13,8 +13,16 @@ struct HelpEntry
     std::string text;
 };
 
+/// An exit code and what it means.
+struct ExitCodeText
+{
+    std::string code;
+    std::string name;
+    std::string meaning; ///< more than the name says, for the manual pages
+};
+
 /// The exit codes of all commands.
-const std::vector<HelpEntry>& exitCodeTexts();
+const std::vector<ExitCodeText>& exitCodeTexts();
 
 /// The environment variables that the program or the library reads.
 const std::vector<HelpEntry>& environmentTexts();

@@ -88,6 +88,15 @@ std::string listSection(const char* title, const std::vector<HelpEntry>& entries
     return text;
 }
 
+std::string exitCodeSection()
+{
+    std::string text = ".SH EXIT STATUS\n";
+    for (const ExitCodeText& one : exitCodeTexts()) {
+        text += item(bold(one.code), fmt::format("{}: {}", one.name, one.meaning));
+    }
+    return text;
+}
+
 /// The first sentence of the description, without the capital and the full stop of one.
 std::string headline(const CLI::App& app)
 {
@@ -212,7 +221,7 @@ std::string manualPage(const CLI::App& app, const std::string& date)
     return fmt::format(".TH {} 1 \"{}\" \"ddphost {}\" \"User Commands\"\n", upperCase(name), date, DDPHOST_VERSION) +
            ".SH NAME\n" + textLines(escaped(name) + " \\- " + escaped(headline(app))) +
            fmt::format(".SH SYNOPSIS\n{}\n", synopsis(app)) + descriptionSection(app) + commandSection(app) +
-           argumentSection(app) + optionSection(app) + listSection("EXIT STATUS", exitCodeTexts()) +
+           argumentSection(app) + optionSection(app) + exitCodeSection() +
            listSection("ENVIRONMENT", environmentTexts()) + listSection("FILES", fileTexts()) +
            listSection("EXAMPLES", exampleTexts(app.get_name())) + seeAlsoSection(app);
 }

@@ -56,3 +56,9 @@ void makeFolder(const std::filesystem::path& folder)
                         fmt::format("cannot create the folder {}: {}", folder.string(), error.message()));
     }
 }
+
+void removeQuietly(const std::filesystem::path& path)
+{
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+}

@@ -44,3 +44,6 @@ private:
 /// Creates a folder and its parents.
 /// @throws HostError of `CannotWrite`
 void makeFolder(const std::filesystem::path& folder);
+
+/// Removes a file, or a folder with all that is in it; what cannot be removed stays.
+void removeQuietly(const std::filesystem::path& path);

@@ -2,17 +2,19 @@
 #include "view/Browser.h"
 
 #include "border/HostError.h"
+#include "border/TextForms.h"
 #include "output/Interrupt.h"
 #include "view/ScratchFolder.h"
+#include "view/TemporaryFile.h"
 
 #include <fmt/format.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -87,15 +89,35 @@ std::string addressOf(const fs::path& file)
     return address;
 }
 
-/// Starts a program that writes to a file and reads nothing.
-pid_t start(const std::vector<std::string>& arguments, const fs::path& output)
+/// Texts in the form in which a program gets them.
+std::vector<char*> pointersTo(const std::vector<std::string>& texts)
 {
-    std::vector<char*> list;
-    list.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments) {
-        list.push_back(const_cast<char*>(argument.c_str()));
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts) {
+        pointers.push_back(const_cast<char*>(text.c_str()));
     }
-    list.push_back(nullptr);
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// Our environment, but with this folder for temporary files.
+std::vector<std::string> environmentWith(const fs::path& temporaryFiles)
+{
+    constexpr std::string_view VARIABLE = "TMPDIR=";
+    std::vector<std::string> entries = {std::string(VARIABLE) + temporaryFiles.string()};
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        if (!std::string_view(*entry).starts_with(VARIABLE)) {
+            entries.emplace_back(*entry);
+        }
+    }
+    return entries;
+}
+
+/// Starts a program that writes to a file and reads nothing.
+pid_t start(const std::vector<std::string>& arguments, char** environment, const fs::path& output)
+{
+    const std::vector<char*> list = pointersTo(arguments);
     posix_spawn_file_actions_t actions = {};
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
@@ -110,7 +132,7 @@ pid_t start(const std::vector<std::string>& arguments, const fs::path& output)
     sigemptyset(&none);
     posix_spawnattr_setsigmask(&attributes, &none);
     pid_t process = -1;
-    const int error = posix_spawn(&process, list[0], &actions, &attributes, list.data(), environ);
+    const int error = posix_spawn(&process, list[0], &actions, &attributes, list.data(), environment);
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     if (error != 0) {
@@ -126,34 +148,57 @@ pid_t start(const std::vector<std::string>& arguments, const fs::path& output)
 class Program
 {
 public:
-    Program() : m_onInterrupt([this] { end(); }) {}
+    Program()
+        : m_onInterrupt([this] {
+              // Stays locked until the process ends, so that nothing is started any more.
+              m_mutex.lock();
+              end();
+          })
+    {}
 
+    /// Runs with the folder for its temporary files.
     /// @return false if it had to be ended
-    bool run(const std::vector<std::string>& arguments, const fs::path& output)
+    bool run(const std::vector<std::string>& arguments, const fs::path& output, const fs::path& temporaryFiles)
     {
-        m_process = start(arguments, output);
+        const std::vector<std::string> environment = environmentWith(temporaryFiles);
+        {
+            const std::lock_guard lock(m_mutex);
+            m_process = start(arguments, pointersTo(environment).data(), output);
+        }
         const auto latest = std::chrono::steady_clock::now() + LONGEST_RUN;
-        while (waitpid(m_process, nullptr, WNOHANG) == 0) {
+        while (isRunning()) {
             if (std::chrono::steady_clock::now() > latest) {
+                const std::lock_guard lock(m_mutex);
                 end();
                 return false;
             }
             std::this_thread::sleep_for(LOOK_INTERVAL);
         }
-        m_process = 0;
         return true;
     }
 
 private:
+    bool isRunning()
+    {
+        const std::lock_guard lock(m_mutex);
+        if (waitpid(m_process, nullptr, WNOHANG) != 0) {
+            m_process = 0;
+        }
+        return m_process != 0;
+    }
+
+    /// For a caller that has the lock.
     void end()
     {
-        if (const pid_t process = m_process.exchange(0); process > 0) {
-            static_cast<void>(kill(-process, SIGKILL));
-            static_cast<void>(waitpid(process, nullptr, 0));
+        if (m_process != 0) {
+            static_cast<void>(kill(-m_process, SIGKILL));
+            static_cast<void>(waitpid(m_process, nullptr, 0));
+            m_process = 0;
         }
     }
 
-    std::atomic<pid_t> m_process = 0;
+    std::mutex m_mutex;
+    pid_t m_process = 0; ///< 0 if none runs
     OnInterrupt m_onInterrupt;
 };
 
@@ -163,12 +208,35 @@ std::string textOf(const fs::path& file)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+/// The message with the last line that the browser wrote, which often tells why it gave up.
+std::string withLastLine(const std::string& message, const std::string& log)
+{
+    constexpr std::size_t LONGEST = 200;
+    const std::string text = withoutTrailingBlanks(log);
+    const std::string line = text.substr(text.rfind('\n') + 1, LONGEST);
+    return line.empty() ? message : fmt::format("{}; it wrote last: {}", message, line);
+}
+
+/// The page, or a copy of it in the folder if the browser would take the file for plain text. It looks only at the
+/// name, and through links.
+fs::path namedAsPage(const fs::path& page, const fs::path& folder)
+{
+    fs::path file = fs::canonical(page);
+    const std::string extension = lowerCase(file.extension().string());
+    if (extension == ".html" || extension == ".htm") {
+        return file;
+    }
+    fs::path copy = folder / "page.html";
+    fs::copy_file(file, copy);
+    return copy;
+}
+
 /// Why there is no picture, from what the browser wrote.
 std::string failureOf(const std::string& log)
 {
     const std::size_t mark = log.find(FAILED_MARK);
-    if (mark == std::string::npos) {
-        return "the browser does not draw the page";
+    if (mark == std::string::npos || mark == log.find(DRAWN_MARK)) {
+        return withLastLine("the browser does not draw the page", log);
     }
     const std::size_t first = mark + FAILED_MARK.size();
     return log.substr(first, log.find_first_of("\"\n", first) - first);
@@ -178,13 +246,16 @@ void move(const fs::path& from, const fs::path& to)
 {
     std::error_code error;
     fs::rename(from, to, error);
-    // The temporary files may be on another file system.
-    if (error) {
-        fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+    if (!error) {
+        return;
     }
+    // The temporary files may be on another file system.
+    const TemporaryFile copy(to);
+    fs::copy_file(from, copy.path(), error);
     if (error) {
         fail(fmt::format("cannot write {}: {}", to.string(), error.message()));
     }
+    copy.moveToTarget();
 }
 
 } // namespace
@@ -214,11 +285,13 @@ void savePicture(const fs::path& page, const fs::path& picture)
     if (geteuid() == 0) {
         arguments.emplace_back("--no-sandbox");
     }
-    arguments.push_back(addressOf(page) + PICTURE_MODE);
-    if (!browser.run(arguments, log)) {
-        fail(fmt::format("{} did not draw the page in {} seconds", program.string(), LONGEST_RUN.count()));
-    }
+    arguments.push_back(addressOf(namedAsPage(page, scratch.path())) + PICTURE_MODE);
+    const bool ended = browser.run(arguments, log, scratch.path());
     const std::string told = textOf(log);
+    if (!ended) {
+        fail(withLastLine(fmt::format("{} did not draw the page in {} seconds", program.string(), LONGEST_RUN.count()),
+                          told));
+    }
     if (told.find(DRAWN_MARK) == std::string::npos || !fs::exists(drawn)) {
         fail(fmt::format("no picture of the page: {}", failureOf(told)));
     }
@@ -232,7 +305,7 @@ bool openPage(const fs::path& page)
         return false;
     }
     // It ends with a code that says whether there is a browser, or, without a desktop, becomes the browser.
-    const pid_t process = start({opener.string(), fs::absolute(page).string()}, "/dev/null");
+    const pid_t process = start({opener.string(), fs::absolute(page).string()}, environ, "/dev/null");
     const auto latest = std::chrono::steady_clock::now() + LONGEST_SEARCH;
     int status = 0;
     while (waitpid(process, &status, WNOHANG) == 0) {

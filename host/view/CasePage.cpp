@@ -95,17 +95,20 @@ public:
         for (const std::vector<double>& ofResult : m_figures) {
             figures.push_back(m_file.add(packDoubles(ofResult)));
         }
-        m_file.finish({{"name", m_content.name},
-                       {"title", m_opened.metaData().title},
-                       {"origin", m_middle},
-                       {"bits", static_cast<int>(m_content.precision)},
-                       {"groups", groups},
-                       {"states", stateList()},
-                       {"results", resultList()},
-                       {"values", values},
-                       {"moved", moved},
-                       {"figures", figures},
-                       {"leftOut", m_content.leftOut}});
+        checkSize();
+        m_file.describe({{"name", m_content.name},
+                         {"title", m_opened.metaData().title},
+                         {"origin", m_middle},
+                         {"bits", static_cast<int>(m_content.precision)},
+                         {"groups", groups},
+                         {"states", stateList()},
+                         {"results", resultList()},
+                         {"values", values},
+                         {"moved", moved},
+                         {"figures", figures},
+                         {"leftOut", m_content.leftOut}});
+        checkSize();
+        m_file.finish();
         PageReport report = {{}, m_content.leftOut, m_file.byteCount(), m_hasUndefined};
         for (const PageGroup& group : m_groups) {
             report.groups.push_back({group.group->id, group.group->name, kindName(group.kind), group.elementCount,
@@ -200,15 +203,17 @@ private:
         const HostResultInfo& info = *m_content.results[position];
         Json blocks(std::vector<Json>(m_groups.size()));
         const std::unique_ptr<HostResult> result = m_opened.result(info, m_content.states[m_state]->id);
+        const std::int32_t expected = componentCount(info.kind);
         for (std::size_t i = 0; i < m_groups.size(); ++i) {
             const PageGroup& group = m_groups[i];
-            const HostValueGroup values =
-                result == nullptr ? HostValueGroup() : allValues(m_opened, group, info, *result);
-            addFigures(position, values);
-            if (values.itemCount() != 0 && values.dimension != dimensionOf(info)) {
+            HostValueGroup values = result == nullptr ? HostValueGroup() : allValues(m_opened, group, info, *result);
+            if (values.itemCount() != 0 && values.dimension != expected) {
                 leaveOut(fmt::format("{} of {}: {} components instead of {}", info.name, group.group->name,
-                                     values.dimension, dimensionOf(info)));
-            } else if (values.itemCount() != 0 && !group.faces.sizes.empty()) {
+                                     values.dimension, expected));
+                values = HostValueGroup();
+            }
+            addFigures(position, values);
+            if (values.itemCount() != 0 && !group.faces.sizes.empty()) {
                 const HostValueGroup& whole = *valuesOfGroup(m_opened.metaData(), *result, group.index);
                 blocks[i] = m_file.add(packValues(drawnValues(group, info, whole),
                                                   static_cast<std::size_t>(whole.dimension), m_content.precision));
@@ -223,7 +228,7 @@ private:
     {
         std::vector<double>& figures = m_figures[position];
         const std::vector<ComponentStatistics> components = statisticsOf(values);
-        const std::size_t expected = componentNames(dimensionOf(*m_content.results[position])).size();
+        const std::size_t expected = componentNames(componentCount(m_content.results[position]->kind)).size();
         for (std::size_t k = 0; k < expected; ++k) {
             if (k >= components.size()) {
                 figures.insert(figures.end(), FIGURES, std::numeric_limits<double>::quiet_NaN());
@@ -237,11 +242,6 @@ private:
             }
             m_hasUndefined = m_hasUndefined || one.undefined != 0;
         }
-    }
-
-    static int dimensionOf(const HostResultInfo& info)
-    {
-        return info.kind == KIND_TENSOR ? 6 : (info.kind == KIND_VECTOR ? 3 : 1);
     }
 
     Json stateList() const
@@ -265,7 +265,7 @@ private:
                             {"field", m_opened.names().fieldOf(*info)},
                             {"unit", withoutTrailingBlanks(info->unit)},
                             {"onNodes", info->mapping == MAPPING_NODE},
-                            {"components", componentNames(dimensionOf(*info))}});
+                            {"components", componentNames(componentCount(info->kind))}});
         }
         return list;
     }
@@ -289,14 +289,16 @@ private:
                                         "--precision 16 or a greater --limit",
                                         most));
         }
+        // After the last state come the figures and the description of all.
+        const std::size_t states = m_content.states.size();
+        const std::string reached = m_state < states ? fmt::format("in state {} of {}", m_state + 1, states)
+                                                     : fmt::format("after {}", counted(states, "state"));
         throw HostError(
             ExitCode::CannotWrite,
-            fmt::format(
-                "the page would be larger than {}: the surfaces take {}, and that was reached in state {} of {} "
-                "with {} results; select fewer with --state, --result or --part, or give --precision 16 or a "
-                "greater --limit",
-                most, byteText(static_cast<double>(m_geometryBytes)), m_state + 1, m_content.states.size(),
-                m_content.results.size()));
+            fmt::format("the page would be larger than {}: the surfaces take {}, and that was reached {} with {}; "
+                        "select fewer with --state, --result or --part, or give --precision 16 or a greater --limit",
+                        most, byteText(static_cast<double>(m_geometryBytes)), reached,
+                        counted(m_content.results.size(), "result")));
     }
 
     OpenedCase& m_opened;

@@ -6,36 +6,22 @@
 
 #include <fmt/format.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <system_error>
-
-#include <unistd.h>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-bool beginsWith(const fs::path& path, std::string_view mark)
+constexpr std::string_view SCRIPT_START = "<script>\n";
+constexpr std::string_view SCRIPT_END = "</script>\n";
+
+bool isOfForm(const fs::path& path, const OutputForm& form)
 {
-    constexpr std::size_t HEAD = 200;
     std::ifstream stream(path, std::ios::binary);
-    std::string head(HEAD, '\0');
+    std::string head(form.headSize, '\0');
     stream.read(head.data(), static_cast<std::streamsize>(head.size()));
-    return head.find(mark) != std::string::npos;
-}
-
-fs::path temporaryOf(const fs::path& path)
-{
-    return path.parent_path() / fmt::format(".{}.{}.part", path.filename().string(), getpid());
-}
-
-void removeQuietly(const fs::path& path)
-{
-    std::error_code error;
-    fs::remove(path, error);
+    return head.find(form.mark) != std::string::npos;
 }
 
 } // namespace
@@ -43,11 +29,11 @@ void removeQuietly(const fs::path& path)
 fs::path outputTarget(const fs::path& path, const OutputForm& form, bool replace)
 {
     std::error_code error;
-    fs::path target = fs::weakly_canonical(path, error);
+    fs::path target = fs::weakly_canonical(fs::absolute(path), error);
     if (error) {
-        target = path;
+        target = fs::absolute(path);
     }
-    if (const fs::path folder = fs::absolute(target).parent_path(); !fs::is_directory(folder, error)) {
+    if (const fs::path folder = target.parent_path(); !fs::is_directory(folder, error)) {
         throw HostError(ExitCode::CannotWrite,
                         fmt::format("cannot write {}: there is no folder {}", path.string(), folder.string()));
     }
@@ -59,7 +45,7 @@ fs::path outputTarget(const fs::path& path, const OutputForm& form, bool replace
     if (!fs::is_regular_file(status)) {
         throw HostError(ExitCode::Usage, fmt::format("{} is not a file; name one for {}", path.string(), form.name));
     }
-    if (!replace && !beginsWith(target, form.mark)) {
+    if (!replace && !isOfForm(target, form)) {
         throw HostError(ExitCode::Usage,
                         fmt::format("{} exists and is not {}; --overwrite replaces it", path.string(), form.name));
     }
@@ -67,53 +53,38 @@ fs::path outputTarget(const fs::path& path, const OutputForm& form, bool replace
 }
 
 PageFile::PageFile(const fs::path& path, bool replace)
-    : m_path(outputTarget(path, PAGE_FORM, replace)), m_temporary(temporaryOf(m_path)),
-      m_onInterrupt([temporary = m_temporary] { removeQuietly(temporary); })
+    : m_temporary(outputTarget(path, PAGE_FORM, replace)), m_file(m_temporary.path(), true),
+      m_endBytes(SCRIPT_START.size() + PAGE_SCRIPT.size() + SCRIPT_END.size() + PAGE_END.size())
 {
-    m_file = std::make_unique<OutputFile>(m_temporary, true);
-    try {
-        m_file->write(PAGE_MARKUP);
-    } catch (...) {
-        removeQuietly(m_temporary);
-        throw;
-    }
-}
-
-PageFile::~PageFile()
-{
-    if (m_file != nullptr) {
-        m_file.reset();
-        removeQuietly(m_temporary);
-    }
+    m_file.write(PAGE_MARKUP);
 }
 
 std::size_t PageFile::add(const PackedArray& array)
 {
     const std::size_t number = m_forms.size();
     m_forms.push_back(array.form);
-    m_file->write(fmt::format("<script type=\"text/plain\" id=\"b{}\">", number));
-    m_file->write(array.text);
-    m_file->write("</script>\n");
+    m_file.write(fmt::format("<script type=\"text/plain\" id=\"b{}\">", number));
+    m_file.write(array.text);
+    m_file.write(SCRIPT_END);
     return number;
 }
 
-void PageFile::finish(nlohmann::ordered_json description)
+void PageFile::describe(nlohmann::ordered_json description)
 {
     description["blocks"] = m_forms;
-    m_file->write("<script type=\"application/json\" id=\"case\">");
-    m_file->write(embeddedJson(description));
-    m_file->write("</script>\n<script>\n");
-    m_file->write(PAGE_SCRIPT);
-    m_file->write("</script>\n");
-    m_file->write(PAGE_END);
-    m_file->close();
-    if (std::rename(m_temporary.c_str(), m_path.c_str()) != 0) {
-        const int error = errno;
-        throw HostError(ExitCode::CannotWrite,
-                        fmt::format("cannot write {}: {}", m_path.string(), std::strerror(error)));
+    m_file.write("<script type=\"application/json\" id=\"case\">");
+    m_file.write(embeddedJson(description));
+    m_file.write(SCRIPT_END);
+}
+
+void PageFile::finish()
+{
+    m_endBytes = 0;
+    for (const std::string_view text : {SCRIPT_START, PAGE_SCRIPT, SCRIPT_END, PAGE_END}) {
+        m_file.write(text);
     }
-    m_wholeBytes = m_file->byteCount();
-    m_file.reset();
+    m_file.close();
+    m_temporary.moveToTarget();
 }
 
 std::string embeddedJson(const nlohmann::ordered_json& document)

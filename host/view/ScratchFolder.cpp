@@ -2,13 +2,13 @@
 #include "view/ScratchFolder.h"
 
 #include "border/HostError.h"
+#include "output/OutputFile.h"
 
 #include <fmt/format.h>
 
 #include <cerrno>
 #include <cstring>
 #include <string>
-#include <system_error>
 
 #include <stdlib.h>
 
@@ -25,12 +25,6 @@ fs::path makeFolder()
                         fmt::format("cannot create the folder {}: {}", name, std::strerror(error)));
     }
     return name;
-}
-
-void removeQuietly(const fs::path& path)
-{
-    std::error_code error;
-    fs::remove_all(path, error);
 }
 
 } // namespace

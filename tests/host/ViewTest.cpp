@@ -3,10 +3,12 @@
 // browser.
 #include "border/CellFaces.h"
 #include "border/HostResult.h"
+#include "border/OpenedCase.h"
 #include "host/ProgramRun.h"
 #include "view/OuterFaces.h"
 #include "view/PackedArray.h"
 #include "view/PageFile.h"
+#include "view/PageGroups.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -131,6 +133,47 @@ TEST(FlatFaces, StartWhereAFanDoesNotFold)
     }
 }
 
+TEST(PageGroups, GiveZonesTheValuesOfTheirCellsAndNodes)
+{
+    const TempFolder folder;
+    ASSERT_EQ(runProgram(folder, "sample --kind zones --cells 60" + inQuotes(folder / "case")).code, 0);
+    PluginLibrary library(REAL_PLUGIN);
+    const HostOptions options;
+    OpenedCase opened(library, folder / "case", options);
+    const std::vector<PageGroup> groups = pageGroups(opened, {0});
+    ASSERT_EQ(groups.size(), 3U);
+    const HostElementGroup& elements = opened.geometry().elementGroups[0];
+    const auto cellCount = static_cast<std::int32_t>(elements.elementCount());
+    // The sample puts the first third of the cells and the last one into zones.
+    std::vector<std::int32_t> third(elements.elementCount() / 3);
+    std::iota(third.begin(), third.end(), 0);
+    EXPECT_EQ(groups[1].cells, third);
+    EXPECT_EQ(groups[2].cells, std::vector<std::int32_t>{cellCount - 1});
+    for (const std::size_t zone : {1U, 2U}) {
+        SCOPED_TRACE(zone);
+        std::set<std::int32_t> nodes;
+        for (const std::int32_t cell : groups[zone].cells) {
+            const auto first = elements.connectivity.begin() + std::ptrdiff_t{8} * cell;
+            nodes.insert(first, first + 8);
+        }
+        EXPECT_EQ(groups[zone].nodes, std::vector<std::int32_t>(nodes.begin(), nodes.end()));
+        for (const HostResultInfo& info : opened.metaData().results) {
+            SCOPED_TRACE(info.name);
+            const std::unique_ptr<HostResult> result = opened.result(info, opened.metaData().states.back().id);
+            const HostValueGroup whole = allValues(opened, groups[0], info, *result);
+            const auto dimension = static_cast<std::size_t>(whole.dimension);
+            std::vector<double> expected;
+            for (const std::int32_t item : info.mapping == MAPPING_NODE ? groups[zone].nodes : groups[zone].cells) {
+                for (std::size_t k = 0; k < dimension; ++k) {
+                    expected.push_back(whole.values[static_cast<std::size_t>(item) * dimension + k]);
+                }
+            }
+            EXPECT_FALSE(expected.empty());
+            EXPECT_EQ(allValues(opened, groups[zone], info, *result).values, expected);
+        }
+    }
+}
+
 /// Undoes what is done to an array for a page: base64, deflate, planes of bytes, differences.
 template <typename Number>
 std::vector<Number> unpacked(const PackedArray& array)
@@ -232,6 +275,16 @@ struct ViewCommand : testing::Test
                           environment);
     }
 
+    /// Makes a program that stands in for one that may not be installed.
+    /// @return the variable with which the command finds it, and no other programs
+    std::string standIn(const std::string& name, const std::string& script)
+    {
+        fs::create_directory(folder / "bin");
+        std::ofstream(folder / "bin" / name) << "#!/bin/sh\n" << script << "\n";
+        fs::permissions(folder / "bin" / name, fs::perms::owner_all);
+        return "PATH=" + (folder / "bin").string();
+    }
+
     /// All files next to the case, without those that hold the program's output.
     std::set<std::string> files() const
     {
@@ -239,7 +292,7 @@ struct ViewCommand : testing::Test
         for (const fs::directory_entry& entry : fs::directory_iterator(folder / "")) {
             names.insert(entry.path().filename());
         }
-        for (const char* const own : {"case", "out", "err"}) {
+        for (const char* const own : {"bin", "case", "out", "err"}) {
             names.erase(own);
         }
         return names;
@@ -270,20 +323,13 @@ TEST_F(ViewCommand, ReplacesNoDevicesAndNoLinks)
     EXPECT_EQ(run.code, 2);
     EXPECT_NE(run.err.find("is not a file"), std::string::npos) << run.err;
     EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
-    // A stand-in, so that the test needs no browser: the name is refused before anything is drawn.
-    fs::create_directory(folder / "bin");
-    std::ofstream(folder / "bin/chromium") << "#!/bin/sh\n";
-    fs::permissions(folder / "bin/chromium", fs::perms::owner_all);
-    const std::string path = "PATH=" + (folder / "bin").string();
+    const std::string path = standIn("chromium", "");
     const std::string command = "view" + inQuotes(folder / "case") + " --png";
     EXPECT_EQ(runProgram(folder, command + inQuotes(folder / "pipe") + " --overwrite", path).code, 2);
     std::ofstream(folder / "notes.txt") << "mine";
     EXPECT_EQ(runProgram(folder, command + inQuotes(folder / "notes.txt"), path).code, 2);
-    // Without the mark in its log there is no picture, whatever the browser says.
-    const ProgramRun undrawn = runProgram(folder, command + inQuotes(folder / "x.png"), path);
-    EXPECT_EQ(undrawn.code, 6);
-    EXPECT_NE(undrawn.err.find("no picture of the page"), std::string::npos) << undrawn.err;
-    fs::remove_all(folder / "bin");
+    std::ofstream(folder / "other.png") << "a file about \x89PNG";
+    EXPECT_EQ(runProgram(folder, command + inQuotes(folder / "other.png"), path).code, 2);
     fs::remove(folder / "out.html");
     EXPECT_EQ(view("").code, 0);
     fs::rename(folder / "out.html", folder / "page.html");
@@ -310,6 +356,19 @@ TEST_F(ViewCommand, LeavesTheOldPageAloneIfItFails)
     EXPECT_EQ(files(), std::set<std::string>{"out.html"});
 }
 
+// Most of such a page is what describes its arrays.
+TEST_F(ViewCommand, CountsAllOfThePageForItsLimit)
+{
+    ASSERT_EQ(runProgram(folder, "sample --overwrite --cells 8 --states 120" + inQuotes(folder / "case")).code, 0);
+    EXPECT_EQ(view(" --limit 2").code, 0);
+    EXPECT_GT(fs::file_size(folder / "out.html"), 1000000U);
+    fs::remove(folder / "out.html");
+    const ProgramRun tooLarge = view(" --limit 1");
+    EXPECT_EQ(tooLarge.code, 6);
+    EXPECT_NE(tooLarge.err.find("reached after 120 states"), std::string::npos) << tooLarge.err;
+    EXPECT_TRUE(files().empty());
+}
+
 TEST_F(ViewCommand, TellsWhatToInstallForAPicture)
 {
     const ProgramRun run = view(" --png" + inQuotes(folder / "x.png"), "PATH=/nowhere");
@@ -318,20 +377,71 @@ TEST_F(ViewCommand, TellsWhatToInstallForAPicture)
     EXPECT_TRUE(files().empty());
 }
 
+// A browser shows other files as plain text.
+TEST_F(ViewCommand, DrawsAPageOfAnyName)
+{
+    const std::string path = standIn("chromium", R"(for word; do
+    case $word in
+        --screenshot=*) printf '\211PNG' >"${word#*=}" ;;
+        file://*.html#picture) word=${word#file://} && read -r line <"${word%#*}" && echo '"picture: drawn"' ;;
+    esac
+done)");
+    // As long as names can be.
+    const fs::path page = folder / std::string(255, 'p');
+    const std::string command = "view" + inQuotes(folder / "case") + " -o" + inQuotes(page) + " --png";
+    const ProgramRun run = runProgram(folder, command + inQuotes(folder / "x.png"), path);
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(fileBytes(folder / "x.png"), "\x89PNG");
+    EXPECT_EQ(files(), (std::set<std::string>{page.filename(), "x.png"}));
+}
+
+TEST_F(ViewCommand, RefusesOneFileForPageAndPicture)
+{
+    const std::string path = standIn("chromium", "");
+    fs::create_directory_symlink(".", folder / "here");
+    const std::string command = "view" + inQuotes(folder / "case") + " --overwrite -o x --png";
+    const std::string inFolder = "cd" + inQuotes(folder / "") + "; " + path;
+    for (const std::string& picture : {std::string("x"), inQuotes(folder / "here/x")}) {
+        const ProgramRun run = runProgram(folder, command + " " + picture, inFolder);
+        EXPECT_EQ(run.code, 2);
+        EXPECT_NE(run.err.find("both the page and its picture"), std::string::npos) << run.err;
+    }
+    EXPECT_EQ(files(), std::set<std::string>{"here"});
+}
+
+TEST_F(ViewCommand, KeepsThePageIfThePictureFails)
+{
+    // Whatever it says, without the mark of the page there is no picture.
+    const std::string path = standIn("chromium", "echo noise; printf 'no \\033 display\\n\\n'");
+    const ProgramRun run = view(" --png" + inQuotes(folder / "x.png"), path);
+    EXPECT_EQ(run.code, 6);
+    const std::size_t told = run.err.find("wrote " + (folder / "out.html").string());
+    const std::size_t failed = run.err.find("no picture of the page");
+    EXPECT_TRUE(told < failed && failed != std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("it wrote last: no \\x1b display\n"), std::string::npos) << run.err;
+    EXPECT_EQ(files(), std::set<std::string>{"out.html"});
+}
+
+TEST_F(ViewCommand, LeavesNothingBehindIfInterruptedInTheBrowser)
+{
+    const std::string path = standIn("chromium", ": >\"$TMPDIR/own\"; kill -TERM $PPID; exec /bin/sleep 30");
+    fs::create_directory(folder / "temporary");
+    const ProgramRun run =
+        view(" --png" + inQuotes(folder / "x.png"), path + " TMPDIR=" + inQuotes(folder / "temporary").substr(1));
+    EXPECT_EQ(run.code, 143);
+    EXPECT_TRUE(fs::is_empty(folder / "temporary"));
+    EXPECT_EQ(files(), (std::set<std::string>{"out.html", "temporary"}));
+}
+
 TEST_F(ViewCommand, HandsThePageToTheDesktop)
 {
-    fs::create_directory(folder / "bin");
-    const std::string path = "PATH=" + (folder / "bin").string();
-    const ProgramRun without = view(" --open", path);
+    const ProgramRun without = view(" --open", "PATH=/nowhere");
     EXPECT_EQ(without.code, 6);
     EXPECT_NE(without.err.find("nothing opens pages here"), std::string::npos) << without.err;
     EXPECT_TRUE(fs::exists(folder / "out.html")); // to be opened by hand
-    std::ofstream(folder / "bin/xdg-open") << "#!/bin/sh\necho \"$1\" >" << inQuotes(folder / "opened") << "\n";
-    fs::permissions(folder / "bin/xdg-open", fs::perms::owner_all);
-    EXPECT_EQ(view(" --open", path).code, 0);
+    EXPECT_EQ(view(" --open", standIn("xdg-open", "echo \"$1\" >" + inQuotes(folder / "opened"))).code, 0);
     EXPECT_EQ(fileBytes(folder / "opened"), (folder / "out.html").string() + "\n");
-    std::ofstream(folder / "bin/xdg-open") << "#!/bin/sh\nexit 3\n";
-    EXPECT_EQ(view(" --open", path).code, 6);
+    EXPECT_EQ(view(" --open", standIn("xdg-open", "exit 3")).code, 6);
 }
 
 // A page opened years later must not ask anyone for anything.
@@ -352,6 +462,7 @@ TEST_F(ViewCommand, TellsWhatIsInThePage)
     const json document = json::parse(run.out);
     EXPECT_EQ(document["bytes"], fs::file_size(folder / "out.html"));
     EXPECT_EQ(document["states"].size(), 1U);
+    EXPECT_EQ(document["leftOut"][0], "1 of 2 states was not selected");
     EXPECT_EQ(document["leftOut"].size(), 2U) << document["leftOut"];
     for (const json& result : document["results"]) {
         EXPECT_NE(result["name"].get<std::string>().find("Temperature"), std::string::npos);

@@ -8,6 +8,7 @@ import os
 import pathlib
 import pty
 import select
+import shlex
 import shutil
 import signal
 import subprocess
@@ -22,6 +23,7 @@ PROMPT_TYPED = "REA''DY'>'"
 FIELD = 'div(phi) "x"'
 
 shell, program, plugin, scripts = sys.argv[1:]
+quoted_scripts = shlex.quote(scripts)
 if shutil.which(shell) is None:
     print(f"skipped: there is no {shell}")
     sys.exit(77)
@@ -29,11 +31,11 @@ if shutil.which(shell) is None:
 # Each shell without the user's files, told to show our prompt and to load our script as an installed one is.
 STARTS = {
     "bash": (["bash", "--norc", "--noprofile", "-i"],
-             [f"PS1={PROMPT_TYPED}", f"source {scripts}/ddphost.bash"]),
+             [f"PS1={PROMPT_TYPED}", f"source {quoted_scripts}/ddphost.bash"]),
     "zsh": (["zsh", "-f", "-i"],
-            [f"PS1={PROMPT_TYPED}", f"fpath=({scripts} $fpath)", "autoload -Uz compinit", "compinit -u -D"]),
+            [f"PS1={PROMPT_TYPED}", f"fpath=({quoted_scripts} $fpath)", "autoload -Uz compinit", "compinit -u -D"]),
     "fish": (["fish", "--no-config", "--private", "-i"],
-             [f"function fish_prompt; echo {PROMPT_TYPED}; end", f"source {scripts}/ddphost.fish"]),
+             [f"function fish_prompt; echo {PROMPT_TYPED}; end", f"source {quoted_scripts}/ddphost.fish"]),
 }
 
 # What is typed, with | for Tab, and the arguments of the program after Enter.

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Checks that includes between the folders of src/ only go down the floors, that host/ includes nothing from src/ except
-# the interface, and in host/doctor the grammar of dictionaries, and that only src/foamfile uses zlib and only src/LibCore reads the clock.
+# the interface, and in host/doctor the grammar of dictionaries, that only src/foamfile uses zlib, and that only
+# src/LibCore reads the clock.
 #
 # usage: tools/floors.sh
 set -euo pipefail

@@ -3,6 +3,8 @@
 
 #include "border/ArrayCopy.h"
 
+#include <algorithm>
+
 void HostValueGroup::setValues(const double* array, std::int32_t componentCount, std::uint64_t items)
 {
     const HostCall call(&calls, "setValues");
@@ -17,6 +19,12 @@ void HostValueGroup::setValues(const double* array, std::int32_t componentCount,
         return;
     }
     copyArray(array, items * static_cast<std::uint64_t>(componentCount), &values);
+}
+
+bool HostValueGroup::canReplacePoints(std::size_t nodeCount) const
+{
+    return dimension == 3 && itemCount() == nodeCount &&
+           std::ranges::none_of(values, [](double value) { return value == UNDEFINED_VALUE; });
 }
 
 DDPResultValueGroup* HostResult::addValueGroup()

@@ -43,6 +43,9 @@ public:
     /// Complete items set so far; 0 for a group that the library left empty.
     std::size_t itemCount() const { return dimension > 0 ? values.size() / static_cast<std::size_t>(dimension) : 0; }
 
+    /// True if the values can replace the points: one position for each node, and none missing.
+    bool canReplacePoints(std::size_t nodeCount) const;
+
     void reserved0() override { BorderFaults::get().addReservedRow("DDPResultValueGroup"); }
     void reserved1() override { BorderFaults::get().addReservedRow("DDPResultValueGroup"); }
     void setValues(const double* array, std::int32_t componentCount, std::uint64_t items) override;

@@ -64,13 +64,18 @@ std::vector<std::filesystem::path> PluginLibrary::searchedFiles()
     return files;
 }
 
+std::string PluginLibrary::fileFromEnvironment()
+{
+    const char* const variable = std::getenv("DDP_PLUGIN");
+    return variable != nullptr ? variable : "";
+}
+
 std::filesystem::path PluginLibrary::locate(const std::string& given)
 {
-    if (!given.empty()) {
-        return given;
-    }
-    if (const char* const fromEnvironment = std::getenv("DDP_PLUGIN"); fromEnvironment != nullptr) {
-        return fromEnvironment;
+    for (const std::string& named : {given, fileFromEnvironment()}) {
+        if (!named.empty()) {
+            return named;
+        }
     }
     for (const std::filesystem::path& candidate : searchedFiles()) {
         std::error_code error;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "border/PluginLibrary.h"
 #include "border/ShellWord.h"
 #include "check/CheckChild.h"
 #include "check/CheckReport.h"
@@ -14,7 +15,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <regex>
@@ -192,10 +192,11 @@ std::string repeatedOptions(const HostContext& context, const CheckArguments& ar
     const auto add = [&](const std::string& name, const std::string& value) {
         text += " " + name + " " + shellWord(value);
     };
-    if (!context.options.plugin.empty()) {
-        add("--plugin", context.options.plugin);
-    } else if (const char* const fromEnvironment = std::getenv("DDP_PLUGIN"); fromEnvironment != nullptr) {
-        add("--plugin", fromEnvironment);
+    for (const std::string& named : {context.options.plugin, PluginLibrary::fileFromEnvironment()}) {
+        if (!named.empty()) {
+            add("--plugin", named);
+            break;
+        }
     }
     for (const std::string& setting : context.options.allSettings()) {
         add("--set", setting);

@@ -90,13 +90,6 @@ std::uint64_t expectedBytes(const HostNodeGroup& nodes, const HostElementGroup& 
     return numbers * NUMBER;
 }
 
-/// True if the values can replace the points: one position for each node, and none missing.
-bool isWholePoints(const HostValueGroup& values, std::size_t nodeCount)
-{
-    return values.dimension == 3 && values.itemCount() == nodeCount &&
-           std::ranges::none_of(values.values, [](double value) { return value == UNDEFINED_VALUE; });
-}
-
 /// One result as an array for viewers.
 VtkArray makeArray(const ExportedResult& result, const HostValueGroup& values)
 {
@@ -285,7 +278,7 @@ private:
     {
         // Displacements are the positions of the nodes in the state, so they take the place of the points.
         if (result.info->kind == KIND_DISPLACEMENT) {
-            if (isWholePoints(values, grid->points->size() / 3)) {
+            if (values.canReplacePoints(grid->points->size() / 3)) {
                 grid->points = &values.values;
             }
             return;

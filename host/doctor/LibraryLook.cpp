@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <map>
 #include <string_view>
 #include <system_error>
@@ -110,14 +109,13 @@ std::vector<std::pair<std::string, std::string>> searchedPlaces(const std::strin
                : std::filesystem::exists(status)        ? "not a file"
                                                         : "no such file";
     };
-    const char* const variable = std::getenv("DDP_PLUGIN");
+    const std::string variable = PluginLibrary::fileFromEnvironment();
     std::vector<std::pair<std::string, std::string>> places;
     places.emplace_back("--plugin", given.empty() ? "not given" : given + ", " + stateOf(given));
     if (given.empty()) {
-        places.emplace_back("DDP_PLUGIN",
-                            variable == nullptr ? "not set" : std::string(variable) + ", " + stateOf(variable));
+        places.emplace_back("DDP_PLUGIN", variable.empty() ? "not set" : variable + ", " + stateOf(variable));
     }
-    if (given.empty() && variable == nullptr) {
+    if (given.empty() && variable.empty()) {
         for (const std::filesystem::path& file : PluginLibrary::searchedFiles()) {
             places.emplace_back(file.string(), stateOf(file));
         }

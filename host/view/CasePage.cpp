@@ -59,13 +59,6 @@ Point middleOf(const HostGeometry& geometry, const std::vector<PageGroup>& group
     return middle;
 }
 
-/// True if the values can replace the points: one position for each node, and none missing.
-bool isWholePoints(const HostValueGroup& values, std::size_t nodeCount)
-{
-    return values.dimension == 3 && values.itemCount() == nodeCount &&
-           std::ranges::none_of(values.values, [](double value) { return value == UNDEFINED_VALUE; });
-}
-
 /// One page while it is written.
 class CasePage
 {
@@ -188,7 +181,7 @@ private:
                 const HostValueGroup* const points = valuesOfGroup(m_opened.metaData(), *result, group.index);
                 const HostElementGroup& elements = m_opened.geometry().elementGroups[group.index];
                 const std::size_t nodeCount = m_opened.geometry().nodesOf(elements)->nodeCount();
-                if (points != nullptr && !group.faces.sizes.empty() && isWholePoints(*points, nodeCount)) {
+                if (points != nullptr && !group.faces.sizes.empty() && points->canReplacePoints(nodeCount)) {
                     blocks[i] = addPoints(group, points->values);
                 }
             }
@@ -208,8 +201,8 @@ private:
             const PageGroup& group = m_groups[i];
             HostValueGroup values = result == nullptr ? HostValueGroup() : allValues(m_opened, group, info, *result);
             if (values.itemCount() != 0 && values.dimension != expected) {
-                leaveOut(fmt::format("{} of {}: {} components instead of {}", info.name, group.group->name,
-                                     values.dimension, expected));
+                leaveOut(fmt::format("{} of {}: {} instead of {}", info.name, group.group->name,
+                                     counted(static_cast<std::size_t>(values.dimension), "component"), expected));
                 values = HostValueGroup();
             }
             addFigures(position, values);

@@ -100,7 +100,8 @@ void passOn(const HostValueGroup& group, double first, DDPResultValueGroup* targ
     std::vector<double> values = group.values;
     fault("no values") ? void(std::ranges::fill(values, UNDEFINED_VALUE)) : void();
     values[0] = first != 0 ? first : values[0];
-    const auto setFirst = [&](std::size_t items) { target->setValues(values.data(), group.dimension, items); };
+    const std::int32_t dimension = fault("one component") ? 1 : group.dimension;
+    const auto setFirst = [&](std::size_t items) { target->setValues(values.data(), dimension, items); };
     fault("values in pieces") ? setFirst(group.itemCount() / 2) : void();
     fault("values on two threads") ? onTwoThreads([&] { setFirst(group.itemCount()); }) : void();
     setFirst(fault("lost value") ? group.itemCount() - 1 : group.itemCount());

@@ -46,6 +46,7 @@ TEST_F(Program, TellsTheVersionsOfReleaseAndLibrary)
     EXPECT_EQ(alone.code, 0) << alone.err;
     EXPECT_EQ(alone.out.rfind("ddphost ", 0), 0U) << alone.out;
     EXPECT_EQ(run("--version").out, alone.out + "library 1.9.99\n");
+    EXPECT_EQ(run("--version", "DDP_PLUGIN=").out, alone.out + "library 1.9.99\n") << "not found beside the program";
     EXPECT_EQ(run("--version --plugin /no/such/library.so").out, alone.out);
 }
 

@@ -455,6 +455,18 @@ TEST_F(ViewCommand, WritesAPageWithoutForeignAddresses)
     }
 }
 
+// Numbers read as other components than they are would show as colours that mean nothing.
+TEST_F(ViewCommand, LeavesOutValuesOfTheWrongShape)
+{
+    const std::string library = "DDP_PLUGIN='" FAULTY_PLUGIN "'";
+    const ProgramRun right = view(" --state first --result U --json", library);
+    const ProgramRun wrong = view(" --state first --result U --json", library + " FAULT='one component'");
+    EXPECT_EQ(right.code + wrong.code, 0) << right.err << wrong.err;
+    const json lines = json::parse(wrong.out)["leftOut"];
+    EXPECT_NE(std::ranges::find(lines, "Velocity of default_region: 1 component instead of 3"), lines.end()) << lines;
+    EXPECT_LT(json::parse(wrong.out)["bytes"], json::parse(right.out)["bytes"]);
+}
+
 TEST_F(ViewCommand, TellsWhatIsInThePage)
 {
     const ProgramRun run = view(" --state first --result T --json");

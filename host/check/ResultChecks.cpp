@@ -2,6 +2,7 @@
 //
 // Checks of the values of results.
 #include "border/DeliveryCheck.h"
+#include "border/TextForms.h"
 #include "check/Check.h"
 #include "check/CheckRun.h"
 #include "check/DeliveryDigest.h"
@@ -101,9 +102,12 @@ void checkValueArrays(CheckRun& run)
         } catch (const HostError& error) {
             run.fail(fmt::format("{}: {}", delivery.name(), error.what()));
         }
-        for (const HostValueGroup& values : delivery.result.groups) {
-            run.expect(values.dimension == componentCount(delivery.info.kind) || values.values.empty(),
-                       fmt::format("{} has {} components", delivery.name(), values.dimension));
+        const std::int32_t expected = componentCount(delivery.info.kind);
+        for (std::size_t i = 0; i < delivery.result.groups.size(); ++i) {
+            const HostValueGroup& values = delivery.result.groups[i];
+            run.expect(values.dimension == expected || values.values.empty(),
+                       fmt::format("{}: value group {} has {} instead of {}", delivery.name(), i,
+                                   counted(static_cast<std::size_t>(values.dimension), "component"), expected));
         }
     });
 }

@@ -57,6 +57,7 @@ const std::vector<SeededFault> SEEDS = {{"another version when loaded again", "l
                                         {"one value group more", "result.groups@zones"},
                                         {"no values", "result.values@hex", 0},
                                         {"lost value", "result.arrays@surface"},
+                                        {"one component", "result.arrays@hex"},
                                         {"values in pieces", "result.replaced@hex"},
                                         {"values of the call", "result.replaced@hex"},
                                         {"values on two threads", "result.threads@hex"},

@@ -167,7 +167,7 @@ def check_remains(folder, faults):
                 if not (folder / entry["name"]).exists():
                     faults.add(f"{path} names {entry['name']}, which is missing")
         else:
-            faults.add(f"{path} is none of the export's")
+            faults.add(f"{path} is not one of the export's")
     return count
 
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The length of the UTF-8 character at the start of the text; 0 if the bytes are none or a control character.
+/// The length of the UTF-8 character at the start of the text; 0 if the bytes are not one or are a control character.
 std::size_t printableLength(std::string_view text)
 {
     const auto byteAt = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };

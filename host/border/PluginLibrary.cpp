@@ -64,18 +64,16 @@ std::vector<std::filesystem::path> PluginLibrary::searchedFiles()
     return files;
 }
 
-std::string PluginLibrary::fileFromEnvironment()
+std::string PluginLibrary::namedFile(const std::string& given)
 {
     const char* const variable = std::getenv("DDP_PLUGIN");
-    return variable != nullptr ? variable : "";
+    return given.empty() && variable != nullptr ? variable : given;
 }
 
 std::filesystem::path PluginLibrary::locate(const std::string& given)
 {
-    for (const std::string& named : {given, fileFromEnvironment()}) {
-        if (!named.empty()) {
-            return named;
-        }
+    if (const std::string named = namedFile(given); !named.empty()) {
+        return named;
     }
     for (const std::filesystem::path& candidate : searchedFiles()) {
         std::error_code error;

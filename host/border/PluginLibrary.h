@@ -29,11 +29,11 @@ public:
     /// The files that are looked for, in this order, if none is named.
     static std::vector<std::filesystem::path> searchedFiles();
 
-    /// The environment variable DDP_PLUGIN; empty if it is not set.
-    static std::string fileFromEnvironment();
+    /// `given`, or if it is empty the environment variable DDP_PLUGIN; empty if neither names a file.
+    static std::string namedFile(const std::string& given);
 
-    /// The library's file: `given` unless empty, else `fileFromEnvironment` unless empty, else the first that exists
-    /// next to the program, in the library folder of the same installation, or in the build tree.
+    /// The library's file: `namedFile` unless empty, else the first that exists next to the program, in the library
+    /// folder of the same installation, or in the build tree.
     /// @throws HostError of `LibraryRefused` when there is none
     static std::filesystem::path locate(const std::string& given);
 

@@ -192,11 +192,8 @@ std::string repeatedOptions(const HostContext& context, const CheckArguments& ar
     const auto add = [&](const std::string& name, const std::string& value) {
         text += " " + name + " " + shellWord(value);
     };
-    for (const std::string& named : {context.options.plugin, PluginLibrary::fileFromEnvironment()}) {
-        if (!named.empty()) {
-            add("--plugin", named);
-            break;
-        }
+    if (const std::string plugin = PluginLibrary::namedFile(context.options.plugin); !plugin.empty()) {
+        add("--plugin", plugin);
     }
     for (const std::string& setting : context.options.allSettings()) {
         add("--set", setting);

@@ -117,7 +117,7 @@ void limitWords(CLI::Option* option, const std::map<std::string, int>& words)
             return std::string();
         }
         const std::string meant = nearestWord(text, known);
-        return fmt::format("'{}' is none of {}{}", text, fmt::join(known, ", "),
+        return fmt::format("'{}' is not one of {}{}", text, fmt::join(known, ", "),
                            meant.empty() ? "" : fmt::format("; did you mean '{}'?", meant));
     };
     option->transform(CLI::Validator(convert, ""));

@@ -56,7 +56,7 @@ std::string joined(std::initializer_list<std::string_view> names)
     return path;
 }
 
-/// A whole number of an entry; 0 if it is none.
+/// A whole number of an entry; 0 if it is not one.
 std::int64_t wholeNumber(const foamdict::Dictionary& block, std::string_view keyword)
 {
     const foamdict::Entry* const entry = block.find(keyword);

@@ -77,7 +77,7 @@ public:
     const std::vector<std::string>& processors() const { return m_processors; }
     /// Folders of files in which all processors are written together.
     const std::vector<std::string>& collatedFolders() const { return m_collated; }
-    /// Folders whose name begins like a number and is none, such as "0.orig".
+    /// Folders whose name begins like a number but is not one, such as "0.orig".
     const std::vector<std::string>& almostTimes() const { return m_almostTimes; }
     /// Files of surfaces in `postProcessing` that are in the format of another program.
     const std::vector<std::string>& foreignSurfaces() const { return m_foreignSurfaces; }

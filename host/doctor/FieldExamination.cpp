@@ -14,7 +14,7 @@ namespace {
 /// The fields of all meshes at one time, by name.
 using FieldsByName = std::map<std::string, std::vector<ExpectedField>>;
 
-/// A class of fields that the host's model has no place for; null for classes that are no fields of a mesh.
+/// A class of fields that the host's model has no place for; null for classes that are not fields of a mesh.
 const char* whyNoPlace(std::string_view className)
 {
     if (className.find("Field") == std::string_view::npos || className.starts_with("uniformDimensioned")) {

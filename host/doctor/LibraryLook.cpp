@@ -88,8 +88,8 @@ std::string helpForRefusal(const std::string& reason)
         {"next to the program", "build or install it, or name its file"},
         {"version `", "build it on this system: it was built on a newer one"},
         {"undefined symbol", "build it again with the libraries of this system"},
-        {"invalid ELF header", "name a shared library: this file is none, or was cut off"},
-        {"file too short", "name a shared library: this file is none, or was cut off"},
+        {"invalid ELF header", "name a shared library: this file is not one, or was cut off"},
+        {"file too short", "name a shared library: this file is not one, or was cut off"},
         {"wrong ELF class", "build it for this machine: it is for another one"},
         {"cannot dynamically load", "name a shared library: this file is a program"},
         {"cannot open shared object file", "check that the file named is there and can be read; the folder of a "
@@ -109,13 +109,13 @@ std::vector<std::pair<std::string, std::string>> searchedPlaces(const std::strin
                : std::filesystem::exists(status)        ? "not a file"
                                                         : "no such file";
     };
-    const std::string variable = PluginLibrary::fileFromEnvironment();
+    const std::string named = PluginLibrary::namedFile(given);
     std::vector<std::pair<std::string, std::string>> places;
     places.emplace_back("--plugin", given.empty() ? "not given" : given + ", " + stateOf(given));
     if (given.empty()) {
-        places.emplace_back("DDP_PLUGIN", variable.empty() ? "not set" : variable + ", " + stateOf(variable));
+        places.emplace_back("DDP_PLUGIN", named.empty() ? "not set" : named + ", " + stateOf(named));
     }
-    if (given.empty() && variable.empty()) {
+    if (named.empty()) {
         for (const std::filesystem::path& file : PluginLibrary::searchedFiles()) {
             places.emplace_back(file.string(), stateOf(file));
         }

@@ -5,9 +5,9 @@
 
 #include <filesystem>
 
-/// A name next to that of a file, for as long as the file is not whole.
+/// The name under which a file is written, next to its final one, until it is whole.
 ///
-/// What has the name is removed at the end, also after an interrupt.
+/// A file that still has this name at the end is removed, also after an interrupt.
 class TemporaryFile
 {
 public:

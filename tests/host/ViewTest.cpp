@@ -275,9 +275,9 @@ struct ViewCommand : testing::Test
                           environment);
     }
 
-    /// Makes a program that stands in for one that may not be installed.
-    /// @return the variable with which the command finds it, and no other programs
-    std::string standIn(const std::string& name, const std::string& script)
+    /// Writes a script under the name of a program, since the program itself may not be installed.
+    /// @return the PATH with which the command finds the script and no other program
+    std::string fakeProgram(const std::string& name, const std::string& script)
     {
         fs::create_directory(folder / "bin");
         std::ofstream(folder / "bin" / name) << "#!/bin/sh\n" << script << "\n";
@@ -323,7 +323,7 @@ TEST_F(ViewCommand, ReplacesNoDevicesAndNoLinks)
     EXPECT_EQ(run.code, 2);
     EXPECT_NE(run.err.find("is not a file"), std::string::npos) << run.err;
     EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
-    const std::string path = standIn("chromium", "");
+    const std::string path = fakeProgram("chromium", "");
     const std::string command = "view" + inQuotes(folder / "case") + " --png";
     EXPECT_EQ(runProgram(folder, command + inQuotes(folder / "pipe") + " --overwrite", path).code, 2);
     std::ofstream(folder / "notes.txt") << "mine";
@@ -380,7 +380,7 @@ TEST_F(ViewCommand, TellsWhatToInstallForAPicture)
 // A browser shows other files as plain text.
 TEST_F(ViewCommand, DrawsAPageOfAnyName)
 {
-    const std::string path = standIn("chromium", R"(for word; do
+    const std::string path = fakeProgram("chromium", R"(for word; do
     case $word in
         --screenshot=*) printf '\211PNG' >"${word#*=}" ;;
         file://*.html#picture) word=${word#file://} && read -r line <"${word%#*}" && echo '"picture: drawn"' ;;
@@ -397,7 +397,7 @@ done)");
 
 TEST_F(ViewCommand, RefusesOneFileForPageAndPicture)
 {
-    const std::string path = standIn("chromium", "");
+    const std::string path = fakeProgram("chromium", "");
     fs::create_directory_symlink(".", folder / "here");
     const std::string command = "view" + inQuotes(folder / "case") + " --overwrite -o x --png";
     const std::string inFolder = "cd" + inQuotes(folder / "") + "; " + path;
@@ -412,7 +412,7 @@ TEST_F(ViewCommand, RefusesOneFileForPageAndPicture)
 TEST_F(ViewCommand, KeepsThePageIfThePictureFails)
 {
     // Whatever it says, without the mark of the page there is no picture.
-    const std::string path = standIn("chromium", "echo noise; printf 'no \\033 display\\n\\n'");
+    const std::string path = fakeProgram("chromium", "echo noise; printf 'no \\033 display\\n\\n'");
     const ProgramRun run = view(" --png" + inQuotes(folder / "x.png"), path);
     EXPECT_EQ(run.code, 6);
     const std::size_t told = run.err.find("wrote " + (folder / "out.html").string());
@@ -424,7 +424,7 @@ TEST_F(ViewCommand, KeepsThePageIfThePictureFails)
 
 TEST_F(ViewCommand, LeavesNothingBehindIfInterruptedInTheBrowser)
 {
-    const std::string path = standIn("chromium", ": >\"$TMPDIR/own\"; kill -TERM $PPID; exec /bin/sleep 30");
+    const std::string path = fakeProgram("chromium", ": >\"$TMPDIR/own\"; kill -TERM $PPID; exec /bin/sleep 30");
     fs::create_directory(folder / "temporary");
     const ProgramRun run =
         view(" --png" + inQuotes(folder / "x.png"), path + " TMPDIR=" + inQuotes(folder / "temporary").substr(1));
@@ -439,9 +439,9 @@ TEST_F(ViewCommand, HandsThePageToTheDesktop)
     EXPECT_EQ(without.code, 6);
     EXPECT_NE(without.err.find("nothing opens pages here"), std::string::npos) << without.err;
     EXPECT_TRUE(fs::exists(folder / "out.html")); // to be opened by hand
-    EXPECT_EQ(view(" --open", standIn("xdg-open", "echo \"$1\" >" + inQuotes(folder / "opened"))).code, 0);
+    EXPECT_EQ(view(" --open", fakeProgram("xdg-open", "echo \"$1\" >" + inQuotes(folder / "opened"))).code, 0);
     EXPECT_EQ(fileBytes(folder / "opened"), (folder / "out.html").string() + "\n");
-    EXPECT_EQ(view(" --open", standIn("xdg-open", "exit 3")).code, 6);
+    EXPECT_EQ(view(" --open", fakeProgram("xdg-open", "exit 3")).code, 6);
 }
 
 // A page opened years later must not ask anyone for anything.
@@ -455,7 +455,7 @@ TEST_F(ViewCommand, WritesAPageWithoutForeignAddresses)
     }
 }
 
-// Numbers read as other components than they are would show as colours that mean nothing.
+// Values read with the wrong number of components would show as meaningless colours.
 TEST_F(ViewCommand, LeavesOutValuesOfTheWrongShape)
 {
     const std::string library = "DDP_PLUGIN='" FAULTY_PLUGIN "'";

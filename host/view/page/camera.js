@@ -10,6 +10,18 @@ const cornersOf = (box) => [0, 1, 2, 3, 4, 5, 6, 7].map((i) => [0, 1, 2].map((k)
 
 const HALF_ANGLE = 15; // of the height in perspective
 
+const UNIT_BOX = [
+  [0, 0, 0],
+  [1, 1, 1],
+];
+
+// Azimuth and elevation from which a case that is flat along x, y or z is seen.
+const FLAT_VIEWS = [
+  [0, 0],
+  [-90, 0],
+  [-90, 90],
+];
+
 const STANDARD_VIEWS = [
   ["Front", -90, 0],
   ["Back", 90, 0],
@@ -26,26 +38,14 @@ const camera = {
   height: 1,
   size: 1,
   perspective: true,
-  box: [
-    [0, 0, 0],
-    [1, 1, 1],
-  ], // of all that is drawn
+  box: UNIT_BOX, // of all that is drawn
 
   // Shows a whole box: a flat one from its front, any other from above and the side.
   home(box) {
     const size = minus(box[1], box[0]);
     const thin = size.indexOf(Math.min(...size));
     const isFlat = size[thin] < 0.15 * Math.min(...size.filter((_, k) => k !== thin));
-    this.reset(
-      box,
-      ...(isFlat
-        ? [
-            [0, 0],
-            [-90, 0],
-            [-90, 90],
-          ][thin]
-        : [-60, 28]),
-    );
+    this.reset(box, ...(isFlat ? FLAT_VIEWS[thin] : [-60, 28]));
   },
 
   reset(box, azimuth, elevation) {

@@ -171,7 +171,7 @@ function savePicture() {
 
 async function downloadPicture() {
   const address = URL.createObjectURL(await savePicture());
-  const state = page.states[shown.state];
+  const state = page.states[drawn.state];
   make("a", "", {
     href: address,
     download: `${page.name}${state ? "-" + (state.folder || state.time) : ""}.png`,
@@ -181,50 +181,26 @@ async function downloadPicture() {
 
 function connectControls() {
   const on = (id, event, action) => element(id).addEventListener(event, action);
-  const none = page.results.length === 0 ? ["no result"] : ["plain"];
+  const onChange = (id, take, event = "change") =>
+    on(id, event, () => {
+      take(element(id));
+      refresh();
+    });
   element("result").append(
     ...page.results.map((result, i) => make("option", resultTitle(result), { value: i })),
-    make("option", none[0], { value: -1 }),
+    make("option", page.results.length === 0 ? "no result" : "plain", { value: -1 }),
   );
   element("map").append(...Object.keys(COLOR_MAPS).map((name) => make("option", name)));
-  on("result", "change", () => {
-    chooseResult(Number(element("result").value));
-    refresh();
-  });
-  on("component", "change", () => {
-    shown.component = Number(element("component").value);
-    refresh();
-  });
-  on("range", "change", () => {
-    shown.rangeMode = element("range").value;
-    shown.typed = drawn.range;
-    refresh();
-  });
+  onChange("result", ({ value }) => chooseResult(Number(value)));
+  onChange("component", ({ value }) => (shown.component = Number(value)));
+  onChange("range", ({ value }) => Object.assign(shown, { rangeMode: value, typed: drawn.range }));
   for (const id of ["least", "greatest"]) on(id, "change", readRange);
-  on("map", "change", () => {
-    shown.map = element("map").value;
-    refresh();
-  });
-  on("edges", "change", () => {
-    shown.edges = element("edges").checked;
-    refresh();
-  });
-  on("clip", "change", () => {
-    shown.clipAxis = element("clip").value === "" ? -1 : Number(element("clip").value);
-    refresh();
-  });
-  on("clip-place", "input", () => {
-    shown.clipPlace = element("clip-place").value / 1000;
-    refresh();
-  });
-  on("clip-flip", "change", () => {
-    shown.clipFlip = element("clip-flip").checked;
-    refresh();
-  });
-  on("perspective", "change", () => {
-    camera.perspective = element("perspective").checked;
-    refresh();
-  });
+  onChange("map", ({ value }) => (shown.map = value));
+  onChange("edges", ({ checked }) => (shown.edges = checked));
+  onChange("clip", ({ value }) => (shown.clipAxis = value === "" ? -1 : Number(value)));
+  onChange("clip-place", ({ value }) => (shown.clipPlace = value / 1000), "input");
+  onChange("clip-flip", ({ checked }) => (shown.clipFlip = checked));
+  onChange("perspective", ({ checked }) => (camera.perspective = checked));
   element("views").append(
     ...STANDARD_VIEWS.map(([name], i) => {
       const button = make("button", name, { type: "button", title: `Key ${i + 1}` });

@@ -23,15 +23,11 @@ const surfaces = new Map();
 let renderer;
 let overlay;
 let chart;
-let box = [
-  [0, 0, 0],
-  [1, 1, 1],
-]; // of what is drawn
 let running = null; // the refresh under way
 let isStale = false; // something changed since it started
 let hasLostCard = false;
 let drawRequest = 0;
-let figuresKey = ""; // what `figureRows` are of
+let figuresKey = ""; // what `figureRows` belong to
 let figureRows = [];
 
 const drawnSurfaces = () => drawn.groups.map((number) => surfaces.get(number));
@@ -46,8 +42,7 @@ function refresh() {
         await update();
         tell(page.groups.some((group) => group.faces > 0) ? "" : "The case has nothing to draw.");
       } catch (error) {
-        tell(`The page cannot be shown: ${error.message}`);
-        console.error(error);
+        tellFailure(error);
       }
     }
     running = null;
@@ -59,6 +54,11 @@ function tell(message) {
   element("message").textContent = hasLostCard
     ? "The graphics card gave up the picture; load the page again."
     : message;
+}
+
+function tellFailure(error) {
+  tell(`The page cannot be shown: ${error.message}`);
+  console.error(error);
 }
 
 async function update() {
@@ -75,7 +75,7 @@ async function update() {
   }
   Object.assign(drawn, { groups, result, component, state, figures: rows.length ? rows[state].figures : null });
   drawn.range = rangeOf(rows);
-  box = camera.box = boxOf(drawnSurfaces());
+  camera.box = boxOf(drawnSurfaces());
   element("chart").hidden = rows.length < 2;
   if (rows.length > 1) chart.show(rows, state, legendTitle());
   renderer.setColors(colorTable(shown.map));
@@ -118,7 +118,10 @@ function legendTitle() {
   return resultTitle(result) + (component ? `, ${component}` : "");
 }
 
-const clipPosition = () => box[0][shown.clipAxis] + (box[1][shown.clipAxis] - box[0][shown.clipAxis]) * shown.clipPlace;
+function clipPosition() {
+  const [low, high] = camera.box.map((corner) => corner[shown.clipAxis]);
+  return low + (high - low) * shown.clipPlace;
+}
 
 // How surfaces look, for the renderer.
 function look() {
@@ -256,9 +259,9 @@ async function defaultResult(state) {
 
 // Parts if there are any, since patches and zones lie on them.
 function defaultGroups() {
-  const drawn = page.groups.map((group, i) => [group, i]).filter(([group]) => group.faces > 0);
-  const parts = drawn.filter(([group]) => group.kind === "part");
-  return (parts.length ? parts : drawn).map(([, i]) => i);
+  const drawable = page.groups.map((group, i) => [group, i]).filter(([group]) => group.faces > 0);
+  const parts = drawable.filter(([group]) => group.kind === "part");
+  return (parts.length ? parts : drawable).map(([, i]) => i);
 }
 
 async function start() {
@@ -287,7 +290,7 @@ async function start() {
 
 // Resolves when the first picture is complete. A program that takes the picture finds out from the log.
 const started = start()
-  .catch((error) => tell(`The page cannot be shown: ${error.message}`))
+  .catch(tellFailure)
   .then(() => {
     const message = element("message").textContent;
     if (location.hash === "#picture") console.info(`picture: ${message.replaceAll('"', "'") || "drawn"}`);

@@ -10,7 +10,7 @@ class Surface {
     this.points = null; // x, y, z of each point, from the page's origin
     this.shownPoints = -1; // the array that they come from
     this.shown = null; // the values as { base, values, onNodes }; null if there are none
-    this.shownValues = null; // the key of what they are of
+    this.shownValues = null; // the result, component and state that they belong to
   }
 
   // Cuts each face into a fan of triangles. Of each corner of a triangle it keeps the point; of each triangle its face
@@ -135,10 +135,5 @@ function boxOfPoints(points) {
 function boxOf(surfaces) {
   const boxes = surfaces.map((surface) => surface.box).filter(([lower, upper]) => lower[0] <= upper[0]);
   const box = boxOfPoints(boxes.flat(2));
-  return box[0][0] <= box[1][0]
-    ? box
-    : [
-        [0, 0, 0],
-        [1, 1, 1],
-      ];
+  return box[0][0] <= box[1][0] ? box : UNIT_BOX;
 }
